@@ -1,0 +1,23 @@
+# Warnings for this project's own code, and the rules under which its results are the same bit for
+# bit with every compiler.
+
+function(zktarn_warnings target)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic
+    -Wconversion -Wsign-conversion -Wdouble-promotion -Wfloat-conversion
+    -Wshadow -Wold-style-cast -Wcast-qual -Wcast-align -Wundef
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wimplicit-fallthrough
+    $<$<BOOL:${ZKTARN_WERROR}>:-Werror>)
+endfunction()
+
+# Neither contraction nor any other relaxation of IEEE 754 may change a result. Exceptions and type
+# information have no place in code that throws nothing and is called from hosts that unwind nothing.
+function(zktarn_library_rules target)
+  zktarn_warnings(${target})
+  target_compile_options(${target} PRIVATE
+    -ffp-contract=off -fno-fast-math -fno-exceptions -fno-rtti -fno-semantic-interposition)
+  set_target_properties(${target} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+endfunction()

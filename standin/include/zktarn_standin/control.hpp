@@ -1,0 +1,159 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// Control of the stand-in host.
+///
+/// The stand-in supplies the host's operations on machines where there is no host. A solver links
+/// `zktarn::standin` beside `zktarn::util` and runs as it would inside the host; its tests include
+/// this header to make the host fail on purpose, to count what was asked of it, and to prove that
+/// everything was given back.
+///
+/// Everything here is process-wide, and callable from any thread. Nothing here counts as an
+/// operation of the host.
+
+namespace zktarn::standin {
+
+// Operations
+// ----------------------------------------------------------------------------------------
+
+/// Every operation of the host, in the order of its libraries.
+enum class operation : int {
+    // libzkoptimutil
+    qvMallocExOptim,
+    qvFreeExOptim,
+    instantiateRngOptim,
+    deleteRngOptim,
+    getRandUniformOptim,
+    getRngStateOptim,
+    setRngStateOptim,
+    deleteRngStateOptim,
+    assertOptim,
+    ioFlushOptim,
+    // libut
+    utIsInterruptPending,
+    // libqv
+    qvcreatestructarray800_,
+    qvcreatestring800_,
+    qvcreatedoublescalar800_,
+    qvcreatedoublematrix800_,
+    qvsetfield800_,
+    qvsetfieldbynumber800_,
+    qvgetfieldnumber800_,
+    qvaddfield800_,
+    qvgetpr800_,
+    qvcopyptrtoreal8800_,
+    qvcopyreal8toptr800_,
+    qvdestroyarray800_,
+    // libqvx
+    qvxcallquarn800_,
+    qvxprintf800_,
+};
+
+/// The number of operations.
+inline constexpr int operation_count = static_cast<int>(operation::qvxprintf800_) + 1;
+
+/// The name under which the host exports an operation.
+[[nodiscard]] const char* name(operation what) noexcept;
+
+/// How often an operation has been called since the start or the last `reset`.
+[[nodiscard]] std::int64_t calls(operation what) noexcept;
+
+/// Puts the control back to its beginnings: counts at 0, no failure planned, no filling, default
+/// handlers, report at exit. Live blocks stay live and keep their order numbers.
+void reset();
+
+// Memory manager
+// ------------------------------------------------------------------------------------
+
+/// A block of host memory. Blocks are aligned to 64 bytes.
+struct block {
+    /// Where it begins.
+    const void* address = nullptr;
+    /// The size that was asked for, in bytes.
+    std::int64_t nbytes = 0;
+    /// The number of the request that made it. Requests are counted from 1 for the whole life of
+    /// the process, refused ones included; 0 where a fault concerns no known block.
+    std::int64_t order = 0;
+};
+
+/// The number of requests so far, which is the order number of the last one.
+[[nodiscard]] std::int64_t requests() noexcept;
+
+/// Makes the k-th request from now fail, once: 1 is the next one. Replaces what was planned before;
+/// k < 1 plans no failure.
+void fail_request(std::int64_t k) noexcept;
+
+/// Makes the k-th request from now and all after it fail: a host whose memory has run out. Replaces
+/// what was planned before; k < 1 plans no failure.
+void fail_requests_from(std::int64_t k) noexcept;
+
+/// Fills every new block with `byte`, so that what is read before it is written shows; -1, the
+/// beginning, leaves new blocks as they come.
+void fill_new_blocks(int byte) noexcept;
+
+/// The blocks that have not been given back, by order number.
+[[nodiscard]] std::vector<block> live_blocks();
+
+/// Looks behind and before every live block for writes outside of it, reports each damaged block
+/// once to the fault handler, and returns their number.
+std::int64_t check_blocks();
+
+/// The memory report: one line with the number of requests, of refusals and of live blocks, then a
+/// line for each live block with its size and order number. Ends in a line feed.
+[[nodiscard]] std::string memory_report();
+
+/// Whether the process, at its end, checks all blocks and writes the memory report to standard
+/// error when a block is still live. On at the beginning. Returns the previous setting.
+bool report_at_exit(bool on) noexcept;
+
+// Faults
+// --------------------------------------------------------------------------------------------
+
+/// What a program can do wrong with host memory.
+enum class fault_kind {
+    /// A request for fewer than one byte; answered with null.
+    bad_request,
+    /// A block given back a second time; ignored. Seen as long as the host has not handed out the
+    /// address again.
+    double_free,
+    /// An address given back that the host never handed out, one inside a block included; ignored.
+    foreign_free,
+    /// Bytes behind the end of a block have been written. Seen when the block is given back, by
+    /// `check_blocks` and at exit.
+    write_past_end,
+    /// Bytes before the start of a block have been written. Seen as above.
+    write_before_start,
+};
+
+/// A fault, as the handler is told of it.
+struct fault {
+    fault_kind kind;
+    /// The block concerned. For a foreign address that lies inside a live block, that block; for
+    /// any other, the address alone.
+    block concerned;
+    /// The whole story in one sentence, with sizes and order numbers.
+    std::string sentence;
+};
+
+/// Is told of a fault, on the thread that caused it, with no lock of the stand-in held.
+using fault_handler = std::function<void(const fault&)>;
+
+/// Installs the handler of faults and returns the previous one. An empty handler stands for the
+/// default, which writes the sentence to standard error and aborts.
+fault_handler set_fault_handler(fault_handler handler);
+
+// Assertions
+// ----------------------------------------------------------------------------------------
+
+/// Is told of every assertion that failed, on the thread that made it.
+using assertion_handler = std::function<void()>;
+
+/// Installs the handler of failed assertions and returns the previous one. An empty handler stands
+/// for the default, which writes a sentence to standard error and aborts.
+assertion_handler set_assertion_handler(assertion_handler handler);
+
+} // namespace zktarn::standin

@@ -1,0 +1,275 @@
+#include "memory_manager.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <mutex>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+#include "core.hpp"
+
+namespace zktarn::standin {
+
+namespace {
+
+// A block is allocated with a guard on either side: 64 bytes in front, which keep its alignment,
+// and at least 64 behind, right from its last byte on.
+constexpr std::size_t guard_size = 64;
+constexpr std::size_t alignment = 64;
+constexpr unsigned char guard_byte = 0xFD;
+
+// Beyond this, size and guards do not fit an address.
+constexpr std::int64_t largest_block = std::numeric_limits<std::int64_t>::max() -
+                                       static_cast<std::int64_t>(2 * guard_size + alignment);
+
+struct memory {
+    std::mutex lock;
+    std::unordered_map<const void*, block> live;
+    // Blocks given back whose address has not been handed out again.
+    std::unordered_map<const void*, block> freed;
+    std::int64_t requests = 0;
+    std::int64_t refusals = 0;
+    // Requests that fail, by order number: first to last.
+    std::int64_t first_failing = 0;
+    std::int64_t last_failing = -1;
+    int fill = -1;
+    bool report_at_exit = true;
+};
+
+void report_leaks();
+
+/// Never destroyed, so that blocks given back late are still known; the report at exit comes after
+/// everything that was set up later than the first block.
+memory& manager() {
+    static memory& all = *[] {
+        std::atexit(report_leaks);
+        return new memory;
+    }();
+    return all;
+}
+
+std::string bytes(std::int64_t n) {
+    return std::to_string(n) + (n == 1 ? " byte" : " bytes");
+}
+
+std::string describe(const block& b) {
+    return "block " + std::to_string(b.order) + " (" + bytes(b.nbytes) + ")";
+}
+
+unsigned char* raw(const block& b) {
+    return static_cast<unsigned char*>(const_cast<void*>(b.address)) - guard_size;
+}
+
+std::size_t rounded_up(std::int64_t nbytes) {
+    return (static_cast<std::size_t>(nbytes) + alignment - 1) / alignment * alignment;
+}
+
+bool intact(const unsigned char* guard) {
+    return std::all_of(guard, guard + guard_size, [](unsigned char c) { return c == guard_byte; });
+}
+
+void set_guard(unsigned char* guard) {
+    std::memset(guard, guard_byte, guard_size);
+}
+
+void* allocate(std::int64_t nbytes) {
+    if (nbytes > largest_block) {
+        return nullptr;
+    }
+    auto* const start = static_cast<unsigned char*>(
+        std::aligned_alloc(alignment, guard_size + rounded_up(nbytes) + guard_size));
+    if (start == nullptr) {
+        return nullptr;
+    }
+    set_guard(start);
+    set_guard(start + guard_size + nbytes);
+    return start + guard_size;
+}
+
+/// The fault of a block whose guards have been written; the guards are mended, so that it is told
+/// once.
+std::optional<fault> damage(const block& b) {
+    unsigned char* const before = raw(b);
+    unsigned char* const behind = before + guard_size + b.nbytes;
+    std::optional<fault> found;
+    if (!intact(behind)) {
+        found = fault{fault_kind::write_past_end, b, describe(b) + " was written past its end"};
+        set_guard(behind);
+    } else if (!intact(before)) {
+        found =
+            fault{fault_kind::write_before_start, b, describe(b) + " was written before its start"};
+        set_guard(before);
+    }
+    return found;
+}
+
+/// The fault of giving back an address at which no live block begins.
+fault bad_release(const memory& m, const void* address) {
+    if (const auto old = m.freed.find(address); old != m.freed.end()) {
+        return {fault_kind::double_free, old->second,
+                describe(old->second) + " was given back twice"};
+    }
+    for (const auto& [start, b] : m.live) {
+        const auto* const first = static_cast<const unsigned char*>(start);
+        if (std::less<>{}(first, address) && std::less<>{}(address, first + b.nbytes)) {
+            return {fault_kind::foreign_free, b,
+                    "an address inside " + describe(b) + " was given back"};
+        }
+    }
+    return {fault_kind::foreign_free, block{address, 0, 0},
+            "an address that the memory manager never handed out was given back"};
+}
+
+std::vector<block> sorted_blocks(const memory& m) {
+    std::vector<block> all;
+    all.reserve(m.live.size());
+    for (const auto& [address, b] : m.live) {
+        all.push_back(b);
+    }
+    std::sort(all.begin(), all.end(),
+              [](const block& a, const block& b) { return a.order < b.order; });
+    return all;
+}
+
+void report_leaks() {
+    if (!manager().report_at_exit) {
+        return;
+    }
+    check_blocks();
+    if (!live_blocks().empty()) {
+        std::fputs(memory_report().c_str(), stderr);
+    }
+}
+
+void plan_failures(std::int64_t k, bool lasting) noexcept {
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    // A sum beyond the largest order number is a request that is never made.
+    constexpr std::int64_t never = std::numeric_limits<std::int64_t>::max();
+    m.first_failing = k < 1 || k > never - m.requests ? never : m.requests + k;
+    m.last_failing = lasting ? never - 1 : m.first_failing;
+}
+
+} // namespace
+
+void* obtain(std::int64_t nbytes) {
+    if (nbytes < 1) {
+        report_fault({fault_kind::bad_request,
+                      {},
+                      "a block of " + bytes(nbytes) + " was asked for; at least 1 is needed"});
+        return nullptr;
+    }
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    const std::int64_t order = ++m.requests;
+    const bool planned = order >= m.first_failing && order <= m.last_failing;
+    void* const address = planned ? nullptr : allocate(nbytes);
+    if (address == nullptr) {
+        ++m.refusals;
+        return nullptr;
+    }
+    if (m.fill >= 0) {
+        std::memset(address, m.fill, static_cast<std::size_t>(nbytes));
+    }
+    m.freed.erase(address);
+    m.live.emplace(address, block{address, nbytes, order});
+    return address;
+}
+
+void release(void* address) {
+    if (address == nullptr) {
+        return;
+    }
+    memory& m = manager();
+    std::optional<fault> found;
+    {
+        const std::lock_guard guard(m.lock);
+        const auto entry = m.live.find(address);
+        if (entry == m.live.end()) {
+            found = bad_release(m, address);
+        } else {
+            found = damage(entry->second);
+            m.freed.insert_or_assign(address, entry->second);
+            std::free(raw(entry->second));
+            m.live.erase(entry);
+        }
+    }
+    if (found) {
+        report_fault(*found);
+    }
+}
+
+void reset_memory_manager() noexcept {
+    fail_request(0);
+    fill_new_blocks(-1);
+    report_at_exit(true);
+}
+
+std::int64_t requests() noexcept {
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    return m.requests;
+}
+
+void fail_request(std::int64_t k) noexcept {
+    plan_failures(k, false);
+}
+
+void fail_requests_from(std::int64_t k) noexcept {
+    plan_failures(k, true);
+}
+
+void fill_new_blocks(int byte) noexcept {
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    m.fill = byte;
+}
+
+std::vector<block> live_blocks() {
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    return sorted_blocks(m);
+}
+
+std::int64_t check_blocks() {
+    memory& m = manager();
+    std::vector<fault> damaged;
+    {
+        const std::lock_guard guard(m.lock);
+        for (const block& b : sorted_blocks(m)) {
+            if (auto found = damage(b)) {
+                damaged.push_back(std::move(*found));
+            }
+        }
+    }
+    for (const fault& each : damaged) {
+        report_fault(each);
+    }
+    return static_cast<std::int64_t>(damaged.size());
+}
+
+std::string memory_report() {
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    const std::vector<block> live = sorted_blocks(m);
+    std::string text = "host memory: " + std::to_string(m.requests) + " requests, " +
+                       std::to_string(m.refusals) + " refused, " + std::to_string(live.size()) +
+                       " blocks not given back\n";
+    for (const block& b : live) {
+        text += "  block " + std::to_string(b.order) + ": " + bytes(b.nbytes) + "\n";
+    }
+    return text;
+}
+
+bool report_at_exit(bool on) noexcept {
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    return std::exchange(m.report_at_exit, on);
+}
+
+} // namespace zktarn::standin
