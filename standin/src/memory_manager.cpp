@@ -41,15 +41,9 @@ struct memory {
     bool report_at_exit = true;
 };
 
-void report_leaks();
-
-/// Never destroyed, so that blocks given back late are still known; the report at exit comes after
-/// everything that was set up later than the first block.
+/// Never destroyed, so that blocks given back late are still known.
 memory& manager() {
-    static memory& all = *[] {
-        std::atexit(report_leaks);
-        return new memory;
-    }();
+    static memory& all = *new memory;
     return all;
 }
 
@@ -99,12 +93,12 @@ std::optional<fault> damage(const block& b) {
     std::optional<fault> found;
     if (!intact(behind)) {
         found = fault{fault_kind::write_past_end, b, describe(b) + " was written past its end"};
-        set_guard(behind);
     } else if (!intact(before)) {
         found =
             fault{fault_kind::write_before_start, b, describe(b) + " was written before its start"};
-        set_guard(before);
     }
+    set_guard(before);
+    set_guard(behind);
     return found;
 }
 
@@ -136,7 +130,8 @@ std::vector<block> sorted_blocks(const memory& m) {
     return all;
 }
 
-void report_leaks() {
+/// Runs when the process unloads this library, after every destructor of the program.
+[[gnu::destructor]] void report_leaks() {
     if (!manager().report_at_exit) {
         return;
     }

@@ -1,0 +1,114 @@
+#include "support/compare.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <numeric>
+#include <random>
+
+namespace zktarn::bench {
+
+namespace {
+
+using nanoseconds = std::chrono::duration<double, std::nano>;
+
+/// Long beside the resolution of the clock, short beside the time slices of the system.
+constexpr double round_target = 20'000.0;
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+/// Nanoseconds that `repetitions` take.
+double timed(const contender& each, std::int64_t repetitions) {
+    if (each.prepare) {
+        each.prepare(repetitions);
+    }
+    const auto start = std::chrono::steady_clock::now();
+    each.run(repetitions);
+    return nanoseconds(std::chrono::steady_clock::now() - start).count();
+}
+
+class comparison {
+public:
+    comparison(std::vector<contender> contenders, std::int64_t most_repetitions)
+        : contenders_(std::move(contenders)), order_(contenders_.size()),
+          most_repetitions_(most_repetitions) {
+        std::iota(order_.begin(), order_.end(), std::size_t{0});
+    }
+
+    void measure(benchmark::State& state) {
+        if (repetitions_ == 0) {
+            calibrate();
+        }
+        std::vector<std::vector<double>> times(contenders_.size());
+        for ([[maybe_unused]] auto _ : state) {
+            state.SetIterationTime(round(times) * 1e-9);
+        }
+        report(times, state);
+    }
+
+private:
+    /// Doubles the repetitions until the fastest contender takes as long as a round should.
+    void calibrate() {
+        repetitions_ = 1;
+        fastest(); // The first time is slower: pages and caches are cold.
+        while (repetitions_ < most_repetitions_ && fastest() < round_target) {
+            repetitions_ *= 2;
+        }
+    }
+
+    double fastest() const {
+        double least = timed(contenders_.front(), repetitions_);
+        for (const contender& each : contenders_) {
+            least = std::min(least, timed(each, repetitions_));
+        }
+        return least;
+    }
+
+    /// Notes each contender's time for one repetition; returns that of the whole round.
+    double round(std::vector<std::vector<double>>& times) {
+        std::shuffle(order_.begin(), order_.end(), generator_);
+        double total = 0;
+        for (const std::size_t i : order_) {
+            const double time = timed(contenders_[i], repetitions_);
+            times[i].push_back(time / static_cast<double>(repetitions_));
+            total += time;
+        }
+        return total;
+    }
+
+    void report(const std::vector<std::vector<double>>& times, benchmark::State& state) const {
+        for (std::size_t i = 0; i < contenders_.size(); ++i) {
+            state.counters[contenders_[i].name + "_ns"] = median(times[i]);
+            if (i > 0) {
+                std::vector<double> ratios(times[0].size());
+                std::transform(times[0].begin(), times[0].end(), times[i].begin(), ratios.begin(),
+                               std::divides<>{});
+                state.counters[contenders_[0].name + "/" + contenders_[i].name] = median(ratios);
+            }
+        }
+    }
+
+    std::vector<contender> contenders_;
+    std::vector<std::size_t> order_;
+    std::int64_t most_repetitions_;
+    std::int64_t repetitions_ = 0;
+    std::mt19937 generator_{1};
+};
+
+} // namespace
+
+void compare(const std::string& name, std::vector<contender> contenders,
+             std::int64_t most_repetitions) {
+    const auto shared = std::make_shared<comparison>(std::move(contenders), most_repetitions);
+    benchmark::RegisterBenchmark(name.c_str(),
+                                 [shared](benchmark::State& state) { shared->measure(state); })
+        ->UseManualTime()
+        ->Unit(benchmark::kMicrosecond);
+}
+
+} // namespace zktarn::bench

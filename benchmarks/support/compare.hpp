@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <benchmark/benchmark.h>
+
+/// Contenders that do the same job, timed side by side in one process.
+///
+/// A comparison runs in rounds. In each round every contender does the job the same number of
+/// times, and the order of the contenders is drawn anew, so that whatever slows the machine down
+/// for a while slows all of them alike. What is reported are medians over the rounds: the time of
+/// one repetition for each contender, and the ratio of the first contender's time to that of each
+/// other one, taken round by round.
+
+namespace zktarn::bench {
+
+struct contender {
+    std::string name;
+    /// Does the job that many times. This is what is timed.
+    std::function<void(std::int64_t repetitions)> run;
+    /// Makes fresh input for that many repetitions, before each `run` and untimed; may be empty.
+    std::function<void(std::int64_t repetitions)> prepare;
+};
+
+/// A contender that does `job(i)` for i = 0, 1, ...: with fresh input, i says which one to use.
+template <class Job>
+contender doing(std::string name, Job job,
+                std::function<void(std::int64_t repetitions)> prepare = {}) {
+    auto run = [job](std::int64_t repetitions) {
+        for (std::int64_t i = 0; i < repetitions; ++i) {
+            job(i);
+        }
+    };
+    return {std::move(name), std::move(run), std::move(prepare)};
+}
+
+/// Registers a comparison. The first contender is the one the others are held against.
+///
+/// A round repeats the job until it can be timed well, but not more often than `most_repetitions`,
+/// which bounds the fresh input that must be held at a time.
+void compare(const std::string& name, std::vector<contender> contenders,
+             std::int64_t most_repetitions = std::int64_t{1} << 20);
+
+/// Registers all comparisons of a program; every benchmark program defines it.
+void register_comparisons();
+
+} // namespace zktarn::bench

@@ -1,0 +1,57 @@
+#include <cstddef>
+#include <fstream>
+#include <string>
+
+#ifdef __APPLE__
+#include <sys/sysctl.h>
+#endif
+
+#include "support/compare.hpp"
+
+namespace {
+
+std::string compiler() {
+#ifdef __clang__
+    return __VERSION__;
+#else
+    return std::string("GCC ") + __VERSION__;
+#endif
+}
+
+std::string processor() {
+#ifdef __APPLE__
+    char text[256] = {};
+    std::size_t size = sizeof text - 1;
+    if (sysctlbyname("machdep.cpu.brand_string", text, &size, nullptr, 0) == 0) {
+        return text;
+    }
+#else
+    std::ifstream description("/proc/cpuinfo");
+    for (std::string line; std::getline(description, line);) {
+        const std::size_t colon = line.find(": ");
+        if (line.starts_with("model name") && colon != std::string::npos) {
+            return line.substr(colon + 2);
+        }
+    }
+#endif
+    return "unknown";
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::AddCustomContext("compiler", compiler());
+    benchmark::AddCustomContext("flags", ZKTARN_BENCH_FLAGS);
+    benchmark::AddCustomContext("library flags", ZKTARN_BENCH_LIBRARY_FLAGS);
+    benchmark::AddCustomContext("processor", processor());
+
+    zktarn::bench::register_comparisons();
+    // A filter that matches nothing is a mistake, of which Google Benchmark has told by then.
+    const bool any = benchmark::RunSpecifiedBenchmarks() > 0;
+    benchmark::Shutdown();
+    return any ? 0 : 1;
+}
