@@ -47,8 +47,12 @@ memory& manager() {
     return all;
 }
 
+std::string counted(std::int64_t n, const char* what) {
+    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
+
 std::string bytes(std::int64_t n) {
-    return std::to_string(n) + (n == 1 ? " byte" : " bytes");
+    return counted(n, "byte");
 }
 
 std::string describe(const block& b) {
@@ -252,9 +256,10 @@ std::string memory_report() {
     memory& m = manager();
     const std::lock_guard guard(m.lock);
     const std::vector<block> live = sorted_blocks(m);
-    std::string text = "host memory: " + std::to_string(m.requests) + " requests, " +
-                       std::to_string(m.refusals) + " refused, " + std::to_string(live.size()) +
-                       " blocks not given back\n";
+    std::string text = "host memory: " + counted(m.requests, "request") + ", " +
+                       std::to_string(m.refusals) + " refused, " +
+                       counted(static_cast<std::int64_t>(live.size()), "block") +
+                       " not given back\n";
     for (const block& b : live) {
         text += "  block " + std::to_string(b.order) + ": " + bytes(b.nbytes) + "\n";
     }

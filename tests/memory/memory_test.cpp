@@ -124,7 +124,7 @@ TYPED_TEST(Allocmem1d, FailsWithoutTheHostWhenTheBytesDoNotFit) {
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, most), 0);
     EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(most * TypeParam::width)));
-    if (TypeParam::width > 1) {
+    if constexpr (TypeParam::width > 1) {
         EXPECT_EQ(TypeParam::alloc(array, most + 1), 0);
         EXPECT_EQ(TypeParam::alloc(array, largest), 0);
         EXPECT_EQ(this->host.calls.size(), 1U);

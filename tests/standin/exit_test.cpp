@@ -65,7 +65,7 @@ TEST_F(ExitDeathTest, ALeakIsReportedAndTheExitStatusKept) {
             end();
         },
         testing::ExitedWithCode(status),
-        exactly("host memory: 2 requests, 0 refused, 1 blocks not given back\n"
+        exactly("host memory: 2 requests, 0 refused, 1 block not given back\n"
                 "  block 2: 24 bytes\n"));
 }
 
@@ -97,7 +97,7 @@ TEST_F(ExitDeathTest, ResetTurnsTheReportOn) {
             end();
         },
         testing::ExitedWithCode(status),
-        exactly("host memory: 1 requests, 0 refused, 1 blocks not given back\n"
+        exactly("host memory: 1 request, 0 refused, 1 block not given back\n"
                 "  block 1: 8 bytes\n"));
 }
 
@@ -119,7 +119,7 @@ TEST_F(ExitDeathTest, DamageFoundAtExitIsToldToTheHandlerBeforeTheReport) {
         },
         testing::ExitedWithCode(status),
         exactly("block 1 (8 bytes) was written past its end\n"
-                "host memory: 1 requests, 0 refused, 1 blocks not given back\n"
+                "host memory: 1 request, 0 refused, 1 block not given back\n"
                 "  block 1: 8 bytes\n"));
 }
 

@@ -1,0 +1,23 @@
+#include "zktarn/vector/vector_mod.hpp"
+
+#include <cmath>
+
+namespace zktarn::vector_mod {
+
+flag vectors_are_identical(const vector& a, const vector& b, const double& tol) noexcept {
+    if (a.nz != b.nz) {
+        return 0;
+    }
+    const double eps = tol;
+    const std::int32_t* const marks = a.elm.data;
+    for (std::int32_t k = 0; k < a.nz; ++k) {
+        const std::int32_t i = a.ind.data[k] - 1;
+        const double ours = marks == nullptr || marks[i] >= 1 ? a.coef.data[i] : 0.0;
+        if (b.elm.data[i] < 1 || std::fabs(ours - b.coef.data[i]) > eps) {
+            return 0;
+        }
+    }
+    return 1;
+}
+
+} // namespace zktarn::vector_mod

@@ -1,0 +1,93 @@
+#include <algorithm>
+#include <cmath>
+
+#include "zktarn/vector/vectors_combine_internal.hpp"
+#include "zktarn/vector/vectors_combine_variants_internal.hpp"
+
+namespace zktarn::vector_mod {
+
+namespace detail {
+
+bool combine_portable(vector& x, const vector& y, const combination& by) noexcept {
+    return combine_coefficients(x, y, by);
+}
+
+#ifdef ZKTARN_COMBINE_DISPATCHES
+
+[[gnu::target("avx2,fma")]] bool combine_fused(vector& x, const vector& y,
+                                               const combination& by) noexcept {
+    return combine_coefficients(x, y, by);
+}
+
+namespace {
+
+using combine_function = bool (*)(vector&, const vector&, const combination&) noexcept;
+
+// Runs while the library is being loaded, before anything of the process is ready, sanitizers
+// included.
+extern "C" __attribute__((no_sanitize("address", "undefined"), used)) combine_function
+zktarn_resolve_combine() noexcept {
+    __builtin_cpu_init();
+    constexpr combine_function variants[] = {combine_portable, combine_fused};
+    return variants[__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")];
+}
+
+} // namespace
+
+bool combine(vector& x, const vector& y, const combination& by) noexcept
+    __attribute__((ifunc("zktarn_resolve_combine")));
+
+#else
+
+bool combine(vector& x, const vector& y, const combination& by) noexcept {
+    return combine_portable(x, y, by);
+}
+
+#endif
+
+namespace {
+
+/// Lists the indices of y that x does not have.
+void merge_support(vector& x, const vector& y) noexcept {
+    if (x.elm.present()) {
+        std::int32_t* const marks = x.elm.data;
+        append_where(
+            x, y.ind.data, y.nz,
+            [=](std::int32_t j) {
+                const std::int32_t mark = marks[j - 1];
+                marks[j - 1] = std::max(mark, 1);
+                return std::int32_t{mark < 1};
+            },
+            [=](std::int32_t j) { __builtin_prefetch(marks + j - 1, 1); });
+    } else if (x.ind.present()) {
+        for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
+            vector_add_nz(x, y.ind.data[k]);
+        }
+    }
+}
+
+} // namespace
+
+} // namespace detail
+
+void vectors_combine(vector& x, const vector& y, const double& alpha, const double& beta,
+                     const double& tol) noexcept {
+    const detail::combination by{alpha, beta, std::fabs(alpha - 1.0) > tol, std::fabs(beta) > tol};
+    if (x.coef.present() && y.coef.present()) {
+        if (detail::combine(x, y, by)) {
+            vector_rem_zeros(x);
+        }
+        return;
+    }
+    if (x.coef.present() && by.scales) {
+        detail::scale_entries(x, by.alpha);
+    }
+    if (by.adds) {
+        detail::merge_support(x, y);
+    }
+    if (x.coef.present()) {
+        vector_rem_zeros(x);
+    }
+}
+
+} // namespace zktarn::vector_mod

@@ -1,0 +1,7 @@
+#include <cstdlib>
+
+void broken(int n) {
+    if (n < 0) {
+        std::abort();
+    }
+}

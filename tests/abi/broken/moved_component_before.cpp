@@ -1,0 +1,8 @@
+struct record {
+    double* coefficients;
+    int count;
+};
+
+int broken(const record& r) {
+    return r.count;
+}

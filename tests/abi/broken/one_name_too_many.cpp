@@ -1,0 +1,3 @@
+namespace zktarn::memory_mod {
+void mallocate_quickly() {}
+} // namespace zktarn::memory_mod

@@ -1,0 +1,5 @@
+#include <cstdio>
+
+void broken(int n) {
+    std::printf("%d\n", n);
+}

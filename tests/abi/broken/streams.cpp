@@ -1,0 +1,5 @@
+#include <iostream>
+
+void broken(int n) {
+    std::cout << n;
+}

@@ -1,0 +1,5 @@
+void broken(int n) {
+    if (n < 0) {
+        throw n;
+    }
+}
