@@ -99,7 +99,8 @@ public:
         // Front and back have met, and one of them has nothing left to pair: what remains is either
         // within the back block, or within the front block and dead behind it.
         if (holes == 0) {
-            return finish(back, living ^ low_bits(length_ - back), living);
+            // Bits beyond the list count as holes that nothing fills.
+            return finish(back, ~living, living);
         }
         return finish(front, holes, holes ^ low_bits(front_end - front));
     }

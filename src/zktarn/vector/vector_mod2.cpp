@@ -59,7 +59,7 @@ void vector_mod2(vector& v, const double& tol) noexcept {
     if (v.nz < 1) {
         return;
     }
-    if (eps >= 0.0 && eps < 0.5) {
+    if (eps < 0.5) {
         v.nz = detail::compact(v.ind.data, v.nz, detail::to_the_end, reducing_judge{v, eps});
     } else {
         reduce_then_drop(v, eps);
