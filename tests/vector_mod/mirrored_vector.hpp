@@ -25,6 +25,11 @@ struct form {
     bool list_mode() const { return !elm && ind; }
 };
 
+/// Equal in every bit, or neither of them a number.
+inline bool same_bits(double a, double b) {
+    return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) || (a != a && b != b);
+}
+
 class mirrored_vector {
 public:
     mirrored_vector(std::int32_t n, form arrays)
@@ -121,11 +126,7 @@ private:
             return true;
         }
         for (std::int32_t j = 1; j <= capacity; ++j) {
-            const double ours = record.coef(j);
-            const double theirs = mirror.c(j);
-            const bool same =
-                std::bit_cast<std::uint64_t>(ours) == std::bit_cast<std::uint64_t>(theirs);
-            if (!same && !(ours != ours && theirs != theirs)) {
+            if (!same_bits(record.coef(j), mirror.c(j))) {
                 return false;
             }
         }
