@@ -29,7 +29,9 @@ extern "C" __attribute__((no_sanitize("address", "undefined"), used)) combine_fu
 zktarn_resolve_combine() noexcept {
     __builtin_cpu_init();
     constexpr combine_function variants[] = {combine_portable, combine_fused};
-    return variants[__builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma")];
+    const bool avx2 = __builtin_cpu_supports("avx2") != 0;
+    const bool fma = __builtin_cpu_supports("fma") != 0;
+    return variants[avx2 & fma];
 }
 
 } // namespace
