@@ -42,15 +42,21 @@ inline constexpr std::int64_t block_size = 64;
     return count == block_size ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
 }
 
-/// A word of the answers, 0 or 1, for the `count` entries of a block.
+/// A word of the answers, 0 or 1, for the `count` entries of a block. Read from the back, each
+/// answer goes in at the low end.
 template <class Predicate>
 [[gnu::always_inline]] inline std::uint64_t answers(const std::int32_t* block, std::int64_t count,
                                                     Predicate predicate) noexcept {
     std::uint64_t word = 0;
-    for (std::int64_t i = 0; i < count; ++i) {
-        word |= static_cast<std::uint64_t>(predicate(block[i])) << i;
+    for (std::int64_t i = count - 1; i >= 0; --i) {
+        word = word * 2 + static_cast<std::uint64_t>(predicate(block[i]));
     }
     return word;
+}
+
+/// Whether a coefficient is a zero of either sign: all bits but the sign are 0.
+[[gnu::always_inline]] inline bool is_zero(double value) noexcept {
+    return std::bit_cast<std::uint64_t>(value) << 1 == 0;
 }
 
 /// Clears the marks of those entries of a block that have a bit in `word`.

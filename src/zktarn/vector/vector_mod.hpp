@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstring>
 
 #include "zktarn/export.hpp"
 #include "zktarn/types.hpp"
@@ -23,17 +24,20 @@ namespace detail {
 
 /// The first of positions 1..n at which `list` holds j; 0 when there is none.
 ///
-/// Sixteen at a time with no way out in between, which a compiler turns into vector compares.
+/// Thirty-two at a time, by vector compares that the machine has for 16 or 32 bytes; only where one
+/// of them hits are the entries looked at one by one.
 [[gnu::always_inline]] inline std::int32_t position_of(const std::int32_t* list, std::int32_t n,
                                                        std::int32_t j) noexcept {
-    constexpr std::int32_t stride = 16;
+    using lanes = std::int32_t __attribute__((vector_size(32), aligned(4), may_alias));
+    constexpr std::int32_t stride = 32;
     std::int32_t k = 0;
     for (; n - k >= stride; k += stride) {
-        std::int32_t hits = 0;
-        for (std::int32_t i = 0; i < stride; ++i) {
-            hits |= list[k + i] == j ? 1 : 0;
-        }
-        if (hits != 0) {
+        const auto* const entries = reinterpret_cast<const lanes*>(list + k);
+        const lanes hits =
+            (entries[0] == j) | (entries[1] == j) | (entries[2] == j) | (entries[3] == j);
+        std::int64_t words[4];
+        std::memcpy(words, &hits, sizeof words);
+        if ((words[0] | words[1] | words[2] | words[3]) != 0) {
             break;
         }
     }

@@ -13,7 +13,7 @@ struct marks_judge {
 
     std::uint64_t dead(const std::int32_t* block, std::int64_t count) const noexcept {
         const std::uint64_t word = detail::answers(block, count, [this](std::int32_t j) {
-            return (elm[j - 1] < 1) | (coef[j - 1] == 0.0);
+            return (elm[j - 1] < 1) | detail::is_zero(coef[j - 1]);
         });
         detail::clear_marks(elm, block, word);
         return word;
@@ -26,7 +26,8 @@ struct list_judge {
     const double* coef;
 
     std::uint64_t dead(const std::int32_t* block, std::int64_t count) const noexcept {
-        return detail::answers(block, count, [this](std::int32_t j) { return coef[j - 1] == 0.0; });
+        return detail::answers(block, count,
+                               [this](std::int32_t j) { return detail::is_zero(coef[j - 1]); });
     }
     static void removed(const std::int32_t*, const std::int32_t*) noexcept {}
 };
