@@ -1,6 +1,8 @@
+#include <algorithm>
 #include <cstddef>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #ifdef __APPLE__
 #include <sys/sysctl.h>
@@ -40,6 +42,14 @@ std::string processor() {
 } // namespace
 
 int main(int argc, char** argv) {
+    // Enough for steady medians; what the user asks for comes later and counts.
+    char brief[] = "--benchmark_min_time=0.02";
+    std::vector<char*> arguments(argv, argv + argc);
+    arguments.insert(arguments.begin() + std::min(argc, 1), brief);
+    arguments.push_back(nullptr);
+    argc = static_cast<int>(arguments.size()) - 1;
+    argv = arguments.data();
+
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 1;

@@ -1,8 +1,10 @@
 #include "support/raw_vector.hpp"
 
+#include <bit>
 #include <cmath>
 
-// The machine's own fused multiply-add, wherever the benchmark runs.
+// Each loop with a fused multiply-add exists for every machine and, on x86-64, for machines that
+// have the instruction.
 #ifdef __x86_64__
 #define ZKTARN_FUSED [[gnu::target("fma")]]
 #else
@@ -13,19 +15,38 @@ namespace zktarn::bench {
 
 namespace {
 
-/// Adds beta * y without a branch on membership.
-ZKTARN_FUSED void add(raw_vector& x, const raw_vector& y, double beta) {
+#ifdef __x86_64__
+const bool machine_is_fused = __builtin_cpu_supports("fma") != 0;
+#else
+constexpr bool machine_is_fused = true;
+#endif
+
+/// `value` when `member` is 1, 0.0 when it is 0.
+[[gnu::always_inline]] inline double kept_if(std::int32_t member, double value) {
+    const std::uint64_t mask = std::uint64_t{0} - static_cast<std::uint64_t>(member);
+    return std::bit_cast<double>(std::bit_cast<std::uint64_t>(value) & mask);
+}
+
+/// @param ahead  how many entries ahead to prefetch; 0 for no prefetch.
+template <std::int32_t ahead>
+[[gnu::always_inline]] inline void add(raw_vector& x, const raw_vector& y, double beta) {
     double* const coef = x.coef;
     std::int32_t* const ind = x.ind;
     std::int32_t* const elm = x.elm;
     const double* const y_coef = y.coef;
     const std::int32_t* const y_ind = y.ind;
+    const std::int32_t count = y.nz;
     std::int32_t nz = x.nz;
-    for (std::int32_t k = 0; k < y.nz; ++k) {
+    for (std::int32_t k = 0; k < count; ++k) {
+        if (ahead != 0 && k + ahead < count) {
+            const std::int32_t next = y_ind[k + ahead];
+            __builtin_prefetch(elm + next, 1);
+            __builtin_prefetch(coef + next, 1);
+            __builtin_prefetch(y_coef + next);
+        }
         const std::int32_t j = y_ind[k];
         const std::int32_t member = elm[j];
-        const double old = member != 0 ? coef[j] : 0.0;
-        coef[j] = __builtin_fma(beta, y_coef[j], old);
+        coef[j] = __builtin_fma(beta, y_coef[j], kept_if(member, coef[j]));
         ind[nz] = j;
         nz += 1 - member;
         elm[j] = 1;
@@ -33,33 +54,76 @@ ZKTARN_FUSED void add(raw_vector& x, const raw_vector& y, double beta) {
     x.nz = nz;
 }
 
-} // namespace
+constexpr std::int32_t far_enough = 16;
 
-void raw_drop_zeros(raw_vector& v) {
-    const double* const coef = v.coef;
+void add_anywhere(raw_vector& x, const raw_vector& y, double beta) {
+    add<0>(x, y, beta);
+}
+
+void add_anywhere_prefetching(raw_vector& x, const raw_vector& y, double beta) {
+    add<far_enough>(x, y, beta);
+}
+
+ZKTARN_FUSED void add_fused(raw_vector& x, const raw_vector& y, double beta) {
+    add<0>(x, y, beta);
+}
+
+ZKTARN_FUSED void add_fused_prefetching(raw_vector& x, const raw_vector& y, double beta) {
+    add<far_enough>(x, y, beta);
+}
+
+std::int32_t position_of(const raw_vector& v, std::int32_t j) {
+    for (std::int32_t k = 0; k < v.nz; ++k) {
+        if (v.ind[k] == j) {
+            return k;
+        }
+    }
+    return -1;
+}
+
+/// Drops the entries that `dead` picks and tells `unmark` of each.
+template <class Dead, class Unmark>
+[[gnu::always_inline]] inline void drop(raw_vector& v, Dead dead, Unmark unmark) {
     std::int32_t* const ind = v.ind;
-    std::int32_t* const elm = v.elm;
     std::int32_t nz = v.nz;
     for (std::int32_t k = 0; k < nz;) {
         const std::int32_t j = ind[k];
-        if (coef[j] != 0.0) {
-            ++k;
-        } else {
+        if (dead(j)) {
             ind[k] = ind[--nz];
-            elm[j] = 0;
+            unmark(j);
+        } else {
+            ++k;
         }
     }
     v.nz = nz;
 }
 
+constexpr auto unmarked_already = [](std::int32_t) {};
+
+} // namespace
+
+void raw_drop_zeros(raw_vector& v) {
+    const double* const coef = v.coef;
+    std::int32_t* const elm = v.elm;
+    drop(
+        v, [=](std::int32_t j) { return coef[j] == 0.0; }, [=](std::int32_t j) { elm[j] = 0; });
+}
+
 void raw_combine(raw_vector& x, const raw_vector& y, double beta) {
-    add(x, y, beta);
+    machine_is_fused ? add_fused(x, y, beta) : add_anywhere(x, y, beta);
+    raw_drop_zeros(x);
+}
+
+void raw_combine_prefetching(raw_vector& x, const raw_vector& y, double beta) {
+    machine_is_fused ? add_fused_prefetching(x, y, beta) : add_anywhere_prefetching(x, y, beta);
     raw_drop_zeros(x);
 }
 
 void raw_scale_and_combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
-    for (std::int32_t k = 0; k < x.nz; ++k) {
-        x.coef[x.ind[k]] *= alpha;
+    double* const coef = x.coef;
+    const std::int32_t* const ind = x.ind;
+    for (std::int32_t k = 0, count = x.nz; k < count; ++k) {
+        coef[ind[k]] *= alpha;
     }
     raw_combine(x, y, beta);
 }
@@ -67,40 +131,48 @@ void raw_scale_and_combine(raw_vector& x, const raw_vector& y, double alpha, dou
 void raw_sym_diff(raw_vector& x, const raw_vector& y) {
     std::int32_t* const ind = x.ind;
     std::int32_t* const elm = x.elm;
+    const std::int32_t* const y_ind = y.ind;
     std::int32_t nz = x.nz;
     std::int32_t common = 0;
-    for (std::int32_t k = 0; k < y.nz; ++k) {
-        const std::int32_t j = y.ind[k];
+    for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
+        const std::int32_t j = y_ind[k];
         const std::int32_t member = elm[j];
         ind[nz] = j;
         nz += 1 - member;
         common += member;
         elm[j] = 1 - member;
     }
-    if (common != 0) {
-        for (std::int32_t k = 0; k < nz;) {
-            if (elm[ind[k]] != 0) {
-                ++k;
-            } else {
-                ind[k] = ind[--nz];
-            }
-        }
-    }
     x.nz = nz;
+    if (common != 0) {
+        drop(
+            x, [=](std::int32_t j) { return elm[j] == 0; }, unmarked_already);
+    }
+}
+
+void raw_clear(raw_vector& v) {
+    const std::int32_t* const ind = v.ind;
+    std::int32_t* const elm = v.elm;
+    for (std::int32_t k = 0, count = v.nz; k < count; ++k) {
+        elm[ind[k]] = 0;
+    }
+    v.nz = 0;
 }
 
 void raw_mod2(raw_vector& v) {
-    for (std::int32_t k = 0; k < v.nz; ++k) {
-        double& value = v.coef[v.ind[k]];
-        value = static_cast<double>(static_cast<std::int64_t>(value) & 1);
+    double* const coef = v.coef;
+    const std::int32_t* const ind = v.ind;
+    for (std::int32_t k = 0, count = v.nz; k < count; ++k) {
+        const auto integer = static_cast<std::int64_t>(coef[ind[k]]);
+        coef[ind[k]] = static_cast<double>(integer & 1);
     }
     raw_drop_zeros(v);
 }
 
 void raw_mod2_by_fmod(raw_vector& v) {
-    for (std::int32_t k = 0; k < v.nz; ++k) {
-        double& value = v.coef[v.ind[k]];
-        value = std::fmod(std::fabs(value), 2.0) < 0.5 ? 0.0 : 1.0;
+    double* const coef = v.coef;
+    const std::int32_t* const ind = v.ind;
+    for (std::int32_t k = 0, count = v.nz; k < count; ++k) {
+        coef[ind[k]] = std::fmod(std::fabs(coef[ind[k]]), 2.0);
     }
     raw_drop_zeros(v);
 }
@@ -116,6 +188,50 @@ bool raw_identical(const raw_vector& a, const raw_vector& b, double tol) {
         }
     }
     return true;
+}
+
+double raw_sum_at(const raw_vector& x, const raw_vector& y) {
+    const double* const coef = x.coef;
+    const std::int32_t* const elm = x.elm;
+    const std::int32_t* const y_ind = y.ind;
+    double sum = 0.0;
+    for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
+        const std::int32_t j = y_ind[k];
+        sum += elm[j] != 0 ? coef[j] : 0.0;
+    }
+    return sum;
+}
+
+void raw_store_at(raw_vector& x, const raw_vector& y) {
+    double* const coef = x.coef;
+    std::int32_t* const ind = x.ind;
+    std::int32_t* const elm = x.elm;
+    const double* const y_coef = y.coef;
+    const std::int32_t* const y_ind = y.ind;
+    std::int32_t nz = x.nz;
+    for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
+        const std::int32_t j = y_ind[k];
+        coef[j] = y_coef[j];
+        if (elm[j] == 0) {
+            ind[nz++] = j;
+            elm[j] = 1;
+        }
+    }
+    x.nz = nz;
+}
+
+void raw_combine_lists(raw_vector& x, const raw_vector& y, double beta) {
+    for (std::int32_t k = 0; k < y.nz; ++k) {
+        const std::int32_t j = y.ind[k];
+        const bool member = position_of(x, j) >= 0;
+        x.coef[j] = std::fma(beta, y.coef[j], member ? x.coef[j] : 0.0);
+        if (!member) {
+            x.ind[x.nz++] = j;
+        }
+    }
+    const double* const coef = x.coef;
+    drop(
+        x, [=](std::int32_t j) { return coef[j] == 0.0; }, unmarked_already);
 }
 
 } // namespace zktarn::bench

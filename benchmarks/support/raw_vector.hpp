@@ -6,8 +6,8 @@
 
 #include "support/sparse_problem.hpp"
 
-/// Sparse vectors as a programmer in a hurry writes them: three raw arrays and a count, every
-/// invariant taken for granted. They stand for the limit.
+/// Sparse vectors as three raw arrays and a count, with every invariant taken for granted. The
+/// loops over them do the library's work and nothing else; they stand for the limit.
 
 namespace zktarn::bench {
 
@@ -18,19 +18,15 @@ struct raw_vector {
           ind(ind_store.data()), elm(elm_store.data()) {}
 
     void load(const std::vector<entry>& entries) {
-        clear();
+        for (std::int32_t k = 0; k < nz; ++k) {
+            elm[ind[k]] = 0;
+        }
+        nz = 0;
         for (const entry& each : entries) {
             ind[nz++] = each.index;
             elm[each.index] = 1;
             coef[each.index] = each.value;
         }
-    }
-
-    void clear() {
-        for (std::int32_t k = 0; k < nz; ++k) {
-            elm[ind[k]] = 0;
-        }
-        nz = 0;
     }
 
     std::vector<double> coef_store;
@@ -52,13 +48,44 @@ struct raw_pair {
     raw_vector y;
 };
 
-// The jobs, each one loop or two. They are out of line, as the library's procedures are.
+// The jobs, out of line as the library's procedures are.
+
+/// x += beta * y, with a fused multiply-add for each entry of y and no branch on membership; then
+/// a pass that drops zeros.
 void raw_combine(raw_vector& x, const raw_vector& y, double beta);
+
+/// The same, asking for what it will touch some entries ahead.
+void raw_combine_prefetching(raw_vector& x, const raw_vector& y, double beta);
+
+/// A pass that multiplies x by alpha, then `raw_combine`.
 void raw_scale_and_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
+
+/// Appends what only y has and unmarks what both have, with no branch on membership; then a pass
+/// that drops what is unmarked. No coefficients.
 void raw_sym_diff(raw_vector& x, const raw_vector& y);
+
+/// Unmarks every listed index and empties the list.
+void raw_clear(raw_vector& v);
+
+/// Converts each coefficient to an integer and stores the low bit; then a pass that drops zeros.
 void raw_mod2(raw_vector& v);
+
+/// The same with the remainder from `std::fmod`, which needs no range.
 void raw_mod2_by_fmod(raw_vector& v);
+
+/// Drops entries that are zero, the last one moving into each hole.
 void raw_drop_zeros(raw_vector& v);
+
+/// Looks up each index of a among the marks of b and compares coefficients, until one differs.
 bool raw_identical(const raw_vector& a, const raw_vector& b, double tol);
+
+/// The sum of x's coefficients at the indices of y.
+double raw_sum_at(const raw_vector& x, const raw_vector& y);
+
+/// Stores y's coefficients in x, and lists and marks what x does not have.
+void raw_store_at(raw_vector& x, const raw_vector& y);
+
+/// `raw_combine` without marks: each index of y is looked for in the list of x, entry by entry.
+void raw_combine_lists(raw_vector& x, const raw_vector& y, double beta);
 
 } // namespace zktarn::bench

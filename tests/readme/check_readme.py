@@ -1,37 +1,125 @@
 #!/usr/bin/env python3
-"""Holds the example in a README against the program that it shows.
+"""Holds the pages of the project against the programs and files that they speak of.
 
-The first C++ block of the page must be the source, to the letter, and the block that follows it must
-be what the program prints.
+A comment before a block says what the block is:
+
+    <!-- program NAME -->   C++ source of a whole program
+    <!-- output NAME -->    what the program of that name prints, to the letter
 """
 
+import json
+import pathlib
 import re
 import subprocess
 import sys
+
+MARKED = re.compile(r"^<!-- (program|output) (\w+) -->\n+```\w+\n(.*?)^```$",
+                    re.MULTILINE | re.DOTALL)
+MARK = re.compile(r"^<!-- (?:program|output) .*$", re.MULTILINE)
+CPP = re.compile(r"^```cpp$", re.MULTILINE)
 
 
 def fail(sentence):
     sys.exit(f"check_readme: {sentence}")
 
 
-def main():
-    if len(sys.argv) != 4:
-        fail("usage: check_readme.py README SOURCE PROGRAM")
-    readme, source, program = sys.argv[1:]
-    with open(readme, encoding="utf-8") as page:
-        blocks = re.findall(r"^```(\w*)\n(.*?)^```$", page.read(), re.MULTILINE | re.DOTALL)
-    languages = [language for language, _ in blocks]
-    if "cpp" not in languages or languages.index("cpp") + 1 >= len(blocks):
-        fail(f"{readme} has no C++ block followed by its output")
-    position = languages.index("cpp")
-    with open(source, encoding="utf-8") as text:
-        if blocks[position][1] != text.read():
-            fail(f"the example in {readme} is not {source}")
+def read(path):
+    try:
+        return pathlib.Path(path).read_text(encoding="utf-8")
+    except OSError as error:
+        fail(f"cannot read {path}: {error.strerror}")
+
+
+def block(page, kind, name):
+    found = [text for k, n, text in MARKED.findall(read(page)) if (k, n) == (kind, name)]
+    if len(found) != 1:
+        fail(f"{page} has {len(found)} blocks marked '{kind} {name}' instead of one")
+    return found[0]
+
+
+def extract(page, name, target):
+    """Writes the program that the page shows into a file."""
+    pathlib.Path(target).write_text(block(page, "program", name), encoding="utf-8")
+
+
+def source(page, name, path):
+    """The program that the page shows is the file, to the letter."""
+    if block(page, "program", name) != read(path):
+        fail(f"the program '{name}' in {page} is not {path}")
+
+
+def output(page, name, program):
+    """The program succeeds and prints what the page says."""
+    expected = block(page, "output", name)
     ran = subprocess.run([program], capture_output=True, text=True, check=False)
     if ran.returncode != 0:
-        fail(f"the example ended with status {ran.returncode}: {ran.stderr.strip()}")
-    if blocks[position + 1][1] != ran.stdout:
-        fail(f"the example prints something else than {readme} says:\n{ran.stdout}")
+        fail(f"'{name}' ended with status {ran.returncode}: {ran.stderr.strip()}")
+    if ran.stderr:
+        fail(f"'{name}' writes to standard error: {ran.stderr.strip()}")
+    if ran.stdout != expected:
+        fail(f"'{name}' prints something else than {page} says:\n{ran.stdout}")
+
+
+def marks(page):
+    """Every mark has its block, and no C++ block goes unchecked."""
+    text = read(page)
+    programs = [name for kind, name, _ in MARKED.findall(text) if kind == "program"]
+    if len(MARK.findall(text)) != len(MARKED.findall(text)):
+        fail(f"{page} has a mark without a block")
+    if len(CPP.findall(text)) != len(programs):
+        fail(f"{page} has a C++ block that is not marked as a program")
+    for name in programs:
+        block(page, "output", name)
+
+
+def modules(page, exports):
+    """The table of modules counts what is exported."""
+    shown = {name: int(count) for name, count in
+             re.findall(r"^\| `(\w+)` (?:\|.*)?\| (\d+)(?: of \d+)? \|$", read(page), re.MULTILINE)}
+    exported = {}
+    for module in re.findall(r"^([a-z]\w*) \w+$", read(exports), re.MULTILINE):
+        exported[module] = exported.get(module, 0) + 1
+    for module in sorted(shown.keys() | exported.keys()):
+        if shown.get(module, 0) != exported.get(module, 0):
+            fail(f"{page} counts {shown.get(module, 0)} procedures of {module}, "
+                 f"but {exported.get(module, 0)} are exported")
+    total = f"{sum(exported.values())} of the 83 procedures"
+    if total not in read(page):
+        fail(f"{page} does not say that there are {total}")
+
+
+def presets(page, file):
+    """The table of presets names each of them."""
+    shown = set()
+    for row in re.findall(r"^\| ((?:`[\w-]+`(?:, )?)+) \|", read(page), re.MULTILINE):
+        shown.update(re.findall(r"`([\w-]+)`", row))
+    for preset in json.loads(read(file))["configurePresets"]:
+        if not preset.get("hidden") and preset["name"] not in shown:
+            fail(f"{page} does not explain the preset {preset['name']}")
+
+
+def gates(page, script):
+    """The table of gates names each of them, and no other."""
+    section = re.search(r"^## Gates\n(.*?)(?:^## |\Z)", read(page), re.MULTILINE | re.DOTALL)
+    shown = set(re.findall(r"^\| `([\w-]+)` \|", section[1], re.MULTILINE)) if section else set()
+    run = {name.replace("_", "-")
+           for name in re.findall(r"run_gate gate_(\w+)", read(script))}
+    if shown != run:
+        fail(f"{page} and {script} differ in {', '.join(sorted(shown ^ run))}")
+
+
+CHECKS = {check.__name__: check
+          for check in (extract, source, output, marks, modules, presets, gates)}
+
+
+def main():
+    usage = f"usage: check_readme.py {'|'.join(CHECKS)} PAGE [ARGUMENT...]"
+    if len(sys.argv) < 3 or sys.argv[1] not in CHECKS:
+        fail(usage)
+    check = CHECKS[sys.argv[1]]
+    if len(sys.argv) - 2 != check.__code__.co_argcount:
+        fail(usage)
+    check(*sys.argv[2:])
 
 
 if __name__ == "__main__":

@@ -28,13 +28,16 @@ namespace detail {
 /// of them hits are the entries looked at one by one.
 [[gnu::always_inline]] inline std::int32_t position_of(const std::int32_t* list, std::int32_t n,
                                                        std::int32_t j) noexcept {
-    using lanes = std::int32_t __attribute__((vector_size(32), aligned(4), may_alias));
+    using lanes = std::int32_t __attribute__((vector_size(32)));
     constexpr std::int32_t stride = 32;
     std::int32_t k = 0;
     for (; n - k >= stride; k += stride) {
-        const auto* const entries = reinterpret_cast<const lanes*>(list + k);
-        const lanes hits =
-            (entries[0] == j) | (entries[1] == j) | (entries[2] == j) | (entries[3] == j);
+        lanes hits = {};
+        for (std::int32_t i = 0; i < stride; i += 8) {
+            lanes entries;
+            std::memcpy(&entries, list + k + i, sizeof entries);
+            hits |= entries == j;
+        }
         std::int64_t words[4];
         std::memcpy(words, &hits, sizeof words);
         if ((words[0] | words[1] | words[2] | words[3]) != 0) {

@@ -1,0 +1,178 @@
+#!/usr/bin/env python3
+"""Sees check_readme.py accept a true page and refuse each way in which a page can drift."""
+
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+CHECK = pathlib.Path(__file__).with_name("check_readme.py")
+
+CODE = "int main() {}\n"
+PAGE = f"""# A page
+
+<!-- program greet -->
+```cpp
+{CODE}```
+
+prints
+
+<!-- output greet -->
+```text
+hello
+```
+
+| module | procedures |
+|---|---:|
+| `one_mod` | 2 |
+| `two_mod` | 1 of 4 |
+| `later` | 0 of 7 |
+
+Made: 3 of the 83 procedures.
+
+| preset | guarantees |
+|---|---|
+| `plain`, `checked` | something |
+
+## Gates
+
+| gate | guarantees |
+|---|---|
+| `all-is-well` | everything |
+"""
+EXPORTS = "# Names\n\none_mod f\none_mod _g\n\ntwo_mod h\n"
+PRESETS = """{"configurePresets": [
+    {"name": "base", "hidden": true}, {"name": "plain"}, {"name": "checked"}]}"""
+GATES = 'run_gate gate_all_is_well "everything"\n'
+
+
+class CheckReadme(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+        self.page = self.write("page.md", PAGE)
+
+    def write(self, name, text):
+        path = self.folder / name
+        path.write_text(text, encoding="utf-8")
+        return path
+
+    def program(self, script):
+        path = self.write("program", f"#!/bin/sh\n{script}\n")
+        path.chmod(0o755)
+        return path
+
+    def drift(self, old, new):
+        self.assertIn(old, PAGE)
+        self.page = self.write("page.md", PAGE.replace(old, new))
+
+    def run_check(self, check, *arguments):
+        return subprocess.run([sys.executable, CHECK, check, *map(str, arguments)],
+                              capture_output=True, text=True, check=False)
+
+    def accepted(self, check, *arguments):
+        ran = self.run_check(check, self.page, *arguments)
+        self.assertEqual((ran.returncode, ran.stderr), (0, ""))
+
+    def refused(self, reason, check, *arguments):
+        ran = self.run_check(check, self.page, *arguments)
+        self.assertEqual(ran.returncode, 1)
+        self.assertIn(reason, ran.stderr)
+
+    def test_code_is_extracted(self):
+        self.accepted("extract", "greet", self.folder / "code.cpp")
+        self.assertEqual((self.folder / "code.cpp").read_text(encoding="utf-8"), CODE)
+
+    def test_code_that_is_the_source(self):
+        self.accepted("source", "greet", self.write("code.cpp", CODE))
+
+    def test_drifted_code(self):
+        code = self.write("code.cpp", CODE)
+        self.drift("int main() {}", "int main() { }")
+        self.refused("is not ", "source", "greet", code)
+
+    def test_output_that_is_true(self):
+        self.accepted("output", "greet", self.program("echo hello"))
+
+    def test_drifted_output(self):
+        self.refused("prints something else", "output", "greet", self.program("echo Hello"))
+
+    def test_output_without_its_last_line_feed(self):
+        self.refused("prints something else", "output", "greet", self.program("printf hello"))
+
+    def test_program_that_fails(self):
+        self.refused("ended with status 3", "output", "greet", self.program("echo hello; exit 3"))
+
+    def test_program_that_complains(self):
+        self.refused("standard error: oh", "output", "greet",
+                     self.program("echo hello; echo oh >&2"))
+
+    def test_unknown_block(self):
+        self.refused("0 blocks marked 'output other'", "output", "other", self.program("true"))
+
+    def test_block_that_is_there_twice(self):
+        self.page = self.write("page.md", PAGE + PAGE)
+        self.refused("2 blocks marked 'output greet'", "output", "greet", self.program("true"))
+
+    def test_marks_that_are_complete(self):
+        self.accepted("marks")
+
+    def test_cpp_block_without_a_mark(self):
+        self.drift("<!-- program greet -->\n", "")
+        self.refused("not marked as a program", "marks")
+
+    def test_program_without_its_output(self):
+        self.drift("<!-- output greet -->\n", "")
+        self.refused("0 blocks marked 'output greet'", "marks")
+
+    def test_mark_without_a_block(self):
+        self.drift("prints\n", "<!-- program other -->\nprints\n")
+        self.refused("a mark without a block", "marks")
+
+    def test_modules_that_are_counted(self):
+        self.accepted("modules", self.write("exports.txt", EXPORTS))
+
+    def test_module_with_a_procedure_more(self):
+        self.refused("counts 1 procedures of two_mod, but 2", "modules",
+                     self.write("exports.txt", EXPORTS + "two_mod i\n"))
+
+    def test_module_that_is_not_in_the_table(self):
+        self.refused("counts 0 procedures of new_mod, but 1", "modules",
+                     self.write("exports.txt", EXPORTS + "new_mod f\n"))
+
+    def test_wrong_total(self):
+        self.drift("3 of the 83", "4 of the 83")
+        self.refused("3 of the 83 procedures", "modules", self.write("exports.txt", EXPORTS))
+
+    def test_presets_that_are_explained(self):
+        self.accepted("presets", self.write("presets.json", PRESETS))
+
+    def test_preset_that_is_not_explained(self):
+        self.refused("the preset fuzz", "presets", self.write(
+            "presets.json", PRESETS.replace('"plain"', '"fuzz"')))
+
+    def test_gates_that_agree(self):
+        self.accepted("gates", self.write("script", GATES))
+
+    def test_gate_that_is_not_in_the_table(self):
+        self.refused("differ in new", "gates",
+                     self.write("script", GATES + "run_gate gate_new x\n"))
+
+    def test_gate_that_is_not_run(self):
+        self.refused("differ in all-is-well", "gates", self.write("script", ""))
+
+    def test_arguments_that_make_no_sense(self):
+        for arguments in ((), ("output",), ("nothing", self.page), ("output", self.page)):
+            ran = self.run_check(*arguments) if arguments else self.run_check("")
+            self.assertEqual(ran.returncode, 1)
+            self.assertIn("usage:", ran.stderr)
+
+    def test_page_that_is_not_there(self):
+        self.page = self.folder / "nowhere.md"
+        self.refused("cannot read", "marks")
+
+
+if __name__ == "__main__":
+    unittest.main()
