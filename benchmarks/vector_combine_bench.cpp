@@ -21,6 +21,9 @@ std::vector<contender> combining(const shape& like, const pool& problems) {
     contenders.push_back(on<raw_pair>("ideal_prefetching", like, problems, [](raw_pair& p) {
         raw_combine_prefetching(p.x, p.y, beta);
     }));
+    contenders.push_back(on<raw_pair>("ideal_reading_marks", like, problems, [](raw_pair& p) {
+        raw_combine_reading_marks(p.x, p.y, beta);
+    }));
 #ifdef ZKTARN_BENCH_COINUTILS
     contenders.push_back(
         on<coin_pair>("CoinIndexedVector", like, problems, [](coin_pair& p) { p.combine(beta); }));

@@ -18,7 +18,9 @@ std::vector<contender> reducing(const shape& like, const pool& problems) {
 std::vector<contender> dropping_zeros(const shape& like, const pool& problems) {
     return {on<library_pair>("library", like, problems,
                              [](library_pair& p) { vector_mod::vector_rem_zeros(*p.x); }),
-            on<raw_pair>("ideal", like, problems, [](raw_pair& p) { raw_drop_zeros(p.x); })};
+            on<raw_pair>("ideal", like, problems, [](raw_pair& p) { raw_drop_zeros(p.x); }),
+            on<raw_pair>("ideal_reading_marks", like, problems,
+                         [](raw_pair& p) { raw_drop_zeros_reading_marks(p.x); })};
 }
 
 /// They are identical: the answer that takes longest to find.
@@ -28,8 +30,11 @@ std::vector<contender> comparing(const shape& like, const pool& problems) {
                                  benchmark::DoNotOptimize(
                                      vector_mod::vectors_are_identical(*p.x, *p.y, tolerance));
                              }),
-            on<raw_pair>("ideal", like, problems, [](raw_pair& p) {
-                benchmark::DoNotOptimize(raw_identical(p.x, p.y, tolerance));
+            on<raw_pair>(
+                "ideal", like, problems,
+                [](raw_pair& p) { benchmark::DoNotOptimize(raw_identical(p.x, p.y, tolerance)); }),
+            on<raw_pair>("ideal_reading_marks", like, problems, [](raw_pair& p) {
+                benchmark::DoNotOptimize(raw_identical_reading_marks(p.x, p.y, tolerance));
             })};
 }
 

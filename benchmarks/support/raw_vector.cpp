@@ -27,14 +27,18 @@ constexpr bool machine_is_fused = true;
     return std::bit_cast<double>(std::bit_cast<std::uint64_t>(value) & mask);
 }
 
+/// Whether a loop looks at marks whose value the invariants settle: those of listed entries.
+enum class marks { trusted, read };
+
 /// @param ahead  how many entries ahead to prefetch; 0 for no prefetch.
-template <std::int32_t ahead>
+template <std::int32_t ahead, marks listed>
 [[gnu::always_inline]] inline void add(raw_vector& x, const raw_vector& y, double beta) {
     double* const coef = x.coef;
     std::int32_t* const ind = x.ind;
     std::int32_t* const elm = x.elm;
     const double* const y_coef = y.coef;
     const std::int32_t* const y_ind = y.ind;
+    const std::int32_t* const y_elm = y.elm;
     const std::int32_t count = y.nz;
     std::int32_t nz = x.nz;
     for (std::int32_t k = 0; k < count; ++k) {
@@ -46,7 +50,8 @@ template <std::int32_t ahead>
         }
         const std::int32_t j = y_ind[k];
         const std::int32_t member = elm[j];
-        coef[j] = __builtin_fma(beta, y_coef[j], kept_if(member, coef[j]));
+        const double added = listed == marks::trusted || y_elm[j] != 0 ? y_coef[j] : 0.0;
+        coef[j] = __builtin_fma(beta, added, kept_if(member, coef[j]));
         ind[nz] = j;
         nz += 1 - member;
         elm[j] = 1;
@@ -54,22 +59,14 @@ template <std::int32_t ahead>
     x.nz = nz;
 }
 
-constexpr std::int32_t far_enough = 16;
-
+template <std::int32_t ahead, marks listed>
 void add_anywhere(raw_vector& x, const raw_vector& y, double beta) {
-    add<0>(x, y, beta);
+    add<ahead, listed>(x, y, beta);
 }
 
-void add_anywhere_prefetching(raw_vector& x, const raw_vector& y, double beta) {
-    add<far_enough>(x, y, beta);
-}
-
+template <std::int32_t ahead, marks listed>
 ZKTARN_FUSED void add_fused(raw_vector& x, const raw_vector& y, double beta) {
-    add<0>(x, y, beta);
-}
-
-ZKTARN_FUSED void add_fused_prefetching(raw_vector& x, const raw_vector& y, double beta) {
-    add<far_enough>(x, y, beta);
+    add<ahead, listed>(x, y, beta);
 }
 
 std::int32_t position_of(const raw_vector& v, std::int32_t j) {
@@ -100,23 +97,57 @@ template <class Dead, class Unmark>
 
 constexpr auto unmarked_already = [](std::int32_t) {};
 
-} // namespace
-
-void raw_drop_zeros(raw_vector& v) {
+template <marks listed>
+void drop_zeros(raw_vector& v) {
     const double* const coef = v.coef;
     std::int32_t* const elm = v.elm;
     drop(
-        v, [=](std::int32_t j) { return coef[j] == 0.0; }, [=](std::int32_t j) { elm[j] = 0; });
+        v, [=](std::int32_t j) { return (listed == marks::read && elm[j] == 0) || coef[j] == 0.0; },
+        [=](std::int32_t j) { elm[j] = 0; });
+}
+
+template <std::int32_t ahead, marks listed>
+void combine(raw_vector& x, const raw_vector& y, double beta) {
+    machine_is_fused ? add_fused<ahead, listed>(x, y, beta)
+                     : add_anywhere<ahead, listed>(x, y, beta);
+    drop_zeros<listed>(x);
+}
+
+template <marks listed>
+bool identical(const raw_vector& a, const raw_vector& b, double tol) {
+    if (a.nz != b.nz) {
+        return false;
+    }
+    for (std::int32_t k = 0; k < a.nz; ++k) {
+        const std::int32_t j = a.ind[k];
+        const double ours = listed == marks::trusted || a.elm[j] != 0 ? a.coef[j] : 0.0;
+        if (b.elm[j] == 0 || std::fabs(ours - b.coef[j]) > tol) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+void raw_drop_zeros(raw_vector& v) {
+    drop_zeros<marks::trusted>(v);
+}
+
+void raw_drop_zeros_reading_marks(raw_vector& v) {
+    drop_zeros<marks::read>(v);
 }
 
 void raw_combine(raw_vector& x, const raw_vector& y, double beta) {
-    machine_is_fused ? add_fused(x, y, beta) : add_anywhere(x, y, beta);
-    raw_drop_zeros(x);
+    combine<0, marks::trusted>(x, y, beta);
 }
 
 void raw_combine_prefetching(raw_vector& x, const raw_vector& y, double beta) {
-    machine_is_fused ? add_fused_prefetching(x, y, beta) : add_anywhere_prefetching(x, y, beta);
-    raw_drop_zeros(x);
+    combine<16, marks::trusted>(x, y, beta);
+}
+
+void raw_combine_reading_marks(raw_vector& x, const raw_vector& y, double beta) {
+    combine<0, marks::read>(x, y, beta);
 }
 
 void raw_scale_and_combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
@@ -178,16 +209,11 @@ void raw_mod2_by_fmod(raw_vector& v) {
 }
 
 bool raw_identical(const raw_vector& a, const raw_vector& b, double tol) {
-    if (a.nz != b.nz) {
-        return false;
-    }
-    for (std::int32_t k = 0; k < a.nz; ++k) {
-        const std::int32_t j = a.ind[k];
-        if (b.elm[j] == 0 || std::fabs(a.coef[j] - b.coef[j]) > tol) {
-            return false;
-        }
-    }
-    return true;
+    return identical<marks::trusted>(a, b, tol);
+}
+
+bool raw_identical_reading_marks(const raw_vector& a, const raw_vector& b, double tol) {
+    return identical<marks::read>(a, b, tol);
 }
 
 double raw_sum_at(const raw_vector& x, const raw_vector& y) {

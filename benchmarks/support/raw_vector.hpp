@@ -57,6 +57,10 @@ void raw_combine(raw_vector& x, const raw_vector& y, double beta);
 /// The same, asking for what it will touch some entries ahead.
 void raw_combine_prefetching(raw_vector& x, const raw_vector& y, double beta);
 
+/// The same, but taking no listed entry for a member before it has looked at its mark, as the
+/// library must.
+void raw_combine_reading_marks(raw_vector& x, const raw_vector& y, double beta);
+
 /// A pass that multiplies x by alpha, then `raw_combine`.
 void raw_scale_and_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
 
@@ -76,8 +80,14 @@ void raw_mod2_by_fmod(raw_vector& v);
 /// Drops entries that are zero, the last one moving into each hole.
 void raw_drop_zeros(raw_vector& v);
 
+/// The same, dropping what is listed without a mark as well.
+void raw_drop_zeros_reading_marks(raw_vector& v);
+
 /// Looks up each index of a among the marks of b and compares coefficients, until one differs.
 bool raw_identical(const raw_vector& a, const raw_vector& b, double tol);
+
+/// The same, looking at the marks of a as well.
+bool raw_identical_reading_marks(const raw_vector& a, const raw_vector& b, double tol);
 
 /// The sum of x's coefficients at the indices of y.
 double raw_sum_at(const raw_vector& x, const raw_vector& y);

@@ -179,12 +179,10 @@ ZKTARN_API void vector_rem_zeros(vector& v) noexcept;
 /// x := alpha * x + beta * y.
 ///
 /// @param x      in/out. Any mode. Indices of y that are no members are listed last, in y's order.
-/// @param y      in. Marks or list mode; a dense y contributes nothing. May be the same record as
-/// x,
-///               and then counts as a copy taken before the call.
-/// @param alpha  in. Scales x unless |alpha - 1| <= tol, or it is not a number. A dense x, whose
-/// list
-///               is empty, is never scaled.
+/// @param y      in. Marks or list mode; a dense y contributes nothing. May be x itself, and then
+///               counts as a copy taken before the call.
+/// @param alpha  in. Scales x unless |alpha - 1| <= tol, or it is not a number. A dense x lists
+///               nothing and is never scaled.
 /// @param beta   in. Nothing of y is added when |beta| <= tol, or it is not a number.
 /// @param tol    in. Decides those two questions only; no result is snapped to zero by it.
 ///

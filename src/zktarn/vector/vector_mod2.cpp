@@ -23,7 +23,7 @@ struct reducing_judge {
 
     std::uint64_t dead(const std::int32_t* block, std::int64_t count) const noexcept {
         const std::uint64_t word =
-            detail::answers(block, count, [this](std::int32_t j) { return 1 - reduce(j - 1); });
+            detail::answers(block, count, [this](std::int64_t j) { return 1 - reduce(j - 1); });
         if (v.elm.present()) {
             detail::clear_marks(v.elm.data, block, word);
         }
@@ -42,7 +42,7 @@ struct reducing_judge {
 void reduce_then_drop(vector& v, double tol) noexcept {
     bool drop = false;
     for (std::int32_t k = 0; k < v.nz; ++k) {
-        const std::int32_t i = v.ind.data[k] - 1;
+        const std::int64_t i = std::int64_t{v.ind.data[k]} - 1;
         const std::int64_t remainder = modulo_2(listed_coef(v, i), tol);
         v.coef.data[i] = static_cast<double>(remainder);
         drop |= remainder == 0;

@@ -11,7 +11,7 @@ flag vectors_are_identical(const vector& a, const vector& b, const double& tol) 
     const double eps = tol;
     const std::int32_t* const marks = a.elm.data;
     for (std::int32_t k = 0; k < a.nz; ++k) {
-        const std::int32_t i = a.ind.data[k] - 1;
+        const std::int64_t i = std::int64_t{a.ind.data[k]} - 1;
         const double ours = marks == nullptr || marks[i] >= 1 ? a.coef.data[i] : 0.0;
         if (b.elm.data[i] < 1 || std::fabs(ours - b.coef.data[i]) > eps) {
             return 0;

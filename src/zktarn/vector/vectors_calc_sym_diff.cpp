@@ -16,7 +16,7 @@ struct support_judge {
     std::int32_t marks_seen = 0;
 
     std::uint64_t dead(const std::int32_t* block, std::int64_t count) noexcept {
-        return detail::answers(block, count, [this](std::int32_t j) {
+        return detail::answers(block, count, [this](std::int64_t j) {
             const std::int32_t mark = elm[j - 1];
             marks_seen |= mark;
             return mark <= 0;
@@ -24,7 +24,7 @@ struct support_judge {
     }
     void removed(const std::int32_t* first, const std::int32_t* last) const noexcept {
         if (marks_seen < 0) [[unlikely]] {
-            std::for_each(first, last, [this](std::int32_t j) { elm[j - 1] = 0; });
+            std::for_each(first, last, [this](std::int64_t j) { elm[j - 1] = 0; });
         }
     }
 };
@@ -41,13 +41,13 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     // are marked and listed.
     detail::append_where(
         x, y.ind.data, y.nz,
-        [&](std::int32_t j) {
+        [&](std::int64_t j) {
             const std::int32_t fresh = elm[j - 1] < 1;
             elm[j - 1] = fresh;
             common += 1 - fresh;
             return fresh;
         },
-        [=](std::int32_t j) { __builtin_prefetch(elm + j - 1, 1); });
+        [=](std::int64_t j) { __builtin_prefetch(elm + j - 1, 1); });
     if (common < 1) {
         return;
     }

@@ -55,16 +55,30 @@ void merge_support(vector& x, const vector& y) noexcept {
         std::int32_t* const marks = x.elm.data;
         append_where(
             x, y.ind.data, y.nz,
-            [=](std::int32_t j) {
+            [=](std::int64_t j) {
                 const std::int32_t mark = marks[j - 1];
                 marks[j - 1] = std::max(mark, 1);
                 return std::int32_t{mark < 1};
             },
-            [=](std::int32_t j) { __builtin_prefetch(marks + j - 1, 1); });
+            [=](std::int64_t j) { __builtin_prefetch(marks + j - 1, 1); });
     } else if (x.ind.present()) {
         for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
             vector_add_nz(x, y.ind.data[k]);
         }
+    }
+}
+
+/// What is left of a combination when there is nothing to add up.
+[[gnu::noinline]] void combine_supports(vector& x, const vector& y,
+                                        const combination& by) noexcept {
+    if (x.coef.present() && by.scales) {
+        scale_entries(x, by.alpha);
+    }
+    if (by.adds) {
+        merge_support(x, y);
+    }
+    if (x.coef.present()) {
+        vector_rem_zeros(x);
     }
 }
 
@@ -75,19 +89,9 @@ void merge_support(vector& x, const vector& y) noexcept {
 void vectors_combine(vector& x, const vector& y, const double& alpha, const double& beta,
                      const double& tol) noexcept {
     const detail::combination by{alpha, beta, std::fabs(alpha - 1.0) > tol, std::fabs(beta) > tol};
-    if (x.coef.present() && y.coef.present()) {
-        if (detail::combine(x, y, by)) {
-            vector_rem_zeros(x);
-        }
-        return;
-    }
-    if (x.coef.present() && by.scales) {
-        detail::scale_entries(x, by.alpha);
-    }
-    if (by.adds) {
-        detail::merge_support(x, y);
-    }
-    if (x.coef.present()) {
+    if (!x.coef.present() || !y.coef.present()) {
+        detail::combine_supports(x, y, by);
+    } else if (detail::combine(x, y, by)) {
         vector_rem_zeros(x);
     }
 }

@@ -35,7 +35,7 @@ struct combination {
     const std::int32_t count = x.nz;
     bool droppable = false;
     for (std::int32_t k = 0; k < count; ++k) {
-        const std::int32_t i = list[k] - 1;
+        const std::int64_t i = std::int64_t{list[k]} - 1;
         const bool member = marks == nullptr || marks[i] >= 1;
         const double scaled = alpha * (member ? coef[i] : 0.0);
         coef[i] = scaled;
@@ -56,10 +56,10 @@ template <class Scale>
     const double* const y_coef = y.coef.data;
     const std::int32_t* const y_marks = y.elm.data;
     bool zero = false;
-    const auto y_value = [=](std::int32_t i) {
+    const auto y_value = [=](std::int64_t i) {
         return y_marks == nullptr || y_marks[i] >= 1 ? y_coef[i] : 0.0;
     };
-    const auto add = [&](std::int32_t i, bool member) {
+    const auto add = [&](std::int64_t i, bool member) {
         const double sum = std::fma(beta, y_value(i), kept_if(member, scale(coef[i])));
         coef[i] = sum;
         zero |= sum == 0.0;
@@ -68,14 +68,14 @@ template <class Scale>
         std::int32_t* const marks = x.elm.data;
         append_where(
             x, y.ind.data, y.nz,
-            [&](std::int32_t j) {
+            [&](std::int64_t j) {
                 const std::int32_t mark = marks[j - 1];
                 const bool member = mark >= 1;
                 add(j - 1, member);
                 marks[j - 1] = std::max(mark, 1);
                 return std::int32_t{mark < 1};
             },
-            [=](std::int32_t j) {
+            [=](std::int64_t j) {
                 __builtin_prefetch(marks + j - 1, 1);
                 __builtin_prefetch(coef + j - 1, 1);
                 __builtin_prefetch(y_coef + j - 1);
@@ -87,14 +87,14 @@ template <class Scale>
         for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
             const std::int32_t j = y.ind.data[k];
             const bool member = position_of(x.ind.data, x.nz, j) != 0;
-            add(j - 1, member);
+            add(std::int64_t{j} - 1, member);
             if (!member) {
                 append(x, j);
             }
         }
     } else {
         for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
-            add(y.ind.data[k] - 1, true);
+            add(std::int64_t{y.ind.data[k]} - 1, true);
         }
     }
     return zero;
