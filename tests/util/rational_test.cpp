@@ -1,0 +1,200 @@
+#include "zktarn/util/rational.hpp"
+
+#include <cmath>
+#include <limits>
+#include <numbers>
+
+#include <gtest/gtest.h>
+
+#include "zktarn/util/gcd.hpp"
+
+namespace {
+
+using namespace zktarn::util;
+using zktarn::flag;
+
+constexpr double inf = std::numeric_limits<double>::infinity();
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double largest = std::numeric_limits<double>::max();
+
+struct answer {
+    flag found;
+    double num;
+    double den;
+    bool operator==(const answer&) const = default;
+};
+
+void PrintTo(const answer& a, std::ostream* out) {
+    *out << "{" << a.found << ", " << a.num << "/" << a.den << "}";
+}
+
+answer rational(double x, double eps, double max_den) {
+    answer a{-1, -1.0, -1.0};
+    get_rational_rep(x, eps, max_den, a.found, a.num, a.den);
+    return a;
+}
+
+const answer none{0, 0.0, 0.0};
+
+TEST(RationalRep, TriesPowersOfTenBeforeSmallDenominators) {
+    EXPECT_EQ(rational(0.25, 1e-9, 100.0), (answer{1, 25.0, 100.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 99.0), (answer{1, 5.0, 20.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 19.0), (answer{1, 1.0, 4.0}));
+    EXPECT_EQ(rational(0.5, 1e-9, 100.0), (answer{1, 5.0, 10.0}));
+    EXPECT_EQ(rational(0.001, 1e-9, 1000.0), (answer{1, 1.0, 1000.0}));
+}
+
+TEST(RationalRep, FindsAThird) {
+    EXPECT_EQ(rational(1.0 / 3.0, 1e-9, 100.0), (answer{1, 1.0, 3.0}));
+    EXPECT_EQ(rational(-2.0 / 3.0, 1e-9, 100.0), (answer{1, -2.0, 3.0}));
+}
+
+TEST(RationalRep, KnowsEachBaseDenominatorAndNoOther) {
+    for (const double base :
+         {2.0, 3.0, 4.0, 5.0, 6.0, 7.0, 8.0, 9.0, 11.0, 13.0, 15.0, 17.0, 19.0, 23.0}) {
+        // Below ten times the base no other base's multiple fits but those that divide.
+        const answer found = rational(1.0 / base, 1e-12, base);
+        EXPECT_EQ(found.found, 1);
+        EXPECT_EQ(found.num / found.den, 1.0 / base) << base;
+    }
+    EXPECT_EQ(rational(1.0 / 21.0, 1e-12, 1000.0), (answer{1, 1.0, 21.0}));
+    EXPECT_EQ(rational(1.0 / 230.0, 1e-12, 1000.0), (answer{1, 1.0, 230.0}));
+    EXPECT_EQ(rational(1.0 / 19e5, 1e-15, 1e7), (answer{1, 1.0, 19e5}));
+    EXPECT_EQ(rational(1.0 / 23e7, 1e-17, 1e9), (answer{1, 1.0, 23e7}));
+}
+
+TEST(RationalRep, FindsPiByItsContinuedFraction) {
+    EXPECT_EQ(rational(std::numbers::pi, 1e-6, 1000.0), (answer{1, 355.0, 113.0}));
+    EXPECT_EQ(rational(-std::numbers::pi, 1e-6, 1000.0), (answer{1, -355.0, 113.0}));
+}
+
+TEST(RationalRep, ABoundBelowOneIsOne) {
+    EXPECT_EQ(rational(0.5, 1e-9, 0.3), none);
+    EXPECT_EQ(rational(7.0, 1e-9, 0.3), (answer{1, 7.0, 1.0}));
+    EXPECT_EQ(rational(7.25, 0.25, 0.0), (answer{1, 7.0, 1.0}));
+    EXPECT_EQ(rational(0.5, 1e-9, nan), none);
+    EXPECT_EQ(rational(7.0, 1e-9, nan), (answer{1, 7.0, 1.0}));
+}
+
+TEST(RationalRep, TakesTheMagnitudeOfTheBound) {
+    EXPECT_EQ(rational(0.25, 1e-9, -50.0), rational(0.25, 1e-9, 50.0));
+    EXPECT_EQ(rational(0.25, 1e-9, -50.0), (answer{1, 5.0, 20.0}));
+}
+
+TEST(RationalRep, FailsWhereNothingFits) {
+    EXPECT_EQ(rational(0.1234567, 1e-12, 1000.0), none);
+    EXPECT_EQ(rational(std::numbers::sqrt2, 1e-9, 1000.0), none);
+    EXPECT_EQ(rational(0.3, -1e-9, 1000.0), none);
+}
+
+TEST(RationalRep, AValueNextToAnIntegerIsThatInteger) {
+    EXPECT_EQ(rational(4.0 + 1e-10, 1e-9, 1000.0), (answer{1, 4.0, 1.0}));
+    EXPECT_EQ(rational(4.0 - 1e-10, 1e-9, 1000.0), (answer{1, 4.0, 1.0}));
+    EXPECT_EQ(rational(-4.0 - 1e-10, 1e-9, 1000.0), (answer{1, -4.0, 1.0}));
+    EXPECT_EQ(rational(0.0, 0.0, 1000.0), (answer{1, 0.0, 1.0}));
+}
+
+TEST(RationalRep, TheLowerNumeratorWinsWhereBothFit) {
+    EXPECT_EQ(rational(0.4, 0.7, 1000.0), (answer{1, 0.0, 1.0}));
+    EXPECT_EQ(rational(0.4, 0.6, 1000.0), (answer{1, 0.0, 1.0}));
+}
+
+TEST(RationalRep, TakesTheIntegersBesideTheFloorBeforeConvergents) {
+    EXPECT_EQ(rational(1e300, 1e-9, 10.0), (answer{1, 1e300, 1.0}));
+    EXPECT_EQ(rational(-3e9, 1e-9, 10.0), (answer{1, -3e9, 1.0}));
+}
+
+TEST(RationalRep, EndsOnWhateverIsNoNumberOrInfinite) {
+    EXPECT_EQ(rational(nan, 1e-9, 1000.0), none);
+    EXPECT_EQ(rational(0.5, nan, 1000.0), none);
+    EXPECT_EQ(rational(nan, nan, nan), none);
+    EXPECT_EQ(rational(inf, inf, 1000.0), none);
+    EXPECT_EQ(rational(inf, 1e-9, 1000.0), (answer{1, inf, 1.0}));
+    EXPECT_EQ(rational(-inf, 1e-9, 1000.0), (answer{1, -inf, 1.0}));
+    EXPECT_EQ(rational(-inf, inf, 1000.0), (answer{1, 0.0, 1.0}));
+    EXPECT_EQ(rational(0.7, inf, 1000.0), (answer{1, 0.0, 1.0}));
+    EXPECT_EQ(rational(0.7, -inf, 1000.0), none);
+}
+
+TEST(RationalRep, AnInfiniteBoundTriesPowersOfTenOnly) {
+    EXPECT_EQ(rational(0.5, 1e-9, inf), (answer{1, 5.0, 10.0}));
+    EXPECT_EQ(rational(0.5, 1e-9, -inf), (answer{1, 5.0, 10.0}));
+    EXPECT_EQ(rational(1.0 / 3.0, 1e-9, inf), (answer{1, 333333333.0, 1e9}));
+    EXPECT_EQ(rational(0.3, -1.0, inf), none);
+}
+
+TEST(RationalRep, ItsInputMayBeAnOutput) {
+    double x = 0.75;
+    double eps = 1e-9;
+    flag found = 0;
+    get_rational_rep(x, eps, 10.0, found, x, eps);
+    EXPECT_EQ(found, 1);
+    EXPECT_EQ(x, 3.0);
+    EXPECT_EQ(eps, 4.0);
+}
+
+TEST(RealGcd, FollowsEuclidWithATolerance) {
+    EXPECT_EQ(xgcd_r8(12.0, 18.0, 1e-9), 6.0);
+    EXPECT_EQ(xgcd_r8(0.5, 0.75, 1e-9), 0.25);
+    EXPECT_EQ(xgcd_r8(-6.0, 4.0, 1e-9), 2.0);
+    EXPECT_EQ(xgcd_r8(3.0, 1.0e-12, 1e-9), 3.0);
+    EXPECT_EQ(xgcd_r8(7.0, 0.0, 1e-9), 7.0);
+    EXPECT_EQ(xgcd_r8(0.0, -7.0, 0.0), 7.0);
+    EXPECT_EQ(xgcd_r8(0.0, 0.0, 0.0), 0.0);
+    EXPECT_EQ(xgcd_r8(10.0, 7.0, 1.0), 3.0);
+    EXPECT_EQ(xgcd_r8(10.0, 7.0, 3.0), 7.0);
+}
+
+TEST(RealGcd, RefusesTheExtremesWithZero) {
+    EXPECT_EQ(xgcd_r8(largest, 2.0, 0.0), 0.0);
+    EXPECT_EQ(xgcd_r8(2.0, -largest, 0.0), 0.0);
+    EXPECT_EQ(xgcd_r8(inf, 2.0, 0.0), 0.0);
+    EXPECT_EQ(xgcd_r8(2.0, nan, 0.0), 0.0);
+    EXPECT_EQ(xgcd_r8(std::nextafter(largest, 0.0), 2.0, 0.0), 2.0);
+}
+
+TEST(RealGcd, EndsForEveryTolerance) {
+    EXPECT_EQ(xgcd_r8(12.0, 18.0, -1.0), 0.0);
+    EXPECT_EQ(xgcd_r8(12.0, 0.0, -1.0), 0.0);
+    EXPECT_EQ(xgcd_r8(12.0, 18.0, nan), 12.0);
+    EXPECT_EQ(xgcd_r8(12.0, 18.0, inf), 18.0);
+}
+
+TEST(RealGcd, TakesExactRemainders) {
+    // The quotient of these is rounded up to the next integer.
+    EXPECT_EQ(xgcd_r8(0x1p53 - 1.0, 3.0 + 0x1p-51, 0.5), xgcd_r8(3.0 + 0x1p-51, 0x1p53 - 1.0, 0.5));
+    EXPECT_EQ(xgcd_r8(0.3, 0.1, 1e-12), std::fmod(0.3, 0.1));
+    EXPECT_EQ(xgcd_r8(5e-324, 1e-323, 0.0), 5e-324);
+}
+
+TEST(IntegerGcd, IsThatOfTheMagnitudes) {
+    EXPECT_EQ(xgcd_i4(-12, 18), 6);
+    EXPECT_EQ(xgcd_i4(18, -12), 6);
+    EXPECT_EQ(xgcd_i4(0, 0), 0);
+    EXPECT_EQ(xgcd_i4(0, -5), 5);
+    EXPECT_EQ(xgcd_i4(5, 0), 5);
+    EXPECT_EQ(xgcd_i4(1, 2147483646), 1);
+    EXPECT_EQ(xgcd_i4(2147483646, 0), 2147483646);
+    EXPECT_EQ(xgcd_i4(-2147483646, 2147483646), 2147483646);
+    EXPECT_EQ(xgcd_i4(1 << 30, 1 << 20), 1 << 20);
+    EXPECT_EQ(xgcd_i4(48, 180), 12);
+}
+
+TEST(IntegerGcd, RefusesTheThreeIntegersAtTheEnds) {
+    EXPECT_EQ(xgcd_i4(2147483647, 5), 0);
+    EXPECT_EQ(xgcd_i4(5, 2147483647), 0);
+    EXPECT_EQ(xgcd_i4(-2147483647, 5), 0);
+    EXPECT_EQ(xgcd_i4(5, -2147483647), 0);
+    EXPECT_EQ(xgcd_i4(std::numeric_limits<std::int32_t>::min(), 5), 0);
+    EXPECT_EQ(xgcd_i4(5, std::numeric_limits<std::int32_t>::min()), 0);
+}
+
+TEST(RationalRep, TakesTheNeighbourOfAConvergentWhereRoundingMakesItFit) {
+    // Denominators near 2^53 leave neighbours one unit in the last place apart.
+    EXPECT_EQ(rational(0x1.fae7db9ce658p-2, 0.0, 0x1.245210f84aa72p+53),
+              (answer{1, 4529520470854438.0, 9150082569495704.0}));
+    EXPECT_EQ(rational(-0x1.9559646421671p-2, 0.0, 0x1.33e3ac7f0ed13p+53),
+              (answer{1, -3991414201577360.0, 10083178312511280.0}));
+}
+
+} // namespace
