@@ -2,9 +2,14 @@
 
 /// Everything the library offers. The conventions of all procedures are in types.hpp.
 
-#include "zktarn/assert/assert_mod.hpp"  // IWYU pragma: export
-#include "zktarn/memory/memory_mod.hpp"  // IWYU pragma: export
-#include "zktarn/types.hpp"              // IWYU pragma: export
-#include "zktarn/util/util.hpp"          // IWYU pragma: export
-#include "zktarn/vector/vector_mod.hpp"  // IWYU pragma: export
-#include "zktarn/vector/vector_type.hpp" // IWYU pragma: export
+#include "zktarn/assert/assert_mod.hpp"             // IWYU pragma: export
+#include "zktarn/callbacks/callbacks_type_util.hpp" // IWYU pragma: export
+#include "zktarn/callbacks/callbacks_util.hpp"      // IWYU pragma: export
+#include "zktarn/callbacks/value_slot.hpp"          // IWYU pragma: export
+#include "zktarn/memory/memory_mod.hpp"             // IWYU pragma: export
+#include "zktarn/random/random.hpp"                 // IWYU pragma: export
+#include "zktarn/sorting/sorting_mod.hpp"           // IWYU pragma: export
+#include "zktarn/types.hpp"                         // IWYU pragma: export
+#include "zktarn/util/util.hpp"                     // IWYU pragma: export
+#include "zktarn/vector/vector_mod.hpp"             // IWYU pragma: export
+#include "zktarn/vector/vector_type.hpp"            // IWYU pragma: export

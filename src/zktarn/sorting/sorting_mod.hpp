@@ -1,0 +1,77 @@
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <type_traits>
+
+#include "zktarn/export.hpp"
+#include "zktarn/types.hpp"
+
+/// Sorting of whatever the caller can exchange.
+///
+/// The sort sees positions only. A procedure of the caller compares the elements at two positions,
+/// exchanges them, with all that belongs to them, when they are out of order, and says whether it
+/// did; ascending or descending, by which key and in how many parallel arrays is its business.
+///
+/// No state and no storage; the caller's procedure is called on the caller's thread.
+
+namespace zktarn::sorting_mod {
+
+/// `exchange(a, b)` for positions a < b of the range: exchanges the elements there and returns true
+/// (nonzero) when they are out of order; leaves them and returns false otherwise. The positions are
+/// temporaries.
+using exchange_procedure = function_ref<flag(const std::int32_t& a, const std::int32_t& b)>;
+
+namespace detail {
+
+/// Source: Shell, A high-speed sorting procedure (1959), with the gaps of Knuth: 1, 4, 13, 40, ...
+///
+/// Positions are 64 bits wide, so that a range may span all of 32.
+template <class Exchange>
+[[gnu::always_inline]] inline void shell_sort(std::int64_t first, std::int64_t last,
+                                              Exchange& exchange) {
+    const std::int64_t n = last - first + 1;
+    std::int64_t beyond = 4;
+    while (n >= beyond) {
+        beyond = 3 * beyond + 1;
+    }
+    for (std::int64_t gap = beyond / 3; gap >= 1; gap /= 3) {
+        // Empty where the gap is not smaller than n.
+        for (std::int64_t end = first + gap; end <= last; ++end) {
+            for (std::int64_t a = end - gap; a >= first; a -= gap) {
+                // Made anew for each call, which may do with them as it likes.
+                auto lower = static_cast<std::int32_t>(a);
+                auto upper = static_cast<std::int32_t>(a + gap);
+                if (!static_cast<bool>(exchange(lower, upper))) {
+                    break;
+                }
+            }
+        }
+    }
+}
+
+} // namespace detail
+
+/// Sorts the positions first..last, both inclusive, by calls of `exchange`.
+///
+/// @param first     in. Any position, as the caller counts.
+/// @param last      in. Where it is not above `first`, nothing is called.
+/// @param exchange  in. Called for positions first <= a < b <= last.
+///
+/// The passes go over the range with the gaps 1, 4, 13, 40, ... that are smaller than it, the
+/// largest first: each position, in increasing order, is walked down by its gap until `exchange`
+/// returns false or the range ends. So the sort ends for any procedure, and for a consistent one
+/// the range is then in its order. Not stable: elements that are equal may change places.
+ZKTARN_API void sort(const std::int32_t& first, const std::int32_t& last,
+                     exchange_procedure exchange) noexcept;
+
+/// The same with `exchange` inlined into the caller. A callable object is preferred here; pass an
+/// `exchange_procedure` for the procedure of the library.
+template <class Exchange>
+    requires(std::invocable<Exchange&, const std::int32_t&, const std::int32_t&> &&
+             !std::same_as<std::remove_cvref_t<Exchange>, exchange_procedure>)
+inline void sort(const std::int32_t& first, const std::int32_t& last, Exchange&& exchange) {
+    detail::shell_sort(first, last, exchange);
+}
+
+} // namespace zktarn::sorting_mod
