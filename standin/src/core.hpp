@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "zktarn_standin/control.hpp"
 
@@ -8,11 +9,11 @@
 
 namespace zktarn::standin {
 
-/// Counts a call of an operation.
-void count(operation what) noexcept;
+/// Counts a call of an operation. Returns whether the call is to fail.
+bool fails(operation what) noexcept;
 
-/// Ends the process: the operation has no implementation.
-[[noreturn]] void missing(operation what) noexcept;
+/// Whether a call has been made to fail since the last `reset`, so that nulls are about.
+bool has_failed() noexcept;
 
 /// Ends the process with a sentence on standard error.
 [[noreturn]] void stop(const std::string& sentence) noexcept;
@@ -23,8 +24,16 @@ void report_fault(const fault& found);
 /// Hands a failed assertion to the handler.
 void report_failed_assertion();
 
-// The parts of `reset`.
+/// "1 byte", "2 bytes".
+std::string counted(std::int64_t n, const char* what);
+
+// The parts of `reset`, and those of `live_objects`.
 void reset_operations() noexcept;
 void reset_memory_manager() noexcept;
+void reset_functions();
+void reset_console();
+void reset_interrupts() noexcept;
+void list_arrays(std::vector<live_object>& all);
+void list_generators(std::vector<live_object>& all);
 
 } // namespace zktarn::standin

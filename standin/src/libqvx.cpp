@@ -1,21 +1,55 @@
 #include "zktarn/host/libqvx.hpp"
 
-#include "core.hpp"
+#include <string_view>
+
+#include "attempt.hpp"
+#include "console.hpp"
+#include "functions.hpp"
 
 namespace zktarn::host {
 
-using standin::missing;
+using standin::attempt;
+using standin::fault;
+using standin::fault_kind;
 using standin::operation;
+
+namespace {
+
+std::string_view text_of(operation by, const char* text, std::int64_t length) {
+    if (length < 0) {
+        throw fault{fault_kind::bad_request,
+                    {},
+                    std::string(name(by)) + ": the length of a text is " + std::to_string(length)};
+    }
+    return {text, static_cast<std::size_t>(length)};
+}
+
+} // namespace
 
 extern "C" {
 
-std::int32_t qvxcallquarn800_(const std::int32_t&, array_handle*, const std::int32_t&,
-                              const array_handle*, const char*, std::int64_t) noexcept {
-    missing(operation::qvxcallquarn800_);
+std::int32_t qvxcallquarn800_(const std::int32_t& noutputs, array_handle* outputs,
+                              const std::int32_t& ninputs, const array_handle* inputs,
+                              const char* name, std::int64_t name_length) noexcept {
+    constexpr operation by = operation::qvxcallquarn800_;
+    return attempt(by, std::int32_t{1}, [&] {
+        if (noutputs != 1 || ninputs != 1) {
+            throw fault{fault_kind::bad_request,
+                        {},
+                        std::string(standin::name(by)) +
+                            ": functions have one input and one output here"};
+        }
+        outputs[0] = standin::call_function(std::string(text_of(by, name, name_length)), inputs[0]);
+        return std::int32_t{0};
+    });
 }
 
-std::int32_t qvxprintf800_(const char*, std::int64_t) noexcept {
-    missing(operation::qvxprintf800_);
+std::int32_t qvxprintf800_(const char* text, std::int64_t text_length) noexcept {
+    constexpr operation by = operation::qvxprintf800_;
+    return attempt(by, std::int32_t{1}, [&] {
+        standin::write_to_console(text_of(by, text, text_length));
+        return std::int32_t{0};
+    });
 }
 }
 

@@ -1,13 +1,15 @@
 #include "zktarn/host/libut.hpp"
 
-#include "core.hpp"
+#include "attempt.hpp"
+#include "interrupts.hpp"
 
 namespace zktarn::host {
 
 extern "C" {
 
 bool utIsInterruptPending() noexcept {
-    standin::missing(standin::operation::utIsInterruptPending);
+    return standin::attempt(standin::operation::utIsInterruptPending, false,
+                            [] { return standin::take_interrupt(); });
 }
 }
 

@@ -1,59 +1,67 @@
 #include "zktarn/host/libzkoptimutil.hpp"
 
-#include "core.hpp"
+#include "attempt.hpp"
+#include "console.hpp"
+#include "generators.hpp"
 #include "memory_manager.hpp"
 
 namespace zktarn::host {
 
-using standin::count;
-using standin::missing;
+using standin::attempt;
 using standin::operation;
+
+namespace {
+
+constexpr void* none = nullptr;
+
+} // namespace
 
 extern "C" {
 
 void* qvMallocExOptim(std::int64_t nbytes) noexcept {
-    count(operation::qvMallocExOptim);
-    return standin::obtain(nbytes);
+    return attempt(operation::qvMallocExOptim, none, [=] { return standin::obtain(nbytes); });
 }
 
 void qvFreeExOptim(void* address) noexcept {
-    count(operation::qvFreeExOptim);
-    standin::release(address);
+    attempt(operation::qvFreeExOptim, [=] { standin::release(address); });
+}
+
+void* instantiateRngOptim(std::int32_t seed) noexcept {
+    return attempt(operation::instantiateRngOptim, none,
+                   [=] { return standin::make_generator(seed); });
+}
+
+void deleteRngOptim(void* generator) noexcept {
+    attempt(operation::deleteRngOptim, [=] { standin::delete_generator(generator); });
+}
+
+void getRandUniformOptim(void* generator, double* values, const std::int64_t* count) noexcept {
+    attempt(operation::getRandUniformOptim, [=] { standin::draw(generator, values, *count); });
+}
+
+void* getRngStateOptim(void* generator) noexcept {
+    return attempt(operation::getRngStateOptim, none,
+                   [=] { return standin::save_state(generator); });
+}
+
+void setRngStateOptim(void* generator, void* state) noexcept {
+    attempt(operation::setRngStateOptim, [=] { standin::restore_state(generator, state); });
+}
+
+void deleteRngStateOptim(void* state) noexcept {
+    attempt(operation::deleteRngStateOptim, [=] { standin::delete_state(state); });
 }
 
 void assertOptim(bool condition) noexcept {
-    count(operation::assertOptim);
-    if (!condition) {
-        standin::report_failed_assertion();
-    }
-}
-
-void* instantiateRngOptim(std::int32_t) noexcept {
-    missing(operation::instantiateRngOptim);
-}
-
-void deleteRngOptim(void*) noexcept {
-    missing(operation::deleteRngOptim);
-}
-
-void getRandUniformOptim(void*, double*, const std::int64_t*) noexcept {
-    missing(operation::getRandUniformOptim);
-}
-
-void* getRngStateOptim(void*) noexcept {
-    missing(operation::getRngStateOptim);
-}
-
-void setRngStateOptim(void*, void*) noexcept {
-    missing(operation::setRngStateOptim);
-}
-
-void deleteRngStateOptim(void*) noexcept {
-    missing(operation::deleteRngStateOptim);
+    attempt(operation::assertOptim, [=] {
+        if (!condition) {
+            standin::report_failed_assertion();
+        }
+    });
 }
 
 void ioFlushOptim() noexcept {
-    missing(operation::ioFlushOptim);
+    attempt(operation::ioFlushOptim, [] { standin::flush_console(); });
 }
 }
 

@@ -47,10 +47,6 @@ memory& manager() {
     return all;
 }
 
-std::string counted(std::int64_t n, const char* what) {
-    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
-}
-
 std::string bytes(std::int64_t n) {
     return counted(n, "byte");
 }
@@ -140,8 +136,8 @@ std::vector<block> sorted_blocks(const memory& m) {
         return;
     }
     check_blocks();
-    if (!live_blocks().empty()) {
-        std::fputs(memory_report().c_str(), stderr);
+    if (!live_blocks().empty() || !live_objects().empty()) {
+        std::fputs(report().c_str(), stderr);
     }
 }
 
@@ -155,6 +151,10 @@ void plan_failures(std::int64_t k, bool lasting) noexcept {
 }
 
 } // namespace
+
+std::string counted(std::int64_t n, const char* what) {
+    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
+}
 
 void* obtain(std::int64_t nbytes) {
     if (nbytes < 1) {

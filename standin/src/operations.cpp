@@ -37,6 +37,28 @@ constexpr std::array<const char*, operation_count> names = {
 };
 
 std::array<std::atomic<std::int64_t>, operation_count> counts;
+std::array<std::atomic<std::int64_t>, operation_count> calls_to_failure;
+std::atomic<bool> failed = false;
+
+/// Whether an operation has an answer, or leaves something unwritten, that says it failed.
+bool can_fail(operation what) noexcept {
+    switch (what) {
+    case operation::instantiateRngOptim:
+    case operation::getRandUniformOptim:
+    case operation::getRngStateOptim:
+    case operation::qvcreatestructarray800_:
+    case operation::qvcreatestring800_:
+    case operation::qvcreatedoublescalar800_:
+    case operation::qvcreatedoublematrix800_:
+    case operation::qvaddfield800_:
+    case operation::qvgetpr800_:
+    case operation::qvxcallquarn800_:
+    case operation::qvxprintf800_:
+        return true;
+    default:
+        return false;
+    }
+}
 
 std::size_t at(operation what) noexcept {
     return static_cast<std::size_t>(what);
@@ -52,23 +74,58 @@ std::int64_t calls(operation what) noexcept {
     return counts[at(what)].load(std::memory_order_relaxed);
 }
 
-void count(operation what) noexcept {
-    counts[at(what)].fetch_add(1, std::memory_order_relaxed);
-}
-
-void reset_operations() noexcept {
-    for (auto& each : counts) {
-        each.store(0, std::memory_order_relaxed);
+void fail_call(operation what, std::int64_t k) noexcept {
+    if (what == operation::qvMallocExOptim) {
+        fail_request(k);
+    } else {
+        calls_to_failure[at(what)].store(k, std::memory_order_relaxed);
     }
 }
 
-void missing(operation what) noexcept {
-    stop(std::string(name(what)) + " is missing: this stand-in does not implement it");
+bool fails(operation what) noexcept {
+    counts[at(what)].fetch_add(1, std::memory_order_relaxed);
+    auto& left = calls_to_failure[at(what)];
+    if (left.load(std::memory_order_relaxed) < 1 || !can_fail(what) ||
+        left.fetch_sub(1, std::memory_order_relaxed) != 1) {
+        return false;
+    }
+    failed.store(true, std::memory_order_relaxed);
+    return true;
+}
+
+bool has_failed() noexcept {
+    return failed.load(std::memory_order_relaxed);
+}
+
+void reset_operations() noexcept {
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+        counts[i].store(0, std::memory_order_relaxed);
+        calls_to_failure[i].store(0, std::memory_order_relaxed);
+    }
+    failed.store(false, std::memory_order_relaxed);
+}
+
+std::vector<live_object> live_objects() {
+    std::vector<live_object> all;
+    list_generators(all);
+    list_arrays(all);
+    return all;
+}
+
+std::string report() {
+    std::string text = memory_report();
+    for (const live_object& each : live_objects()) {
+        text += "  " + each.description + "\n";
+    }
+    return text;
 }
 
 void reset() {
     reset_operations();
     reset_memory_manager();
+    reset_functions();
+    reset_console();
+    reset_interrupts();
     set_fault_handler({});
     set_assertion_handler({});
 }

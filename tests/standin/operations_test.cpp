@@ -1,6 +1,5 @@
 #include <array>
 #include <cstdint>
-#include <ostream>
 #include <string>
 
 #include <dlfcn.h>
@@ -128,70 +127,6 @@ TEST_F(Operations, ResetSetsTheCountsToZero) {
     reset();
     EXPECT_EQ(all_calls(), (std::array<std::int64_t, operation_count>{}));
 }
-
-/// An operation that the stand-in does not implement, and a call of it.
-struct missing_operation {
-    operation what;
-    void (*call)();
-};
-
-void PrintTo(const missing_operation& tested, std::ostream* out) {
-    *out << name(tested.what);
-}
-
-class MissingOperationDeathTest : public testing::TestWithParam<missing_operation> {};
-
-TEST_P(MissingOperationDeathTest, SaysSoAndAborts) {
-    const std::string sentence =
-        std::string(name(GetParam().what)) + " is missing: this stand-in does not implement it";
-    EXPECT_STOP(GetParam().call(), sentence);
-}
-
-double real = 0;
-double* const reals = &real;
-constexpr std::int64_t one = 1;
-constexpr std::int32_t few = 1;
-constexpr host::array_handle array = 1;
-
-INSTANTIATE_TEST_SUITE_P(
-    , MissingOperationDeathTest,
-    testing::Values(
-        missing_operation{operation::instantiateRngOptim, [] { host::instantiateRngOptim(1); }},
-        missing_operation{operation::deleteRngOptim, [] { host::deleteRngOptim(&real); }},
-        missing_operation{operation::getRandUniformOptim,
-                          [] { host::getRandUniformOptim(&real, &real, &one); }},
-        missing_operation{operation::getRngStateOptim, [] { host::getRngStateOptim(&real); }},
-        missing_operation{operation::setRngStateOptim,
-                          [] { host::setRngStateOptim(&real, &real); }},
-        missing_operation{operation::deleteRngStateOptim, [] { host::deleteRngStateOptim(&real); }},
-        missing_operation{operation::ioFlushOptim, [] { host::ioFlushOptim(); }},
-        missing_operation{operation::utIsInterruptPending, [] { host::utIsInterruptPending(); }},
-        missing_operation{operation::qvcreatestructarray800_,
-                          [] { host::qvcreatestructarray800_(one, &one, few, "a", 1); }},
-        missing_operation{operation::qvcreatestring800_, [] { host::qvcreatestring800_("a", 1); }},
-        missing_operation{operation::qvcreatedoublescalar800_,
-                          [] { host::qvcreatedoublescalar800_(real); }},
-        missing_operation{operation::qvcreatedoublematrix800_,
-                          [] { host::qvcreatedoublematrix800_(one, one, few); }},
-        missing_operation{operation::qvsetfield800_,
-                          [] { host::qvsetfield800_(array, one, "a", array, 1); }},
-        missing_operation{operation::qvsetfieldbynumber800_,
-                          [] { host::qvsetfieldbynumber800_(array, one, few, array); }},
-        missing_operation{operation::qvgetfieldnumber800_,
-                          [] { host::qvgetfieldnumber800_(array, "a", 1); }},
-        missing_operation{operation::qvaddfield800_, [] { host::qvaddfield800_(array, "a", 1); }},
-        missing_operation{operation::qvgetpr800_, [] { host::qvgetpr800_(array); }},
-        missing_operation{operation::qvcopyptrtoreal8800_,
-                          [] { host::qvcopyptrtoreal8800_(reals, reals, one); }},
-        missing_operation{operation::qvcopyreal8toptr800_,
-                          [] { host::qvcopyreal8toptr800_(reals, reals, one); }},
-        missing_operation{operation::qvdestroyarray800_, [] { host::qvdestroyarray800_(array); }},
-        missing_operation{operation::qvxcallquarn800_,
-                          [] { host::qvxcallquarn800_(few, nullptr, few, &array, "a", 1); }},
-        missing_operation{operation::qvxprintf800_, [] { host::qvxprintf800_("a", 1); }}),
-    [](const testing::TestParamInfo<missing_operation>& tested) {
-        return std::string(name(tested.param.what));
-    });
 
 } // namespace
 

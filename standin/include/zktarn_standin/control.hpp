@@ -13,7 +13,8 @@
 /// everything was given back.
 ///
 /// Everything here is process-wide, and callable from any thread. Nothing here counts as an
-/// operation of the host.
+/// operation of the host. This header has operations, memory, faults and assertions; it includes
+/// those for arrays and functions, for the console and for interrupts.
 
 namespace zktarn::standin {
 
@@ -62,8 +63,18 @@ inline constexpr int operation_count = static_cast<int>(operation::qvxprintf800_
 /// How often an operation has been called since the start or the last `reset`.
 [[nodiscard]] std::int64_t calls(operation what) noexcept;
 
+/// Makes the k-th call from now of an operation fail, once: 1 is the next one. Replaces what was
+/// planned for that operation before; k < 1 plans no failure.
+///
+/// An operation fails by answering what its contract has for that: null, a handle of 0, a field
+/// number of 0, a status or result of 1; `getRandUniformOptim` leaves its numbers as they are. An
+/// operation without such an answer does not fail. After a failed call, a handle of 0 and a null
+/// address are no fault any more until the next `reset`: they are what a caller has got.
+void fail_call(operation what, std::int64_t k) noexcept;
+
 /// Puts the control back to its beginnings: counts at 0, no failure planned, no filling, default
-/// handlers, report at exit. Live blocks stay live and keep their order numbers.
+/// handlers, report at exit, no functions registered, the console shown, no interrupt pending or
+/// planned. What is live stays live and keeps its number.
 void reset();
 
 // Memory manager
@@ -106,16 +117,38 @@ std::int64_t check_blocks();
 /// line for each live block with its size and order number. Ends in a line feed.
 [[nodiscard]] std::string memory_report();
 
-/// Whether the process, at its end, checks all blocks and writes the memory report to standard
-/// error when a block is still live. On at the beginning. Returns the previous setting.
+// What is not given back
+// --------------------------------------------------------------------------------
+
+/// A thing of the host's that somebody has to give back: a generator, a snapshot of one, or an
+/// array that no struct owns.
+struct live_object {
+    /// The operation that made it.
+    operation made_by;
+    /// Its handle, for an array; its number among all generators and snapshots, for those.
+    std::int64_t number;
+    /// What it is, in words.
+    std::string description;
+};
+
+/// Everything but blocks that has not been given back, by kind and number.
+[[nodiscard]] std::vector<live_object> live_objects();
+
+/// The memory report and a line for each live object.
+[[nodiscard]] std::string report();
+
+/// Whether the process, at its end, checks all blocks and writes the report to standard error when
+/// something is still live. On at the beginning. Returns the previous setting.
 bool report_at_exit(bool on) noexcept;
 
 // Faults
 // --------------------------------------------------------------------------------------------
 
-/// What a program can do wrong with host memory.
+/// What a program can do wrong. An operation with a faulty argument does nothing, and answers as a
+/// failed one does.
 enum class fault_kind {
-    /// A request for fewer than one byte; answered with null.
+    /// Arguments that make no sense: a block of fewer than one byte, a negative size, a kind of
+    /// array that the stand-in does not have.
     bad_request,
     /// A block given back a second time; ignored. Seen as long as the host has not handed out the
     /// address again.
@@ -127,15 +160,30 @@ enum class fault_kind {
     write_past_end,
     /// Bytes before the start of a block have been written. Seen as above.
     write_before_start,
+    /// A handle that names no array, an address at which no array has its data, a generator or a
+    /// snapshot that was never made.
+    unknown_object,
+    /// An array, a generator or a snapshot used or given back after it had been given back.
+    use_after_release,
+    /// An array of another kind than the operation is for.
+    wrong_kind,
+    /// An element, a field number or a stretch of data beyond the end of an array, or a field that
+    /// a struct does not have.
+    out_of_range,
+    /// An array that a struct owns was destroyed or stored in another field, or a struct was stored
+    /// in itself.
+    bad_ownership,
+    /// A host-language function that nobody has registered was called.
+    unknown_function,
 };
 
 /// A fault, as the handler is told of it.
 struct fault {
     fault_kind kind;
-    /// The block concerned. For a foreign address that lies inside a live block, that block; for
-    /// any other, the address alone.
+    /// The block concerned, for faults with memory. For a foreign address that lies inside a live
+    /// block, that block; for any other, the address alone.
     block concerned;
-    /// The whole story in one sentence, with sizes and order numbers.
+    /// The whole story in one sentence, with sizes, numbers and the operation that made the thing.
     std::string sentence;
 };
 
@@ -157,3 +205,7 @@ using assertion_handler = std::function<void()>;
 assertion_handler set_assertion_handler(assertion_handler handler);
 
 } // namespace zktarn::standin
+
+#include "zktarn_standin/arrays.hpp"     // IWYU pragma: export
+#include "zktarn_standin/console.hpp"    // IWYU pragma: export
+#include "zktarn_standin/interrupts.hpp" // IWYU pragma: export

@@ -1,0 +1,312 @@
+#include "array_table.hpp"
+
+#include <algorithm>
+#include <functional>
+#include <iterator>
+#include <utility>
+
+namespace zktarn::standin {
+
+namespace {
+
+const char* name_of(array_kind kind) {
+    switch (kind) {
+    case array_kind::structure:
+        return "struct";
+    case array_kind::real_matrix:
+        return "real matrix";
+    case array_kind::real_scalar:
+        return "real scalar";
+    case array_kind::text:
+        break;
+    }
+    return "text";
+}
+
+std::string described(array_handle handle, array_kind kind, operation made_by) {
+    return "array " + std::to_string(handle) + " (a " + name_of(kind) + " made by " +
+           name(made_by) + ")";
+}
+
+[[noreturn]] void refuse(fault_kind kind, operation by, const std::string& why) {
+    throw fault{kind, {}, std::string(name(by)) + ": " + why};
+}
+
+/// Trailing blanks are padding.
+std::string field_name(const std::string& name) {
+    return name.substr(0, name.find_last_not_of(' ') + 1);
+}
+
+} // namespace
+
+/// Never destroyed, so that arrays destroyed late are still known.
+array_table& array_table::instance() {
+    static array_table& all = *new array_table;
+    return all;
+}
+
+/// Null only for the handle 0 after a call has been made to fail.
+stored_array* array_table::find(operation by, array_handle handle, wanted what) {
+    if (handle == 0 && has_failed()) {
+        return nullptr;
+    }
+    if (handle < 1 || handle > static_cast<array_handle>(made_.size())) {
+        refuse(fault_kind::unknown_object, by,
+               "the handle " + std::to_string(handle) + " names no array");
+    }
+    const auto entry = live_.find(handle);
+    if (entry == live_.end()) {
+        const past_array& past = made_[static_cast<std::size_t>(handle - 1)];
+        refuse(fault_kind::use_after_release, by,
+               described(handle, past.kind, past.made_by) + " was used after it was destroyed");
+    }
+    stored_array& found = entry->second;
+    const bool fits =
+        what == wanted::any || (what == wanted::structure) == (found.kind == array_kind::structure);
+    if (!fits || (what == wanted::real && found.kind == array_kind::text)) {
+        refuse(fault_kind::wrong_kind, by,
+               described(handle, found.kind, found.made_by) + " is no " +
+                   (what == wanted::structure ? "struct" : "real array"));
+    }
+    return &found;
+}
+
+array_handle array_table::insert(stored_array made) {
+    made_.push_back({made.kind, made.made_by});
+    const auto handle = static_cast<array_handle>(made_.size());
+    const bool has_data =
+        made.kind == array_kind::real_matrix || made.kind == array_kind::real_scalar;
+    const stored_array& stored = live_.emplace(handle, std::move(made)).first->second;
+    if (has_data) {
+        data_.emplace(stored.reals.data(), handle);
+    }
+    return handle;
+}
+
+array_handle array_table::add(stored_array made) {
+    const std::lock_guard guard(lock_);
+    return insert(std::move(made));
+}
+
+array_handle array_table::add_real(operation by, std::int64_t rows, std::int64_t columns,
+                                   std::vector<double> reals, array_kind kind) {
+    // Data begin somewhere, also where there are none.
+    reals.reserve(1);
+    stored_array made{kind, by, rows, columns};
+    made.reals = std::move(reals);
+    return add(std::move(made));
+}
+
+void array_table::erase(array_handle handle) {
+    const auto entry = live_.find(handle);
+    stored_array gone = std::move(entry->second);
+    data_.erase(gone.reals.data());
+    live_.erase(entry);
+    for (const auto& elements : gone.values) {
+        for (const array_handle value : elements) {
+            if (value != 0) {
+                erase(value);
+            }
+        }
+    }
+}
+
+void array_table::destroy(array_handle handle) {
+    constexpr operation by = operation::qvdestroyarray800_;
+    const std::lock_guard guard(lock_);
+    const stored_array* const found = find(by, handle, wanted::any);
+    if (found == nullptr) {
+        return;
+    }
+    if (found->owner != 0) {
+        refuse(fault_kind::bad_ownership, by,
+               described(handle, found->kind, found->made_by) + " belongs to array " +
+                   std::to_string(found->owner));
+    }
+    erase(handle);
+}
+
+/// Whether `handle` is the struct itself or a part of it.
+bool array_table::owns(array_handle structure, array_handle handle) const {
+    for (; handle != 0; handle = live_.at(handle).owner) {
+        if (handle == structure) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void array_table::store(operation by, array_handle structure, std::int64_t index, std::size_t field,
+                        array_handle value) {
+    stored_array& owner = live_.at(structure);
+    auto& elements = owner.values[field];
+    if (index < 1 || index > static_cast<std::int64_t>(elements.size())) {
+        refuse(fault_kind::out_of_range, by,
+               described(structure, owner.kind, owner.made_by) + " has no element " +
+                   std::to_string(index));
+    }
+    stored_array* const stored = find(by, value, wanted::any);
+    if (stored != nullptr) {
+        if (stored->owner != 0 || owns(value, structure)) {
+            refuse(fault_kind::bad_ownership, by,
+                   described(value, stored->kind, stored->made_by) +
+                       (stored->owner != 0 ? " belongs to array " + std::to_string(stored->owner)
+                                           : " would be stored in itself"));
+        }
+        stored->owner = structure;
+    }
+    const array_handle old = std::exchange(elements[static_cast<std::size_t>(index - 1)], value);
+    if (old != 0) {
+        erase(old);
+    }
+}
+
+void array_table::set_field(operation by, array_handle structure, std::int64_t index,
+                            const std::string& name, array_handle value) {
+    const std::lock_guard guard(lock_);
+    const stored_array* const found = find(by, structure, wanted::structure);
+    if (found == nullptr) {
+        return;
+    }
+    const auto field = std::find(found->names.begin(), found->names.end(), field_name(name));
+    if (field == found->names.end()) {
+        refuse(fault_kind::out_of_range, by,
+               described(structure, found->kind, found->made_by) + " has no field '" + name + "'");
+    }
+    store(by, structure, index, static_cast<std::size_t>(field - found->names.begin()), value);
+}
+
+void array_table::set_field(operation by, array_handle structure, std::int64_t index,
+                            std::int32_t number, array_handle value) {
+    const std::lock_guard guard(lock_);
+    const stored_array* const found = find(by, structure, wanted::structure);
+    if (found == nullptr || (number == 0 && has_failed())) {
+        return;
+    }
+    if (number < 1 || number > static_cast<std::int64_t>(found->names.size())) {
+        refuse(fault_kind::out_of_range, by,
+               described(structure, found->kind, found->made_by) + " has no field number " +
+                   std::to_string(number));
+    }
+    store(by, structure, index, static_cast<std::size_t>(number - 1), value);
+}
+
+std::int32_t array_table::field_number(operation by, array_handle structure,
+                                       const std::string& name) {
+    const std::lock_guard guard(lock_);
+    const stored_array* const found = find(by, structure, wanted::structure);
+    if (found == nullptr) {
+        return 0;
+    }
+    const auto field = std::find(found->names.begin(), found->names.end(), field_name(name));
+    return field == found->names.end()
+               ? 0
+               : static_cast<std::int32_t>(field - found->names.begin()) + 1;
+}
+
+std::int32_t array_table::add_field(operation by, array_handle structure, const std::string& name) {
+    if (const std::int32_t number = field_number(by, structure, name); number != 0) {
+        return number;
+    }
+    const std::lock_guard guard(lock_);
+    stored_array* const found = find(by, structure, wanted::structure);
+    if (found == nullptr) {
+        return 0;
+    }
+    found->names.push_back(field_name(name));
+    found->values.emplace_back(static_cast<std::size_t>(found->rows * found->columns), 0);
+    return static_cast<std::int32_t>(found->names.size());
+}
+
+double* array_table::data(operation by, array_handle handle) {
+    const std::lock_guard guard(lock_);
+    stored_array* const found = find(by, handle, wanted::real);
+    return found == nullptr ? nullptr : found->reals.data();
+}
+
+void array_table::check_data(operation by, const double* address, std::int64_t count) {
+    if (count < 0) {
+        refuse(fault_kind::bad_request, by, std::to_string(count) + " numbers are to be copied");
+    }
+    if (count == 0 || (address == nullptr && has_failed())) {
+        return;
+    }
+    auto after = data_.upper_bound(address);
+    if (address == nullptr || after == data_.begin()) {
+        refuse(fault_kind::unknown_object, by, "no array has data at the address");
+    }
+    const array_handle handle = std::prev(after)->second;
+    const stored_array& found = live_.at(handle);
+    const double* const end = found.reals.data() + found.reals.size();
+    if (!std::less_equal<>{}(address, end)) {
+        refuse(fault_kind::unknown_object, by, "no array has data at the address");
+    }
+    if (count > end - address) {
+        refuse(fault_kind::out_of_range, by,
+               described(handle, found.kind, found.made_by) + " does not have " +
+                   counted(count, "number") + " from there on, but " +
+                   std::to_string(end - address));
+    }
+}
+
+void array_table::copy_out(const double* from, double* to, std::int64_t count) {
+    const std::lock_guard guard(lock_);
+    check_data(operation::qvcopyptrtoreal8800_, from, count);
+    if (from != nullptr) {
+        std::copy_n(from, count, to);
+    }
+}
+
+void array_table::copy_in(const double* from, double* to, std::int64_t count) {
+    const std::lock_guard guard(lock_);
+    check_data(operation::qvcopyreal8toptr800_, to, count);
+    if (to != nullptr) {
+        std::copy_n(from, count, to);
+    }
+}
+
+array_value array_table::copy_of(const stored_array& from) const {
+    array_value copy;
+    copy.kind = from.kind;
+    copy.rows = from.rows;
+    copy.columns = from.columns;
+    copy.reals_ = from.reals;
+    copy.text_ = from.text;
+    const bool is_single = from.rows * from.columns == 1;
+    for (std::size_t i = 0; i < from.names.size(); ++i) {
+        const array_handle value = is_single ? from.values[i][0] : 0;
+        copy.fields_.emplace_back(from.names[i],
+                                  value == 0 ? array_value{} : copy_of(live_.at(value)));
+    }
+    return copy;
+}
+
+array_value array_table::value_of(operation by, array_handle handle) {
+    const std::lock_guard guard(lock_);
+    const stored_array* const found = find(by, handle, wanted::any);
+    return found == nullptr ? array_value{} : copy_of(*found);
+}
+
+void array_table::list(std::vector<live_object>& all) {
+    const std::lock_guard guard(lock_);
+    for (const auto& [handle, array] : live_) {
+        if (array.owner == 0) {
+            all.push_back({array.made_by, handle, described(handle, array.kind, array.made_by)});
+        }
+    }
+}
+
+void list_arrays(std::vector<live_object>& all) {
+    array_table::instance().list(all);
+}
+
+array_value inspect(std::int64_t handle) {
+    try {
+        return array_table::instance().value_of(operation::qvgetpr800_, handle);
+    } catch (const fault& found) {
+        report_fault(found);
+        return {};
+    }
+}
+
+} // namespace zktarn::standin

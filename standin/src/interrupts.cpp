@@ -1,0 +1,104 @@
+#include "interrupts.hpp"
+
+#include <atomic>
+#include <csignal>
+#include <ctime>
+#include <mutex>
+
+#include "core.hpp"
+
+namespace zktarn::standin {
+
+namespace {
+
+// Written by the signal handler, so they must be free of locks.
+std::atomic<bool> pending = false;
+std::atomic<std::int64_t> last_signal = 0;
+static_assert(std::atomic<bool>::is_always_lock_free);
+static_assert(std::atomic<std::int64_t>::is_always_lock_free);
+
+std::atomic<std::int64_t> polls_to_interrupt = 0;
+
+/// Polls and settings change the handler; the signal itself does not take the lock.
+std::mutex handler_lock;
+struct sigaction previous_handler;
+std::atomic<bool> listening = false;
+bool settled = false;
+
+std::int64_t nanoseconds_now() noexcept {
+    timespec now{};
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return std::int64_t{now.tv_sec} * 1'000'000'000 + now.tv_nsec;
+}
+
+/// Everything here may be called in a signal handler.
+void on_sigint(int) {
+    constexpr std::int64_t two_seconds = 2'000'000'000;
+    const std::int64_t now = nanoseconds_now();
+    const std::int64_t before = last_signal.exchange(now);
+    if (before != 0 && now - before < two_seconds) {
+        // Blocked until this handler returns, and then it goes where it went before.
+        sigaction(SIGINT, &previous_handler, nullptr);
+        listening = false;
+        raise(SIGINT);
+        return;
+    }
+    pending = true;
+}
+
+void set_listening(bool on) noexcept {
+    if (on == listening) {
+        return;
+    }
+    if (on) {
+        struct sigaction ours {};
+        ours.sa_handler = on_sigint;
+        ours.sa_flags = SA_RESTART;
+        sigemptyset(&ours.sa_mask);
+        last_signal = 0;
+        sigaction(SIGINT, &ours, &previous_handler);
+    } else {
+        sigaction(SIGINT, &previous_handler, nullptr);
+    }
+    listening = on;
+}
+
+} // namespace
+
+void raise_interrupt() noexcept {
+    pending = true;
+}
+
+void interrupt_at_poll(std::int64_t k) noexcept {
+    polls_to_interrupt = k;
+}
+
+bool listen_for_sigint(bool on) noexcept {
+    const std::lock_guard guard(handler_lock);
+    const bool before = listening;
+    settled = true;
+    set_listening(on);
+    return before;
+}
+
+bool take_interrupt() noexcept {
+    {
+        const std::lock_guard guard(handler_lock);
+        if (!settled) {
+            settled = true;
+            set_listening(true);
+        }
+    }
+    const bool planned = polls_to_interrupt > 0 && --polls_to_interrupt == 0;
+    return pending.exchange(false) || planned;
+}
+
+void reset_interrupts() noexcept {
+    const std::lock_guard guard(handler_lock);
+    set_listening(false);
+    settled = false;
+    pending = false;
+    polls_to_interrupt = 0;
+}
+
+} // namespace zktarn::standin
