@@ -28,16 +28,28 @@ std::string described(array_handle handle, array_kind kind, operation made_by) {
            name(made_by) + ")";
 }
 
-[[noreturn]] void refuse(fault_kind kind, operation by, const std::string& why) {
-    throw fault{kind, {}, std::string(name(by)) + ": " + why};
+[[noreturn]] void refuse(fault_kind kind, const char* by, const std::string& why) {
+    throw fault{kind, {}, std::string(by) + ": " + why};
 }
 
-/// Trailing blanks are padding.
+[[noreturn]] void refuse(fault_kind kind, operation by, const std::string& why) {
+    refuse(kind, name(by), why);
+}
+
+} // namespace
+
 std::string field_name(const std::string& name) {
     return name.substr(0, name.find_last_not_of(' ') + 1);
 }
 
-} // namespace
+void stored_array::append_field(const std::string& name, std::size_t count) {
+    std::vector<array_handle> elements(count, 0);
+    std::string trimmed = field_name(name);
+    names.reserve(names.size() + 1);
+    values.reserve(values.size() + 1);
+    names.push_back(std::move(trimmed));
+    values.push_back(std::move(elements));
+}
 
 /// Never destroyed, so that arrays destroyed late are still known.
 array_table& array_table::instance() {
@@ -46,7 +58,7 @@ array_table& array_table::instance() {
 }
 
 /// Null only for the handle 0 after a call has been made to fail.
-stored_array* array_table::find(operation by, array_handle handle, wanted what) {
+stored_array* array_table::find(const char* by, array_handle handle, wanted what) {
     if (handle == 0 && has_failed()) {
         return nullptr;
     }
@@ -114,7 +126,7 @@ void array_table::erase(array_handle handle) {
 void array_table::destroy(array_handle handle) {
     constexpr operation by = operation::qvdestroyarray800_;
     const std::lock_guard guard(lock_);
-    const stored_array* const found = find(by, handle, wanted::any);
+    const stored_array* const found = find(name(by), handle, wanted::any);
     if (found == nullptr) {
         return;
     }
@@ -145,7 +157,7 @@ void array_table::store(operation by, array_handle structure, std::int64_t index
                described(structure, owner.kind, owner.made_by) + " has no element " +
                    std::to_string(index));
     }
-    stored_array* const stored = find(by, value, wanted::any);
+    stored_array* const stored = find(name(by), value, wanted::any);
     if (stored != nullptr) {
         if (stored->owner != 0 || owns(value, structure)) {
             refuse(fault_kind::bad_ownership, by,
@@ -161,26 +173,36 @@ void array_table::store(operation by, array_handle structure, std::int64_t index
     }
 }
 
+/// A value that cannot be stored after a failure goes: nobody else has its handle.
+void array_table::drop(array_handle value) {
+    const auto entry = live_.find(value);
+    if (entry != live_.end() && entry->second.owner == 0) {
+        erase(value);
+    }
+}
+
 void array_table::set_field(operation by, array_handle structure, std::int64_t index,
                             const std::string& name, array_handle value) {
     const std::lock_guard guard(lock_);
-    const stored_array* const found = find(by, structure, wanted::structure);
+    const stored_array* const found = find(standin::name(by), structure, wanted::structure);
     if (found == nullptr) {
+        drop(value);
         return;
     }
-    const auto field = std::find(found->names.begin(), found->names.end(), field_name(name));
-    if (field == found->names.end()) {
+    const std::int32_t number = number_of(*found, name);
+    if (number == 0) {
         refuse(fault_kind::out_of_range, by,
                described(structure, found->kind, found->made_by) + " has no field '" + name + "'");
     }
-    store(by, structure, index, static_cast<std::size_t>(field - found->names.begin()), value);
+    store(by, structure, index, static_cast<std::size_t>(number - 1), value);
 }
 
 void array_table::set_field(operation by, array_handle structure, std::int64_t index,
                             std::int32_t number, array_handle value) {
     const std::lock_guard guard(lock_);
-    const stored_array* const found = find(by, structure, wanted::structure);
+    const stored_array* const found = find(name(by), structure, wanted::structure);
     if (found == nullptr || (number == 0 && has_failed())) {
+        drop(value);
         return;
     }
     if (number < 1 || number > static_cast<std::int64_t>(found->names.size())) {
@@ -191,36 +213,35 @@ void array_table::set_field(operation by, array_handle structure, std::int64_t i
     store(by, structure, index, static_cast<std::size_t>(number - 1), value);
 }
 
+std::int32_t array_table::number_of(const stored_array& structure, const std::string& name) {
+    const auto& names = structure.names;
+    const auto field = std::find(names.begin(), names.end(), field_name(name));
+    return field == names.end() ? 0 : static_cast<std::int32_t>(field - names.begin()) + 1;
+}
+
 std::int32_t array_table::field_number(operation by, array_handle structure,
                                        const std::string& name) {
     const std::lock_guard guard(lock_);
-    const stored_array* const found = find(by, structure, wanted::structure);
-    if (found == nullptr) {
-        return 0;
-    }
-    const auto field = std::find(found->names.begin(), found->names.end(), field_name(name));
-    return field == found->names.end()
-               ? 0
-               : static_cast<std::int32_t>(field - found->names.begin()) + 1;
+    const stored_array* const found = find(standin::name(by), structure, wanted::structure);
+    return found == nullptr ? 0 : number_of(*found, name);
 }
 
 std::int32_t array_table::add_field(operation by, array_handle structure, const std::string& name) {
-    if (const std::int32_t number = field_number(by, structure, name); number != 0) {
-        return number;
-    }
     const std::lock_guard guard(lock_);
-    stored_array* const found = find(by, structure, wanted::structure);
+    stored_array* const found = find(standin::name(by), structure, wanted::structure);
     if (found == nullptr) {
         return 0;
     }
-    found->names.push_back(field_name(name));
-    found->values.emplace_back(static_cast<std::size_t>(found->rows * found->columns), 0);
+    if (const std::int32_t number = number_of(*found, name); number != 0) {
+        return number;
+    }
+    found->append_field(name, static_cast<std::size_t>(found->rows * found->columns));
     return static_cast<std::int32_t>(found->names.size());
 }
 
 double* array_table::data(operation by, array_handle handle) {
     const std::lock_guard guard(lock_);
-    stored_array* const found = find(by, handle, wanted::real);
+    stored_array* const found = find(name(by), handle, wanted::real);
     return found == nullptr ? nullptr : found->reals.data();
 }
 
@@ -281,7 +302,7 @@ array_value array_table::copy_of(const stored_array& from) const {
     return copy;
 }
 
-array_value array_table::value_of(operation by, array_handle handle) {
+array_value array_table::value_of(const char* by, array_handle handle) {
     const std::lock_guard guard(lock_);
     const stored_array* const found = find(by, handle, wanted::any);
     return found == nullptr ? array_value{} : copy_of(*found);
@@ -302,7 +323,7 @@ void list_arrays(std::vector<live_object>& all) {
 
 array_value inspect(std::int64_t handle) {
     try {
-        return array_table::instance().value_of(operation::qvgetpr800_, handle);
+        return array_table::instance().value_of("inspect", handle);
     } catch (const fault& found) {
         report_fault(found);
         return {};

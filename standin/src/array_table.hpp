@@ -25,7 +25,13 @@ struct stored_array {
     std::vector<std::vector<array_handle>> values = {};
     /// The struct that owns it, or 0.
     array_handle owner = 0;
+
+    /// Adds a field, empty in each of `count` elements, or nothing when there is no memory for it.
+    void append_field(const std::string& name, std::size_t count);
 };
+
+/// Trailing blanks of a field's name are padding.
+std::string field_name(const std::string& name);
 
 /// All arrays of the host. Handles count from 1 and are never used again. A procedure with faulty
 /// arguments throws the fault and changes nothing.
@@ -51,7 +57,7 @@ public:
     void copy_out(const double* from, double* to, std::int64_t count);
     void copy_in(const double* from, double* to, std::int64_t count);
 
-    array_value value_of(operation by, array_handle handle);
+    array_value value_of(const char* by, array_handle handle);
     void list(std::vector<live_object>& all);
 
 private:
@@ -61,7 +67,9 @@ private:
     };
     enum class wanted { any, structure, real };
 
-    stored_array* find(operation by, array_handle handle, wanted what);
+    stored_array* find(const char* by, array_handle handle, wanted what);
+    static std::int32_t number_of(const stored_array& structure, const std::string& name);
+    void drop(array_handle value);
     array_handle insert(stored_array made);
     void erase(array_handle handle);
     void store(operation by, array_handle structure, std::int64_t index, std::size_t field,

@@ -30,14 +30,14 @@ double array_value::scalar() const {
     return reals_.front();
 }
 
-const std::vector<double>& array_value::reals() const {
+const std::vector<double>& array_value::reals() const& {
     if (!is_real(kind)) {
         report(fault_kind::wrong_kind, "an array that is not real was asked for its numbers");
     }
     return reals_;
 }
 
-const std::string& array_value::text() const {
+const std::string& array_value::text() const& {
     if (kind != array_kind::text) {
         report(fault_kind::wrong_kind, "an array that is no text was asked for its characters");
     }
@@ -45,6 +45,9 @@ const std::string& array_value::text() const {
 }
 
 std::vector<std::string> array_value::field_names() const {
+    if (kind != array_kind::structure) {
+        report(fault_kind::wrong_kind, "an array that is no struct was asked for its fields");
+    }
     std::vector<std::string> names;
     for (const auto& [name, value] : fields_) {
         names.push_back(name);
@@ -53,11 +56,14 @@ std::vector<std::string> array_value::field_names() const {
 }
 
 bool array_value::has_field(const std::string& name) const {
+    if (kind != array_kind::structure) {
+        report(fault_kind::wrong_kind, "an array that is no struct was asked for its fields");
+    }
     return std::any_of(fields_.begin(), fields_.end(),
                        [&](const auto& each) { return each.first == name; });
 }
 
-const array_value& array_value::field(const std::string& name) const {
+const array_value& array_value::field(const std::string& name) const& {
     for (const auto& [own, value] : fields_) {
         if (own == name) {
             return value;

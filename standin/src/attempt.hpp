@@ -12,15 +12,16 @@ namespace zktarn::standin {
 ///                no memory for it.
 template <class Result, class Work>
 Result attempt(operation what, Result failed, Work work) noexcept {
-    if (fails(what)) {
-        return failed;
+    if (!fails(what)) {
+        try {
+            return work();
+        } catch (const fault& found) {
+            report_fault(found);
+        } catch (const std::exception&) {
+            // No memory, or no room for that many elements.
+        }
     }
-    try {
-        return work();
-    } catch (const fault& found) {
-        report_fault(found);
-    } catch (const std::exception&) {
-    }
+    note_failure(what);
     return failed;
 }
 

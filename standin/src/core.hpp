@@ -12,17 +12,21 @@ namespace zktarn::standin {
 /// Counts a call of an operation. Returns whether the call is to fail.
 bool fails(operation what) noexcept;
 
-/// Whether a call has been made to fail since the last `reset`, so that nulls are about.
+/// Notes that an operation has failed, on demand or not.
+void note_failure(operation what) noexcept;
+
+/// Whether an operation that hands something out has failed since the last `reset`, so that callers
+/// have nulls that are no mistake of theirs.
 bool has_failed() noexcept;
 
 /// Ends the process with a sentence on standard error.
 [[noreturn]] void stop(const std::string& sentence) noexcept;
 
 /// Hands a fault to the handler.
-void report_fault(const fault& found);
+void report_fault(const fault& found) noexcept;
 
 /// Hands a failed assertion to the handler.
-void report_failed_assertion();
+void report_failed_assertion() noexcept;
 
 /// "1 byte", "2 bytes".
 std::string counted(std::int64_t n, const char* what);

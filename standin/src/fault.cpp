@@ -1,5 +1,6 @@
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -11,8 +12,8 @@ namespace {
 
 struct handlers {
     std::mutex lock;
-    fault_handler on_fault;
-    assertion_handler on_failed_assertion;
+    std::shared_ptr<fault_handler> on_fault;
+    std::shared_ptr<assertion_handler> on_failed_assertion;
 };
 
 /// Never destroyed: solver code may still report while the process winds down.
@@ -22,14 +23,19 @@ handlers& installed() {
 }
 
 template <class Handler>
-Handler replace(Handler handlers::*which, Handler handler) {
-    const std::lock_guard guard(installed().lock);
-    return std::exchange(installed().*which, std::move(handler));
+Handler replace(std::shared_ptr<Handler> handlers::*which, Handler handler) {
+    auto next = handler ? std::make_shared<Handler>(std::move(handler)) : nullptr;
+    {
+        const std::lock_guard guard(installed().lock);
+        std::swap(installed().*which, next);
+    }
+    return next ? *next : Handler();
 }
 
-/// A copy, so that a handler runs with no lock held and may install another one.
+/// The handler itself, so that it keeps its state, and shared, so that it runs with no lock held
+/// and may install another one.
 template <class Handler>
-Handler current(Handler handlers::*which) {
+std::shared_ptr<Handler> current(std::shared_ptr<Handler> handlers::*which) {
     const std::lock_guard guard(installed().lock);
     return installed().*which;
 }
@@ -46,9 +52,9 @@ fault_handler set_fault_handler(fault_handler handler) {
     return replace(&handlers::on_fault, std::move(handler));
 }
 
-void report_fault(const fault& found) {
+void report_fault(const fault& found) noexcept {
     if (const auto handler = current(&handlers::on_fault)) {
-        handler(found);
+        (*handler)(found);
     } else {
         stop(found.sentence);
     }
@@ -58,9 +64,9 @@ assertion_handler set_assertion_handler(assertion_handler handler) {
     return replace(&handlers::on_failed_assertion, std::move(handler));
 }
 
-void report_failed_assertion() {
+void report_failed_assertion() noexcept {
     if (const auto handler = current(&handlers::on_failed_assertion)) {
-        handler();
+        (*handler)();
     } else {
         stop("an assertion of the solver failed (number " +
              std::to_string(calls(operation::assertOptim)) + ")");

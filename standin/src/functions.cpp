@@ -1,6 +1,8 @@
 #include "functions.hpp"
 
+#include <exception>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <utility>
 
@@ -10,7 +12,7 @@ namespace {
 
 struct registry {
     std::mutex lock;
-    std::map<std::string, host_function> functions;
+    std::map<std::string, std::shared_ptr<host_function>> functions;
 };
 
 registry& registered() {
@@ -36,35 +38,51 @@ struct make_array {
     }
 };
 
+/// The function itself, so that it keeps its state.
+std::shared_ptr<host_function> find(const std::string& name) {
+    const std::lock_guard guard(registered().lock);
+    const auto entry = registered().functions.find(name);
+    return entry == registered().functions.end() ? nullptr : entry->second;
+}
+
+reply call(host_function& function, const std::string& name, const array_value& argument) {
+    try {
+        return function(argument);
+    } catch (const std::exception& thrown) {
+        throw fault{fault_kind::function_threw,
+                    {},
+                    "the host-language function '" + name + "' threw: " + thrown.what()};
+    }
+}
+
 } // namespace
 
 host_function set_function(const std::string& name, host_function function) {
-    const std::lock_guard guard(registered().lock);
-    return std::exchange(registered().functions[name], std::move(function));
+    auto next = function ? std::make_shared<host_function>(std::move(function)) : nullptr;
+    {
+        const std::lock_guard guard(registered().lock);
+        std::swap(registered().functions[name], next);
+    }
+    return next ? *next : host_function();
 }
 
 void reset_functions() {
+    // What they hold goes with no lock held.
+    std::map<std::string, std::shared_ptr<host_function>> gone;
     const std::lock_guard guard(registered().lock);
-    registered().functions.clear();
+    registered().functions.swap(gone);
 }
 
 array_handle call_function(const std::string& name, array_handle input) {
-    host_function function;
-    {
-        const std::lock_guard guard(registered().lock);
-        const auto entry = registered().functions.find(name);
-        if (entry != registered().functions.end()) {
-            function = entry->second;
-        }
-    }
+    const std::shared_ptr<host_function> function = find(name);
     if (!function) {
         throw fault{fault_kind::unknown_function,
                     {},
                     "the host-language function '" + name +
                         "' was called, but nobody has registered it"};
     }
-    const array_value argument = array_table::instance().value_of(by, input);
-    return std::visit(make_array{}, function(argument));
+    const array_value argument = array_table::instance().value_of(standin::name(by), input);
+    return std::visit(make_array{}, call(*function, name, argument).contents());
 }
 
 } // namespace zktarn::standin

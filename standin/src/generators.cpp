@@ -1,11 +1,10 @@
 #include "generators.hpp"
 
+#include <cstdint>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <random>
-#include <set>
-#include <utility>
+#include <string>
 
 #include "core.hpp"
 
@@ -16,64 +15,60 @@ namespace {
 // The same numbers on every platform, and 19937 bits of state that a copy holds.
 using engine = std::mt19937_64;
 
-/// Generators or snapshots: both are an engine.
+/// Generators or snapshots: both are an engine. What a solver has of one is its number, disguised
+/// as an address that is never used again.
 class engines {
 public:
     engines(const char* what, operation made_by) : what_(what), made_by_(made_by) {}
 
     void* add(const engine& start) {
-        auto made = std::make_unique<entry>(entry{start, made_ + 1});
-        void* const address = made.get();
-        past_.erase(address);
-        live_.emplace(address, std::move(made));
+        live_.emplace(made_ + 1, start);
         ++made_;
-        return address;
+        return reinterpret_cast<void*>(static_cast<std::uintptr_t>(made_) * spacing);
     }
 
-    engine& at(operation by, void* address) {
-        const auto found = live_.find(address);
+    engine& at(operation by, const void* handle) {
+        const auto found = live_.find(number_of(handle));
         if (found == live_.end()) {
-            refuse(by, address);
+            refuse(by, handle);
         }
-        return found->second->numbers;
+        return found->second;
     }
 
-    void remove(operation by, void* address) {
-        const auto found = live_.find(address);
-        if (found == live_.end()) {
-            refuse(by, address);
+    void remove(operation by, const void* handle) {
+        if (live_.erase(number_of(handle)) == 0) {
+            refuse(by, handle);
         }
-        past_.emplace(address, found->second->number);
-        live_.erase(found);
     }
 
     void list(std::vector<live_object>& all) const {
-        std::set<std::int64_t> numbers;
-        for (const auto& [address, made] : live_) {
-            numbers.insert(made->number);
-        }
-        for (const std::int64_t number : numbers) {
+        for (const auto& [number, numbers] : live_) {
             all.push_back({made_by_, number, described(number)});
         }
     }
 
 private:
-    struct entry {
-        engine numbers;
-        std::int64_t number;
-    };
+    // Handles are aligned as addresses of engines would be.
+    static constexpr std::uintptr_t spacing = 64;
+
+    /// 0 for what is no handle.
+    static std::int64_t number_of(const void* handle) {
+        const auto bits = reinterpret_cast<std::uintptr_t>(handle);
+        return bits % spacing == 0 ? static_cast<std::int64_t>(bits / spacing) : 0;
+    }
 
     std::string described(std::int64_t number) const {
         return std::string(what_) + " " + std::to_string(number) + " (made by " + name(made_by_) +
                ")";
     }
 
-    [[noreturn]] void refuse(operation by, void* address) const {
+    [[noreturn]] void refuse(operation by, const void* handle) const {
         const std::string prefix = std::string(name(by)) + ": ";
-        if (const auto old = past_.find(address); old != past_.end()) {
+        const std::int64_t number = number_of(handle);
+        if (number >= 1 && number <= made_) {
             throw fault{fault_kind::use_after_release,
                         {},
-                        prefix + described(old->second) + " was used after it was deleted"};
+                        prefix + described(number) + " was used after it was deleted"};
         }
         throw fault{fault_kind::unknown_object, {}, prefix + "the address is that of no " + what_};
     }
@@ -81,9 +76,7 @@ private:
     const char* what_;
     operation made_by_;
     std::int64_t made_ = 0;
-    std::map<void*, std::unique_ptr<entry>> live_;
-    /// Those whose address has not been handed out again, by number.
-    std::map<void*, std::int64_t> past_;
+    std::map<std::int64_t, engine> live_;
 };
 
 struct all_engines {
@@ -112,6 +105,12 @@ void* make_generator(std::int32_t seed) {
 void draw(void* generator, double* values, std::int64_t count) {
     const std::lock_guard guard(all().lock);
     engine& numbers = all().generators.at(operation::getRandUniformOptim, generator);
+    if (count < 0) {
+        throw fault{fault_kind::bad_request,
+                    {},
+                    std::string(name(operation::getRandUniformOptim)) + ": " +
+                        std::to_string(count) + " numbers are to be drawn"};
+    }
     for (std::int64_t i = 0; i < count; ++i) {
         values[i] = uniform(numbers);
     }

@@ -1,9 +1,11 @@
 #include "interrupts.hpp"
 
 #include <atomic>
-#include <csignal>
-#include <ctime>
+#include <cerrno>
 #include <mutex>
+
+#include <signal.h>
+#include <time.h>
 
 #include "core.hpp"
 
@@ -19,10 +21,16 @@ static_assert(std::atomic<std::int64_t>::is_always_lock_free);
 
 std::atomic<std::int64_t> polls_to_interrupt = 0;
 
-/// Polls and settings change the handler; the signal itself does not take the lock.
-std::mutex handler_lock;
+/// Polls and settings change the handler; the signal itself does not take the lock. Never
+/// destroyed, since a solver may poll while the process winds down.
+std::mutex& handler_lock() {
+    static auto& lock = *new std::mutex;
+    return lock;
+}
+
 struct sigaction previous_handler;
 std::atomic<bool> listening = false;
+// Whether it has been decided, by a call or by the first poll, who gets SIGINT.
 bool settled = false;
 
 std::int64_t nanoseconds_now() noexcept {
@@ -34,6 +42,7 @@ std::int64_t nanoseconds_now() noexcept {
 /// Everything here may be called in a signal handler.
 void on_sigint(int) {
     constexpr std::int64_t two_seconds = 2'000'000'000;
+    const int error = errno;
     const std::int64_t now = nanoseconds_now();
     const std::int64_t before = last_signal.exchange(now);
     if (before != 0 && now - before < two_seconds) {
@@ -41,26 +50,49 @@ void on_sigint(int) {
         sigaction(SIGINT, &previous_handler, nullptr);
         listening = false;
         raise(SIGINT);
-        return;
+    } else {
+        pending = true;
     }
-    pending = true;
+    errno = error;
+}
+
+bool is_ours(const struct sigaction& handler) noexcept {
+    return (handler.sa_flags & SA_SIGINFO) == 0 && handler.sa_handler == on_sigint;
+}
+
+void start_listening() noexcept {
+    struct sigaction ours = {};
+    ours.sa_handler = on_sigint;
+    ours.sa_flags = SA_RESTART;
+    sigemptyset(&ours.sa_mask);
+    last_signal = 0;
+    // Known before it is needed: a signal may come at once.
+    sigaction(SIGINT, nullptr, &previous_handler);
+    sigaction(SIGINT, &ours, nullptr);
+    listening = true;
+}
+
+/// Restores the handler that was there, unless the program has installed another one since.
+void stop_listening() noexcept {
+    struct sigaction installed = {};
+    sigaction(SIGINT, nullptr, &installed);
+    if (is_ours(installed)) {
+        sigaction(SIGINT, &previous_handler, nullptr);
+    }
+    listening = false;
 }
 
 void set_listening(bool on) noexcept {
-    if (on == listening) {
-        return;
+    if (on != listening) {
+        on ? start_listening() : stop_listening();
     }
-    if (on) {
-        struct sigaction ours {};
-        ours.sa_handler = on_sigint;
-        ours.sa_flags = SA_RESTART;
-        sigemptyset(&ours.sa_mask);
-        last_signal = 0;
-        sigaction(SIGINT, &ours, &previous_handler);
-    } else {
-        sigaction(SIGINT, &previous_handler, nullptr);
-    }
-    listening = on;
+}
+
+/// A program that was started with SIGINT ignored, in the background, keeps it so.
+bool is_ignored() noexcept {
+    struct sigaction installed = {};
+    sigaction(SIGINT, nullptr, &installed);
+    return installed.sa_handler == SIG_IGN;
 }
 
 } // namespace
@@ -74,7 +106,7 @@ void interrupt_at_poll(std::int64_t k) noexcept {
 }
 
 bool listen_for_sigint(bool on) noexcept {
-    const std::lock_guard guard(handler_lock);
+    const std::lock_guard guard(handler_lock());
     const bool before = listening;
     settled = true;
     set_listening(on);
@@ -83,10 +115,10 @@ bool listen_for_sigint(bool on) noexcept {
 
 bool take_interrupt() noexcept {
     {
-        const std::lock_guard guard(handler_lock);
+        const std::lock_guard guard(handler_lock());
         if (!settled) {
             settled = true;
-            set_listening(true);
+            set_listening(!is_ignored());
         }
     }
     const bool planned = polls_to_interrupt > 0 && --polls_to_interrupt == 0;
@@ -94,7 +126,7 @@ bool take_interrupt() noexcept {
 }
 
 void reset_interrupts() noexcept {
-    const std::lock_guard guard(handler_lock);
+    const std::lock_guard guard(handler_lock());
     set_listening(false);
     settled = false;
     pending = false;

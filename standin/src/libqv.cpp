@@ -1,6 +1,9 @@
 #include "zktarn/host/libqv.hpp"
 
+#include <new>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "array_table.hpp"
 #include "attempt.hpp"
@@ -34,9 +37,14 @@ std::string text_of(operation by, const char* text, std::int64_t length) {
     throw fault{fault_kind::bad_request, {}, std::string(name(by)) + ": " + why};
 }
 
-/// Rows and columns of an array with the given extents; extents that are not given are 1.
-std::pair<std::int64_t, std::int64_t> shape_of(operation by, std::int64_t ndims,
-                                               const std::int64_t* extents) {
+struct shape {
+    std::int64_t rows;
+    std::int64_t columns;
+    std::size_t count;
+};
+
+/// The shape of an array with the given extents; an extent that is not given is 1.
+shape shape_of(operation by, std::int64_t ndims, const std::int64_t* extents) {
     if (ndims < 1 || ndims > 2) {
         refuse(by, "an array has one or two dimensions");
     }
@@ -45,7 +53,11 @@ std::pair<std::int64_t, std::int64_t> shape_of(operation by, std::int64_t ndims,
     if (rows < 0 || columns < 0) {
         refuse(by, "an extent is negative");
     }
-    return {rows, columns};
+    std::int64_t count = 0;
+    if (__builtin_mul_overflow(rows, columns, &count)) {
+        throw std::bad_alloc();
+    }
+    return {rows, columns, static_cast<std::size_t>(count)};
 }
 
 } // namespace
@@ -57,16 +69,15 @@ array_handle qvcreatestructarray800_(const std::int64_t& ndims, const std::int64
                                      std::int64_t slot_width) noexcept {
     constexpr operation by = operation::qvcreatestructarray800_;
     return attempt(by, array_handle{0}, [&] {
-        const auto [rows, columns] = shape_of(by, ndims, extents);
+        const auto [rows, columns, count] = shape_of(by, ndims, extents);
         if (nfields < 0) {
             refuse(by, "the number of fields is negative");
         }
-        const array_handle made =
-            arrays().add(stored_array{array_kind::structure, by, rows, columns});
+        stored_array made{array_kind::structure, by, rows, columns};
         for (std::int32_t i = 0; i < nfields; ++i) {
-            arrays().add_field(by, made, text_of(by, field_names + i * slot_width, slot_width));
+            made.append_field(text_of(by, field_names + i * slot_width, slot_width), count);
         }
-        return made;
+        return arrays().add(std::move(made));
     });
 }
 
@@ -93,13 +104,8 @@ array_handle qvcreatedoublematrix800_(const std::int64_t& rows, const std::int64
             refuse(by, "only real matrices are known here");
         }
         const std::int64_t extents[] = {rows, columns};
-        shape_of(by, 2, extents);
-        std::int64_t count = 0;
-        if (__builtin_mul_overflow(rows, columns, &count)) {
-            return array_handle{0};
-        }
         return arrays().add_real(by, rows, columns,
-                                 std::vector<double>(static_cast<std::size_t>(count)),
+                                 std::vector<double>(shape_of(by, 2, extents).count),
                                  array_kind::real_matrix);
     });
 }

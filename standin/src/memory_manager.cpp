@@ -132,7 +132,7 @@ std::vector<block> sorted_blocks(const memory& m) {
 
 /// Runs when the process unloads this library, after every destructor of the program.
 [[gnu::destructor]] void report_leaks() {
-    if (!manager().report_at_exit) {
+    if (!report_at_exit(false)) {
         return;
     }
     check_blocks();

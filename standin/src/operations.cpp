@@ -40,12 +40,9 @@ std::array<std::atomic<std::int64_t>, operation_count> counts;
 std::array<std::atomic<std::int64_t>, operation_count> calls_to_failure;
 std::atomic<bool> failed = false;
 
-/// Whether an operation has an answer, or leaves something unwritten, that says it failed.
-bool can_fail(operation what) noexcept {
+/// Whether an operation answers with a handle, a number or an address that others are given.
+bool hands_out(operation what) noexcept {
     switch (what) {
-    case operation::instantiateRngOptim:
-    case operation::getRandUniformOptim:
-    case operation::getRngStateOptim:
     case operation::qvcreatestructarray800_:
     case operation::qvcreatestring800_:
     case operation::qvcreatedoublescalar800_:
@@ -53,11 +50,17 @@ bool can_fail(operation what) noexcept {
     case operation::qvaddfield800_:
     case operation::qvgetpr800_:
     case operation::qvxcallquarn800_:
-    case operation::qvxprintf800_:
         return true;
     default:
         return false;
     }
+}
+
+/// Whether an operation has an answer, or leaves something unwritten, that says it failed.
+bool can_fail(operation what) noexcept {
+    return hands_out(what) || what == operation::instantiateRngOptim ||
+           what == operation::getRandUniformOptim || what == operation::getRngStateOptim ||
+           what == operation::qvxprintf800_;
 }
 
 std::size_t at(operation what) noexcept {
@@ -89,8 +92,13 @@ bool fails(operation what) noexcept {
         left.fetch_sub(1, std::memory_order_relaxed) != 1) {
         return false;
     }
-    failed.store(true, std::memory_order_relaxed);
     return true;
+}
+
+void note_failure(operation what) noexcept {
+    if (hands_out(what)) {
+        failed.store(true, std::memory_order_relaxed);
+    }
 }
 
 bool has_failed() noexcept {

@@ -230,6 +230,21 @@ TEST_F(Bridge, TheOutputFunctionIsCalledWithTheStruct) {
                                      call{"qvdestroyarray800_", {101}}));
 }
 
+TEST_F(Bridge, StopMayBeTheStructItself) {
+    answers = {{"qvgetpr800_", 1.0}};
+    std::int64_t word = 7;
+    qvcalloutputfcn(word, word, running, no_poll);
+    EXPECT_EQ(word, 1);
+    EXPECT_EQ(calls()[0], (call{"qvxcallquarn800_", {1, 1, 7}, {"tarnCallback"}}));
+}
+
+TEST_F(Bridge, ANumberOfRowsGoesToTheHostAsItIs) {
+    for (const std::int64_t n : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::min()}) {
+        addrealvectoqvstruct(7, "x", nullptr, n);
+        EXPECT_EQ(calls()[2], (call{"qvcreatedoublematrix800_", {n, 1, 0}})) << n;
+    }
+}
+
 TEST_F(Bridge, AStatusOfTheCallIsIgnored) {
     answers = {{"qvxcallquarn800_", 5.0}, {"qvgetpr800_", 1.0}};
     flag stop = -1;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <list>
+#include <new>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -110,6 +111,47 @@ TEST_F(ValueSlot, ACopyForWhichThereIsNoMemoryHoldsNothing) {
         EXPECT_EQ(stored<names>(copy_of_copy), nullptr) << refused;
     }
     EXPECT_EQ(*stored<names>(list), (names{"cut"}));
+}
+
+struct pooled {
+    static void* operator new(std::size_t) { throw std::bad_alloc(); }
+    static void operator delete(void*) {}
+    int number;
+};
+
+struct pooled_owner : pooled {
+    std::string text;
+};
+
+TEST_F(ValueSlot, AllocatesByNoOperatorOfTheClass) {
+    cbdatalist list;
+    EXPECT_TRUE(store(list, pooled{4}));
+    EXPECT_EQ(stored<pooled>(list)->number, 4);
+    EXPECT_TRUE(store(list, pooled_owner{{5}, "five"}));
+    const cbdatalist copy = list;
+    EXPECT_EQ(stored<pooled_owner>(copy)->text, "five");
+}
+
+TEST_F(ValueSlot, AssigningToItselfNeedsNoMemory) {
+    cbdatalist list;
+    store(list, names{"cut"});
+    const cbdatalist& same = list;
+    refuse_new(1);
+    list = same;
+    refuse_new(0);
+    EXPECT_EQ(*stored<names>(list), (names{"cut"}));
+}
+
+TEST_F(ValueSlot, AssigningWithoutMemoryLeavesTheSlotEmpty) {
+    cbdatalist list;
+    cbdatalist other;
+    store(list, progress{0.5, 7});
+    store(other, progress{0.75, 8});
+    refuse_new(1);
+    list = other;
+    refuse_new(0);
+    EXPECT_EQ(list.slot.value, nullptr);
+    EXPECT_EQ(stored<progress>(other)->done, 0.75);
 }
 
 struct shy {

@@ -148,6 +148,14 @@ TEST_F(Random, HasNoSnapshotWhileTheHostTakesOne) {
     EXPECT_EQ(seen, nullptr);
 }
 
+TEST_F(Random, TakesASnapshotIntoTheHandleOfTheGeneratorItself) {
+    rng_state rng{handle(3)};
+    answer("getRngStateOptim", 6);
+    EXPECT_EQ(getrngstate(rng, rng.generator), 1);
+    EXPECT_EQ(rng.generator, handle(6));
+    EXPECT_THAT(host.calls, ElementsAre(call{"getRngStateOptim", {3}}));
+}
+
 TEST_F(Random, RestoresASnapshotAsOftenAsWanted) {
     const rng_state rng{handle(3)};
     const saved_state state = handle(6);

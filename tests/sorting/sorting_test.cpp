@@ -90,6 +90,18 @@ std::vector<std::int64_t> gaps_of(const std::vector<pair_seen>& calls) {
 constexpr auto never = [](std::int32_t, std::int32_t) { return false; };
 constexpr auto always = [](std::int32_t, std::int32_t) { return true; };
 
+/// Whether an object is taken as an exchange procedure by the inline form.
+template <class Exchange>
+concept is_taken = requires(Exchange& exchange) {
+    zktarn::sorting_mod::sort(1, 2, exchange);
+};
+
+constexpr auto answers_nothing = [](std::int32_t, std::int32_t) {};
+constexpr auto takes_one = [](std::int32_t) { return true; };
+static_assert(!is_taken<decltype(answers_nothing)>);
+static_assert(!is_taken<decltype(takes_one)>);
+static_assert(is_taken<decltype(never)>);
+
 TEST(Sort, CallsNothingForOnePositionOrNone) {
     for (const auto& [first, last] : {std::pair{5, 5}, {5, 4}, {5, -5}, {0, 0}}) {
         EXPECT_TRUE(calls_of_liar(first, last, always).empty());

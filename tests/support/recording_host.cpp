@@ -260,7 +260,9 @@ void qvcopyptrtoreal8800_(const data_address& from, double* to,
 
 void qvcopyreal8toptr800_(const double* from, const data_address& to,
                           const std::int64_t& count) noexcept {
-    answer_to({"qvcopyreal8toptr800_", {count}, {}, {from, from + count}, to}, 0);
+    answer_to(
+        {"qvcopyreal8toptr800_", {count}, {}, {from, from + std::max<std::int64_t>(count, 0)}, to},
+        0);
 }
 
 void qvdestroyarray800_(const array_handle& array) noexcept {

@@ -47,7 +47,7 @@ struct cbdataelm {
 /// State of a solve that its callbacks share. Owns nothing; a copy is bit for bit.
 ///
 /// The defaults say that nothing is known yet. Bounds begin at the largest finite magnitudes and
-/// not at infinities, so that differences of them are numbers.
+/// not at infinities, so that a bound less itself, or times 0, is a number.
 struct cbdata {
     /// Nodes explored; -1 before the solve begins, 0 from `cbinit` on.
     std::int32_t nodes_explored = -1;
@@ -71,7 +71,7 @@ struct cbdata {
 };
 
 /// What comes before the length parameters of a value whose size depends on them. The block is
-/// `count` 64-bit entries long, these three included.
+/// `count` 64-bit entries long, these three included, so at least 3.
 struct parameter_block {
     /// True when the slot owns the block: a copy of the slot then gets a block of its own.
     flag owned;
@@ -85,7 +85,7 @@ struct parameter_block {
 struct value_type {
     /// Size of a value in bytes; with length parameters, the block tells the size instead.
     std::int64_t size = 0;
-    /// True for a type with length parameters.
+    /// True for a type with length parameters; a slot with such a value has a block of them.
     flag has_parameters = 0;
     /// Makes `count` values that were just copied bit for bit independent of the originals.
     void (*copy)(void* first, const std::int32_t& count) noexcept = nullptr;
@@ -123,8 +123,8 @@ ZKTARN_API void _cbdatalistinitialise(cbdatalist& first, const std::int32_t& cou
 /// block of parameters and the value get storage of their own, then the copy procedure of the
 /// value's type, where it has one, runs on the new value. The handles stay as they are.
 ///
-/// When there is no storage for a copy, its slot is left empty, and nothing is lost: the original
-/// keeps its value.
+/// When there is no storage for a copy, its slot is left empty; the original keeps its value. What
+/// a copy procedure does when it finds no memory is the type's business.
 ZKTARN_API void _cbdatalistcopy(cbdatalist& first, const std::int32_t& count) noexcept;
 
 /// Releases what `count` records own and leaves their slots empty: runs `final` on the value, or
@@ -150,9 +150,11 @@ struct cbdatalist {
         : slot(other.slot), first_handle(other.first_handle), second_handle(other.second_handle) {
         other.slot.value = nullptr;
     }
-    /// The old value goes last, so a record may be assigned to itself, or something inside of its
-    /// own value.
-    cbdatalist& operator=(const cbdatalist& other) noexcept { return *this = cbdatalist(other); }
+    /// The old value goes last, so something inside of it may be assigned. Without storage for a
+    /// copy the slot is empty afterwards.
+    cbdatalist& operator=(const cbdatalist& other) noexcept {
+        return this == &other ? *this : *this = cbdatalist(other);
+    }
     cbdatalist& operator=(cbdatalist&& other) noexcept {
         cbdatalist old(static_cast<cbdatalist&&>(other));
         std::swap(slot, old.slot);

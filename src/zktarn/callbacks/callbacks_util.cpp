@@ -120,8 +120,8 @@ void addrealvectoqvstruct(const array_handle& structure, std::string_view name,
                           const double* values, const std::int64_t& n) noexcept {
     set_field(structure, name, [&] {
         constexpr std::int64_t columns = 1;
-        constexpr std::int32_t is_real = 0;
-        const array_handle column = host::qvcreatedoublematrix800_(n, columns, is_real);
+        constexpr std::int32_t real_only = 0;
+        const array_handle column = host::qvcreatedoublematrix800_(n, columns, real_only);
         host::qvcopyreal8toptr800_(values, host::qvgetpr800_(column), n);
         return column;
     });
@@ -134,10 +134,12 @@ void qvcalloutputfcn(const array_handle& structure, flag& stop, const std::int32
         return;
     }
     constexpr std::string_view function = "tarnCallback";
-    constexpr std::int32_t one = 1;
+    constexpr std::int32_t noutputs = 1;
+    constexpr std::int32_t ninputs = 1;
     constexpr std::int64_t count = 1;
     array_handle output = 0;
-    host::qvxcallquarn800_(one, &output, one, &structure, function.data(), length(function));
+    host::qvxcallquarn800_(noutputs, &output, ninputs, &structure, function.data(),
+                           length(function));
     // Stays where the host copies nothing.
     double answer = 0.0;
     host::qvcopyptrtoreal8800_(host::qvgetpr800_(output), &answer, count);

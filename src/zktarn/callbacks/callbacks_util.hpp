@@ -24,10 +24,10 @@
 ///     display     0: print nothing. 1: final output only. Any other value: more of it
 ///     indicator   above 0: there is an output function
 ///
-/// There is one flag for the whole process: an interrupt, once a poll has answered true, is
-/// remembered until the next `cbinit`. It is neither locked nor atomic, so the bridge serves one
-/// solve at a time, from the solver's thread. What the host's operations answer to failures is
-/// passed on, not judged; nothing here reports an error.
+/// There is one flag for the whole process, one in each copy of the library: an interrupt, once a
+/// poll has answered true, is remembered until the next `cbinit`. It is neither locked nor atomic,
+/// so the bridge serves one solve at a time, from the solver's thread. What the host's operations
+/// answer to failures is passed on, not judged; nothing here reports an error.
 
 namespace zktarn::callbacks_util {
 
@@ -54,7 +54,8 @@ ZKTARN_API void cbinit(cbdata*& cb) noexcept;
 ///
 /// @param phase  in. What the field holds, trailing blanks included.
 ///
-/// Returns its handle. The struct is the caller's, who destroys it with what it owns.
+/// Returns its handle. The struct is the caller's, who destroys it, with what it owns, by the
+/// host's `qvdestroyarray800_`.
 [[nodiscard]] ZKTARN_API array_handle qvinitcbarray(std::string_view phase) noexcept;
 
 /// Sets a field of a struct to a real scalar. The field is added when there is none of that name.
@@ -70,7 +71,7 @@ ZKTARN_API void addrealscalartoqvstruct(const array_handle& structure, std::stri
 /// @param structure  in. Made by `qvinitcbarray`.
 /// @param name       in. Name of the field.
 /// @param values     in. At least n reals.
-/// @param n          in. Number of rows; 0 makes an empty column.
+/// @param n          in. Number of rows, 0 or more; goes to the host as it is.
 ZKTARN_API void addrealvectoqvstruct(const array_handle& structure, std::string_view name,
                                      const double* values, const std::int64_t& n) noexcept;
 
@@ -79,8 +80,8 @@ ZKTARN_API void addrealvectoqvstruct(const array_handle& structure, std::string_
 /// @param structure  in. Stays the caller's.
 /// @param stop       out. 1 when the answer, truncated toward zero, is 1; else 0. An interrupt
 ///                   never sets it.
-/// @param status     in.
-/// @param ctrlc      in.
+/// @param status     in. See the codes above.
+/// @param ctrlc      in. See the codes above.
 ///
 /// The function is not called, and stop is 0, when an interrupt has been seen, when the status is
 /// 3, and when a poll sees an interrupt now; in this order. It must return a real array with at
@@ -90,9 +91,9 @@ ZKTARN_API void qvcalloutputfcn(const array_handle& structure, flag& stop,
 
 /// Prints a line on the host's console and flushes it.
 ///
-/// @param status   in.
-/// @param ctrlc    in.
-/// @param display  in.
+/// @param status   in. See the codes above.
+/// @param ctrlc    in. See the codes above.
+/// @param display  in. See the codes above.
 /// @param line     in. Of any length, trailing blanks included; a line feed is added.
 ///
 /// Nothing is printed when display is 0, when an interrupt has been seen, when the status is 3, and
@@ -104,8 +105,8 @@ ZKTARN_API void cbprintdisplay(const std::int32_t& status, const std::int32_t& c
 /// Whether to end the solve: 1 when an interrupt has been seen, when the status is 3, or when a
 /// poll sees an interrupt now; in this order. Status 3 is not remembered.
 ///
-/// @param status  in.
-/// @param ctrlc   in.
+/// @param status  in. See the codes above.
+/// @param ctrlc   in. See the codes above.
 [[nodiscard]] ZKTARN_API flag cbhasinterrupt(const std::int32_t& status,
                                              const std::int32_t& ctrlc) noexcept;
 

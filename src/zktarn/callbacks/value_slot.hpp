@@ -29,12 +29,12 @@ template <class T, class From>
 T* make(From&& from) noexcept {
 #ifdef __cpp_exceptions
     try {
-        return new (std::nothrow) T(std::forward<From>(from));
+        return ::new (std::nothrow) T(std::forward<From>(from));
     } catch (...) {
         return nullptr;
     }
 #else
-    return new (std::nothrow) T(std::forward<From>(from));
+    return ::new (std::nothrow) T(std::forward<From>(from));
 #endif
 }
 
@@ -48,7 +48,7 @@ struct descriptor {
             objects[i] = objects[i] == nullptr ? nullptr : make<T>(std::as_const(*objects[i]));
         }
     }
-    static void destroy(void* value) noexcept { delete *static_cast<T**>(value); }
+    static void destroy(void* value) noexcept { ::delete *static_cast<T**>(value); }
 
     static constexpr value_type type = {sizeof(held), 0, lies_in_slot<T> ? nullptr : copy,
                                         lies_in_slot<T> ? nullptr : destroy, nullptr};
@@ -57,7 +57,7 @@ struct descriptor {
 } // namespace detail
 
 /// Stores an object in the slot, in place of the value it had. Returns false, and changes nothing,
-/// when there is no memory for it.
+/// when there is no memory for it or its move constructor throws.
 template <class T>
 bool store(cbdatalist& list, T object) noexcept {
     using held = typename detail::descriptor<T>::held;
@@ -69,7 +69,7 @@ bool store(cbdatalist& list, T object) noexcept {
         T* const boxed = detail::make<T>(std::move(object));
         made.slot.value = boxed == nullptr ? nullptr : detail::make<held>(boxed);
         if (made.slot.value == nullptr) {
-            delete boxed;
+            ::delete boxed;
         }
     }
     if (made.slot.value == nullptr) {

@@ -48,7 +48,8 @@ array_handle qvcreatedoublematrix800_(const std::int64_t& rows, const std::int64
                                       const std::int32_t& complexity) noexcept;
 
 /// Stores `value` in the named field of element `index` (counted from 1). The struct takes over
-/// ownership of the value; a value that the field held before is released.
+/// ownership of the value, and the library never destroys it, even if the host could not store it.
+/// A value that the field held before is released: the library refills a struct on that assumption.
 void qvsetfield800_(const array_handle& structure, const std::int64_t& index,
                     const char* field_name, const array_handle& value,
                     std::int64_t field_name_length) noexcept;

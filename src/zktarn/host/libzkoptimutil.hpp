@@ -52,7 +52,7 @@ void deleteRngStateOptim(void* state) noexcept;
 // Assertions and console.
 
 /// Is told the value of every condition that a solver asserts. What a false one leads to is the
-/// host's decision, and it need not return.
+/// host's decision: it need not return, but it must not throw.
 void assertOptim(bool condition) noexcept;
 
 /// Flushes pending console output of the host.

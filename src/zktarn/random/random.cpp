@@ -32,8 +32,9 @@ double rand_number(const rng_state& rng) noexcept {
 }
 
 flag getrngstate(const rng_state& rng, saved_state& state) noexcept {
+    void* const generator = rng.generator;
     state = nullptr;
-    state = host::getRngStateOptim(rng.generator);
+    state = host::getRngStateOptim(generator);
     return state != nullptr ? 1 : 0;
 }
 

@@ -18,7 +18,8 @@
 
 namespace zktarn::random {
 
-/// A generator of the host, or none.
+/// A generator of the host, or none. A copy of the record means the same generator: delete one of
+/// them only.
 struct rng_state {
     /// The host's handle; null when there is no generator.
     void* generator = nullptr;
@@ -47,7 +48,7 @@ ZKTARN_API void deleterng(rng_state& rng) noexcept;
 /// none, and where the host does not deliver one.
 ///
 /// @param rng  in.
-[[nodiscard]] ZKTARN_API double rand_number(const rng_state& rng) noexcept;
+ZKTARN_API double rand_number(const rng_state& rng) noexcept;
 
 /// Takes a snapshot of a generator's state.
 ///

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <concepts>
 #include <cstdint>
 #include <type_traits>
+#include <utility>
 
 #include "zktarn/export.hpp"
 #include "zktarn/types.hpp"
@@ -39,10 +39,11 @@ template <class Exchange>
         // Empty where the gap is not smaller than n.
         for (std::int64_t end = first + gap; end <= last; ++end) {
             for (std::int64_t a = end - gap; a >= first; a -= gap) {
-                // Made anew for each call, which may do with them as it likes.
+                // Made anew for each call; whoever writes to them writes to nothing else.
                 auto lower = static_cast<std::int32_t>(a);
                 auto upper = static_cast<std::int32_t>(a + gap);
-                if (!static_cast<bool>(exchange(lower, upper))) {
+                const flag exchanged = exchange(std::as_const(lower), std::as_const(upper));
+                if (exchanged == 0) {
                     break;
                 }
             }
@@ -65,11 +66,12 @@ template <class Exchange>
 ZKTARN_API void sort(const std::int32_t& first, const std::int32_t& last,
                      exchange_procedure exchange) noexcept;
 
-/// The same with `exchange` inlined into the caller. A callable object is preferred here; pass an
-/// `exchange_procedure` for the procedure of the library.
+/// The same with `exchange` inlined into the caller. Every callable is taken here; pass an
+/// `exchange_procedure` for the procedure of the library. What `exchange` throws here leaves the
+/// sort, with the range as it was then.
 template <class Exchange>
-    requires(std::invocable<Exchange&, const std::int32_t&, const std::int32_t&> &&
-             !std::same_as<std::remove_cvref_t<Exchange>, exchange_procedure>)
+    requires(std::is_invocable_r_v<flag, Exchange&, const std::int32_t&, const std::int32_t&> &&
+             !std::is_same_v<std::remove_cvref_t<Exchange>, exchange_procedure>)
 inline void sort(const std::int32_t& first, const std::int32_t& last, Exchange&& exchange) {
     detail::shell_sort(first, last, exchange);
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -27,15 +28,20 @@ public:
     /// The number in a real array that has just one.
     [[nodiscard]] double scalar() const;
     /// The numbers of a real array, column by column.
-    [[nodiscard]] const std::vector<double>& reals() const;
+    [[nodiscard]] const std::vector<double>& reals() const&;
+    [[nodiscard]] std::vector<double> reals() && { return std::as_const(*this).reals(); }
     /// The characters of a text, trailing blanks included.
-    [[nodiscard]] const std::string& text() const;
+    [[nodiscard]] const std::string& text() const&;
+    [[nodiscard]] std::string text() && { return std::as_const(*this).text(); }
     /// The names of the fields of a struct, in order.
     [[nodiscard]] std::vector<std::string> field_names() const;
     /// Whether a struct has a field of that name.
     [[nodiscard]] bool has_field(const std::string& name) const;
     /// The value of a field of a 1-by-1 struct; an empty real array for a field that was not set.
-    [[nodiscard]] const array_value& field(const std::string& name) const;
+    [[nodiscard]] const array_value& field(const std::string& name) const&;
+    [[nodiscard]] array_value field(const std::string& name) && {
+        return std::as_const(*this).field(name);
+    }
 
 private:
     friend class array_table;
@@ -50,10 +56,29 @@ private:
 
 /// What a function of the host's language returns: a real scalar, a real column (an empty one is
 /// allowed) or a text.
-using reply = std::variant<double, std::vector<double>, std::string>;
+class reply {
+public:
+    using content = std::variant<double, std::vector<double>, std::string>;
+
+    /// Any number, and a truth as 1 or 0.
+    template <class Number>
+        requires std::is_arithmetic_v<Number> reply(Number scalar)
+            : content_(static_cast<double>(scalar)) {}
+        reply(std::vector<double> column) : content_(std::move(column)) {}
+        reply(std::string text) : content_(std::move(text)) {}
+        reply(const char* text) : content_(std::string(text)) {}
+
+        [[nodiscard]] const content& contents() const {
+            return content_;
+        }
+
+    private:
+        content content_;
+};
 
 /// A function of the host's language, written in C++: one input, one output. It runs on the thread
-/// that calls it, with no lock of the stand-in held, and must not throw.
+/// that calls it, with no lock of the stand-in held. One that throws is a fault, and its call
+/// fails.
 using host_function = std::function<reply(const array_value& input)>;
 
 /// Registers a function under a name and returns the one that had it before, if any. An empty one

@@ -68,13 +68,14 @@ inline constexpr int operation_count = static_cast<int>(operation::qvxprintf800_
 ///
 /// An operation fails by answering what its contract has for that: null, a handle of 0, a field
 /// number of 0, a status or result of 1; `getRandUniformOptim` leaves its numbers as they are. An
-/// operation without such an answer does not fail. After a failed call, a handle of 0 and a null
-/// address are no fault any more until the next `reset`: they are what a caller has got.
+/// operation without such an answer does not fail. After an operation on arrays has failed, for
+/// whatever reason, a handle or field number of 0 and a null address are no fault any more until
+/// the next `reset`: they are what a caller has got.
 void fail_call(operation what, std::int64_t k) noexcept;
 
 /// Puts the control back to its beginnings: counts at 0, no failure planned, no filling, default
 /// handlers, report at exit, no functions registered, the console shown, no interrupt pending or
-/// planned. What is live stays live and keeps its number.
+/// planned, SIGINT left alone until the next poll. What is live stays live and keeps its number.
 void reset();
 
 // Memory manager
@@ -125,7 +126,7 @@ std::int64_t check_blocks();
 struct live_object {
     /// The operation that made it.
     operation made_by;
-    /// Its handle, for an array; its number among all generators and snapshots, for those.
+    /// Its handle, for an array; its number among the generators, or among the snapshots.
     std::int64_t number;
     /// What it is, in words.
     std::string description;
@@ -175,6 +176,8 @@ enum class fault_kind {
     bad_ownership,
     /// A host-language function that nobody has registered was called.
     unknown_function,
+    /// A host-language function has thrown an exception.
+    function_threw,
 };
 
 /// A fault, as the handler is told of it.
@@ -187,7 +190,8 @@ struct fault {
     std::string sentence;
 };
 
-/// Is told of a fault, on the thread that caused it, with no lock of the stand-in held.
+/// Is told of a fault, on the thread that caused it, with no lock of the stand-in held. Must not
+/// throw.
 using fault_handler = std::function<void(const fault&)>;
 
 /// Installs the handler of faults and returns the previous one. An empty handler stands for the
@@ -197,7 +201,7 @@ fault_handler set_fault_handler(fault_handler handler);
 // Assertions
 // ----------------------------------------------------------------------------------------
 
-/// Is told of every assertion that failed, on the thread that made it.
+/// Is told of every assertion that failed, on the thread that made it. Must not throw.
 using assertion_handler = std::function<void()>;
 
 /// Installs the handler of failed assertions and returns the previous one. An empty handler stands

@@ -17,8 +17,9 @@ void raise_interrupt() noexcept;
 void interrupt_at_poll(std::int64_t k) noexcept;
 
 /// Whether Ctrl-C (SIGINT) asks for an interrupt instead of ending the process. The first poll
-/// turns it on, unless it has been turned off or on before. Turning it off restores the handler
-/// that was there. Returns the previous setting.
+/// turns it on, unless it has been turned off or on before or SIGINT is ignored. Turning it off
+/// restores the handler that was there, unless the program has installed another one since. Returns
+/// the previous setting.
 ///
 /// A second SIGINT within two seconds restores that handler and goes to it: by default it ends the
 /// process.
