@@ -20,7 +20,7 @@ namespace zktarn::sorting_mod {
 /// `exchange(a, b)` for positions a < b of the range: exchanges the elements there and returns true
 /// (nonzero) when they are out of order; leaves them and returns false otherwise. The positions are
 /// temporaries.
-using exchange_procedure = function_ref<flag(const std::int32_t& a, const std::int32_t& b)>;
+using exchange_procedure = function_ref<flag(std::int32_t a, std::int32_t b)>;
 
 namespace detail {
 

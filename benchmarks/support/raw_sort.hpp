@@ -1,0 +1,17 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+/// Shell sorts as they are written for one occasion: the limit for one that serves all.
+
+namespace zktarn::bench {
+
+/// Sorts keys upwards, and the companions with them.
+void raw_sort(std::vector<double>& keys, std::vector<std::int32_t>& companions);
+
+/// Sorts the positions first..last by a procedure behind a pointer.
+void raw_sort_by(std::int64_t (*exchange)(void*, std::int32_t, std::int32_t), void* context,
+                 std::int32_t first, std::int32_t last);
+
+} // namespace zktarn::bench

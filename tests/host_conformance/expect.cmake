@@ -1,0 +1,24 @@
+# cmake -DSTATUS=status -DPATTERN=pattern -P expect.cmake -- PROGRAM [ARGUMENT...]: fails when the
+# program ends with another status, or when what it prints does not match.
+set(command "")
+set(seen_dashes FALSE)
+math(EXPR last "${CMAKE_ARGC} - 1")
+foreach(i RANGE ${last})
+  if(seen_dashes)
+    list(APPEND command "${CMAKE_ARGV${i}}")
+  elseif(CMAKE_ARGV${i} STREQUAL "--")
+    set(seen_dashes TRUE)
+  endif()
+endforeach()
+
+execute_process(COMMAND ${command} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE error)
+# Sentences that the host adds on standard error come first, what is checked last.
+set(said "${error}${output}")
+if(NOT status STREQUAL STATUS)
+  message("${said}")
+  message(FATAL_ERROR "status ${status} instead of ${STATUS}")
+endif()
+if(NOT said MATCHES "${PATTERN}")
+  message("${said}")
+  message(FATAL_ERROR "this does not match '${PATTERN}'")
+endif()

@@ -1,0 +1,105 @@
+#include "report.hpp"
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include <unistd.h>
+
+namespace zktarn::host_conformance {
+
+namespace {
+
+int checks = 0;
+int failed = 0;
+
+// What is looked at right now: read by the signal handler, so it is no string.
+std::array<char, 256> current = {};
+
+/// Where the console is caught by a check, standard output is not where lines go.
+int lines_go_to = STDOUT_FILENO;
+
+void set_current(const std::string& text) {
+    const std::size_t length = text.copy(current.data(), current.size() - 1);
+    current[length] = '\0';
+}
+
+/// Writes without the library of streams, which a signal may have found at work.
+void write_out(std::string_view text) {
+    while (!text.empty()) {
+        const ssize_t written = ::write(lines_go_to, text.data(), text.size());
+        if (written <= 0) {
+            return;
+        }
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void write_out(int number) {
+    std::array<char, 12> digits = {};
+    std::size_t begin = digits.size();
+    do {
+        digits[--begin] = static_cast<char>('0' + number % 10);
+        number /= 10;
+    } while (number > 0);
+    write_out({digits.data() + begin, digits.size() - begin});
+}
+
+void write_summary() {
+    write_out(checks);
+    write_out(" checks, ");
+    write_out(failed);
+    write_out(" failed\n");
+}
+
+void on_signal(int number) {
+    write_out("FAIL ");
+    write_out(std::string_view(current.data(), std::strlen(current.data())));
+    write_out(": the host ended the process by signal ");
+    write_out(number);
+    write_out("\n");
+    ++checks;
+    ++failed;
+    write_summary();
+    ::_exit(1);
+}
+
+} // namespace
+
+void check(const std::string& operation, const std::string& obligation,
+           const std::function<finding()>& look) {
+    const std::string what = operation + ": " + obligation;
+    set_current(what);
+    const finding wrong = look();
+    ++checks;
+    if (wrong.empty()) {
+        write_out("ok   " + what + "\n");
+    } else {
+        ++failed;
+        write_out("FAIL " + what + ": " + wrong + "\n");
+    }
+    set_current(operation + ": after it " + obligation);
+}
+
+void note(const std::string& operation, const std::string& what) {
+    write_out("note " + operation + ": " + what + "\n");
+}
+
+void report_signals() {
+    // A copy, since a check may have standard output elsewhere when the signal comes.
+    if (const int copy = ::dup(STDOUT_FILENO); copy >= 0) {
+        lines_go_to = copy;
+    }
+    for (const int number : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV}) {
+        std::signal(number, on_signal);
+    }
+}
+
+bool summary() {
+    write_summary();
+    return failed == 0;
+}
+
+} // namespace zktarn::host_conformance

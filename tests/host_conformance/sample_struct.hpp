@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <string_view>
+
+#include "zktarn/host/libqv.hpp"
+
+/// Arrays as the checks make them. A 32-bit argument has a neighbour in memory that is not zero, so
+/// that a host which reads 64 bits finds something else.
+
+namespace zktarn::host_conformance {
+
+/// A 1-by-1 struct with fields named by slots of one width.
+host::array_handle make_struct(std::int64_t ndims, std::initializer_list<std::string_view> slots);
+
+host::array_handle make_text(std::string_view text);
+
+host::array_handle make_matrix(std::int64_t rows, std::int64_t columns);
+
+std::int32_t field_number(const host::array_handle& structure, std::string_view name);
+
+/// Sets a field of the only element.
+void set_field(const host::array_handle& structure, std::string_view name,
+               const host::array_handle& value);
+void set_field(const host::array_handle& structure, std::int32_t number,
+               const host::array_handle& value);
+
+/// A struct whose fields have been set, added and replaced in every way: phase = "conformance ",
+/// value = 2.5, column = [1; 2; 3]. 0 when it cannot be made.
+host::array_handle make_sample_struct();
+
+} // namespace zktarn::host_conformance
