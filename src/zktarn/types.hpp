@@ -24,8 +24,8 @@
 ///     follows from that.
 ///  6. Text comes in as `std::string_view` and is changed through `std::span<char>`: characters and
 ///     a length, all of it used, trailing blanks included.
-///  7. Nothing throws or aborts, and nothing prints but by the host's console. A failed allocation comes back as a 0 flag with the array
-///     absent or the reference null.
+///  7. Nothing throws or aborts, and nothing prints but on the host's console. A failed allocation
+///     comes back as a 0 flag with the array absent or the reference null.
 ///  8. Nothing is checked, except in a checked build (ZKTARN_CHECKED): a call outside a procedure's
 ///     stated ranges is undefined.
 ///  9. The caller owns every record, array and handle. Procedures that create one first overwrite
