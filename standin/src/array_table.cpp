@@ -1,6 +1,7 @@
 #include "array_table.hpp"
 
 #include <algorithm>
+#include <cstddef>
 #include <functional>
 #include <iterator>
 #include <utility>
@@ -10,17 +11,8 @@ namespace zktarn::standin {
 namespace {
 
 const char* name_of(array_kind kind) {
-    switch (kind) {
-    case array_kind::structure:
-        return "struct";
-    case array_kind::real_matrix:
-        return "real matrix";
-    case array_kind::real_scalar:
-        return "real scalar";
-    case array_kind::text:
-        break;
-    }
-    return "text";
+    static constexpr const char* names[] = {"struct", "real matrix", "real scalar", "text"};
+    return names[static_cast<std::size_t>(kind)];
 }
 
 std::string described(array_handle handle, array_kind kind, operation made_by) {

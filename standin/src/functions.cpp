@@ -52,6 +52,9 @@ reply call(host_function& function, const std::string& name, const array_value& 
         throw fault{fault_kind::function_threw,
                     {},
                     "the host-language function '" + name + "' threw: " + thrown.what()};
+    } catch (...) {
+        throw fault{
+            fault_kind::function_threw, {}, "the host-language function '" + name + "' threw"};
     }
 }
 

@@ -19,12 +19,14 @@ using engine = std::mt19937_64;
 /// as an address that is never used again.
 class engines {
 public:
-    engines(const char* what, operation made_by) : what_(what), made_by_(made_by) {}
+    /// @param tag  tells the handles of one kind from those of another; less than `spacing`.
+    engines(const char* what, operation made_by, std::uintptr_t tag)
+        : what_(what), made_by_(made_by), tag_(tag) {}
 
     void* add(const engine& start) {
         live_.emplace(made_ + 1, start);
         ++made_;
-        return reinterpret_cast<void*>(static_cast<std::uintptr_t>(made_) * spacing);
+        return reinterpret_cast<void*>(static_cast<std::uintptr_t>(made_) * spacing + tag_);
     }
 
     engine& at(operation by, const void* handle) {
@@ -52,9 +54,9 @@ private:
     static constexpr std::uintptr_t spacing = 64;
 
     /// 0 for what is no handle.
-    static std::int64_t number_of(const void* handle) {
+    std::int64_t number_of(const void* handle) const {
         const auto bits = reinterpret_cast<std::uintptr_t>(handle);
-        return bits % spacing == 0 ? static_cast<std::int64_t>(bits / spacing) : 0;
+        return bits % spacing == tag_ ? static_cast<std::int64_t>(bits / spacing) : 0;
     }
 
     std::string described(std::int64_t number) const {
@@ -75,14 +77,15 @@ private:
 
     const char* what_;
     operation made_by_;
+    std::uintptr_t tag_;
     std::int64_t made_ = 0;
     std::map<std::int64_t, engine> live_;
 };
 
 struct all_engines {
     std::mutex lock;
-    engines generators{"generator", operation::instantiateRngOptim};
-    engines states{"snapshot", operation::getRngStateOptim};
+    engines generators{"generator", operation::instantiateRngOptim, 0};
+    engines states{"snapshot", operation::getRngStateOptim, 32};
 };
 
 all_engines& all() {

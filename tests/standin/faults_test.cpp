@@ -293,6 +293,23 @@ TEST_F(Handlers, ResetRestoresTheDefaults) {
     EXPECT_FALSE(set_assertion_handler({}));
 }
 
+TEST_F(Handlers, KeepTheirStateFromCallToCall) {
+    int told = 0;
+    set_fault_handler([&told, times = 0](const fault&) mutable { told = ++times; });
+    qvMallocExOptim(0);
+    qvMallocExOptim(0);
+    EXPECT_EQ(told, 2);
+    const fault_handler taken = set_fault_handler([](const fault&) {});
+    taken({fault_kind::bad_request, {}, ""});
+    EXPECT_EQ(told, 3);
+
+    int asserted = 0;
+    set_assertion_handler([&asserted, times = 0]() mutable { asserted = ++times; });
+    host::assertOptim(false);
+    host::assertOptim(false);
+    EXPECT_EQ(asserted, 2);
+}
+
 } // namespace
 
 } // namespace zktarn::standin

@@ -21,35 +21,42 @@ struct exported {
     operation what;
     const char* symbol;
     const char* library;
+    /// Keeps its library among those that this program needs.
+    const void* address;
 };
 
-constexpr std::array<exported, operation_count> exported_operations = {{
-    {operation::qvMallocExOptim, "qvMallocExOptim", "libzkoptimutil"},
-    {operation::qvFreeExOptim, "qvFreeExOptim", "libzkoptimutil"},
-    {operation::instantiateRngOptim, "instantiateRngOptim", "libzkoptimutil"},
-    {operation::deleteRngOptim, "deleteRngOptim", "libzkoptimutil"},
-    {operation::getRandUniformOptim, "getRandUniformOptim", "libzkoptimutil"},
-    {operation::getRngStateOptim, "getRngStateOptim", "libzkoptimutil"},
-    {operation::setRngStateOptim, "setRngStateOptim", "libzkoptimutil"},
-    {operation::deleteRngStateOptim, "deleteRngStateOptim", "libzkoptimutil"},
-    {operation::assertOptim, "assertOptim", "libzkoptimutil"},
-    {operation::ioFlushOptim, "ioFlushOptim", "libzkoptimutil"},
-    {operation::utIsInterruptPending, "utIsInterruptPending", "libut"},
-    {operation::qvcreatestructarray800_, "qvcreatestructarray800_", "libqv"},
-    {operation::qvcreatestring800_, "qvcreatestring800_", "libqv"},
-    {operation::qvcreatedoublescalar800_, "qvcreatedoublescalar800_", "libqv"},
-    {operation::qvcreatedoublematrix800_, "qvcreatedoublematrix800_", "libqv"},
-    {operation::qvsetfield800_, "qvsetfield800_", "libqv"},
-    {operation::qvsetfieldbynumber800_, "qvsetfieldbynumber800_", "libqv"},
-    {operation::qvgetfieldnumber800_, "qvgetfieldnumber800_", "libqv"},
-    {operation::qvaddfield800_, "qvaddfield800_", "libqv"},
-    {operation::qvgetpr800_, "qvgetpr800_", "libqv"},
-    {operation::qvcopyptrtoreal8800_, "qvcopyptrtoreal8800_", "libqv"},
-    {operation::qvcopyreal8toptr800_, "qvcopyreal8toptr800_", "libqv"},
-    {operation::qvdestroyarray800_, "qvdestroyarray800_", "libqv"},
-    {operation::qvxcallquarn800_, "qvxcallquarn800_", "libqvx"},
-    {operation::qvxprintf800_, "qvxprintf800_", "libqvx"},
+#define EXPORTED(symbol, library)                                                                  \
+    { operation::symbol, #symbol, library, reinterpret_cast<const void*>(&host::symbol) }
+
+const std::array<exported, operation_count> exported_operations = {{
+    EXPORTED(qvMallocExOptim, "libzkoptimutil"),
+    EXPORTED(qvFreeExOptim, "libzkoptimutil"),
+    EXPORTED(instantiateRngOptim, "libzkoptimutil"),
+    EXPORTED(deleteRngOptim, "libzkoptimutil"),
+    EXPORTED(getRandUniformOptim, "libzkoptimutil"),
+    EXPORTED(getRngStateOptim, "libzkoptimutil"),
+    EXPORTED(setRngStateOptim, "libzkoptimutil"),
+    EXPORTED(deleteRngStateOptim, "libzkoptimutil"),
+    EXPORTED(assertOptim, "libzkoptimutil"),
+    EXPORTED(ioFlushOptim, "libzkoptimutil"),
+    EXPORTED(utIsInterruptPending, "libut"),
+    EXPORTED(qvcreatestructarray800_, "libqv"),
+    EXPORTED(qvcreatestring800_, "libqv"),
+    EXPORTED(qvcreatedoublescalar800_, "libqv"),
+    EXPORTED(qvcreatedoublematrix800_, "libqv"),
+    EXPORTED(qvsetfield800_, "libqv"),
+    EXPORTED(qvsetfieldbynumber800_, "libqv"),
+    EXPORTED(qvgetfieldnumber800_, "libqv"),
+    EXPORTED(qvaddfield800_, "libqv"),
+    EXPORTED(qvgetpr800_, "libqv"),
+    EXPORTED(qvcopyptrtoreal8800_, "libqv"),
+    EXPORTED(qvcopyreal8toptr800_, "libqv"),
+    EXPORTED(qvdestroyarray800_, "libqv"),
+    EXPORTED(qvxcallquarn800_, "libqvx"),
+    EXPORTED(qvxprintf800_, "libqvx"),
 }};
+
+#undef EXPORTED
 
 TEST_F(Operations, EachIsNamedAsItIsExported) {
     for (std::size_t i = 0; i < exported_operations.size(); ++i) {
@@ -61,6 +68,7 @@ TEST_F(Operations, EachIsNamedAsItIsExported) {
 TEST_F(Operations, EachIsExportedByItsOwnLibrary) {
     for (const exported& each : exported_operations) {
         SCOPED_TRACE(each.symbol);
+        ASSERT_NE(each.address, nullptr);
         void* const address = dlsym(RTLD_DEFAULT, name(each.what));
         ASSERT_NE(address, nullptr);
         Dl_info where = {};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -10,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "zktarn/host/libqv.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 #include "zktarn_standin/control.hpp"
 
@@ -18,11 +20,12 @@
 namespace zktarn::standin {
 
 /// Starts every test from a fresh control and a handler that collects the faults, and holds it to
-/// giving back every block.
+/// giving back every block, array, generator and snapshot.
 class StandinTest : public testing::Test {
 protected:
     void SetUp() override {
         reset();
+        objects_before_ = live_objects().size();
         set_fault_handler([this](const fault& found) { faults.push_back(found); });
     }
 
@@ -34,10 +37,32 @@ protected:
         for (const block& each : left) {
             host::qvFreeExOptim(const_cast<void*>(each.address));
         }
+        EXPECT_EQ(live_objects().size(), objects_before_)
+            << "the test has not given all its objects back:\n"
+            << report();
+        for (const live_object& each : live_objects()) {
+            if (each.made_by > operation::utIsInterruptPending) {
+                host::qvdestroyarray800_(each.number);
+            }
+        }
         reset();
     }
 
+    /// Expects exactly one fault since the last call, with no block concerned, and forgets it.
+    void expect_fault(fault_kind kind, const std::string& sentence) {
+        ASSERT_EQ(faults.size(), 1u) << "expected: " << sentence;
+        const fault found = std::exchange(faults, {})[0];
+        EXPECT_EQ(found.kind, kind);
+        EXPECT_EQ(found.sentence, sentence);
+        EXPECT_EQ(found.concerned.address, nullptr);
+        EXPECT_EQ(found.concerned.nbytes, 0);
+        EXPECT_EQ(found.concerned.order, 0);
+    }
+
     std::vector<fault> faults;
+
+private:
+    std::size_t objects_before_ = 0;
 };
 
 /// A process that aborts takes its coverage counters with it, so where they are kept, a copy of the

@@ -50,6 +50,10 @@ void operator delete(void* object, std::size_t) noexcept {
     operator delete(object);
 }
 
+void operator delete(void* object, const std::nothrow_t&) noexcept {
+    operator delete(object);
+}
+
 void* operator new(std::size_t size) {
     if (void* const object = std::malloc(size)) {
         return object;

@@ -62,18 +62,16 @@ public:
 
     /// Any number, and a truth as 1 or 0.
     template <class Number>
-        requires std::is_arithmetic_v<Number> reply(Number scalar)
-            : content_(static_cast<double>(scalar)) {}
-        reply(std::vector<double> column) : content_(std::move(column)) {}
-        reply(std::string text) : content_(std::move(text)) {}
-        reply(const char* text) : content_(std::string(text)) {}
+    reply(Number scalar) requires std::is_arithmetic_v<Number>
+        : content_(static_cast<double>(scalar)) {}
+    reply(std::vector<double> column) : content_(std::move(column)) {}
+    reply(std::string text) : content_(std::move(text)) {}
+    reply(const char* text) : content_(std::string(text)) {}
 
-        [[nodiscard]] const content& contents() const {
-            return content_;
-        }
+    [[nodiscard]] const content& contents() const { return content_; }
 
-    private:
-        content content_;
+private:
+    content content_;
 };
 
 /// A function of the host's language, written in C++: one input, one output. It runs on the thread

@@ -70,7 +70,8 @@ inline constexpr int operation_count = static_cast<int>(operation::qvxprintf800_
 /// number of 0, a status or result of 1; `getRandUniformOptim` leaves its numbers as they are. An
 /// operation without such an answer does not fail. After an operation on arrays has failed, for
 /// whatever reason, a handle or field number of 0 and a null address are no fault any more until
-/// the next `reset`: they are what a caller has got.
+/// the next `reset`: they are what a caller has got. An array stored through one of them is
+/// destroyed, since nobody else has its handle.
 void fail_call(operation what, std::int64_t k) noexcept;
 
 /// Puts the control back to its beginnings: counts at 0, no failure planned, no filling, default
