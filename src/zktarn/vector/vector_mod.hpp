@@ -22,34 +22,42 @@ using vector_type::vector;
 
 namespace detail {
 
-/// The first of positions 1..n at which `list` holds j; 0 when there is none.
-///
-/// Thirty-two at a time, by vector compares that the machine has for 16 or 32 bytes; only where one
-/// of them hits are the entries looked at one by one.
-[[gnu::always_inline]] inline std::int32_t position_of(const std::int32_t* list, std::int32_t n,
-                                                       std::int32_t j) noexcept {
+/// Whether j is among `count` entries, a multiple of 8, by vector compares that the machine has for
+/// 16 or 32 bytes.
+template <std::int32_t count>
+[[gnu::always_inline]] inline bool is_among(const std::int32_t* entries, std::int32_t j) noexcept {
     using lanes = std::int32_t __attribute__((vector_size(32)));
-    constexpr std::int32_t stride = 32;
+    lanes hits = {};
+    for (std::int32_t i = 0; i < count; i += 8) {
+        lanes next;
+        std::memcpy(&next, entries + i, sizeof next);
+        hits |= next == j;
+    }
+    std::int64_t words[4];
+    std::memcpy(words, &hits, sizeof words);
+    return (words[0] | words[1] | words[2] | words[3]) != 0;
+}
+
+/// Whether j is among the n entries of `list`.
+[[gnu::always_inline]] inline bool is_listed(const std::int32_t* list, std::int32_t n,
+                                             std::int32_t j) noexcept {
     std::int32_t k = 0;
-    for (; n - k >= stride; k += stride) {
-        lanes hits = {};
-        for (std::int32_t i = 0; i < stride; i += 8) {
-            lanes entries;
-            std::memcpy(&entries, list + k + i, sizeof entries);
-            hits |= entries == j;
+    for (; n - k >= 64; k += 64) {
+        if (is_among<64>(list + k, j)) {
+            return true;
         }
-        std::int64_t words[4];
-        std::memcpy(words, &hits, sizeof words);
-        if ((words[0] | words[1] | words[2] | words[3]) != 0) {
-            break;
+    }
+    for (; n - k >= 8; k += 8) {
+        if (is_among<8>(list + k, j)) {
+            return true;
         }
     }
     for (; k < n; ++k) {
         if (list[k] == j) {
-            return k + 1;
+            return true;
         }
     }
-    return 0;
+    return false;
 }
 
 /// Lists j after the last entry.
@@ -117,7 +125,7 @@ ZKTARN_API_INLINE void vector_rem_elm(vector& v, const std::int32_t& j) noexcept
 [[nodiscard]] ZKTARN_API_INLINE double vector_get_coef(const vector& v,
                                                        const std::int32_t& j) noexcept {
     const bool member = v.elm.present()   ? v.elm(j) >= 1
-                        : v.ind.present() ? detail::position_of(v.ind.data, v.nz, j) != 0
+                        : v.ind.present() ? detail::is_listed(v.ind.data, v.nz, j)
                                           : true;
     return member ? v.coef(j) : 0.0;
 }
@@ -139,7 +147,7 @@ ZKTARN_API_INLINE void vector_add_nz(vector& v, const std::int32_t& j,
             detail::append(v, index);
             v.elm(index) = 1;
         }
-    } else if (v.ind.present() && detail::position_of(v.ind.data, v.nz, index) == 0) {
+    } else if (v.ind.present() && !detail::is_listed(v.ind.data, v.nz, index)) {
         detail::append(v, index);
     }
 }

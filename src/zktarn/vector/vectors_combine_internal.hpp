@@ -86,7 +86,7 @@ template <class Scale>
     } else if (x.ind.present()) {
         for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
             const std::int32_t j = y.ind.data[k];
-            const bool member = position_of(x.ind.data, x.nz, j) != 0;
+            const bool member = is_listed(x.ind.data, x.nz, j);
             add(std::int64_t{j} - 1, member);
             if (!member) {
                 append(x, j);
