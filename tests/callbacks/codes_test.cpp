@@ -78,6 +78,13 @@ TEST(Codes, SwitchOneAlonePolls) {
     }
 }
 
+// This program never begins a solve.
+TEST(Interrupts, NoneHasBeenSeenWhenTheLibraryIsLoaded) {
+    constexpr std::int32_t running = 0;
+    constexpr std::int32_t no_poll = 0;
+    EXPECT_EQ(zktarn::callbacks_util::cbhasinterrupt(running, no_poll), 0);
+}
+
 std::string lowered(std::string text) {
     PROCEDURE(lowercasee,
               "_ZN6zktarn14callbacks_util10lowercaseeESt4spanIcLm18446744073709551615EE")
