@@ -6,14 +6,18 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <vector>
 
 #include "reference/rational_reference.hpp"
+#include "support/recorded_set.hpp"
 #include "zktarn/util/util.hpp"
 
 namespace {
 
 using zktarn::flag;
+using zktarn::testing::element;
+using zktarn::testing::recorded_set;
 namespace reference = zktarn::reference;
 namespace util = zktarn::util;
 
@@ -100,30 +104,14 @@ void divisors(bytes& draw) {
     expect(util::xgcd_i4(i, j) == reference::xgcd_i4(i, j), "xgcd_i4", i, j, 0.0);
 }
 
-struct element {
-    double value;
-    flag marked;
-    flag selected;
-};
-
 void search(bytes& draw) {
-    std::vector<element> set(draw.byte() % 7);
-    for (element& each : set) {
+    std::vector<element> elements(draw.byte() % 7);
+    for (element& each : elements) {
         each.value = draw.real();
         const std::uint8_t flags = draw.byte();
         each.marked = flags & 3;
         each.selected = flags >> 2 & 3;
     }
-    std::vector<std::int32_t> calls;
-    const auto supply = [&](const std::int32_t& index, double& value, flag& marked,
-                            flag& selected) {
-        calls.push_back(index);
-        const element& each = set.at(static_cast<std::size_t>(index - 1));
-        value = each.value;
-        marked = each.marked;
-        selected = each.selected;
-    };
-    const auto n = static_cast<std::int32_t>(set.size());
     const double eps = draw.tolerance();
     const double max_den = draw.real();
     const double max_scalar = draw.real();
@@ -132,13 +120,15 @@ void search(bytes& draw) {
     const flag selected_only = options & 2;
     flag found = -1;
     double scalar = -1.0;
-    util::find_scalar_integral(n, supply, eps, max_den, max_scalar, found, scalar, skip_marked,
-                               selected_only);
-    const std::vector<std::int32_t> our_calls = calls;
-    calls.clear();
-    const reference::search_result rule = reference::find_scalar_integral(
-        {n, supply, eps, max_den, max_scalar, skip_marked != 0, selected_only != 0});
-    expect(found == flag{rule.found} && same_bits(scalar, rule.scalar) && our_calls == calls,
+    recorded_set ours{elements};
+    util::find_scalar_integral(ours.size(), ours, eps, max_den, max_scalar, found, scalar,
+                               skip_marked, selected_only);
+    recorded_set theirs{elements};
+    const reference::search_result rule =
+        reference::find_scalar_integral({theirs.size(), std::ref(theirs), eps, max_den, max_scalar,
+                                         skip_marked != 0, selected_only != 0});
+    expect(found == flag{rule.found} && same_bits(scalar, rule.scalar) &&
+               ours.calls == theirs.calls,
            "find_scalar_integral", eps, max_den, max_scalar);
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <limits>
 #include <numeric>
 #include <random>
@@ -14,6 +15,7 @@
 #include <gtest/gtest.h>
 
 #include "reference/rational_reference.hpp"
+#include "support/recorded_set.hpp"
 #include "support/scale.hpp"
 #include "zktarn/util/util.hpp"
 
@@ -21,6 +23,8 @@ namespace {
 
 using boost::multiprecision::cpp_rational;
 using zktarn::flag;
+using zktarn::testing::element;
+using zktarn::testing::recorded_set;
 using zktarn::testing::scaled;
 namespace reference = zktarn::reference;
 namespace util = zktarn::util;
@@ -131,6 +135,15 @@ std::string shown(double a, double b, double c) {
     return text;
 }
 
+void expect_agreement(double x, double eps, double bound) {
+    const represented ours = rational(x, eps, bound);
+    const reference::fraction theirs = reference::get_rational_rep(x, eps, bound);
+    ASSERT_TRUE(ours.found == (theirs.found ? 1 : 0) && same_bits(ours.num, theirs.num) &&
+                same_bits(ours.den, theirs.den))
+        << shown(x, eps, bound) << ": " << shown(ours.num, ours.den, 0.0) << " for "
+        << shown(theirs.num, theirs.den, 0.0);
+}
+
 TEST(RationalProperty, AgreesWithTheRules) {
     inputs draw(20261124);
     const std::int64_t cases = scaled(4'000'000);
@@ -142,12 +155,7 @@ TEST(RationalProperty, AgreesWithTheRules) {
         if (std::isinf(bound) && !draw.chance(200)) {
             continue;
         }
-        const represented ours = rational(x, eps, bound);
-        const reference::fraction theirs = reference::get_rational_rep(x, eps, bound);
-        ASSERT_TRUE(ours.found == (theirs.found ? 1 : 0) && same_bits(ours.num, theirs.num) &&
-                    same_bits(ours.den, theirs.den))
-            << shown(x, eps, bound) << ": " << shown(ours.num, ours.den, 0.0) << " for "
-            << shown(theirs.num, theirs.den, 0.0);
+        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
     }
 }
 
@@ -158,11 +166,7 @@ TEST(RationalProperty, AgreesWithTheRulesOnAnyBits) {
         const auto x = std::bit_cast<double>(draw.word());
         const double eps = draw.chance(2) ? std::bit_cast<double>(draw.word()) : draw.tolerance();
         const double bound = 1.0 + draw.whole(100'000);
-        const represented ours = rational(x, eps, bound);
-        const reference::fraction theirs = reference::get_rational_rep(x, eps, bound);
-        ASSERT_TRUE(ours.found == (theirs.found ? 1 : 0) && same_bits(ours.num, theirs.num) &&
-                    same_bits(ours.den, theirs.den))
-            << shown(x, eps, bound);
+        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
     }
 }
 
@@ -174,11 +178,7 @@ TEST(RationalProperty, AgreesWithTheRulesWhereRoundingDecides) {
             draw.sign() * draw.uniform() * std::ldexp(1.0, static_cast<int>(draw.below(9)));
         const double eps = draw.chance(2) ? 0.0 : std::ldexp(draw.uniform(), -52);
         const double bound = std::ldexp(1.0 + draw.uniform(), 45 + static_cast<int>(draw.below(9)));
-        const represented ours = rational(x, eps, bound);
-        const reference::fraction theirs = reference::get_rational_rep(x, eps, bound);
-        ASSERT_TRUE(ours.found == (theirs.found ? 1 : 0) && same_bits(ours.num, theirs.num) &&
-                    same_bits(ours.den, theirs.den))
-            << shown(x, eps, bound);
+        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
     }
 }
 
@@ -252,20 +252,13 @@ TEST(IntegerGcdProperty, AgreesWithTheRulesAndTheStandardLibrary) {
     }
 }
 
-/// One element as the supplier has it.
-struct element {
-    double value;
-    flag marked;
-    flag selected;
-};
-
 TEST(ScalarSearchProperty, AgreesWithTheRulesCallByCall) {
     inputs draw(20261130);
     const std::int64_t cases = scaled(300'000);
     for (std::int64_t i = 0; i < cases; ++i) {
-        std::vector<element> set(draw.below(8));
+        std::vector<element> elements(draw.below(8));
         const std::uint64_t kind = draw.below(4);
-        for (element& each : set) {
+        for (element& each : elements) {
             const double plain = kind == 0   ? draw.sign() * (1.0 + draw.whole(40)) / 6.0
                                  : kind == 1 ? draw.sign() * draw.whole(1000) / 100.0
                                              : draw.value();
@@ -280,28 +273,18 @@ TEST(ScalarSearchProperty, AgreesWithTheRulesCallByCall) {
         const bool skip_marked = draw.chance(2);
         const bool selected_only = draw.chance(2);
 
-        std::vector<std::int32_t> calls;
-        const auto supply = [&](const std::int32_t& index, double& value, flag& marked,
-                                flag& selected) {
-            calls.push_back(index);
-            const element& each = set.at(static_cast<std::size_t>(index - 1));
-            value = each.value;
-            marked = each.marked;
-            selected = each.selected;
-        };
+        recorded_set ours{elements};
         flag found = -1;
         double scalar = -1.0;
-        util::find_scalar_integral(static_cast<std::int32_t>(set.size()), supply, eps, max_den,
-                                   max_scalar, found, scalar, flag{skip_marked},
-                                   flag{selected_only});
-        const std::vector<std::int32_t> our_calls = std::move(calls);
-        calls.clear();
-        const reference::search_result theirs =
-            reference::find_scalar_integral({static_cast<std::int32_t>(set.size()), supply, eps,
-                                             max_den, max_scalar, skip_marked, selected_only});
-        ASSERT_TRUE(found == (theirs.found ? 1 : 0) && same_bits(scalar, theirs.scalar))
-            << "case " << i << ": " << scalar << " for " << theirs.scalar;
-        ASSERT_EQ(our_calls, calls) << "case " << i;
+        util::find_scalar_integral(ours.size(), ours, eps, max_den, max_scalar, found, scalar,
+                                   flag{skip_marked}, flag{selected_only});
+        recorded_set theirs{elements};
+        const reference::search_result rule =
+            reference::find_scalar_integral({theirs.size(), std::ref(theirs), eps, max_den,
+                                             max_scalar, skip_marked, selected_only});
+        ASSERT_TRUE(found == (rule.found ? 1 : 0) && same_bits(scalar, rule.scalar))
+            << "case " << i << ": " << scalar << " for " << rule.scalar;
+        ASSERT_EQ(ours.calls, theirs.calls) << "case " << i;
     }
 }
 

@@ -1,10 +1,13 @@
 #include "zktarn/util/scalar_search.hpp"
 
+#include <cstdint>
 #include <limits>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "support/recorded_set.hpp"
 
 namespace {
 
@@ -12,16 +15,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using zktarn::flag;
 using zktarn::optional_ref;
+using zktarn::testing::element;
+using zktarn::testing::recorded_set;
 using zktarn::util::find_scalar_integral;
 
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double tiny = 5.562684646268003e-309;
-
-struct element {
-    double value;
-    flag marked = 0;
-    flag selected = 1;
-};
 
 /// A search over a set of elements, and the calls of its supplier.
 struct search {
@@ -29,22 +28,16 @@ struct search {
     double eps = 1e-9;
     double max_den = 1000.0;
     double max_scalar = 1000.0;
-    std::vector<int> calls = {};
+    std::vector<std::int32_t> calls = {};
     flag found = -1;
     double scalar = -1.0;
 
     search& run(optional_ref<const flag> skip_marked = {},
                 optional_ref<const flag> selected_only = {}) {
-        const auto supply = [this](const std::int32_t& index, double& value, flag& marked,
-                                   flag& selected) {
-            calls.push_back(index);
-            const element& each = set.at(static_cast<std::size_t>(index - 1));
-            value = each.value;
-            marked = each.marked;
-            selected = each.selected;
-        };
-        find_scalar_integral(static_cast<std::int32_t>(set.size()), supply, eps, max_den,
-                             max_scalar, found, scalar, skip_marked, selected_only);
+        recorded_set supplier{set};
+        find_scalar_integral(supplier.size(), supplier, eps, max_den, max_scalar, found, scalar,
+                             skip_marked, selected_only);
+        calls = supplier.calls;
         return *this;
     }
 };

@@ -8,6 +8,7 @@
 #include <cstdint>
 
 #include "zktarn/util/guarded_floor_internal.hpp"
+#include "zktarn/util/nearest_internal.hpp"
 #include "zktarn/util/rational_internal.hpp"
 
 namespace zktarn::util {
@@ -27,14 +28,6 @@ namespace {
 // the screen itself. Beyond 2^51, where p is integral or nearly so and `nearest` fails, it exceeds
 // any distance.
 constexpr double slack = 0x1p-50;
-
-/// The integer nearest to a value below 2^51 in magnitude: behind the largest of such values there
-/// are no more digits for a fraction.
-template <class Real>
-[[gnu::always_inline]] inline Real nearest(Real value) noexcept {
-    constexpr double digits_end = 0x1.8p52;
-    return (value + digits_end) - digits_end;
-}
 
 /// What the screen needs to know of x and eps.
 struct screen {

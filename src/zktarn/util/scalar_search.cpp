@@ -8,6 +8,7 @@
 
 #include "zktarn/util/gcd_internal.hpp"
 #include "zktarn/util/guarded_floor_internal.hpp"
+#include "zktarn/util/nearest_internal.hpp"
 #include "zktarn/util/rational_internal.hpp"
 
 namespace zktarn::util {
@@ -70,16 +71,9 @@ bool is_integral_by_rule(double value, double eps) noexcept {
 // rounding takes the distance to the other one to nothing below one half.
 constexpr double plain_below = 2147483647.0;
 
-/// The integer nearest to a value of less than 2^51 in magnitude.
-template <class Real>
-[[gnu::always_inline]] inline Real nearest(Real value) noexcept {
-    constexpr double digits_end = 0x1.8p52;
-    return (value + digits_end) - digits_end;
-}
-
 bool is_integral(double value, double eps) noexcept {
     if (std::fabs(value) < plain_below) [[likely]] {
-        return std::fabs(value - nearest(value)) <= eps;
+        return std::fabs(value - detail::nearest(value)) <= eps;
     }
     return is_integral_by_rule(value, eps);
 }
@@ -104,7 +98,7 @@ double first_factor(double value, double scalar, double eps) noexcept {
     pair_of_masks integral = {0, 0};
     for (; factors[0] < beyond; factors += 4.0, bits <<= 2) {
         const pair product = value * (scalar * factors);
-        const pair above = product - nearest(product);
+        const pair above = product - detail::nearest(product);
         integral |= (above <= eps) & (-above <= eps) & bits;
     }
     const auto found = static_cast<std::uint32_t>((integral[0] | integral[1]) & 0x1FF);
