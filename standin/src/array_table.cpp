@@ -20,14 +20,6 @@ std::string described(array_handle handle, array_kind kind, operation made_by) {
            name(made_by) + ")";
 }
 
-[[noreturn]] void refuse(fault_kind kind, const char* by, const std::string& why) {
-    throw fault{kind, {}, std::string(by) + ": " + why};
-}
-
-[[noreturn]] void refuse(fault_kind kind, operation by, const std::string& why) {
-    refuse(kind, name(by), why);
-}
-
 } // namespace
 
 std::string field_name(const std::string& name) {

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "zktarn_standin/control.hpp"
@@ -27,6 +29,13 @@ void report_fault(const fault& found) noexcept;
 
 /// Hands a failed assertion to the handler.
 void report_failed_assertion() noexcept;
+
+/// Throws the fault of a call: its sentence begins with who was called.
+[[noreturn]] void refuse(fault_kind kind, const char* by, const std::string& why);
+[[noreturn]] void refuse(fault_kind kind, operation by, const std::string& why);
+
+/// A text as an operation is given it. Refuses one of negative length.
+std::string_view text_of(operation by, const char* text, std::int64_t length);
 
 /// "1 byte", "2 bytes".
 std::string counted(std::int64_t n, const char* what);

@@ -48,6 +48,21 @@ void stop(const std::string& sentence) noexcept {
     std::abort();
 }
 
+void refuse(fault_kind kind, const char* by, const std::string& why) {
+    throw fault{kind, {}, std::string(by) + ": " + why};
+}
+
+void refuse(fault_kind kind, operation by, const std::string& why) {
+    refuse(kind, name(by), why);
+}
+
+std::string_view text_of(operation by, const char* text, std::int64_t length) {
+    if (length < 0) {
+        refuse(fault_kind::bad_request, by, "the length of a text is " + std::to_string(length));
+    }
+    return {text, static_cast<std::size_t>(length)};
+}
+
 fault_handler set_fault_handler(fault_handler handler) {
     return replace(&handlers::on_fault, std::move(handler));
 }

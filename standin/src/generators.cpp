@@ -65,14 +65,13 @@ private:
     }
 
     [[noreturn]] void refuse(operation by, const void* handle) const {
-        const std::string prefix = std::string(name(by)) + ": ";
         const std::int64_t number = number_of(handle);
         if (number >= 1 && number <= made_) {
-            throw fault{fault_kind::use_after_release,
-                        {},
-                        prefix + described(number) + " was used after it was deleted"};
+            standin::refuse(fault_kind::use_after_release, by,
+                            described(number) + " was used after it was deleted");
         }
-        throw fault{fault_kind::unknown_object, {}, prefix + "the address is that of no " + what_};
+        standin::refuse(fault_kind::unknown_object, by,
+                        std::string("the address is that of no ") + what_);
     }
 
     const char* what_;
@@ -109,10 +108,8 @@ void draw(void* generator, double* values, std::int64_t count) {
     const std::lock_guard guard(all().lock);
     engine& numbers = all().generators.at(operation::getRandUniformOptim, generator);
     if (count < 0) {
-        throw fault{fault_kind::bad_request,
-                    {},
-                    std::string(name(operation::getRandUniformOptim)) + ": " +
-                        std::to_string(count) + " numbers are to be drawn"};
+        refuse(fault_kind::bad_request, operation::getRandUniformOptim,
+               std::to_string(count) + " numbers are to be drawn");
     }
     for (std::int64_t i = 0; i < count; ++i) {
         values[i] = uniform(numbers);

@@ -13,7 +13,6 @@ namespace zktarn::host {
 using standin::array_kind;
 using standin::array_table;
 using standin::attempt;
-using standin::fault;
 using standin::fault_kind;
 using standin::operation;
 using standin::stored_array;
@@ -24,17 +23,12 @@ array_table& arrays() {
     return array_table::instance();
 }
 
-std::string text_of(operation by, const char* text, std::int64_t length) {
-    if (length < 0) {
-        throw fault{fault_kind::bad_request,
-                    {},
-                    std::string(name(by)) + ": the length of a text is " + std::to_string(length)};
-    }
-    return length == 0 ? std::string() : std::string(text, static_cast<std::size_t>(length));
+[[noreturn]] void refuse(operation by, const char* why) {
+    standin::refuse(fault_kind::bad_request, by, why);
 }
 
-[[noreturn]] void refuse(operation by, const char* why) {
-    throw fault{fault_kind::bad_request, {}, std::string(name(by)) + ": " + why};
+std::string string_of(operation by, const char* text, std::int64_t length) {
+    return std::string(standin::text_of(by, text, length));
 }
 
 struct shape {
@@ -75,7 +69,7 @@ array_handle qvcreatestructarray800_(const std::int64_t& ndims, const std::int64
         }
         stored_array made{array_kind::structure, by, rows, columns};
         for (std::int32_t i = 0; i < nfields; ++i) {
-            made.append_field(text_of(by, field_names + i * slot_width, slot_width), count);
+            made.append_field(string_of(by, field_names + i * slot_width, slot_width), count);
         }
         return arrays().add(std::move(made));
     });
@@ -85,7 +79,7 @@ array_handle qvcreatestring800_(const char* text, std::int64_t text_length) noex
     constexpr operation by = operation::qvcreatestring800_;
     return attempt(by, array_handle{0}, [&] {
         stored_array made{array_kind::text, by, 1, text_length};
-        made.text = text_of(by, text, text_length);
+        made.text = string_of(by, text, text_length);
         return arrays().add(std::move(made));
     });
 }
@@ -115,7 +109,8 @@ void qvsetfield800_(const array_handle& structure, const std::int64_t& index,
                     std::int64_t field_name_length) noexcept {
     constexpr operation by = operation::qvsetfield800_;
     attempt(by, [&] {
-        arrays().set_field(by, structure, index, text_of(by, field_name, field_name_length), value);
+        arrays().set_field(by, structure, index, string_of(by, field_name, field_name_length),
+                           value);
     });
 }
 
@@ -129,7 +124,7 @@ std::int32_t qvgetfieldnumber800_(const array_handle& structure, const char* fie
                                   std::int64_t field_name_length) noexcept {
     constexpr operation by = operation::qvgetfieldnumber800_;
     return attempt(by, std::int32_t{0}, [&] {
-        return arrays().field_number(by, structure, text_of(by, field_name, field_name_length));
+        return arrays().field_number(by, structure, string_of(by, field_name, field_name_length));
     });
 }
 
@@ -137,7 +132,7 @@ std::int32_t qvaddfield800_(const array_handle& structure, const char* field_nam
                             std::int64_t field_name_length) noexcept {
     constexpr operation by = operation::qvaddfield800_;
     return attempt(by, std::int32_t{0}, [&] {
-        return arrays().add_field(by, structure, text_of(by, field_name, field_name_length));
+        return arrays().add_field(by, structure, string_of(by, field_name, field_name_length));
     });
 }
 

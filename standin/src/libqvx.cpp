@@ -1,6 +1,6 @@
 #include "zktarn/host/libqvx.hpp"
 
-#include <string_view>
+#include <string>
 
 #include "attempt.hpp"
 #include "console.hpp"
@@ -9,22 +9,8 @@
 namespace zktarn::host {
 
 using standin::attempt;
-using standin::fault;
-using standin::fault_kind;
 using standin::operation;
-
-namespace {
-
-std::string_view text_of(operation by, const char* text, std::int64_t length) {
-    if (length < 0) {
-        throw fault{fault_kind::bad_request,
-                    {},
-                    std::string(name(by)) + ": the length of a text is " + std::to_string(length)};
-    }
-    return {text, static_cast<std::size_t>(length)};
-}
-
-} // namespace
+using standin::text_of;
 
 extern "C" {
 
@@ -34,10 +20,8 @@ std::int32_t qvxcallquarn800_(const std::int32_t& noutputs, array_handle* output
     constexpr operation by = operation::qvxcallquarn800_;
     return attempt(by, std::int32_t{1}, [&] {
         if (noutputs != 1 || ninputs != 1) {
-            throw fault{fault_kind::bad_request,
-                        {},
-                        std::string(standin::name(by)) +
-                            ": functions have one input and one output here"};
+            standin::refuse(standin::fault_kind::bad_request, by,
+                            "functions have one input and one output here");
         }
         outputs[0] = standin::call_function(std::string(text_of(by, name, name_length)), inputs[0]);
         return std::int32_t{0};
