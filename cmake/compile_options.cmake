@@ -11,11 +11,14 @@ function(zktarn_warnings target)
 endfunction()
 
 # Neither contraction nor any other relaxation of IEEE 754 may change a result. Exceptions and type
-# information have no place in code that throws nothing and is called from hosts that unwind nothing.
+# information have no place in code that throws nothing and is called from hosts that unwind nothing;
+# nor has a guarded stack, on by default on some systems, in code that never ends the process.
 function(zktarn_library_rules target)
   zktarn_warnings(${target})
   target_compile_options(${target} PRIVATE
-    -ffp-contract=off -fno-fast-math -fno-exceptions -fno-rtti -fno-semantic-interposition)
+    -ffp-contract=off -fno-fast-math -fno-exceptions -fno-rtti -fno-stack-protector
+    # Where symbols are bound to their library anyway, Clang complains about an option to do so.
+    $<$<NOT:$<BOOL:${APPLE}>>:-fno-semantic-interposition>)
   set_target_properties(${target} PROPERTIES
     POSITION_INDEPENDENT_CODE ON
     CXX_VISIBILITY_PRESET hidden
