@@ -1,0 +1,3 @@
+double broken(double a, double b) {
+    return a * b;
+}

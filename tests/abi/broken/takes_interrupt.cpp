@@ -1,0 +1,5 @@
+extern "C" bool utIsInterruptPending() noexcept;
+
+bool broken() {
+    return utIsInterruptPending();
+}

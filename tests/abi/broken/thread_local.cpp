@@ -1,0 +1,5 @@
+thread_local int state = 0;
+
+int broken() {
+    return ++state;
+}

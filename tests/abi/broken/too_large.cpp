@@ -1,0 +1,1 @@
+extern const char broken[100 * 1024] = {1};

@@ -1,0 +1,210 @@
+#!/usr/bin/env python3
+"""Holds the shared library for macOS against what it promises.
+
+    check_macho.py CHECK LIBRARY SOVERSION
+
+CHECK is one of those below, or `table`: all of them, shown as a table. Reading (macho.py) and
+judging are kept apart.
+"""
+
+import pathlib
+import re
+import subprocess
+import sys
+
+import macho
+from check_abi import listed, reason
+
+HERE = pathlib.Path(__file__).resolve().parent
+HOST_HEADERS = HERE.parent.parent / "src/zktarn/host"
+HOST_LIBRARIES = ("libqv", "libqvx", "libut", "libzkoptimutil")
+SYSTEM_LIBRARIES = {"libSystem": "/usr/lib/libSystem.B.dylib", "libc++": "/usr/lib/libc++.1.dylib"}
+OLDEST_MACOS = (11, 0, 0)
+LARGEST = 100 * 1024
+
+
+class Refused(Exception):
+    """The library breaks a promise; the text says how."""
+
+
+def demand(condition, sentence):
+    if not condition:
+        raise Refused(sentence)
+
+
+def dotted(numbers):
+    return ".".join(map(str, numbers))
+
+
+# Expectations
+
+def host_owners():
+    """Which library of the host has which operation, as its header says."""
+    owners = {}
+    for stem in HOST_LIBRARIES:
+        text = re.sub(r"//.*", "", (HOST_HEADERS / f"{stem}.hpp").read_text(encoding="utf-8"))
+        declarations = text.split('extern "C" {', 1)[1]
+        for name in re.findall(r"(\w+)\(", declarations):
+            owners["_" + name] = stem
+    return owners
+
+
+def allowed_owners():
+    owners = host_owners()
+    for line in listed(HERE / "imports.macho"):
+        owner, name = line.split()
+        owners[name] = owner
+    return owners
+
+
+def demangled(names):
+    ran = subprocess.run(["c++filt", "--no-strip-underscore"], input="\n".join(names),
+                         capture_output=True, text=True, check=True)
+    return ran.stdout.splitlines()
+
+
+def on_macos(plain):
+    """A demangled name of Linux as it is on macOS, where a 64-bit integer is a `long long`, and the
+    standard library has an inline namespace of its own. `unsigned long` is std::size_t on both."""
+    plain = re.sub(r"(?<!unsigned )\blong\b", "long long", plain)
+    return re.sub(r"\bstd::", "std::__1::", plain)
+
+
+# Judging: each check answers with what it found, in a few words.
+
+def check_kind(library, _):
+    demand(library.filetype == macho.DYLIB, "it is not a dynamic library")
+    demand(library.cpu == macho.CPU_ARM64, "it is not for 64-bit Arm")
+    demand(library.minimum is not None, "it does not say which macOS it is for")
+    demand(library.minimum == OLDEST_MACOS,
+           f"it needs macOS {dotted(library.minimum)}, not {dotted(OLDEST_MACOS)}")
+    return f"MH_DYLIB, arm64, macOS {dotted(library.minimum[:2])}"
+
+
+def check_name(library, soversion):
+    wanted = f"@rpath/libzktarn_util.{soversion}.dylib"
+    demand(library.identity is not None, "it has no name")
+    found = library.identity
+    demand(found.name == wanted, f"its name is {found.name}, not {wanted}")
+    demand(found.compatible <= found.current,
+           f"its version {dotted(found.current)} is below {dotted(found.compatible)}, with which "
+           "it is compatible")
+    return found.name
+
+
+def check_run_path(library, _):
+    wanted = ["@loader_path", "@loader_path/zktarn_standin"]
+    demand(library.run_path == wanted,
+           f"it looks for libraries in {', '.join(library.run_path) or 'no folder'}, not in "
+           f"{', '.join(wanted)}")
+    return ", ".join(library.run_path)
+
+
+def check_loads(library, _):
+    names = {load.name for load in library.loads}
+    host = {f"@rpath/{stem}.dylib" for stem in HOST_LIBRARIES}
+    missing = (host | {SYSTEM_LIBRARIES["libSystem"]}) - names
+    extra = names - host - set(SYSTEM_LIBRARIES.values())
+    demand(not missing, f"it does not load {', '.join(sorted(missing))}")
+    demand(not extra, f"it loads {', '.join(sorted(extra))}")
+    for load in library.loads:
+        demand(not load.how, f"{load.name} is loaded {load.how}")
+        demand(load.name not in host or load.compatible == (0, 0, 0),
+               f"it asks for a version of {load.name}")
+    return ", ".join(load.stem for load in library.loads)
+
+
+def check_imports(library, _):
+    unwelcome = {found.name for found in library.imports} - set(allowed_owners())
+    demand(not unwelcome, "\n".join(
+        f"imports {name}: {reason(name.removeprefix('_'))}" for name in sorted(unwelcome)))
+    return f"{len(library.imports)} names, all allowed: nothing ends the process or unwinds"
+
+
+def check_bindings(library, _):
+    demand(library.flags & macho.TWO_LEVEL and not library.flags & macho.FORCE_FLAT,
+           "its imports are looked up in every library of the process")
+    owners = allowed_owners()
+    for found in library.imports:
+        demand(1 <= found.ordinal <= len(library.loads),
+               f"{found.name} is looked up in every library of the process")
+        library_of = library.loads[found.ordinal - 1].stem
+        owner = owners.get(found.name, library_of)
+        demand(library_of == owner, f"{found.name} is taken from {library_of}, not from {owner}")
+    return f"{len(library.imports)} names, each from the library that owns it"
+
+
+def check_exports(library, _):
+    elf = sorted(listed(HERE / "exports.golden"))
+    wanted = {on_macos(plain): name for plain, name in zip(demangled(elf), elf)}
+    mangled = sorted(name.removeprefix("_") for name in library.exports)
+    there = set(demangled(mangled))
+    demand(there == set(wanted),
+           "the exported names differ from exports.golden\n"
+           f"  missing: {'; '.join(sorted(set(wanted) - there)) or 'none'}\n"
+           f"  extra: {'; '.join(sorted(there - set(wanted))) or 'none'}")
+    demand(len(mangled) == len(elf), f"{len(mangled)} names are exported, not {len(elf)}")
+    return f"{len(there)} names, those of exports.golden"
+
+
+def check_startup(library, _):
+    for section in library.sections:
+        demand(section.kind not in macho.STARTUP_SECTIONS,
+               f"it runs code when it is loaded or unloaded: {section.name}")
+    return "no initialisers"
+
+
+def check_threads(library, _):
+    for section in library.sections:
+        demand(section.kind not in macho.THREAD_SECTIONS,
+               f"it has variables of a thread: {section.name}")
+    return "no thread-local variables"
+
+
+def check_signature(library, _):
+    demand(library.signature is not None, "it is not signed, and a Mac would not load it")
+    demand(library.signature.ad_hoc, "its signature is somebody's")
+    demand(library.signature.intact, "its signature does not fit its contents")
+    return "ad hoc, every page as signed"
+
+
+def check_size(library, _):
+    size = len(library.data)
+    demand(size < LARGEST, f"it has {size} bytes, not less than {LARGEST}")
+    return f"{size} bytes of at most {LARGEST - 1}"
+
+
+CHECKS = {"kind": check_kind, "name": check_name, "run_path": check_run_path,
+          "loads": check_loads, "imports": check_imports, "bindings": check_bindings,
+          "exports": check_exports, "startup": check_startup, "threads": check_threads,
+          "signature": check_signature, "size": check_size}
+
+
+def table(library, soversion):
+    """Runs every check; true when all are content."""
+    content = True
+    print(f"{'macOS library':<14} {'verdict':<8} found")
+    for name, check in CHECKS.items():
+        try:
+            verdict, found = "passed", check(library, soversion)
+        except Refused as refused:
+            verdict, found, content = "FAILED", str(refused), False
+        print(f"{name.replace('_', ' '):<14} {verdict:<8} {found}")
+    return content
+
+
+def main(arguments):
+    if len(arguments) != 3 or arguments[0] not in {*CHECKS, "table"}:
+        sys.exit(f"usage: check_macho.py {'|'.join(CHECKS)}|table LIBRARY SOVERSION")
+    check, path, soversion = arguments
+    try:
+        library = macho.Library(path)
+        if check == "table":
+            sys.exit(0 if table(library, soversion) else 1)
+        print(CHECKS[check](library, soversion))
+    except (macho.NotMachO, Refused) as refused:
+        sys.exit(f"check_macho: {refused}")
+
+
+if __name__ == "__main__":
+    main(sys.argv[1:])

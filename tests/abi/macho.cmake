@@ -1,0 +1,83 @@
+# The library for macOS, as it is installed; the checks need no Mac.
+set(check ${Python3_EXECUTABLE} "${CMAKE_CURRENT_SOURCE_DIR}/check_macho.py")
+set(installed "${CMAKE_CURRENT_BINARY_DIR}/installed")
+
+abi_test(install ${CMAKE_COMMAND} --install "${PROJECT_BINARY_DIR}"
+  --component util --prefix "${installed}")
+abi_test(macos_library ${check} table
+  "${installed}/${CMAKE_INSTALL_LIBDIR}/$<TARGET_FILE_NAME:zktarn_util>" ${ZKTARN_SOVERSION})
+set_tests_properties(abi.install PROPERTIES FIXTURES_SETUP installed)
+set_tests_properties(abi.macos_library PROPERTIES FIXTURES_REQUIRED installed)
+
+# Each check seen to fail: a library that breaks one rule. What these take from nowhere is looked up
+# everywhere, since there is not all of libc++ to link with on another system.
+function(broken_library flaw source)
+  add_library(zktarn_broken_${flaw} SHARED broken/${source}.cpp)
+  target_link_options(zktarn_broken_${flaw} PRIVATE LINKER:-undefined,dynamic_lookup ${ARGN})
+endfunction()
+
+# breaks(flaw check sentence): the library of that flaw is refused by that check.
+function(breaks flaw check_name sentence)
+  abi_refuses(${flaw}_is_refused "${sentence}"
+    ${check} ${check_name} $<TARGET_FILE:zktarn_broken_${flaw}> ${ZKTARN_SOVERSION})
+endfunction()
+
+foreach(flaw IN ITEMS one_name_too_many aborts prints throws streams process_memory starts_up
+    thread_local too_large)
+  broken_library(${flaw} ${flaw})
+endforeach()
+breaks(aborts imports "imports _abort: the library never ends the process")
+breaks(prints imports "imports _printf: the library never prints")
+breaks(streams imports "imports __ZNSt[^ ]*: the library never prints")
+breaks(throws imports "imports ___cxa_throw: the library never throws")
+breaks(process_memory imports "imports _calloc: array storage comes from the host's memory manager")
+breaks(one_name_too_many exports "missing: .*tarnassert.*extra: .*mallocate_quickly")
+breaks(starts_up startup "runs code when it is loaded")
+breaks(thread_local threads "has variables of a thread")
+breaks(too_large size "bytes, not less than 102400")
+
+add_library(zktarn_broken_bundle MODULE broken/never_fuses.cpp)
+breaks(bundle kind "is not a dynamic library")
+broken_library(other_processor never_fuses)
+set_target_properties(zktarn_broken_other_processor PROPERTIES OSX_ARCHITECTURES x86_64)
+breaks(other_processor kind "is not for 64-bit Arm")
+broken_library(newer_system never_fuses -mmacosx-version-min=12.0)
+breaks(newer_system kind "needs macOS 12.0.0, not 11.0.0")
+
+broken_library(other_name never_fuses)
+breaks(other_name name "its name is @rpath/libzktarn_broken_other_name.dylib")
+broken_library(version_below never_fuses
+  LINKER:-install_name,@rpath/libzktarn_util.${ZKTARN_SOVERSION}.dylib
+  LINKER:-compatibility_version,1.0 LINKER:-current_version,0.1)
+breaks(version_below name "version 0.1.0 is below 1.0.0")
+abi_refuses(run_path_of_the_build_is_refused "looks for libraries in /.*, not in @loader_path"
+  ${check} run_path ${library} ${ZKTARN_SOVERSION})
+
+broken_library(no_host never_fuses)
+breaks(no_host loads "does not load @rpath/libqv.dylib, @rpath/libqvx.dylib")
+broken_library(one_load_too_many never_fuses)
+target_link_libraries(zktarn_broken_one_load_too_many PRIVATE zktarn_broken_aborts
+  zktarn_standin_qv zktarn_standin_qvx zktarn_standin_ut zktarn_standin_zkoptimutil)
+breaks(one_load_too_many loads "it loads @rpath/libzktarn_broken_aborts.dylib")
+
+broken_library(looks_everywhere takes_interrupt)
+breaks(looks_everywhere bindings "_utIsInterruptPending is looked up in every library")
+broken_library(flat takes_interrupt LINKER:-flat_namespace)
+breaks(flat bindings "its imports are looked up in every library")
+broken_library(false_owner other_owner LINKER:-install_name,@rpath/libqv.dylib)
+broken_library(other_owner takes_interrupt)
+target_link_libraries(zktarn_broken_other_owner PRIVATE zktarn_broken_false_owner)
+breaks(other_owner bindings "_utIsInterruptPending is taken from libqv, not from libut")
+
+broken_library(unsigned never_fuses LINKER:-no_adhoc_codesign)
+breaks(unsigned signature "is not signed")
+set(damaged "${CMAKE_CURRENT_BINARY_DIR}/damaged.dylib")
+add_custom_command(OUTPUT "${damaged}" DEPENDS zktarn_util broken/damage.py
+  COMMAND ${Python3_EXECUTABLE} "${CMAKE_CURRENT_SOURCE_DIR}/broken/damage.py" ${library} "${damaged}")
+add_custom_target(zktarn_broken_damaged ALL DEPENDS "${damaged}")
+abi_refuses(damaged_is_refused "signature does not fit its contents"
+  ${check} signature "${damaged}" ${ZKTARN_SOVERSION})
+
+# What is no such library at all ends in a sentence too.
+abi_refuses(other_file_is_refused "^check_macho: .* is no 64-bit Mach-O file"
+  ${check} table "${CMAKE_CURRENT_SOURCE_DIR}/README.md" ${ZKTARN_SOVERSION})

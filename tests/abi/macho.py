@@ -1,0 +1,180 @@
+"""Reads a Mach-O library: header, load commands, symbols, exports, code signature. No judgement."""
+
+import hashlib
+import struct
+from dataclasses import dataclass
+
+MAGIC = 0xFEEDFACF
+MAGIC_UNIVERSAL = 0xCAFEBABE
+CPU_ARM64 = 0x0100000C
+DYLIB = 6
+TWO_LEVEL, FORCE_FLAT = 0x80, 0x100
+
+LC_SYMTAB, LC_ID_DYLIB, LC_SEGMENT, LC_RPATH = 0x2, 0xD, 0x19, 0x8000001C
+LC_CODE_SIGNATURE, LC_BUILD_VERSION = 0x1D, 0x32
+LC_DYLD_INFO, LC_EXPORTS_TRIE = (0x22, 0x80000022), 0x80000033
+# Every way to load another library: as a need, weakly, exported anew, lazily, upward.
+LOADS = {0xC: "", 0x80000018: "weakly", 0x8000001F: "exported anew", 0x20: "lazily",
+         0x80000023: "upward"}
+
+# Kinds of sections: code that runs at load and at unload time, and variables of a thread.
+STARTUP_SECTIONS = {0x9, 0xA, 0x16}
+THREAD_SECTIONS = {0x11, 0x12, 0x13, 0x14, 0x15}
+
+CODE_DIRECTORY, AD_HOC, SHA256 = 0xFADE0C02, 0x2, 2
+
+
+class NotMachO(Exception):
+    """What was given is no library that can be read."""
+
+
+@dataclass
+class Dylib:
+    name: str
+    current: tuple
+    compatible: tuple
+    how: str = ""
+
+    @property
+    def stem(self):
+        """libqv of @rpath/libqv.dylib and libSystem of /usr/lib/libSystem.B.dylib."""
+        return self.name.rsplit("/", 1)[-1].split(".")[0]
+
+
+@dataclass
+class Section:
+    name: str
+    kind: int
+
+
+@dataclass
+class Import:
+    name: str
+    ordinal: int  # 1 for the first library that is loaded; 0, 253 to 255 have meanings of their own
+
+
+@dataclass
+class Signature:
+    ad_hoc: bool
+    intact: bool
+
+
+def version(word):
+    return word >> 16, word >> 8 & 0xFF, word & 0xFF
+
+
+class Library:
+    """One thin 64-bit Mach-O file."""
+
+    def __init__(self, path):
+        try:
+            with open(path, "rb") as file:
+                self.data = file.read()
+        except OSError as error:
+            raise NotMachO(f"cannot read {path}: {error.strerror}") from error
+        self.sections, self.loads, self.run_path, self.imports = [], [], [], []
+        self.identity = self.minimum = self.signature = None
+        self.exports = set()
+        try:
+            self._read(path)
+        except (struct.error, IndexError, ValueError) as error:
+            raise NotMachO(f"{path} is cut off or damaged") from error
+
+    def _unpack(self, layout, at):
+        return struct.unpack_from(layout, self.data, at)
+
+    def _text(self, at):
+        return self.data[at:self.data.index(b"\0", at)].decode()
+
+    def _read(self, path):
+        if len(self.data) >= 4 and self._unpack(">I", 0)[0] == MAGIC_UNIVERSAL:
+            raise NotMachO(f"{path} is for several processors at once")
+        if len(self.data) < 32 or self._unpack("<I", 0)[0] != MAGIC:
+            raise NotMachO(f"{path} is no 64-bit Mach-O file")
+        _, self.cpu, _, self.filetype, count, _, self.flags, _ = self._unpack("<8I", 0)
+        at = 32
+        for _ in range(count):
+            command, size = self._unpack("<II", at)
+            self._read_command(command, at)
+            at += size
+
+    def _read_command(self, command, at):
+        if command in LOADS:
+            self.loads.append(self._dylib(at, LOADS[command]))
+        elif command == LC_ID_DYLIB:
+            self.identity = self._dylib(at)
+        elif command == LC_RPATH:
+            self.run_path.append(self._text(at + self._unpack("<I", at + 8)[0]))
+        elif command == LC_BUILD_VERSION:
+            self.minimum = version(self._unpack("<I", at + 12)[0])
+        elif command == LC_SEGMENT:
+            self._read_sections(at)
+        elif command == LC_SYMTAB:
+            self._read_imports(*self._unpack("<3I", at + 8))
+        elif command in LC_DYLD_INFO:
+            self._read_exports(*self._unpack("<2I", at + 40))
+        elif command == LC_EXPORTS_TRIE:
+            self._read_exports(*self._unpack("<2I", at + 8))
+        elif command == LC_CODE_SIGNATURE:
+            self._read_signature(self._unpack("<I", at + 8)[0])
+
+    def _dylib(self, at, how=""):
+        name, _, current, compatible = self._unpack("<4I", at + 8)
+        return Dylib(self._text(at + name), version(current), version(compatible), how)
+
+    def _read_sections(self, at):
+        for k in range(self._unpack("<I", at + 64)[0]):
+            section = at + 72 + 80 * k
+            name, segment = (field.rstrip(b"\0").decode() for field in
+                             self._unpack("16s16s", section))
+            flags = self._unpack("<I", section + 64)[0]
+            self.sections.append(Section(f"{segment},{name}", flags & 0xFF))
+
+    def _read_imports(self, symbols, count, strings):
+        for k in range(count):
+            name, kind, _, description = self._unpack("<IBBH", symbols + 16 * k)
+            debugging, undefined = kind & 0xE0, kind & 0x0E == 0
+            if not debugging and undefined and kind & 0x01:
+                self.imports.append(Import(self._text(strings + name), description >> 8))
+
+    def _number(self, at):
+        """A number in groups of seven bits, and where it ends."""
+        value = shift = 0
+        while True:
+            byte = self.data[at]
+            value |= (byte & 0x7F) << shift
+            at, shift = at + 1, shift + 7
+            if byte < 0x80:
+                return value, at
+
+    def _read_exports(self, start, size):
+        """The names that the loader finds: a tree whose edges are pieces of names."""
+        pending = [(0, "")] if size else []
+        while pending:
+            node, name = pending.pop()
+            terminal, at = self._number(start + node)
+            if terminal:
+                self.exports.add(name)
+            at += terminal
+            children, at = self.data[at], at + 1
+            for _ in range(children):
+                piece = self._text(at)
+                node, at = self._number(at + len(piece) + 1)
+                pending.append((node, name + piece))
+
+    def _read_signature(self, start):
+        _, _, count = self._unpack(">3I", start)
+        for k in range(count):
+            at = start + self._unpack(">2I", start + 12 + 8 * k)[1]
+            if self._unpack(">I", at)[0] == CODE_DIRECTORY:
+                self.signature = self._code_directory(start, at)
+
+    def _code_directory(self, end, at):
+        flags, hashes, _, _, pages, limit = self._unpack(">6I", at + 12)
+        width, kind, _, page_bits = self._unpack("4B", at + 36)
+        page = 1 << page_bits
+        digests = [hashlib.sha256(self.data[k:min(k + page, limit)]).digest()
+                   for k in range(0, limit, page)]
+        stored = self.data[at + hashes:at + hashes + width * pages]
+        intact = kind == SHA256 and limit == end and b"".join(digests) == stored
+        return Signature(bool(flags & AD_HOC), intact)
