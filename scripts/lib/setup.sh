@@ -37,6 +37,21 @@ install_debian() {
         { tail -n 20 "$log_dir/setup.log" >&2 && fail "apt-get could not install ${missing[*]}"; }
 }
 
+# install_npm MANIFEST FOLDER: installs into FOLDER the npm packages that the lock file in the folder
+# MANIFEST pins, unless they are there. It runs nothing of theirs, and needs no node but npm's own.
+install_npm() {
+    local lock=package-lock.json log=$log_dir/setup.log
+    cmp -s "$1/$lock" "$2/installed.json" && return
+    command -v npm >/dev/null || install_debian npm
+    echo "Installing npm packages of ${1#"$root"/}"
+    mkdir -p "$2"
+    cp "$1/package.json" "$1/$lock" "$2"
+    (cd "$2" && npm ci --ignore-scripts --no-audit --no-fund --cache "$2/cache") >"$log" 2>&1 ||
+        { tail -n 20 "$log" >&2 && fail "npm could not install the packages of ${1#"$root"/}"; }
+    rm -rf "$2/cache"
+    cp "$1/$lock" "$2/installed.json"
+}
+
 # Installs the Homebrew packages that are not there yet.
 install_homebrew() {
     local missing=() package
