@@ -16,6 +16,12 @@ function(broken_library flaw source)
   target_link_options(zktarn_broken_${flaw} PRIVATE LINKER:-undefined,dynamic_lookup ${ARGN})
 endfunction()
 
+# under_the_name(flaw name): as another library is called, in a folder of its own.
+function(under_the_name flaw name)
+  set_target_properties(zktarn_broken_${flaw} PROPERTIES
+    OUTPUT_NAME ${name} LIBRARY_OUTPUT_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/${flaw}")
+endfunction()
+
 # breaks(flaw check sentence): the library of that flaw is refused by that check.
 function(breaks flaw check_name sentence)
   abi_refuses(${flaw}_is_refused "${sentence}"
@@ -46,9 +52,10 @@ breaks(newer_system kind "needs macOS 12.0.0, not 11.0.0")
 
 broken_library(other_name never_fuses)
 breaks(other_name name "its name is @rpath/libzktarn_broken_other_name.dylib")
-broken_library(version_below never_fuses
-  LINKER:-install_name,@rpath/libzktarn_util.${ZKTARN_SOVERSION}.dylib
-  LINKER:-compatibility_version,1.0 LINKER:-current_version,0.1)
+broken_library(version_below never_fuses)
+under_the_name(version_below zktarn_util)
+set_target_properties(zktarn_broken_version_below PROPERTIES
+  SOVERSION ${ZKTARN_SOVERSION} MACHO_COMPATIBILITY_VERSION 1.0 MACHO_CURRENT_VERSION 0.1)
 breaks(version_below name "version 0.1.0 is below 1.0.0")
 abi_refuses(run_path_of_the_build_is_refused "looks for libraries in /.*, not in @loader_path"
   ${check} run_path ${library} ${ZKTARN_SOVERSION})
@@ -64,7 +71,8 @@ broken_library(looks_everywhere takes_interrupt)
 breaks(looks_everywhere bindings "_utIsInterruptPending is looked up in every library")
 broken_library(flat takes_interrupt LINKER:-flat_namespace)
 breaks(flat bindings "its imports are looked up in every library")
-broken_library(false_owner other_owner LINKER:-install_name,@rpath/libqv.dylib)
+broken_library(false_owner other_owner)
+under_the_name(false_owner qv)
 broken_library(other_owner takes_interrupt)
 target_link_libraries(zktarn_broken_other_owner PRIVATE zktarn_broken_false_owner)
 breaks(other_owner bindings "_utIsInterruptPending is taken from libqv, not from libut")
