@@ -103,8 +103,9 @@ TEST_F(DefaultHandlersDeathTest, WhatTheProgramPrintedBeforeIsNotLost) {
             take(0);
         },
         testing::KilledBySignal(SIGABRT),
-        exactly("Solving.\nzktarn stand-in host: a block of 0 bytes was asked for; at least 1 "
-                "is needed\n"));
+        exactly_and_aborted(
+            "Solving.\nzktarn stand-in host: a block of 0 bytes was asked for; at least 1 "
+            "is needed\n"));
 }
 
 } // namespace

@@ -85,6 +85,14 @@ inline auto exactly(std::string text) {
     return testing::Eq(std::move(text));
 }
 
+/// The same for a process that aborts: an emulator adds a line of its own.
+inline auto exactly_and_aborted(std::string text) {
+#ifdef ZKTARN_TEST_EMULATED
+    text += "qemu: uncaught target signal 6 (Aborted) - core dumped\n";
+#endif
+    return exactly(std::move(text));
+}
+
 } // namespace zktarn::standin
 
 /// Expects `statement` to abort the process with exactly this sentence on standard error.
@@ -95,4 +103,5 @@ inline auto exactly(std::string text) {
             statement;                                                                             \
         },                                                                                         \
         testing::KilledBySignal(SIGABRT),                                                          \
-        zktarn::standin::exactly("zktarn stand-in host: " + std::string(sentence) + "\n"))
+        zktarn::standin::exactly_and_aborted("zktarn stand-in host: " + std::string(sentence) +    \
+                                             "\n"))

@@ -1,0 +1,86 @@
+#!/usr/bin/env bash
+# identity.sh [JOBS]: builds the library in ways that must not matter to its results, runs each build
+# on processors that must not matter, and ends with one table: equal to the file of hashes, or which
+# procedures are not.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
+jobs=${1:-2}
+golden=tests/identity/results.golden
+
+# build NAME PRESET [CMAKE_ARGUMENT...]: into build/NAME
+build() {
+    cmake --preset "$2" -B "build/$1" "${@:3}"
+    cmake --build "build/$1" --parallel "$jobs" --target identity
+}
+
+rows=()
+unequal=0
+
+# compare COMPILER PROCESSOR NAME [EMULATOR...]
+compare() {
+    local said status=0 verdict=equal
+    said=$("${@:4}" "build/$3/tests/identity/identity" "$golden") || status=$?
+    echo "$said"
+    if [ "$status" -ne 0 ]; then
+        unequal=$((unequal + 1))
+        verdict=$(sed -n 's/^different: \([^:]*\):.*/\1/p' <<<"$said" | paste -sd ' ' -)
+        verdict="different: ${verdict:-all, status $status}"
+    fi
+    rows+=("$(printf '%-30s  %-34s  %s' "$1" "$2" "$verdict")")
+}
+
+# With the fused multiply-add: this processor, if it has one.
+fused() {
+    if grep -qw avx2 /proc/cpuinfo && grep -qw fma /proc/cpuinfo; then
+        "$@"
+    else
+        qemu-x86_64 -cpu max "$@"
+    fi
+}
+
+on_x86_64() {
+    build identity/gcc-O0 gcc -DCMAKE_BUILD_TYPE=Debug
+    build gcc gcc
+    build identity/gcc-v3 gcc -DCMAKE_CXX_FLAGS=-march=x86-64-v3
+    build identity/clang-O0 clang -DCMAKE_BUILD_TYPE=Debug
+    build clang clang
+    local name compiler
+    for name in identity/gcc-O0 gcc identity/clang-O0 clang; do
+        compiler=$(basename "${name%-O0}")
+        case $name in *-O0) compiler+=" -O0" ;; *) compiler+=" -O3" ;; esac
+        compare "$compiler" "x86-64, fused multiply-add" "$name" fused
+        compare "$compiler" "x86-64, none" "$name" qemu-x86_64 -cpu Nehalem
+    done
+    compare "gcc -O3 -march=x86-64-v3" "x86-64, fused multiply-add" identity/gcc-v3 fused
+}
+
+on_arm64_linux() {
+    local emulator=scripts/lib/on_arm64.sh
+    build identity/arm64-gcc-O0 arm64-linux -DCMAKE_BUILD_TYPE=Debug
+    build arm64-linux arm64-linux
+    build identity/arm64-clang arm64-linux \
+        -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_COMPILER_TARGET=aarch64-linux-gnu
+    compare "gcc -O0" "64-bit Arm" identity/arm64-gcc-O0 "$emulator"
+    compare "gcc -O3" "64-bit Arm" arm64-linux "$emulator"
+    compare "clang -O3" "64-bit Arm" identity/arm64-clang "$emulator"
+}
+
+# Whatever machine this is.
+on_this_machine() {
+    build identity/clang-O0 clang -DCMAKE_BUILD_TYPE=Debug
+    build clang clang
+    compare "clang -O0" "$(uname -sm)" identity/clang-O0
+    compare "clang -O3" "$(uname -sm)" clang
+}
+
+if [ "$(uname -sm)" = "Linux x86_64" ]; then
+    on_x86_64
+    on_arm64_linux
+else
+    on_this_machine
+fi
+
+printf '\n%-30s  %-34s  %s\n' build processor "results of the numeric procedures"
+printf '%s\n' "${rows[@]}"
+printf '\n%d builds and processors, %d different\n' "${#rows[@]}" "$unequal"
+[ "$unequal" -eq 0 ]
