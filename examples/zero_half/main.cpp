@@ -1,0 +1,182 @@
+/// Tightens the relaxations of integer programs by zero-half cuts.
+
+#include <cstdio>
+#include <deque>
+#include <exception>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+
+#include "optima.hpp"
+#include "output.hpp"
+#include "tightener.hpp"
+#include "zktarn_standin/arrays.hpp"
+#include "zktarn_standin/control.hpp"
+
+namespace {
+
+using namespace zero_half;
+
+enum exit_status { done = 0, something_wrong = 1, wrong_usage = 2, interrupted = 130 };
+
+struct command_line {
+    std::vector<std::string> files;
+    run_options run;
+    std::string cuts_file;
+    std::string json_file;
+    std::string plot_file;
+};
+
+void complain(const std::string& sentence) {
+    std::fprintf(stderr, "zero_half: %s\n", sentence.c_str());
+}
+
+/// Describes the options to the parser.
+void declare(CLI::App& app, command_line& to) {
+    static const std::map<std::string, display> displays = {
+        {"off", display::off}, {"final", display::final}, {"iter", display::iter}};
+    app.add_option("model", to.files, "MPS files, plain or compressed")->required();
+    app.add_option("--rounds", to.run.rounds, "At most so many rounds a model")
+        ->check(CLI::Range(0, 1'000'000))
+        ->capture_default_str();
+    app.add_option("--time-limit", to.run.seconds, "Seconds for each model")
+        ->check(CLI::Range(0.0, 1e9))
+        ->capture_default_str();
+    app.add_option("--seed", to.run.seed, "Seed of the random numbers")->capture_default_str();
+    app.add_option("--display", to.run.show, "off, final, iter: nothing, the table, every round")
+        ->transform(CLI::CheckedTransformer(displays).description(""))
+        ->default_str("iter");
+    app.add_option("--stop-at-gap", to.run.stop_at_gap,
+                   "Stop when so many per cent of the gap to the optimum are closed")
+        ->check(CLI::Range(0.0, 100.0))
+        ->capture_default_str();
+    app.add_option("--optimum", to.run.optimum,
+                   "The integer optimum of the only model; else from optima.csv beside it");
+    app.add_option("--cuts", to.cuts_file, "Write the only model with its cuts as MPS");
+    app.add_option("--json", to.json_file, "Write all figures as JSON");
+    app.add_option("--plot", to.plot_file, "Draw the bounds as SVG, by gnuplot");
+    app.set_version_flag("--version", "zero_half " ZERO_HALF_VERSION);
+    app.footer(
+        "Exit status: 0 all done, 1 something was wrong with a file or a model, 2 wrong usage,\n"
+        "130 interrupted; what was computed by then is written all the same.");
+}
+
+/// One line on a terminal that each round writes over.
+void show_progress(const zktarn::standin::array_value& info) {
+    if (info.field("phase").text() == "done") {
+        std::fprintf(stderr, "\r\033[K");
+    } else {
+        std::fprintf(stderr, "\rround %.0f, bound %.6g\033[K", info.field("round").scalar(),
+                     info.field("bound").scalar());
+    }
+}
+
+/// The host's side of the output function. Rounds that are printed need no further line.
+void register_output_function(display show) {
+    const bool is_live = show != display::iter && ::isatty(STDERR_FILENO) != 0;
+    zktarn::standin::set_function("tarnCallback",
+                                  [is_live](const zktarn::standin::array_value& info) {
+                                      if (is_live) {
+                                          show_progress(info);
+                                      }
+                                      return 0;
+                                  });
+}
+
+/// Solves one model after the other; a bad one does not keep the others from it.
+int solve_all(const command_line& given, std::deque<solved_model>& all) {
+    int status = done;
+    for (const std::string& file : given.files) {
+        try {
+            run_options options = given.run;
+            if (!options.optimum) {
+                options.optimum = known_optimum(file);
+            }
+            model from = read_model(file);
+            if (options.show == display::iter) {
+                std::printf("%s%s\n", all.empty() ? "" : "\n", file.c_str());
+                std::fflush(stdout);
+            }
+            run_result run = tighten(from, options);
+            all.push_back({std::move(from), std::move(run)});
+        } catch (const std::exception& found) {
+            complain(found.what());
+            status = something_wrong;
+            continue;
+        }
+        if (all.back().run.how == ending::interrupted) {
+            return interrupted;
+        }
+        if (all.back().run.how == ending::numeric_trouble) {
+            complain(file + ": the relaxation with the cuts cannot be solved, its numbers are too "
+                            "far apart; the bound is the last one that was reached");
+            status = something_wrong;
+        }
+    }
+    return status;
+}
+
+template <class Write>
+int write_to(const std::string& file, int status, Write write) {
+    if (file.empty()) {
+        return status;
+    }
+    try {
+        write(file);
+    } catch (const std::exception& found) {
+        complain(found.what());
+        return status == done ? something_wrong : status;
+    }
+    return status;
+}
+
+int write_all(const command_line& given, const std::deque<solved_model>& all, int status) {
+    status =
+        write_to(given.json_file, status, [&](const std::string& file) { write_json(all, file); });
+    if (all.empty()) {
+        return status;
+    }
+    if (given.run.show != display::off) {
+        std::printf("%s", given.run.show == display::iter ? "\n" : "");
+        print_table(all);
+    }
+    status = write_to(given.cuts_file, status,
+                      [&](const std::string& file) { write_model(all.front(), file); });
+    return write_to(given.plot_file, status,
+                    [&](const std::string& file) { write_plot(all, file); });
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app(
+        "Tightens the relaxations of integer programs by zero-half cuts, round after round.",
+        "zero_half");
+    command_line given;
+    declare(app, given);
+    try {
+        app.parse(argc, argv);
+        if (given.files.size() > 1 && (given.run.optimum || !given.cuts_file.empty())) {
+            throw CLI::ValidationError("--optimum and --cuts are for one model");
+        }
+    } catch (const CLI::ParseError& found) {
+        return app.exit(found) == 0 ? done : wrong_usage;
+    }
+    register_output_function(given.run.show);
+    given.run.has_output_function = true;
+    int status = done;
+    {
+        std::deque<solved_model> all;
+        status = solve_all(given, all);
+        status = write_all(given, all, status);
+    }
+    if (given.run.show == display::iter) {
+        std::printf("%s", zktarn::standin::memory_report().c_str());
+    }
+    return status;
+}
