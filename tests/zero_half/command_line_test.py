@@ -111,7 +111,7 @@ def columns_of(file):
             kind, _, name = words[:3]
             low, high = bounds.get(name, (0.0, float("inf")))
             value = float(words[3]) if len(words) > 3 else 0.0
-            if kind == "BV":
+            if kind in ("BV", "LI", "UI"):
                 integers.add(name)
             bounds[name] = {"UP": (low, value), "UI": (low, value), "LO": (value, high),
                             "LI": (value, high), "FX": (value, value), "BV": (0.0, 1.0),
@@ -164,9 +164,10 @@ class CommandLine(unittest.TestCase):
         path.write_bytes(content if isinstance(content, bytes) else content.encode())
         return path
 
-    def call(self, *arguments, status=0, environment=None):
+    def call(self, *arguments, status=0, environment=None, folder=None):
         run = subprocess.run([PROGRAM, *map(str, arguments)], stdin=subprocess.DEVNULL,
-                             capture_output=True, timeout=PATIENCE, env=environment)
+                             capture_output=True, timeout=PATIENCE, env=environment,
+                             cwd=folder)
         found = Call(run.returncode, run.stdout.decode(), run.stderr.decode())
         self.assertEqual(found.status, status, (found.out, found.err))
         if status == 0:
@@ -467,18 +468,20 @@ class CommandLine(unittest.TestCase):
                     self.refuse_program(content, value)
 
     def test_numbers_too_large_to_compute_with(self):
-        for value in ("1e21", "1e30", "-1e30", "1e308", "1e400", "-1e400"):
+        for value in ("1e16", "1e30", "-1e30", "1e308", "1e400", "-1e400"):
             for content in (one_column(cost=value), one_column(coefficient=value)):
                 with self.subTest(content):
                     self.refuse_program(content, "too large")
         self.refuse_program(program({"x": {"cost": 1, "r": "1e30"}, "y": {"cost": 1, "r": "1e-30"}},
                                     {"r": "L"}, [("r", 1)], [" UP b x 1"]), "too large")
 
-    def test_infinite_on_the_wrong_side(self):
-        for content in (one_column(right="-1e30"), one_column(right="-1e400"),
-                        one_column(bound=" MI b x\n UP b x -1e400")):
+    def test_bounds_too_large_to_compute_with(self):
+        # Files mean by 1e30 that there is no bound, but not by -1e30 that there is none above.
+        values = ("1e16", "-1e16", "-1e29", "-1e30", "-1e31", "-1e400")
+        for content in (*(one_column(right=value) for value in values),
+                        *(one_column(bound=f" MI b x\n UP b x {value}") for value in values)):
             with self.subTest(content):
-                self.refuse_program(content, "wrong side")
+                self.refuse_program(content, "a bound or a right-hand side is beyond 1e15")
 
     def test_infinite_on_the_right_side_is_none(self):
         _, (model,) = self.report(self.write("free_row.mps", one_column(right="1e30")))
@@ -503,6 +506,16 @@ class CommandLine(unittest.TestCase):
                 _, (after,) = self.report(tightened, "--rounds", "0")
                 self.assertEqual(after["rows"], before["rows"] + before["cuts_kept"])
                 self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
+
+    def test_model_with_its_cuts_keeps_ranges_and_names_with_blanks_apart(self):
+        fixed = mixed_columns(is_fixed=True).replace("x1", "my_col").replace(
+            "BOUNDS", "RANGES\n    RNG       r3                   2\nBOUNDS")
+        fixed = re.sub("my_col    ", "my_col", fixed)  # in the same places as before
+        file, tightened = self.write("fixed.mps", fixed), self.folder / "tightened.mps"
+        _, (before,) = self.report(file, "--cuts", tightened)
+        self.assertEqual(columns_of(tightened)[0], ["my_col", "my_col_", "x2", "x3", "x4", "y"])
+        _, (after,) = self.report(tightened, "--rounds", "0")
+        self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
 
     def test_cuts_take_no_name_that_a_row_has(self):
         file, tightened = self.write("named.mps", re.sub(
@@ -539,10 +552,10 @@ class CommandLine(unittest.TestCase):
 
     def test_names_are_no_commands_to_gnuplot(self):
         trace = self.folder / "trace"
-        os.chdir(self.folder)
         name = "x\nsystem 'touch trace'\n.mps"
-        self.call(self.write(name, self.cover.read_bytes()), "--plot", "picture.svg")
-        call = self.call(self.cover, "--plot", "|touch trace", status=1)
+        self.call(self.write(name, self.cover.read_bytes()), "--plot", "picture.svg",
+                  folder=self.folder)
+        call = self.call(self.cover, "--plot", "|touch trace", status=1, folder=self.folder)
         self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
         self.assertFalse(trace.exists())
 
