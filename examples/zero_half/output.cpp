@@ -1,14 +1,13 @@
 #include "output.hpp"
 
 #include <algorithm>
+#include <cctype>
 #include <cmath>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <set>
 
-#include <CoinMpsIO.hpp>
 #include <nlohmann/json.hpp>
 
 namespace zero_half {
@@ -22,38 +21,6 @@ std::string number_or_dash(const std::optional<double>& value, int decimals) {
     char text[64];
     std::snprintf(text, sizeof text, "%.*f", decimals, *value);
     return text;
-}
-
-/// Cuts as rows over columns counted from 0.
-CoinPackedMatrix cut_rows(const solved_model& of) {
-    CoinPackedMatrix rows(false, 0.0, 0.0);
-    rows.setDimensions(0, of.from.column_count());
-    std::vector<int> columns;
-    std::vector<double> values;
-    for (std::size_t i = of.run.first_cut; i < of.run.pool.size(); ++i) {
-        const sparse_vector& a = of.run.pool[i].coefficients;
-        columns.clear();
-        values.clear();
-        for (std::int32_t k = 1; k <= a.size(); ++k) {
-            columns.push_back(a.index(k) - 1);
-            values.push_back(a.value(a.index(k)));
-        }
-        rows.appendRow(static_cast<int>(columns.size()), columns.data(), values.data());
-    }
-    return rows;
-}
-
-/// Names that no row has yet.
-void name_cuts(std::vector<std::string>& rows, std::size_t count) {
-    const std::set<std::string> taken(rows.begin(), rows.end());
-    std::string prefix = "ZH";
-    while (std::any_of(taken.begin(), taken.end(),
-                       [&](const std::string& each) { return each.rfind(prefix, 0) == 0; })) {
-        prefix += "_";
-    }
-    for (std::size_t i = 1; i <= count; ++i) {
-        rows.push_back(prefix + std::to_string(i));
-    }
 }
 
 } // namespace
@@ -75,33 +42,6 @@ void print_table(const std::deque<solved_model>& all) {
                     number_or_dash(run.bound, 4).c_str(), number_or_dash(run.optimum, 4).c_str(),
                     number_or_dash(run.gap_closed(run.bound), 2).c_str(), run.cuts(), run.seconds,
                     description(run.how));
-    }
-}
-
-void write_model(const solved_model& of, const std::string& file) {
-    const model& from = of.from;
-    CoinPackedMatrix rows = from.rows;
-    rows.bottomAppendPackedMatrix(cut_rows(of));
-    std::vector<double> row_lower = from.row_lower;
-    std::vector<double> row_upper = from.row_upper;
-    for (std::size_t i = of.run.first_cut; i < of.run.pool.size(); ++i) {
-        row_lower.push_back(-no_bound);
-        row_upper.push_back(of.run.pool[i].right);
-    }
-    std::vector<std::string> row_names = from.row_names;
-    name_cuts(row_names, of.run.cuts());
-    CoinMpsIO writer;
-    writer.messageHandler()->setLogLevel(0);
-    writer.setInfinity(no_bound);
-    writer.setMpsData(rows, no_bound, from.lower.data(), from.upper.data(), from.objective.data(),
-                      from.is_integer.data(), row_lower.data(), row_upper.data(), from.column_names,
-                      row_names);
-    writer.setProblemName(from.name.c_str());
-    writer.setObjectiveOffset(-from.constant);
-    constexpr int not_compressed = 0;
-    constexpr int all_digits = 1;
-    if (writer.writeMps(file.c_str(), not_compressed, all_digits) != 0) {
-        throw trouble(file + ": cannot be written");
     }
 }
 
@@ -161,18 +101,27 @@ void write_json(const std::deque<solved_model>& all, const std::string& file) {
 
 namespace {
 
-/// Text in single quotes, as gnuplot reads it.
+bool is_control(char c) {
+    return std::iscntrl(static_cast<unsigned char>(c)) != 0;
+}
+
+/// Text in single quotes, as gnuplot reads it. A line feed would begin a command of its own.
 std::string quoted(const std::string& text) {
     std::string made = "'";
     for (const char c : text) {
-        made += c == '\'' ? "''" : std::string(1, c);
+        made += c == '\'' ? "''" : std::string(1, is_control(c) ? '?' : c);
     }
     return made + "'";
 }
 
 /// Two columns: the number of the round and the seconds; and the bound.
 void send_data(std::FILE* to, const run_result& of) {
-    std::fprintf(to, "$bounds << end_of_bounds\n0 0 %.17g\n", of.first_bound.value_or(0.0));
+    std::fprintf(to, "$bounds << end_of_bounds\n");
+    if (of.first_bound) {
+        std::fprintf(to, "0 0 %.17g\n", *of.first_bound);
+    } else {
+        std::fprintf(to, "0 0 NaN\n"); // drawn as nothing
+    }
     for (const round_figures& each : of.rounds) {
         std::fprintf(to, "%d %.6f %.17g\n", each.round, each.seconds, each.bound);
     }
@@ -191,9 +140,14 @@ void send_panel(std::FILE* to, const run_result& of, const std::string& label, i
 } // namespace
 
 void write_plot(const std::deque<solved_model>& all, const std::string& file) {
-    // Where gnuplot is missing, writing to it must not end this process; its exit status tells.
+    // A name with a bar in front is a command to gnuplot, and line feeds end its own.
+    if (file.front() == '|' || std::any_of(file.begin(), file.end(), is_control)) {
+        throw trouble("a picture cannot have the name " + quoted(file));
+    }
+    // Where it cannot open its file it draws to its standard output. Where gnuplot is missing,
+    // writing to it must not end this process; its exit status tells.
     const auto before = std::signal(SIGPIPE, SIG_IGN);
-    std::FILE* const gnuplot = ::popen("gnuplot 2>/dev/null", "w");
+    std::FILE* const gnuplot = ::popen("gnuplot >/dev/null 2>&1", "w");
     if (gnuplot == nullptr) {
         throw trouble(file + ": gnuplot cannot be started");
     }

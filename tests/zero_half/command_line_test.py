@@ -507,15 +507,19 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual(after["rows"], before["rows"] + before["cuts_kept"])
                 self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
 
-    def test_model_with_its_cuts_keeps_ranges_and_names_with_blanks_apart(self):
-        fixed = mixed_columns(is_fixed=True).replace("x1", "my_col").replace(
+    def test_model_with_its_cuts_keeps_ranges_and_fits_names_with_blanks(self):
+        plain = mixed_columns(is_fixed=True).replace(
             "BOUNDS", "RANGES\n    RNG       r3                   2\nBOUNDS")
-        fixed = re.sub("my_col    ", "my_col", fixed)  # in the same places as before
-        file, tightened = self.write("fixed.mps", fixed), self.folder / "tightened.mps"
-        _, (before,) = self.report(file, "--cuts", tightened)
-        self.assertEqual(columns_of(tightened)[0], ["my_col", "my_col_", "x2", "x3", "x4", "y"])
-        _, (after,) = self.report(tightened, "--rounds", "0")
-        self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
+        line = "    {:<10}{:<8}  {:>12}".format
+        tightened = self.folder / "tightened.mps"
+        for cost, least in ((2, 2.125), (-2, 11.125)):  # against either side of the range
+            file = self.write("fixed.mps", plain.replace(line("x3", "cost", 2),
+                                                         line("x3", "cost", cost)))
+            _, (before,) = self.report(file, "--cuts", tightened)
+            self.assertEqual(before["bound"], least)
+            self.assertEqual(columns_of(tightened)[0], ["mycol", "x1", "x2", "x3", "x4", "y"])
+            _, (after,) = self.report(tightened, "--rounds", "0")
+            self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
 
     def test_cuts_take_no_name_that_a_row_has(self):
         file, tightened = self.write("named.mps", re.sub(
