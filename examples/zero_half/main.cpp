@@ -1,6 +1,8 @@
 /// Tightens the relaxations of integer programs by zero-half cuts.
 
+#include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <deque>
 #include <exception>
 #include <map>
@@ -11,6 +13,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <CoinError.hpp>
 
 #include "optima.hpp"
 #include "output.hpp"
@@ -36,6 +39,11 @@ void complain(const std::string& sentence) {
     std::fprintf(stderr, "zero_half: %s\n", sentence.c_str());
 }
 
+/// The parser takes `nan` and `inf` for numbers, and finds the former in every range.
+std::string finite(const std::string& text) {
+    return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : text + " is not finite";
+}
+
 /// Describes the options to the parser.
 void declare(CLI::App& app, command_line& to) {
     static const std::map<std::string, display> displays = {
@@ -46,6 +54,7 @@ void declare(CLI::App& app, command_line& to) {
         ->capture_default_str();
     app.add_option("--time-limit", to.run.seconds, "Seconds for each model")
         ->check(CLI::Range(0.0, 1e9))
+        ->check(finite)
         ->capture_default_str();
     app.add_option("--seed", to.run.seed, "Seed of the random numbers")->capture_default_str();
     app.add_option("--display", to.run.show, "off, final, iter: nothing, the table, every round")
@@ -54,9 +63,11 @@ void declare(CLI::App& app, command_line& to) {
     app.add_option("--stop-at-gap", to.run.stop_at_gap,
                    "Stop when so many per cent of the gap to the optimum are closed")
         ->check(CLI::Range(0.0, 100.0))
+        ->check(finite)
         ->capture_default_str();
     app.add_option("--optimum", to.run.optimum,
-                   "The integer optimum of the only model; else from optima.csv beside it");
+                   "The integer optimum of the only model; else from optima.csv beside it")
+        ->check(finite);
     app.add_option("--cuts", to.cuts_file, "Write the only model with its cuts as MPS");
     app.add_option("--json", to.json_file, "Write all figures as JSON");
     app.add_option("--plot", to.plot_file, "Draw the bounds as SVG, by gnuplot");
@@ -76,9 +87,10 @@ void show_progress(const zktarn::standin::array_value& info) {
     }
 }
 
-/// The host's side of the output function. Rounds that are printed need no further line.
+/// The host's side of the output function. Rounds that are printed need no further line, and who
+/// wants to see nothing gets none.
 void register_output_function(display show) {
-    const bool is_live = show != display::iter && ::isatty(STDERR_FILENO) != 0;
+    const bool is_live = show == display::final && ::isatty(STDERR_FILENO) != 0;
     zktarn::standin::set_function("tarnCallback",
                                   [is_live](const zktarn::standin::array_value& info) {
                                       if (is_live) {
@@ -106,6 +118,10 @@ int solve_all(const command_line& given, std::deque<solved_model>& all) {
             all.push_back({std::move(from), std::move(run)});
         } catch (const std::exception& found) {
             complain(found.what());
+            status = something_wrong;
+            continue;
+        } catch (const CoinError& found) { // is no std::exception
+            complain(file + ": " + found.message());
             status = something_wrong;
             continue;
         }

@@ -1,6 +1,7 @@
 #include "optima.hpp"
 
 #include <charconv>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 
@@ -16,7 +17,8 @@ std::optional<double> known_optimum(const std::string& model_file) {
         }
         double value = 0.0;
         const char* const first = line.data() + start.size();
-        if (std::from_chars(first, line.data() + line.size(), value).ec == std::errc()) {
+        if (std::from_chars(first, line.data() + line.size(), value).ec == std::errc() &&
+            std::isfinite(value)) {
             return value;
         }
     }
