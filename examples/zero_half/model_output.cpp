@@ -139,7 +139,7 @@ void writer::write_columns() {
 }
 
 void writer::write_right_sides() {
-    to_ << "RHS\n RHS " << objective_ << ' ' << -from_.constant << '\n';
+    to_ << "RHS\n RHS " << objective_ << ' ' << 0.0 - from_.constant << '\n';
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         if (!is_free(i)) {
             to_ << " RHS " << rows_[i] << ' ' << right_side(i) << '\n';
@@ -156,8 +156,9 @@ void writer::write_right_sides() {
 void writer::write_bounds() {
     to_ << "BOUNDS\n";
     for (std::size_t j = 0; j < columns_.size(); ++j) {
-        const double low = from_.lower[j];
-        const double high = from_.upper[j];
+        // Adding 0 takes the sign off a zero.
+        const double low = from_.lower[j] + 0.0;
+        const double high = from_.upper[j] + 0.0;
         if (low == high) {
             to_ << " FX BOUND " << columns_[j] << ' ' << low << '\n';
             continue;
