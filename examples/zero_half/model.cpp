@@ -4,8 +4,11 @@
 #include <array>
 #include <cctype>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <memory>
+#include <string_view>
 
 #include <CoinFileIO.hpp>
 #include <CoinMessageHandler.hpp>
@@ -36,16 +39,49 @@ private:
     std::string first_;
 };
 
-/// The reader takes a file for a fixed one unless it says FREE; this one takes every file for free.
-class free_reader : public CoinMpsIO {
+/// A file whose section OBJSENSE reads as comments: the reader takes every program for a
+/// minimisation, whatever is said there, and prints what it finds.
+class sense_filter : public CoinFileInput {
 public:
-    int read(const std::string& file) {
+    explicit sense_filter(CoinFileInput* from) : CoinFileInput(from->getFileName()), from_(from) {}
+    int read(void* buffer, int size) override { return from_->read(buffer, size); }
+    char* gets(char* buffer, int size) override {
+        char* const line = from_->gets(buffer, size);
+        if (line != nullptr && is_about_sense(line)) {
+            std::strcpy(line, "*\n");
+        }
+        return line;
+    }
+    bool is_maximised() const { return is_maximised_; }
+
+private:
+    bool is_about_sense(std::string line) {
+        std::transform(line.begin(), line.end(), line.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+        if (std::isspace(static_cast<unsigned char>(line[0])) == 0 && line[0] != '*') {
+            is_in_section_ = line.rfind("OBJSENSE", 0) == 0;
+        }
+        is_maximised_ = is_maximised_ || (is_in_section_ && line.find("MAX") != std::string::npos);
+        return is_in_section_;
+    }
+
+    std::unique_ptr<CoinFileInput> from_;
+    bool is_in_section_ = false;
+    bool is_maximised_ = false;
+};
+
+/// Reads every file as a fixed, or as a free one. By itself the base class takes a file for a fixed
+/// one unless it says FREE.
+class mps_reader : public CoinMpsIO {
+public:
+    int read(const std::string& file, bool is_free) {
         CoinFileInput* input = nullptr;
         if (dealWithFileName(file.c_str(), "", input) < 0) {
             return -1;
         }
-        cardReader_ = new CoinMpsCardReader(input, this); // the base class deletes it
-        cardReader_->setFreeFormat(true);
+        // The base class deletes it.
+        cardReader_ = new CoinMpsCardReader(new sense_filter(input), this);
+        cardReader_->setFreeFormat(is_free);
         int count = 0;
         CoinSet** sets = nullptr;
         const int errors = readMps(count, sets);
@@ -64,36 +100,55 @@ std::vector<T> copied(const T* from, int n) {
 
 void look_at_file(const std::string& file) {
     std::error_code ignored;
-    if (!std::filesystem::is_regular_file(file, ignored)) {
+    if (!std::filesystem::exists(file, ignored)) {
         throw trouble(file + ": there is no such file");
+    }
+    if (!std::filesystem::is_regular_file(file, ignored)) {
+        throw trouble(file + ": this is a folder or a device, not a file");
+    }
+    if (!std::ifstream(file)) {
+        throw trouble(file + ": the file cannot be read");
     }
     if (std::filesystem::file_size(file, ignored) == 0) {
         throw trouble(file + ": the file is empty");
     }
 }
 
-/// The reader takes every program for a minimisation, whatever a section OBJSENSE says.
 void refuse_maximisation(const std::string& file) {
-    const std::unique_ptr<CoinFileInput> input(CoinFileInput::create(file));
+    sense_filter input(CoinFileInput::create(file));
     std::array<char, 1024> line = {};
-    bool is_in_section = false;
-    while (input->gets(line.data(), static_cast<int>(line.size())) != nullptr) {
-        const std::string text(line.data());
-        const bool is_section = std::isspace(static_cast<unsigned char>(line[0])) == 0;
-        if (is_section && text.rfind("COLUMNS", 0) == 0) {
-            return;
-        }
-        is_in_section = is_section ? text.rfind("OBJSENSE", 0) == 0 : is_in_section;
-        if (is_in_section && text.find("MAX") != std::string::npos) {
-            throw trouble(file +
-                          ": this maximises, and only minimisation is read; turn the signs of "
-                          "the objective around");
-        }
+    while (input.gets(line.data(), static_cast<int>(line.size())) != nullptr &&
+           std::string_view(line.data()).substr(0, 7) != "COLUMNS") {
+    }
+    if (input.is_maximised()) {
+        throw trouble(file + ": this maximises, and only minimisation is read; turn the signs of "
+                             "the objective around");
     }
 }
 
-bool is_finite(const double* values, std::size_t n) {
-    return std::all_of(values, values + n, [](double each) { return std::isfinite(each); });
+/// Beyond it the simplex method's tolerances mean nothing, and its own checks end the process.
+constexpr double greatest = 1e15;
+
+bool are_moderate(const double* values, std::size_t n) {
+    return std::all_of(values, values + n, [](double each) { return std::fabs(each) <= greatest; });
+}
+
+/// Whether every bound is moderate, or none at all.
+bool are_bounds(const std::vector<double>& lower, const std::vector<double>& upper) {
+    return std::all_of(
+               lower.begin(), lower.end(),
+               [](double each) { return each <= -no_bound || std::fabs(each) <= greatest; }) &&
+           std::all_of(upper.begin(), upper.end(),
+                       [](double each) { return each >= no_bound || std::fabs(each) <= greatest; });
+}
+
+/// All bounds from -1e30 to 1e30, whatever the reader takes for infinite.
+std::vector<double> bounds_of(const double* from, int n) {
+    std::vector<double> made = copied(from, n);
+    for (double& each : made) {
+        each = std::clamp(each, -no_bound, no_bound);
+    }
+    return made;
 }
 
 /// The bounds of an integer column, rounded to what an integer can be.
@@ -118,10 +173,10 @@ model taken_from(const CoinMpsIO& reader, const std::string& file) {
     made.file = file;
     made.name = reader.getProblemName();
     made.rows = *reader.getMatrixByRow();
-    made.row_lower = copied(reader.getRowLower(), m);
-    made.row_upper = copied(reader.getRowUpper(), m);
-    made.lower = copied(reader.getColLower(), n);
-    made.upper = copied(reader.getColUpper(), n);
+    made.row_lower = bounds_of(reader.getRowLower(), m);
+    made.row_upper = bounds_of(reader.getRowUpper(), m);
+    made.lower = bounds_of(reader.getColLower(), n);
+    made.upper = bounds_of(reader.getColUpper(), n);
     made.objective = copied(reader.getObjCoefficients(), n);
     made.constant = -reader.objectiveOffset();
     for (int j = 0; j < n; ++j) {
@@ -141,9 +196,14 @@ bool is_read(const CoinMpsIO& reader, int errors) {
 
 model checked(model read) {
     const auto elements = static_cast<std::size_t>(read.rows.getNumElements());
-    if (!is_finite(read.rows.getElements(), elements) ||
-        !is_finite(read.objective.data(), read.objective.size())) {
-        throw trouble(read.file + ": a coefficient is not a finite number");
+    if (!are_moderate(read.rows.getElements(), elements) ||
+        !are_moderate(read.objective.data(), read.objective.size()) ||
+        !are_moderate(&read.constant, 1)) {
+        throw trouble(read.file + ": a coefficient is beyond 1e15, too large to compute with");
+    }
+    if (!are_bounds(read.lower, read.upper) || !are_bounds(read.row_lower, read.row_upper)) {
+        throw trouble(read.file + ": a bound or a right-hand side is beyond 1e15, too large to "
+                                  "compute with; leave it out where it stands for none");
     }
     if (std::count(read.is_integer.begin(), read.is_integer.end(), 1) == 0) {
         throw trouble(read.file + ": no column is integer, so there is nothing to tighten");
@@ -156,22 +216,27 @@ model checked(model read) {
 model read_model(const std::string& file) {
     look_at_file(file);
     refuse_maximisation(file);
-    listener heard;
-    CoinMpsIO reader;
-    reader.passInMessageHandler(&heard);
-    reader.setInfinity(no_bound);
-    if (is_read(reader, reader.readMps(file.c_str(), ""))) {
-        return checked(taken_from(reader, file));
-    }
-    listener unheard;
-    free_reader second;
-    second.passInMessageHandler(&unheard);
-    second.setInfinity(no_bound);
-    if (is_read(second, second.read(file))) {
-        return checked(taken_from(second, file));
+    // The reader's sign for what a file does not say, so no number that a file would.
+    constexpr double not_given = 1.2345678987654321e300;
+    std::string complaint;
+    int least_errors = 0;
+    for (const bool is_free : {false, true}) {
+        listener heard;
+        mps_reader reader;
+        reader.passInMessageHandler(&heard);
+        reader.setInfinity(not_given);
+        const int errors = reader.read(file, is_free);
+        if (is_read(reader, errors)) {
+            return checked(taken_from(reader, file));
+        }
+        // What went better is what the file was meant to be.
+        if (!is_free || errors <= least_errors) {
+            complaint = heard.first();
+            least_errors = errors;
+        }
     }
     throw trouble(file + ": this is no MPS file" +
-                  (heard.first().empty() ? "" : "; the reader says: " + heard.first()));
+                  (complaint.empty() ? "" : "; the reader says: " + complaint));
 }
 
 } // namespace zero_half
