@@ -1,7 +1,7 @@
 #include "separation.hpp"
 
+#include <array>
 #include <cmath>
-#include <optional>
 #include <utility>
 
 #include "odd_walks.hpp"
@@ -9,6 +9,15 @@
 namespace zero_half {
 
 namespace {
+
+double activity(const integral_row& of, const double* point) {
+    double total = 0.0;
+    for (std::int32_t k = 1; k <= of.coefficients.size(); ++k) {
+        const std::int32_t j = of.coefficients.index(k);
+        total += of.coefficients.value(j) * point[j - 1];
+    }
+    return total;
+}
 
 /// Fills in how much the point violates it.
 void judge(cut& of, const double* point) {
@@ -63,18 +72,35 @@ void separator::search_harder() {
     }
 }
 
+/// A row of the model that was divided and then rounded cuts off points which the relaxation has.
+void separator::add_rounded_rows(std::vector<cut>& to, std::span<const integral_row> pool,
+                                 const double* point) {
+    for (std::size_t i = 0; i < pool.size() && pool[i].from.model_row >= 0; ++i) {
+        // Twice the row, halved, is the row itself.
+        const std::array<int, 2> twice = {static_cast<int>(i), static_cast<int>(i)};
+        if (activity(pool[i], point) >= pool[i].right + options_.least_violation) {
+            add_if_violated(to, derivation_.cut_of(twice, pool, bounds_), point);
+        }
+    }
+}
+
+void separator::add_if_violated(std::vector<cut>& to, std::optional<cut> made,
+                                const double* point) const {
+    if (!made) {
+        return;
+    }
+    judge(*made, point);
+    if (made->violation >= options_.least_violation) {
+        to.push_back(std::move(*made));
+    }
+}
+
 std::vector<cut> separator::violated_cuts(std::span<const integral_row> pool, const double* point) {
     std::vector<cut> cuts;
+    add_rounded_rows(cuts, pool, point);
     sums_.sort();
     for (std::size_t i = 0; i < sums_.size() && cuts.size() < options_.most_cuts; ++i) {
-        std::optional<cut> made = derivation_.cut_of(sums_.members(i), pool, bounds_);
-        if (!made) {
-            continue;
-        }
-        judge(*made, point);
-        if (made->violation >= options_.least_violation) {
-            cuts.push_back(std::move(*made));
-        }
+        add_if_violated(cuts, derivation_.cut_of(sums_.members(i), pool, bounds_), point);
     }
     return cuts;
 }

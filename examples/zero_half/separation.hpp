@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -37,6 +38,9 @@ private:
     void search();
     void search_harder();
     std::vector<cut> violated_cuts(std::span<const integral_row> pool, const double* point);
+    void add_rounded_rows(std::vector<cut>& to, std::span<const integral_row> pool,
+                          const double* point);
+    void add_if_violated(std::vector<cut>& to, std::optional<cut> made, const double* point) const;
 
     const model& from_;
     separation_options options_;
