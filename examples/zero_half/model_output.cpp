@@ -163,6 +163,10 @@ void writer::write_bounds() {
             to_ << " FX BOUND " << columns_[j] << ' ' << low << '\n';
             continue;
         }
+        if (low <= -no_bound && high >= no_bound) {
+            to_ << " FR BOUND " << columns_[j] << '\n';
+            continue;
+        }
         if (low <= -no_bound) {
             to_ << " MI BOUND " << columns_[j] << '\n';
         } else {
