@@ -31,7 +31,8 @@ sys.dont_write_bytecode = True
 import instances  # noqa: E402  (the example's own)
 
 SCHEMA = json.loads((HERE / "report.schema.json").read_text(encoding="utf-8"))
-TABLE = ["model", "rows", "columns", "lp_bound", "bound", "optimum", "gap", "cuts", "seconds", "end"]
+TABLE = ["model", "rows", "columns", "lp_bound", "bound", "optimum", "gap", "cuts", "seconds",
+         "end"]
 ROUND = ["round", "bound", "gap", "found", "kept", "separation_ms", "lp_ms"]
 NO_LEAK = re.compile(r"host memory: \d+ requests, 0 refused, 0 blocks not given back")
 PATIENCE = 60  # seconds until a call counts as hanging
@@ -39,9 +40,6 @@ PATIENCE = 60  # seconds until a call counts as hanging
 PROGRAM = ""
 FOLDER = pathlib.Path()
 
-
-def number(text):
-    return None if text == "-" else float(text)
 
 
 def program(columns, rows, right=(), bounds=(), head=(), integer=True):
@@ -622,7 +620,8 @@ class CommandLine(unittest.TestCase):
         for arguments in ([], ["--wrong"], [self.cover, "--rounds", "-1"],
                           [self.cover, "--rounds", "many"], [self.cover, "--display", "loud"],
                           [self.cover, "--time-limit", "-1"], [self.cover, "--time-limit", "nan"],
-                          [self.cover, "--stop-at-gap", "101"], [self.cover, "--stop-at-gap", "nan"],
+                          [self.cover, "--stop-at-gap", "101"],
+                          [self.cover, "--stop-at-gap", "nan"],
                           [self.cover, "--optimum", "nan"], [self.cover, "--optimum", "inf"],
                           [self.cover, "--seed", "x"], [self.cover, "--json"],
                           [self.cover, self.cover, "--optimum", "6"],
