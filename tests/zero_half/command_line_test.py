@@ -297,8 +297,9 @@ class CommandLine(unittest.TestCase):
         for text in ("", "many", "nan", "inf", "1e999"):
             with self.subTest(text):
                 self.write("optima.csv", f"cover.mps,{text}\n")
-                _, (model,) = self.report(file)
+                call, (model,) = self.report(file)
                 self.assertIsNone(model["optimum"])
+                self.assertEqual(call.table()[0]["optimum"], "-")
 
     def test_same_seed_gives_the_same_figures(self):
         times = {"seconds", "separation_ms", "lp_ms"}
