@@ -73,7 +73,7 @@ def mixed_columns(is_fixed=False, head=()):
                ("x2", "r2", 1), ("x3", "cost", 2), ("x3", "r3", 1), ("x4", "cost", 1),
                ("x4", "r3", 1)]
     y = [("y", "cost", 0.25), ("y", "r3", 1)]
-    bounds = [("UP", name, 1), ("UP", "x1", 1), ("UP", "x2", 1), ("LO", "x3", -3), ("UP", "x3", 7),
+    bounds = [("UP", name, 1), ("UP", "x1", 1), ("UP", "x2", 1), ("LO", "x3", -9), ("UP", "x3", 7),
               ("FX", "x4", 2), ("LO", "y", 0.5), ("UP", "y", 2.5)]
     line = ("    {:<10}{:<8}  {:>12}" if is_fixed else " {} {} {}").format
     bound = (" {} BND       {:<8}  {:>12}" if is_fixed else " {} BND {} {}").format
@@ -399,8 +399,10 @@ class CommandLine(unittest.TestCase):
         figures = [{key: model[key] for key in ("rows", "columns", "lp_bound", "bound",
                                                 "cuts_kept", "status")} for model in models]
         self.assertEqual(figures, [figures[0]] * len(files))
-        # 7, two at most of y's 0.5 / 4, of x3's -6 as far as the row r3 lets it, and 2; -1.5 or -1.
-        self.assertEqual((figures[0]["lp_bound"], figures[0]["bound"]), (1.625, 2.125))
+        # The constant 7, x4 at 2, y at 2.5, x3 at -5.5 where the row r3 holds it, and of the other
+        # three, of which no two go together, 1.5 without cuts and 1 with them.
+        rest = 7 + 2 + 2.5 / 4 - 2 * 5.5
+        self.assertEqual((figures[0]["lp_bound"], figures[0]["bound"]), (rest - 1.5, rest - 1))
 
     def test_minimisation_may_be_said(self):
         for head in (["OBJSENSE", "    MIN"], ["OBJSENSE", "    minimize"], ["* MAX"]):
@@ -515,7 +517,7 @@ class CommandLine(unittest.TestCase):
             "BOUNDS", "RANGES\n    RNG       r3                   2\nBOUNDS")
         line = "    {:<10}{:<8}  {:>12}".format
         tightened = self.folder / "tightened.mps"
-        for cost, least in ((2, 2.125), (-2, 11.125)):  # against either side of the range
+        for cost, least in ((2, -2.375), (-2, 11.125)):  # against either side of the range
             file = self.write("fixed.mps", plain.replace(line("x3", "cost", 2),
                                                          line("x3", "cost", cost)))
             _, (before,) = self.report(file, "--cuts", tightened)
