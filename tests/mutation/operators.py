@@ -1,0 +1,218 @@
+"""Small faults to put into C++ sources, one at a time."""
+
+from dataclasses import dataclass
+
+from tokens import Source
+
+RELATIONAL = {
+    "<": ("<=", ">="), "<=": ("<", ">"), ">": (">=", "<="), ">=": (">", "<"),
+    "==": ("!=",), "!=": ("==",),
+}  # fmt: skip
+LOGICAL = {"&&": "||", "||": "&&"}
+ARITHMETIC = {
+    "+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "&": "|", "|": "&", "^": "&",
+    "<<": ">>", ">>": "<<",
+}  # fmt: skip
+ASSIGNING = {
+    "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "&=": "|=", "|=": "&=", "^=": "|=",
+    "<<=": ">>=", ">>=": "<<=", "++": "--", "--": "++",
+}  # fmt: skip
+# The order of these arguments does not matter.
+SYMMETRIC = {"min", "max"}
+
+
+@dataclass(frozen=True)
+class Mutant:
+    """A replacement of the characters [start, end) of a file."""
+
+    file: str
+    line: int
+    operator: str
+    start: int
+    end: int
+    replacement: str
+    before: str
+    after: str
+
+    def apply(self, text):
+        return text[: self.start] + self.replacement + text[self.end :]
+
+    def key(self):
+        """What stays the same when the file changes elsewhere."""
+        return self.file, squeeze(self.before), squeeze(self.after)
+
+
+def squeeze(text):
+    return " ".join(text.split())
+
+
+def mutants_of(file, text):
+    """Every mutant of a source, in the order of the text."""
+    source = Source(text)
+    found = []
+
+    def add(operator, start, end, replacement):
+        if text[start:end] == replacement:
+            return
+        before = source.lines_from(start, end)
+        offset = start - text.rfind("\n", 0, start) - 1
+        after = before[:offset] + replacement + before[offset + end - start :]
+        found.append(
+            Mutant(file, source.line_of(start), operator, start, end, replacement, before, after)
+        )
+
+    for index, token in enumerate(source.tokens):
+        if token.masked:
+            continue
+        if token.kind == "number":
+            _change_constant(token, add)
+        elif token.text in ("true", "false"):
+            add("constant", token.start, token.end, "false" if token.text == "true" else "true")
+        elif token.kind == "mark":
+            _replace_operator(source, index, add)
+        if not token.in_body:
+            continue
+        if token.text in ("if", "while"):
+            _negate_condition(source, index, add)
+        if token.text in ("(", "{"):
+            _swap_arguments(source, index, add)
+        if _begins_statement(source, index):
+            _delete_statement(source, index, add)
+    return sorted(found, key=lambda m: (m.start, m.end, m.replacement))
+
+
+def _change_constant(token, add):
+    text = token.text
+    if text.isdigit():
+        changed = str(int(text) + 1), str(int(text) - 1)
+    elif text.endswith(".0") and text[:-2].isdigit():
+        changed = f"{int(text[:-2]) + 1}.0", f"{int(text[:-2]) - 1}.0"
+    else:
+        changed = f"({text} + 1)", f"({text} - 1)"
+    for each in changed:
+        add("constant", token.start, token.end, each)
+
+
+def _replace_operator(source, index, add):
+    token = source.tokens[index]
+    if token.text in ASSIGNING:
+        add("assignment", token.start, token.end, ASSIGNING[token.text])
+    elif source.is_spaced(index):
+        for each in RELATIONAL.get(token.text, ()):
+            add("relational", token.start, token.end, each)
+        if token.text in LOGICAL:
+            add("logical", token.start, token.end, LOGICAL[token.text])
+        if token.text in ARITHMETIC:
+            add("arithmetic", token.start, token.end, ARITHMETIC[token.text])
+    elif token.text in ("!", "~") or token.text == "-" and _is_prefix(source, index):
+        add("negation", token.start, token.end, "")
+
+
+def _is_prefix(source, index):
+    token, before = source.tokens[index], source.tokens[index - 1]
+    return not source.text[token.end].isspace() and (
+        before.kind == "mark" and before.text not in (")", "]", "]]") or before.text == "return"
+    )
+
+
+def _negate_condition(source, index, add):
+    opening = index + 1
+    if source.tokens[opening].text == "constexpr":
+        opening += 1
+    if source.tokens[opening].text != "(":
+        return
+    closing = source.partner[opening]
+    first = opening + 1
+    for each in range(first, closing):
+        if source.tokens[each].text == ";":
+            first = each + 1
+    texts = source.texts(first, closing)
+    relations = sum(
+        source.tokens[each].text in RELATIONAL and source.is_spaced(each)
+        for each in range(first, closing)
+    )
+    # Of a single comparison there is a mutant with the opposite one, and of a negated condition one
+    # without the negation. What declares something cannot be put in brackets.
+    single = relations == 1 and not any(text in LOGICAL for text in texts)
+    negated = texts[0] == "!" and (
+        first + 1 in source.partner and source.partner[first + 1] == closing - 1
+    )
+    if single or negated or "=" in texts:
+        return
+    start, end = source.tokens[first].start, source.tokens[closing].start
+    add("condition", start, end, f"!({source.text[start:end]})")
+
+
+def _swap_arguments(source, index, add):
+    before = source.tokens[index - 1]
+    if source.tokens[index].text == "(":
+        if before.kind != "word" and before.text != ">" or before.text in (
+            "if", "while", "for", "switch", "return", "sizeof", "noexcept",
+        ):
+            return
+    elif before.text in (")", "]", "]]", "noexcept", "const", "else", ";", "{", "}"):
+        return
+    if before.text in SYMMETRIC:
+        return
+    parts = source.arguments(index)
+    inside = source.texts(index, source.partner[index])
+    if source.tokens[index].text == "{" and ";" in inside:
+        return
+    for (a, a_end), (b, b_end) in zip(parts, parts[1:]):
+        start, end = source.tokens[a].start, source.tokens[b_end - 1].end
+        left = source.text[start : source.tokens[a_end - 1].end]
+        right = source.text[source.tokens[b].start : end]
+        between = source.text[start + len(left) : source.tokens[b].start]
+        if left != right:
+            add("arguments", start, end, right + between + left)
+
+
+def _begins_statement(source, index):
+    before = source.tokens[index - 1]
+    if before.text in ("{", "}", ";", "else"):
+        return True
+    if before.text == ")":
+        opening = next(o for o, c in source.partner.items() if c == index - 1)
+        return source.tokens[opening - 1].text in ("if", "while", "for")
+    return False
+
+
+def _delete_statement(source, index, add):
+    end = index
+    while source.tokens[end].text != ";":
+        if source.tokens[end].text in ("}", "{") and end == index:
+            return
+        end = source.partner.get(end, end) + 1
+        if end >= len(source.tokens) or source.tokens[end].text in ("}", ",", ")"):
+            return
+    if _can_go(source, index, end):
+        add("statement", source.tokens[index].start, source.tokens[end].start, "")
+
+
+def _can_go(source, first, last):
+    """Whether the code still means something without the statement."""
+    words = source.texts(first, last)
+    if not words:
+        return False
+    if words[0] in ("return", "break", "continue"):
+        return len(words) == 1
+    if words[0] in ("*", "++", "--", "delete") or "delete" in words[:3]:
+        return True
+    if words[0] in (
+        "if", "for", "while", "do", "switch", "case", "const", "constexpr", "auto", "static",
+        "using", "else", "struct", "static_assert", "typedef", "try",
+    ):
+        return False
+    # A declaration has a name right behind a type, before anything that only expressions have.
+    for index in range(first, last):
+        text = source.tokens[index].text
+        if text in ("=", "(", ".", "->", "[", "++", "--") or text in ASSIGNING:
+            return True
+        behind = source.tokens[index + 1]
+        if behind.kind == "word" and (
+            source.tokens[index].kind == "word" or text in (">", "*", "&", "*&")
+        ):
+            return False
+        if behind.text == "{":
+            return False
+    return False

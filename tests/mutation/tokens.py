@@ -1,0 +1,162 @@
+"""C++ source as tokens, with what brackets, statements and scopes they belong to."""
+
+import bisect
+import re
+from dataclasses import dataclass
+
+PATTERN = re.compile(
+    r"""(?P<skip>//[^\n]*|/\*.*?\*/|^[ \t]*\#(?:[^\n\\]|\\.|\\\n)*)
+      |(?P<text>"(?:[^"\\\n]|\\.)*"|'(?:[^'\\\n]|\\.)*')
+      |(?P<number>0[xX][0-9a-fA-F.]+(?:[pP][+-]?\d+)?\w*|\d[\d']*(?:\.\d*)?(?:[eE][+-]?\d+)?\w*)
+      |(?P<word>[A-Za-z_]\w*)
+      |(?P<mark><<=|>>=|<=>|->\*|\.\.\.|->|\+\+|--|<<|>>|<=|>=|==|!=|&&|\|\||[-+*/%&|^]=|::|\[\[|\]\]|[^\s\w])
+      |(?P<space>\s+)""",
+    re.VERBOSE | re.MULTILINE | re.DOTALL,
+)
+
+CLOSING = {"(": ")", "[": "]", "{": "}", "[[": "]]"}
+TYPE_HEADS = {"struct", "class", "union", "enum", "concept"}
+BODY_BEFORE = {")", "]", "]]", "noexcept", "const", "mutable", "else", "do", "try", "{", "}", ";"}
+
+
+@dataclass
+class Token:
+    kind: str
+    text: str
+    start: int
+    end: int
+    in_body: bool = False
+    masked: bool = False
+
+
+class Source:
+    """The tokens of a file that are neither space nor comment, and how they nest."""
+
+    def __init__(self, text):
+        self.text = text
+        self._line_starts = [0] + [m.end() for m in re.finditer("\n", text)]
+        self.tokens = [
+            Token(match.lastgroup, match.group(), match.start(), match.end())
+            for match in PATTERN.finditer(text)
+            if match.lastgroup not in ("skip", "space")
+        ]
+        self.partner = self._pair_brackets()
+        self._mask()
+        self._find_bodies()
+
+    def line_of(self, offset):
+        return bisect.bisect_right(self._line_starts, offset)
+
+    def lines_from(self, start, end):
+        """The text of the whole lines that [start, end) touches."""
+        first = self._line_starts[self.line_of(start) - 1]
+        last = self.text.find("\n", max(start, end - 1))
+        return self.text[first : last if last >= 0 else len(self.text)]
+
+    def is_spaced(self, index):
+        """Whether there is space on both sides, as the formatter puts around binary operators."""
+        token = self.tokens[index]
+        around = self.text[token.start - 1 : token.start], self.text[token.end : token.end + 1]
+        return all(each.isspace() for each in around)
+
+    def texts(self, first, last):
+        return [token.text for token in self.tokens[first:last]]
+
+    def arguments(self, opening):
+        """Ranges [first, last) of tokens between the commas of a bracket."""
+        parts = []
+        first = index = opening + 1
+        closing = self.partner[opening]
+        while index < closing:
+            if index in self.partner:
+                index = self.partner[index]
+            elif self.tokens[index].text == ",":
+                parts.append((first, index))
+                first = index + 1
+            index += 1
+        if first < closing:
+            parts.append((first, closing))
+        return parts
+
+    def _pair_brackets(self):
+        partner = {}
+        stack = []
+        for index, token in enumerate(self.tokens):
+            if token.kind != "mark":
+                continue
+            if token.text in CLOSING:
+                stack.append(index)
+            elif token.text == "]]" and self.tokens[stack[-1]].text == "[":
+                # The end of a subscript within a subscript; such a token ends both.
+                partner[stack.pop()] = index
+                partner[stack.pop()] = index
+            elif token.text in CLOSING.values():
+                if not stack or CLOSING[self.tokens[stack[-1]].text] != token.text:
+                    raise ValueError(f"line {self.line_of(token.start)}: unmatched '{token.text}'")
+                partner[stack.pop()] = index
+        if stack:
+            token = self.tokens[stack[-1]]
+            raise ValueError(f"line {self.line_of(token.start)}: unmatched '{token.text}'")
+        return partner
+
+    def _mask(self):
+        """Marks what is no code that runs: it either does not compile when it is changed, or
+        changes nothing that could be seen."""
+        for index, token in enumerate(self.tokens):
+            following = self.tokens[index + 1].text if index + 1 < len(self.tokens) else ""
+            if token.text == "[[":
+                self._mask_through(index, self.partner[index])
+            elif token.text == "template" and following == "<":
+                self._mask_through(index, self._end_of_angles(index + 1))
+            elif following == "(" and token.text in (
+                "static_assert", "requires", "__attribute__", "__builtin_prefetch", "alignof",
+                "decltype",
+            ):
+                self._mask_through(index, self.partner[index + 1])
+            elif token.text in ("using", "concept", "operator", "namespace"):
+                end = index
+                while self.tokens[end].text not in (";", "{", "(", "="):
+                    end += 1
+                if token.text in ("using", "concept"):
+                    while self.tokens[end].text != ";":
+                        end = self.partner.get(end, end) + 1
+                self._mask_through(index, end)
+
+    def _mask_through(self, first, last):
+        for token in self.tokens[first : last + 1]:
+            token.masked = True
+
+    def _end_of_angles(self, opening):
+        depth = 0
+        for index in range(opening, len(self.tokens)):
+            text = self.tokens[index].text
+            depth += {"<": 1, ">": -1, ">>": -2}.get(text, 0)
+            if depth <= 0:
+                return index
+        raise ValueError("a list of template parameters has no end")
+
+    def _find_bodies(self):
+        """Tells the code of procedures from what stands in types and namespaces."""
+        scopes = ["outside"]
+        head = 0
+        for index, token in enumerate(self.tokens):
+            token.in_body = scopes[-1] == "body"
+            if token.text == "{":
+                scopes.append(self._scope_at(index, head, scopes[-1]))
+                head = index + 1
+            elif token.text == "}":
+                scopes.pop()
+                head = index + 1
+            elif token.text == ";":
+                head = index + 1
+
+    def _scope_at(self, index, head, around):
+        words = [t.text for t in self.tokens[head:index] if not t.masked]
+        before = self.tokens[index - 1].text if index else ""
+        if any(word in TYPE_HEADS for word in words):
+            return "type"
+        if "namespace" in self.texts(head, index) or "extern" in words and "(" not in words:
+            return "outside"
+        if before in BODY_BEFORE or "->" in words and ")" in words and "=" not in words[-2:]:
+            return "body"
+        return around

@@ -1,0 +1,232 @@
+#!/usr/bin/env python3
+"""Tests of the tool: which mutants it makes of a text, and what it says of those of a sample."""
+
+import argparse
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+from operators import mutants_of
+
+HERE = Path(__file__).resolve().parent
+SAMPLE = HERE / "sample"
+OPTIONS = argparse.Namespace(cmake="cmake", compiler="c++")
+
+
+def changes(text, operator=None):
+    """The changed lines of all mutants of a text."""
+    return [
+        mutant.after.strip()
+        for mutant in mutants_of("some.cpp", text)
+        if operator in (None, mutant.operator)
+    ]
+
+
+def body(code):
+    return "void f() noexcept {\n" + code + "\n}\n"
+
+
+class Operators(unittest.TestCase):
+    def test_a_comparison_moves_its_boundary_and_is_turned_round(self):
+        self.assertEqual(
+            changes("bool b = x < y;") + changes("bool b = x >= y;") + changes("bool b = x == y;"),
+            ["bool b = x <= y;", "bool b = x >= y;", "bool b = x < y;", "bool b = x > y;",
+             "bool b = x != y;"],
+        )  # fmt: skip
+
+    def test_brackets_of_templates_are_no_comparisons(self):
+        self.assertEqual(changes(body("g(static_cast<int>(x), h<T>());"), "relational"), [])
+
+    def test_arithmetic_turns_into_its_opposite(self):
+        self.assertEqual(
+            changes("int k = a + b;") + changes("int k = a * b;") + changes("int k = a << b;"),
+            ["int k = a - b;", "int k = a / b;", "int k = a >> b;"],
+        )
+
+    def test_pointers_and_references_are_no_arithmetic(self):
+        self.assertEqual(changes("int* p(const int& a, int&& b, T* const c);"), [])
+
+    def test_signs_and_negations_are_dropped(self):
+        self.assertEqual(
+            changes("bool b = !c;") + changes("int k = -a;") + changes("int k = ~a;"),
+            ["bool b = c;", "int k = a;", "int k = a;"],
+        )
+
+    def test_constants_become_one_more_and_one_less(self):
+        self.assertEqual(
+            changes("int k = 7;") + changes("double x = 0.0;") + changes("double x = 0x1p-3;")
+            + changes("bool b = true;"),
+            ["int k = 6;", "int k = 8;", "double x = -1.0;", "double x = 1.0;",
+             "double x = (0x1p-3 + 1);", "double x = (0x1p-3 - 1);", "bool b = false;"],
+        )  # fmt: skip
+
+    def test_texts_comments_and_directives_have_no_mutants(self):
+        self.assertEqual(changes('#if A < 7\n// a + 1\n/* b - 2 */ const char* t = "3 < 4";'), [])
+
+    def test_what_is_decided_by_the_compiler_has_no_mutants(self):
+        self.assertEqual(
+            changes(
+                "static_assert(sizeof(x) == 8);\ntemplate <class T, int n = 2> struct s;\n"
+                "using lanes = int __attribute__((vector_size(32)));\n"
+                "template <class T> requires(n == 1) void f(T x);\n[[gnu::aligned(4)]] int k;"
+            ),
+            [],
+        )
+
+    def test_prefetching_has_no_mutants(self):
+        self.assertEqual(changes(body("__builtin_prefetch(p + 1, 1);"), "arithmetic"), [])
+
+    def test_conditions_are_negated_where_no_other_mutant_does_it(self):
+        self.assertEqual(changes(body("if (a && b) {\ng();\n}"), "condition"), ["if (!(a && b)) {"])
+        self.assertEqual(changes(body("while (is(a)) {\ng();\n}"), "condition"),
+                         ["while (!(is(a))) {"])  # fmt: skip
+        self.assertEqual(changes(body("if (a < b) {\ng();\n}"), "condition"), [])
+        self.assertEqual(changes(body("if (!a) {\ng();\n}"), "condition"), ["if (!(!a)) {"])
+        self.assertEqual(changes(body("if (const x = g(); x.found) {\ng();\n}"), "condition"),
+                         ["if (const x = g(); !(x.found)) {"])  # fmt: skip
+
+    def test_statements_are_deleted_but_declarations_and_results_stay(self):
+        code = "int k = g();\nstd::span<int> s(p, n);\nk += h;\nv.add(k);\n*out = k;\nreturn k;"
+        mutants = [m.before.strip() for m in mutants_of("x", body(code)) if m.operator == "statement"]
+        self.assertEqual(mutants, ["k += h;", "v.add(k);", "*out = k;"])
+
+    def test_statements_of_lambdas_and_branches_are_deleted(self):
+        code = "h([&] {\n++k;\n});\nif (b) {\nreturn;\n} else {\nbreak;\n}"
+        mutants = [m.before.strip() for m in mutants_of("x", body(code)) if m.operator == "statement"]
+        self.assertIn("++k;", mutants)
+        self.assertIn("return;", mutants)
+        self.assertIn("break;", mutants)
+
+    def test_arguments_are_swapped_with_the_next_one(self):
+        self.assertEqual(
+            changes(body("g(a, b + c, d);"), "arguments"), ["g(b + c, a, d);", "g(a, d, b + c);"]
+        )
+        self.assertEqual(changes(body("return {a, b};"), "arguments"), ["return {b, a};"])
+
+    def test_arguments_of_which_the_order_does_not_matter_stay(self):
+        self.assertEqual(changes(body("k = std::min(a, b) + h(c, c);"), "arguments"), [])
+
+    def test_parameters_are_not_swapped(self):
+        self.assertEqual(changes("int f(int a, int b) {\nreturn g([](int c, int d) {});\n}"), [])
+
+    def test_several_lines_are_one_mutant(self):
+        (mutant,) = (m for m in mutants_of("x", body("g(a,\n  b);")) if m.operator == "statement")
+        self.assertEqual((mutant.line, mutant.before, mutant.after), (2, "g(a,\n  b);", ";"))
+
+    def test_an_unmatched_bracket_is_told_with_its_line(self):
+        with self.assertRaisesRegex(ValueError, "line 2: unmatched"):
+            mutants_of("some.cpp", "int k = 1;\nint f(int a;\n")
+
+
+class Tool(unittest.TestCase):
+    """Runs on the sample."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.build = Path(cls.folder.name) / "build"
+        subprocess.run(
+            [OPTIONS.cmake, "-S", SAMPLE, "-B", cls.build, "-G", "Ninja",
+             f"-DCMAKE_CXX_COMPILER={OPTIONS.compiler}"],
+            check=True, stdout=subprocess.DEVNULL,
+        )  # fmt: skip
+        subprocess.run(
+            [OPTIONS.cmake, "--build", cls.build], check=True, stdout=subprocess.DEVNULL
+        )
+        cls.whole = cls.run_tool(SAMPLE / "equivalent.txt", "--jobs", "2")
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    @classmethod
+    def run_tool(cls, listed, *more, files=()):
+        if not isinstance(listed, Path):
+            text, listed = listed, Path(cls.folder.name) / "listed.txt"
+            listed.write_text(text)
+        return subprocess.run(
+            [sys.executable, HERE / "mutate.py", "--root", SAMPLE, "--build", cls.build,
+             "--sources", "src/sample", "--library", "sample", "--equivalents", listed, *more],
+            capture_output=True, text=True, check=False,
+        )  # fmt: skip
+
+    def counts(self, done, file):
+        """Mutants, then how many were killed, endless, equivalent, left, unchanged, not compiled."""
+        row = re.search(rf"^{file} +(.*)$", done.stdout, re.MULTILINE)
+        return [int(each) for each in row.group(1).split()]
+
+    def test_every_kind_of_outcome_is_counted(self):
+        self.assertEqual(self.whole.stderr, "")
+        self.assertEqual(self.whole.returncode, 0)
+        self.assertEqual(self.counts(self.whole, "src/sample/sums/sums.cpp"),
+                         [24, 23, 1, 0, 0, 3, 0])  # fmt: skip
+        self.assertEqual(self.counts(self.whole, "src/sample/sums/sums.hpp"),
+                         [3, 1, 0, 2, 0, 0, 0])  # fmt: skip
+
+    def test_nothing_is_written_into_the_checkout(self):
+        self.assertEqual([p for p in SAMPLE.rglob("*") if p.suffix in (".o", ".so", ".gch")], [])
+        self.assertIn("return 3 * value;", (SAMPLE / "src/sample/sums/sums.hpp").read_text())
+
+    def test_a_survivor_that_is_not_listed_is_shown_and_fails(self):
+        done = self.run_tool("", "--files", "sums.hpp")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("src/sample/sums/sums.hpp:12: constant\n    - return 3 * value;\n"
+                      "    + return 2 * value;\n", done.stdout)  # fmt: skip
+        self.assertIn("2 mutants survived that are not listed in listed.txt", done.stderr)
+
+    def test_an_entry_that_matches_nothing_fails(self):
+        entry = "src/sample/sums/sums.cpp\n- return sum;\n+ return cap;\nIt was once so.\n"
+        done = self.run_tool((SAMPLE / "equivalent.txt").read_text() + "\n" + entry,
+                             "--files", "sums.hpp")  # fmt: skip
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stderr, r"listed\.txt:\d+: matches no mutant")
+
+    def test_an_entry_that_is_killed_fails(self):
+        entry = "src/sample/sums/sums.cpp\n- taken += 1;\n+ taken -= 1;\nNobody counts.\n"
+        done = self.run_tool((SAMPLE / "equivalent.txt").read_text() + "\n" + entry)
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stderr, r"listed\.txt:\d+: listed as equivalent, but killed")
+
+    def test_an_entry_without_a_reason_is_refused(self):
+        done = self.run_tool("src/sample/sums/sums.hpp\n- return 3 * value;\n+ return 2 * value;\n")
+        self.assertEqual((done.returncode, done.stderr),
+                         (2, "mutate.py: listed.txt:1: an entry needs a reason\n"))  # fmt: skip
+
+    def test_too_few_kills_fail(self):
+        done = self.run_tool(SAMPLE / "equivalent.txt", "--least", "99")
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stderr, r"\d+\.\d % of the mutants were killed, and not 99\.0 %")
+
+    def test_a_sample_is_the_same_each_time(self):
+        runs = [
+            self.run_tool(SAMPLE / "equivalent.txt", "--sample", "3", "--report", self.build / "r")
+            and re.sub(r'"seconds": [\d.]+', "", (self.build / "r").read_text())
+            for _ in range(2)
+        ]
+        self.assertEqual(runs[0], runs[1])
+        self.assertEqual(len(runs[0].splitlines()), 3)
+
+    def test_survivors_of_a_report_are_tried_again(self):
+        report = Path(self.folder.name) / "report"
+        self.run_tool("", "--report", report)
+        again = self.run_tool("", "--again", report)
+        self.assertIn("2 of 30 mutants are tried", again.stdout)
+
+    def test_a_missing_build_is_told(self):
+        done = subprocess.run(
+            [sys.executable, HERE / "mutate.py", "--build", "/nowhere"],
+            capture_output=True, text=True, check=False,
+        )  # fmt: skip
+        self.assertEqual(done.returncode, 2)
+        self.assertRegex(done.stderr, r"^mutate\.py: there is no compile_commands\.json[^\n]*\n$")
+
+
+if __name__ == "__main__":
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--cmake", default=OPTIONS.cmake)
+    parser.add_argument("--compiler", default=OPTIONS.compiler)
+    parser.parse_known_args(namespace=OPTIONS)
+    unittest.main(argv=[sys.argv[0]] + parser.parse_known_args()[1])

@@ -1,0 +1,294 @@
+"""Compiles mutants, links them under the programs that test them, and runs those.
+
+A workbench stands on a Ninja build of the project with its tests. Objects of tests are taken from
+there as they are, and each program is linked anew, once, with a shared library in which every
+symbol is visible. So what a mutant costs is the compilation of what it touches, one link of a small
+library, and the runs. Nothing is written but to the workbench's own folder.
+"""
+
+import hashlib
+import json
+import math
+import os
+import re
+import resource
+import shlex
+import shutil
+import signal
+import subprocess
+import time
+from dataclasses import dataclass, field
+from pathlib import Path
+
+# What the library is called among the arguments of a linker, and where a test finds it at run time.
+SONAME = "lib{}.so.1"
+
+
+class Trouble(Exception):
+    """What keeps the tool from working, in a sentence."""
+
+
+@dataclass
+class Unit:
+    """The compilation of one source, by the build's own command."""
+
+    command: list
+    source: str
+    object: str
+    sources_included: frozenset = frozenset()
+
+
+@dataclass
+class Program:
+    """A test program: how it is linked and started, and how long it runs when nothing is wrong."""
+
+    name: str
+    folder: str
+    link: list
+    units: list
+    arguments: list
+    replaced: dict = field(default_factory=dict)
+    seconds: float = 0.0
+
+
+def call(command, cwd=None):
+    return subprocess.run(
+        command, cwd=cwd, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT, text=True, errors="replace", check=False,
+    )  # fmt: skip
+
+
+def must(command, what, cwd=None):
+    done = call(command, cwd)
+    if done.returncode != 0:
+        raise Trouble(f"{what}: {done.stdout.strip()[-2000:]}")
+    return done.stdout
+
+
+def digest(path):
+    return hashlib.sha256(Path(path).read_bytes()).hexdigest()
+
+
+def without(command, *dropped):
+    """A command without some arguments; one that ends in * stands for its beginning."""
+    return [
+        each for each in command
+        if not any(each.startswith(d[:-1]) if d.endswith("*") else each == d for d in dropped)
+    ]  # fmt: skip
+
+
+class Workbench:
+    def __init__(self, root, build, work, sources, library, quick=True, leave_out=()):
+        self.root, self.build, self.work = Path(root), Path(build), Path(work)
+        self.sources, self.library, self.quick = sources, library, quick
+        self.soname = SONAME.format(library)
+        if not (self.build / "compile_commands.json").is_file():
+            raise Trouble(f"there is no compile_commands.json in {build}; configure and build first")
+        shutil.rmtree(self.work, ignore_errors=True)
+        for each in ("objects", "programs"):
+            (self.work / each).mkdir(parents=True)
+        self.library_units, self.test_units = self._read_units()
+        self.programs = self._read_programs(leave_out)
+
+    # What the build knows
+
+    def _read_units(self):
+        included = self._read_includes()
+        library, tests = [], {}
+        for entry in json.loads((self.build / "compile_commands.json").read_text()):
+            command = shlex.split(entry["command"])
+            target_object = command[command.index("-o") + 1]
+            file = os.path.relpath(entry["file"], self.root)
+            unit = Unit(command, file, target_object, included.get(target_object, frozenset()))
+            if file.startswith(self.sources + "/"):
+                library.append(unit)
+            elif file.startswith("tests/"):
+                tests[target_object] = unit
+        if not library:
+            raise Trouble(f"{self.build} compiles nothing of {self.sources}")
+        return library, tests
+
+    def _read_includes(self):
+        """For each object, the files of the project that it was compiled from."""
+        included = {}
+        for line in must(["ninja", "-t", "deps"], "ninja", self.build).splitlines():
+            if line and not line[0].isspace():
+                current = included.setdefault(line.split(":")[0], set())
+            elif line.strip():
+                path = os.path.relpath(os.path.join(self.build, line.strip()), self.root)
+                if not path.startswith(".."):
+                    current.add(path)
+        return {key: frozenset(value) for key, value in included.items()}
+
+    def _read_programs(self, leave_out):
+        owners = {}
+        for unit in self.test_units.values():
+            match = re.match(r"(tests/.*)/CMakeFiles/([^/]+)\.dir/", unit.object)
+            if match and match.group(2).endswith(("_test", "_replay")):
+                owners.setdefault(f"{match.group(1)}/{match.group(2)}", []).append(unit)
+        paths = [p for p in sorted(owners) if not p.startswith(tuple(leave_out))]
+        commands = must(["ninja", "-t", "commands", *paths], "ninja", self.build).splitlines()
+        programs = []
+        for path in paths:
+            marker = f" -o {path} "
+            link = next(each for each in commands if marker in each)
+            words = shlex.split(link.split(" && ")[1])
+            ours = [w for w in words if Path(w).name.split(".")[0] == f"lib{self.library}"]
+            if ours:
+                folder, name = path.rsplit("/", 1)
+                programs.append(
+                    Program(name, folder, words, owners[path], self._arguments(folder, name))
+                )
+        return programs
+
+    def _arguments(self, folder, name):
+        if name.endswith("_replay"):
+            return [str(self.root / folder / "corpus" / name[: -len("_replay")])]
+        return ["--gtest_brief=1", "--gtest_fail_fast", "--gtest_print_time=0"]
+
+    # The state without mutants
+
+    def prepare(self):
+        """Builds everything as it is and sees it pass. Returns the seconds it took."""
+        start = time.monotonic()
+        if self.quick:
+            self._precompile()
+        self.baseline, self.baseline_of_tests = {}, {}
+        for unit in self.library_units:
+            target = self.work / "objects" / Path(unit.object).name
+            must(self.compile_command(unit, unit.command[-1], target), unit.source, self.build)
+            self.baseline[unit.object] = target
+        bench = self.place("baseline")
+        self.link_library(bench, {})
+        for program in self.programs:
+            self._prepare_program(program, bench)
+        return time.monotonic() - start
+
+    def _prepare_program(self, program, bench):
+        for unit in program.units:
+            # Who looks for the library by its path shall find the one of the mutant instead.
+            if any("_LIBRARY=" in word for word in unit.command):
+                target = self.work / "objects" / f"{program.name}.{Path(unit.object).name}"
+                must(self.compile_command(unit, unit.command[-1], target), unit.source, self.build)
+                program.replaced[unit.object] = target
+        executable = self.work / "programs" / program.name
+        self.link_program(program, bench, executable, {})
+        start = time.monotonic()
+        verdict, output = self.run(program, executable, bench, limit=120)
+        program.seconds = time.monotonic() - start
+        if verdict != "passed":
+            raise Trouble(f"{program.name} fails without any mutant: {output.strip()[-2000:]}")
+
+    def _precompile(self):
+        """Headers from elsewhere, which are most of what a compiler reads here."""
+        names = {
+            name
+            for each in (self.root / self.sources).rglob("*.[ch]pp")
+            for name in re.findall(r"#include <([\w/.]+)>", each.read_text())
+        }
+        header = self.work / "precompiled.hpp"
+        header.write_text("".join(f"#include <{name}>\n" for name in sorted(names)))
+        command = self.library_units[0].command
+        flags = without(command[: command.index("-o")], "-Werror") + ["-O0", "-w"]
+        must(
+            [*flags, "-x", "c++-header", str(header), "-o", f"{header}.gch"],
+            "precompiling", self.build,
+        )  # fmt: skip
+        self.precompiled = header
+
+    def place(self, name):
+        """A folder for one mutant at a time."""
+        bench = self.work / name
+        bench.mkdir(exist_ok=True)
+        return bench
+
+    def compile_command(self, unit, source, target, overlay=None, level="-O0"):
+        end = unit.command.index("-o")
+        command = without(unit.command[:end], "-Werror", "-fvisibility=hidden")
+        command = [
+            f'{each.split("=")[0]}="{self.soname}"' if "_LIBRARY=" in each else each
+            for each in command
+        ]
+        if overlay is not None:
+            command.insert(1, f"-I{overlay}")
+        command.append("-w")
+        if self.quick:
+            command.append(level)
+            # What is compiled beforehand is of use at the same level only.
+            if level == "-O0" and unit in self.library_units:
+                command[1:1] = ["-include", str(self.precompiled)]
+        return [*command, "-o", str(target), "-c", str(source)]
+
+    def link_library(self, bench, objects):
+        """Links the library of a mutant: its own objects in place of those of the baseline."""
+        files = [objects.get(key, path) for key, path in self.baseline.items()]
+        compiler = self.library_units[0].command
+        flags = [each for each in compiler if each.startswith("-fsanitize")]
+        command = [
+            compiler[0], "-shared", *flags, f"-Wl,-soname,{self.soname}",
+            "-Wl,-Bsymbolic-functions,-z,now", "-o", bench / self.soname, *files,
+        ]  # fmt: skip
+        return call([str(each) for each in command]).returncode == 0
+
+    def link_program(self, program, bench, executable, objects):
+        replaced = {**program.replaced, **objects}
+        words = [str(replaced.get(word, word)) for word in program.link]
+        # A shared library takes all of the host, where a static one takes what is called.
+        archives = dict.fromkeys(w for w in words if w.startswith("tests/") and w.endswith(".a"))
+        words = [w for w in words if w not in archives]
+        words = [
+            str(bench / self.soname) if Path(w).name.split(".")[0] == f"lib{self.library}" else w
+            for w in words
+        ]
+        end = words.index("-o")
+        everything = ["-Wl,--whole-archive", *archives, "-Wl,--no-whole-archive"]
+        words[end:end] = ["-Wl,--no-as-needed", *everything]
+        words[words.index("-o") + 1] = str(executable)
+        must(words, f"linking {program.name}", self.build)
+
+    # Runs
+
+    def run(self, program, executable, bench, limit=None):
+        """Returns "passed", "failed" or "endless", and what was printed.
+
+        The limit is on the time of the processor, which does not depend on who else uses it."""
+        seconds = limit or 2 + math.ceil(5 * program.seconds)
+        environment = dict(
+            os.environ,
+            LD_LIBRARY_PATH=str(bench),
+            ZKTARN_TEST_SCALE=os.environ.get("ZKTARN_TEST_SCALE", "0.02"),
+            # New and released memory is full of what nobody wrote.
+            MALLOC_PERTURB_="165",
+        )
+
+        def limited():
+            # A shell that started this in the background has it ignored.
+            signal.signal(signal.SIGINT, signal.SIG_DFL)
+            resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds + 1))
+            resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 26, 1 << 26))
+            if self.quick:
+                resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+
+        with open(bench / "output", "w+", errors="replace") as output:
+            process = subprocess.Popen(
+                [str(executable), *program.arguments], cwd=bench, env=environment,
+                stdin=subprocess.DEVNULL, stdout=output, stderr=output, preexec_fn=limited,
+                start_new_session=True,
+            )  # fmt: skip
+            try:
+                code = process.wait(timeout=20 * seconds)
+            except subprocess.TimeoutExpired:
+                code = None
+            if code != 0:
+                # What it started, such as the copies that death tests make, ends with it.
+                try:
+                    os.killpg(process.pid, 9)
+                except ProcessLookupError:
+                    pass
+                process.wait()
+            output.seek(0)
+            text = output.read(100000)
+        if code == 0:
+            return "passed", text
+        return ("endless" if code is None or code in (-9, -24) else "failed"), text
