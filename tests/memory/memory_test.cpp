@@ -245,7 +245,7 @@ TYPED_TEST(Allocmem2d, FailsWithoutTheHostWhenTheBytesDoNotFit) {
     for (const matrix_shape shape :
          {matrix_shape{big, big}, matrix_shape{-big, -big}, matrix_shape{largest, 1},
           matrix_shape{1, largest}, matrix_shape{smallest, smallest}, matrix_shape{smallest, -1},
-          matrix_shape{largest / TypeParam::width + 1, 1}}) {
+          matrix_shape{-1, smallest}, matrix_shape{largest / TypeParam::width + 1, 1}}) {
         auto array = this->stale();
         EXPECT_EQ(TypeParam::alloc(array, shape), 0);
         EXPECT_FALSE(array.present());
@@ -255,6 +255,19 @@ TYPED_TEST(Allocmem2d, FailsWithoutTheHostWhenTheBytesDoNotFit) {
     const std::int64_t most = largest / TypeParam::width;
     EXPECT_EQ(TypeParam::alloc(array, {1, most}), 0);
     EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(most * TypeParam::width)));
+}
+
+TYPED_TEST(Allocmem2d, DropsABlockThatItHeldWhereNoneIsAttached) {
+    constexpr std::int64_t big = std::int64_t{1} << 40;
+    for (const matrix_shape shape :
+         {matrix_shape{0, 7}, matrix_shape{big, -big}, matrix_shape{big, big},
+          matrix_shape{largest / TypeParam::width + 1, 1}}) {
+        auto array = this->stale();
+        TypeParam::alloc(array, {2, 2});
+        ASSERT_TRUE(array.present());
+        TypeParam::alloc(array, shape);
+        EXPECT_FALSE(array.present());
+    }
 }
 
 TYPED_TEST(Allocmem2d, FreememKeepsRowsAndColumns) {

@@ -1,8 +1,8 @@
 """The list of mutants that no test can notice, each with its reason.
 
 An entry is a paragraph: the file; pairs of the lines as they are, after "- ", and as the mutant has
-them, after "+ "; then the reason. Where the same line occurs more than once in a file, the entry
-speaks of all of them. Lines that begin with "#" are comments."""
+them, after "+ "; then the reason. Where a change can be made in several places of a file, "@ 2" below
+it means the second of them only. Lines that begin with "#" are comments."""
 
 import re
 from pathlib import Path
@@ -11,18 +11,26 @@ from operators import squeeze
 from workbench import Trouble
 
 
-class Listed(dict):
-    """Keys of mutants, with the place in the list where each stands."""
+class Listed:
+    """Changes, each with the place in the list where it stands."""
 
-    name = ""
+    def __init__(self, name):
+        self.name = name
+        self.places = {}
 
-    def stale(self, every_key):
-        return [place for key, place in self.items() if key not in every_key]
+    def place_of(self, mutant):
+        """Where a mutant is listed, or None."""
+        *change, occurrence = mutant.key()
+        return self.places.get((*change, occurrence)) or self.places.get((*change, None))
+
+    def stale(self, mutants):
+        """Places of entries that speak of none of the mutants."""
+        used = {self.place_of(each) for each in mutants}
+        return [place for place in self.places.values() if place not in used]
 
 
 def read(path):
-    listed = Listed()
-    listed.name = Path(path).name
+    listed = Listed(Path(path).name)
     number = 0
     for paragraph in re.split(r"\n(?=[ \t]*\n)", Path(path).read_text()):
         lines = paragraph.split("\n")
@@ -44,7 +52,10 @@ def _read_entry(entry, listed):
         after, rest = _take(rest, "+ ")
         if not after:
             raise Trouble(f'{listed.name}:{number}: lines with "- " need some with "+ "')
-        listed[file, before, after] = f"{listed.name}:{number}"
+        occurrence = None
+        if rest and rest[0][1].startswith("@ "):
+            occurrence = int(rest.pop(0)[1][2:])
+        listed.places[file, before, after, occurrence] = f"{listed.name}:{number}"
         count += 1
     if count == 0:
         raise Trouble(f'{place}: an entry needs lines with "- " and with "+ "')

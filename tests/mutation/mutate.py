@@ -97,7 +97,7 @@ def show_table(outcomes, listed):
     rows = collections.defaultdict(collections.Counter)
     for each in outcomes:
         kind = each.verdict
-        if kind == "survived" and each.mutant.key() in listed:
+        if kind == "survived" and listed.place_of(each.mutant):
             kind = "equivalent"
         for row in (each.mutant.file, "all"):
             rows[row][kind] += 1
@@ -116,7 +116,7 @@ def show_table(outcomes, listed):
 
 def try_sanitized(arguments, outcomes, listed):
     """Survivors that no list excuses get a second chance where undefined behaviour shows."""
-    left = [o for o in outcomes if o.verdict == "survived" and o.mutant.key() not in listed]
+    left = [o for o in outcomes if o.verdict == "survived" and not listed.place_of(o.mutant)]
     if not arguments.sanitized or not left:
         return
     print(f"{len(left)} survivors are tried with sanitizers", flush=True)
@@ -134,15 +134,14 @@ def try_sanitized(arguments, outcomes, listed):
             each.verdict, each.by = second.verdict, f"{second.by} with sanitizers"
 
 
-def judge(arguments, outcomes, listed, every_key):
+def judge(outcomes, listed, mutants):
     """Returns the sentences that say what is wrong."""
-    wrong = [f"{each}: matches no mutant" for each in listed.stale(every_key)]
-    killed = {o.mutant.key() for o in outcomes if o.verdict in ("killed", "endless")}
-    survived = {o.mutant.key() for o in outcomes if o.verdict == "survived"}
-    for key, place in listed.items():
-        if key in killed and key not in survived:
-            wrong.append(f"{place}: listed as equivalent, but killed")
-    left = [o.mutant for o in outcomes if o.verdict == "survived" and o.mutant.key() not in listed]
+    wrong = [f"{each}: matches no mutant" for each in listed.stale(mutants)]
+    for each in outcomes:
+        place = listed.place_of(each.mutant)
+        if place and each.verdict in ("killed", "endless"):
+            wrong.append(f"{place}: listed as equivalent, but killed by {each.by}")
+    left = [o.mutant for o in outcomes if o.verdict == "survived" and not listed.place_of(o.mutant)]
     for each in left:
         show(each, sys.stdout)
     if left:
@@ -168,7 +167,7 @@ def main():
     reporter = Reporter(arguments, len(selected))
     outcomes = run_all(Campaign(bench, arguments.sources), selected, arguments.jobs, reporter)
     try_sanitized(arguments, outcomes, listed)
-    wrong = judge(arguments, outcomes, listed, {m.key() for m in mutants})
+    wrong = judge(outcomes, listed, mutants)
     total, killed = show_table(outcomes, listed)
     percent = 100.0 * killed / total if total else 0.0
     print(f"{percent:.1f} % of {total} mutants killed, in {time.monotonic() - start:.0f} s")

@@ -1,6 +1,7 @@
 """Small faults to put into C++ sources, one at a time."""
 
-from dataclasses import dataclass
+from collections import Counter
+from dataclasses import dataclass, replace
 
 from tokens import Source
 
@@ -33,13 +34,15 @@ class Mutant:
     replacement: str
     before: str
     after: str
+    occurrence: int = 1
 
     def apply(self, text):
         return text[: self.start] + self.replacement + text[self.end :]
 
     def key(self):
-        """What stays the same when the file changes elsewhere."""
-        return self.file, squeeze(self.before), squeeze(self.after)
+        """What stays the same when the file changes elsewhere: the lines as they are and as they
+        become, and which of several such places it is."""
+        return self.file, squeeze(self.before), squeeze(self.after), self.occurrence
 
 
 def squeeze(text):
@@ -78,7 +81,17 @@ def mutants_of(file, text):
             _swap_arguments(source, index, add)
         if _begins_statement(source, index):
             _delete_statement(source, index, add)
-    return sorted(found, key=lambda m: (m.start, m.end, m.replacement))
+    found.sort(key=lambda m: (m.start, m.end, m.replacement))
+    return _numbered(found)
+
+
+def _numbered(mutants):
+    seen = Counter()
+    numbered = []
+    for each in mutants:
+        seen[each.key()] += 1
+        numbered.append(replace(each, occurrence=seen[each.key()]))
+    return numbered
 
 
 def _change_constant(token, add):

@@ -116,6 +116,12 @@ class Operators(unittest.TestCase):
         (mutant,) = (m for m in mutants_of("x", body("g(a,\n  b);")) if m.operator == "statement")
         self.assertEqual((mutant.line, mutant.before, mutant.after), (2, "g(a,\n  b);", ";"))
 
+    def test_places_with_the_same_change_are_told_apart(self):
+        mutants = mutants_of("x", "int a = 1;\nint b = 2;\nint a = 1;\n")
+        self.assertEqual(
+            [m.occurrence for m in mutants if m.after == "int a = 0;"], [1, 2]
+        )
+
     def test_an_unmatched_bracket_is_told_with_its_line(self):
         with self.assertRaisesRegex(ValueError, "line 2: unmatched"):
             mutants_of("some.cpp", "int k = 1;\nint f(int a;\n")
@@ -194,6 +200,14 @@ class Tool(unittest.TestCase):
         done = self.run_tool("src/sample/sums/sums.hpp\n- return 3 * value;\n+ return 2 * value;\n")
         self.assertEqual((done.returncode, done.stderr),
                          (2, "mutate.py: listed.txt:1: an entry needs a reason\n"))  # fmt: skip
+
+    def test_an_entry_may_speak_of_one_of_several_places(self):
+        entry = ("src/sample/sums/sums.hpp\n- return 3 * value;\n+ return {} * value;\n@ {}\n"
+                 "The second does not exist.\n")  # fmt: skip
+        done = self.run_tool("\n".join(entry.format(*each) for each in ((2, 1), (4, 2))),
+                             "--files", "sums.hpp")  # fmt: skip
+        self.assertIn("listed.txt:8: matches no mutant", done.stderr)
+        self.assertIn("1 mutants survived", done.stderr)
 
     def test_too_few_kills_fail(self):
         done = self.run_tool(SAMPLE / "equivalent.txt", "--least", "99")

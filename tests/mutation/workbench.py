@@ -23,6 +23,9 @@ from pathlib import Path
 # What the library is called among the arguments of a linker, and where a test finds it at run time.
 SONAME = "lib{}.so.1"
 
+# Makes the standard library refuse an index that is out of range.
+CHECKED = "-D_GLIBCXX_ASSERTIONS"
+
 
 class Trouble(Exception):
     """What keeps the tool from working, in a sentence."""
@@ -189,7 +192,7 @@ class Workbench:
         header = self.work / "precompiled.hpp"
         header.write_text("".join(f"#include <{name}>\n" for name in sorted(names)))
         command = self.library_units[0].command
-        flags = without(command[: command.index("-o")], "-Werror") + ["-O0", "-w"]
+        flags = without(command[: command.index("-o")], "-Werror") + ["-O0", "-w", CHECKED]
         must(
             [*flags, "-x", "c++-header", str(header), "-o", f"{header}.gch"],
             "precompiling", self.build,
@@ -216,7 +219,7 @@ class Workbench:
             command.append(level)
             # What is compiled beforehand is of use at the same level only.
             if level == "-O0" and unit in self.library_units:
-                command[1:1] = ["-include", str(self.precompiled)]
+                command[1:1] = ["-include", str(self.precompiled), CHECKED]
         return [*command, "-o", str(target), "-c", str(source)]
 
     def link_library(self, bench, objects):
@@ -252,7 +255,7 @@ class Workbench:
         """Returns "passed", "failed" or "endless", and what was printed.
 
         The limit is on the time of the processor, which does not depend on who else uses it."""
-        seconds = limit or 2 + math.ceil(5 * program.seconds)
+        seconds = limit or math.ceil(1 + 5 * program.seconds)
         environment = dict(
             os.environ,
             LD_LIBRARY_PATH=str(bench),

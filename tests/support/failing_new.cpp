@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace {
@@ -11,6 +13,18 @@ std::int64_t countdown = 0;
 
 // A record or two at a time is all that the library creates; nothing else uses the nothrow form.
 std::array<void*, 64> objects = {};
+std::array<std::size_t, objects.size()> sizes = {};
+
+// Stands behind each object, so that whoever writes more than was asked for is found out.
+constexpr std::array<unsigned char, 8> guard = {0xB5, 0xB5, 0xB5, 0xB5, 0xB5, 0xB5, 0xB5, 0xB5};
+
+void check_guard(const void* object, std::size_t size) {
+    const auto* const behind = static_cast<const unsigned char*>(object) + size;
+    if (std::memcmp(behind, guard.data(), guard.size()) != 0) {
+        std::fprintf(stderr, "something was written behind an object of %zu bytes\n", size);
+        std::abort();
+    }
+}
 
 } // namespace
 
@@ -35,13 +49,20 @@ void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
     if (slot == objects.end()) {
         return nullptr;
     }
-    *slot = std::malloc(size);
-    return *slot;
+    void* const object = std::malloc(size + guard.size());
+    if (object != nullptr) {
+        std::memcpy(static_cast<unsigned char*>(object) + size, guard.data(), guard.size());
+    }
+    *slot = object;
+    sizes[static_cast<std::size_t>(slot - objects.begin())] = size;
+    return object;
 }
 
 void operator delete(void* object) noexcept {
-    if (object != nullptr) {
-        std::replace(objects.begin(), objects.end(), object, static_cast<void*>(nullptr));
+    const auto slot = std::find(objects.begin(), objects.end(), object);
+    if (object != nullptr && slot != objects.end()) {
+        check_guard(object, sizes[static_cast<std::size_t>(slot - objects.begin())]);
+        *slot = nullptr;
     }
     std::free(object);
 }

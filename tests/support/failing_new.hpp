@@ -3,7 +3,8 @@
 #include <cstdint>
 
 /// Replaces the global `operator new(nothrow)` and `operator delete` of a test program, so that the
-/// allocation of a record can be counted and made to fail.
+/// allocation of a record can be counted and made to fail. A program that writes behind what it has
+/// asked for by `new (std::nothrow)` ends when it deletes that.
 
 namespace zktarn::testing {
 

@@ -182,6 +182,35 @@ TEST(RationalProperty, AgreesWithTheRulesWhereRoundingDecides) {
     }
 }
 
+// Values within a few places of a fraction, and tolerances of a few places: what the screens let
+// pass is decided by rounding alone.
+TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
+    inputs draw(20261203);
+    const std::int64_t cases = scaled(500'000);
+    for (std::int64_t i = 0; i < cases; ++i) {
+        const double den = 1.0 + draw.whole(100);
+        const double num = draw.chance(2) ? 1.0 : 1.0 + draw.whole(100);
+        const double place = std::ldexp(num / den, -53);
+        const double x = draw.sign() * (num / den + (draw.whole(9) - 4.0) * place);
+        const double eps = draw.whole(9) * place * 0.5;
+        const double bound = den + draw.whole(20);
+        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
+    }
+}
+
+// Reals so large that they have few digits or none for a fraction.
+TEST(RationalProperty, AgreesWithTheRulesOnLargeValues) {
+    inputs draw(20261204);
+    const std::int64_t cases = scaled(500'000);
+    for (std::int64_t i = 0; i < cases; ++i) {
+        const double x =
+            draw.sign() * std::ldexp(1.0 + draw.uniform(), 44 + static_cast<int>(draw.below(10)));
+        const double eps = draw.chance(2) ? 0.0 : std::ldexp(draw.uniform(), -8);
+        const double bound = 1.0 + draw.whole(draw.chance(2) ? 40 : 4000);
+        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
+    }
+}
+
 TEST(RationalProperty, EverySuccessIsWithinTheToleranceAndTheBound) {
     inputs draw(20261126);
     const std::int64_t cases = scaled(200'000);

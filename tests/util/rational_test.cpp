@@ -99,6 +99,11 @@ TEST(RationalRep, TheLowerNumeratorWinsWhereBothFit) {
     EXPECT_EQ(rational(0.4, 0.6, 1000.0), (answer{1, 0.0, 1.0}));
 }
 
+TEST(RationalRep, ADenominatorMayBeTheBoundItself) {
+    EXPECT_EQ(rational(0.25, 1e-9, 20.0), (answer{1, 5.0, 20.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 19.0), (answer{1, 1.0, 4.0}));
+}
+
 TEST(RationalRep, TakesTheIntegersBesideTheFloorBeforeConvergents) {
     EXPECT_EQ(rational(1e300, 1e-9, 10.0), (answer{1, 1e300, 1.0}));
     EXPECT_EQ(rational(-3e9, 1e-9, 10.0), (answer{1, -3e9, 1.0}));
