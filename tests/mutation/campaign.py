@@ -130,8 +130,6 @@ class Campaign:
 
     def _differs_when_optimised(self, units, mutant, place, overlay, changed):
         """Whether an optimiser, which removes what has no effect, makes other code of the mutant."""
-        if not self.bench.quick:
-            return True
         for unit in units:
             with self.lock:
                 if unit.object not in self.optimised:

@@ -35,7 +35,6 @@ def read_arguments():
     parser.add_argument("--report", type=Path, help="where to write what became of each mutant")
     parser.add_argument("--jobs", type=int, default=1)
     parser.add_argument("--least", type=float, default=0.0, help="killed of all mutants, in percent")
-    parser.add_argument("--sanitized", type=Path, help="a build that survivors are tried in too")
     arguments = parser.parse_args()
     arguments.root, arguments.build = arguments.root.resolve(), arguments.build.resolve()
     arguments.work = (arguments.work or arguments.build / "mutation").resolve()
@@ -114,26 +113,6 @@ def show_table(outcomes, listed):
     return total, counts["killed"] + counts["endless"]
 
 
-def try_sanitized(arguments, outcomes, listed):
-    """Survivors that no list excuses get a second chance where undefined behaviour shows."""
-    left = [o for o in outcomes if o.verdict == "survived" and not listed.place_of(o.mutant)]
-    if not arguments.sanitized or not left:
-        return
-    print(f"{len(left)} survivors are tried with sanitizers", flush=True)
-    bench = Workbench(
-        arguments.root, arguments.sanitized.resolve(), arguments.work / "sanitized",
-        arguments.sources, arguments.library, quick=False, leave_out=LEAVE_OUT,
-    )  # fmt: skip
-    bench.prepare()
-    campaign = Campaign(bench, arguments.sources)
-    again = run_all(campaign, [o.mutant for o in left], arguments.jobs, lambda outcome: None)
-    verdicts = {o.mutant: o for o in again}
-    for each in left:
-        second = verdicts[each.mutant]
-        if second.verdict in ("killed", "endless"):
-            each.verdict, each.by = second.verdict, f"{second.by} with sanitizers"
-
-
 def judge(outcomes, listed, mutants):
     """Returns the sentences that say what is wrong."""
     wrong = [f"{each}: matches no mutant" for each in listed.stale(mutants)]
@@ -166,7 +145,6 @@ def main():
     print(f"{len(selected)} of {len(mutants)} mutants are tried", flush=True)
     reporter = Reporter(arguments, len(selected))
     outcomes = run_all(Campaign(bench, arguments.sources), selected, arguments.jobs, reporter)
-    try_sanitized(arguments, outcomes, listed)
     wrong = judge(outcomes, listed, mutants)
     total, killed = show_table(outcomes, listed)
     percent = 100.0 * killed / total if total else 0.0

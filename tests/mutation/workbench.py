@@ -81,9 +81,9 @@ def without(command, *dropped):
 
 
 class Workbench:
-    def __init__(self, root, build, work, sources, library, quick=True, leave_out=()):
+    def __init__(self, root, build, work, sources, library, leave_out=()):
         self.root, self.build, self.work = Path(root), Path(build), Path(work)
-        self.sources, self.library, self.quick = sources, library, quick
+        self.sources, self.library = sources, library
         self.soname = SONAME.format(library)
         if not (self.build / "compile_commands.json").is_file():
             raise Trouble(f"there is no compile_commands.json in {build}; configure and build first")
@@ -154,8 +154,7 @@ class Workbench:
     def prepare(self):
         """Builds everything as it is and sees it pass. Returns the seconds it took."""
         start = time.monotonic()
-        if self.quick:
-            self._precompile()
+        self._precompile()
         self.baseline, self.baseline_of_tests = {}, {}
         for unit in self.library_units:
             target = self.work / "objects" / Path(unit.object).name
@@ -214,12 +213,10 @@ class Workbench:
         ]
         if overlay is not None:
             command.insert(1, f"-I{overlay}")
-        command.append("-w")
-        if self.quick:
-            command.append(level)
-            # What is compiled beforehand is of use at the same level only.
-            if level == "-O0" and unit in self.library_units:
-                command[1:1] = ["-include", str(self.precompiled), CHECKED]
+        command += ["-w", level]
+        # What is compiled beforehand is of use at the same level only.
+        if level == "-O0" and unit in self.library_units:
+            command[1:1] = ["-include", str(self.precompiled), CHECKED]
         return [*command, "-o", str(target), "-c", str(source)]
 
     def link_library(self, bench, objects):
@@ -270,8 +267,7 @@ class Workbench:
             resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds + 1))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
             resource.setrlimit(resource.RLIMIT_FSIZE, (1 << 26, 1 << 26))
-            if self.quick:
-                resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
+            resource.setrlimit(resource.RLIMIT_AS, (4 << 30, 4 << 30))
 
         with open(bench / "output", "w+", errors="replace") as output:
             process = subprocess.Popen(

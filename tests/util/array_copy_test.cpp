@@ -80,6 +80,8 @@ TEST(Xzero, ClearsTheFirstIntegers) {
         clear(array, n);
     }
     EXPECT_THAT(array, ElementsAre(1, 2, 3, 4));
+    clear(array, 1);
+    EXPECT_THAT(array, ElementsAre(0, 2, 3, 4));
     clear(array, 3);
     EXPECT_THAT(array, ElementsAre(0, 0, 0, 4));
 }
@@ -93,9 +95,11 @@ TEST(Xzero, ClearsTheFirstRealsToAllBitsZero) {
         clear(array, n);
     }
     EXPECT_THAT(array, ElementsAre(-0.0, 2, 3, 4));
+    clear(array, 1);
+    EXPECT_THAT(array, ElementsAre(0, 2, 3, 4));
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(array[0]), 0U);
     clear(array, 3);
     EXPECT_THAT(array, ElementsAre(0, 0, 0, 4));
-    EXPECT_EQ(std::bit_cast<std::uint64_t>(array[0]), 0U);
 }
 
 } // namespace

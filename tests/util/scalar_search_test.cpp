@@ -108,6 +108,7 @@ TEST(ScalarSearch, LeavesMarkedElementsOutOnlyWhenAsked) {
     search skipped{{{1.0}, {0.001, 1}}, 1e-9, 1000.0, 100.0};
     expect_scalar(skipped.run(1), 1.0);
     expect_no_scalar(skipped.run(0));
+    expect_no_scalar(skipped.run());
 }
 
 TEST(ScalarSearch, LeavesUnselectedElementsOutOnlyWhenAsked) {

@@ -1,5 +1,8 @@
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -302,6 +305,24 @@ TEST(SymDiff, StopsAtTheFirstEntryKeptAfterTheLastCommonOne) {
     EXPECT_THAT(listing(*x), ElementsAre(4, 2, 3));
 }
 
+TEST(SymDiff, AnEntryThatIsDroppedEndsUnmarkedWhateverItsMarkWas) {
+    // Lists that end within the first, the second and the third word of 64 entries.
+    for (const std::int32_t length : {3, 70, 130}) {
+        made_vector x(length);
+        made_vector y(length);
+        for (std::int32_t j = 1; j <= length; ++j) {
+            x.list({j});
+        }
+        x->elm(length) = -1;
+        y.list({length - 1});
+        vectors_calc_sym_diff(*x, *y);
+        ASSERT_EQ(x->nz, length - 2);
+        for (std::int32_t j = 1; j <= length; ++j) {
+            EXPECT_EQ(x->elm(j), j <= length - 2 ? 1 : 0) << length << ": " << j;
+        }
+    }
+}
+
 TEST(Mod2, MakesOddAndFractionalCoefficientsOneAndDropsTheOthers) {
     made_vector v(n);
     v.entries({{1, 2.0}, {2, 3.0}, {3, 2.5}});
@@ -320,6 +341,24 @@ TEST(Mod2, WithoutAnEvenCoefficientKeepsTheOrder) {
     EXPECT_THAT(listing(*v), ElementsAre(4, 2, 6));
     for (const std::int32_t j : {4, 2, 6}) {
         EXPECT_EQ(v->coef(j), 1.0);
+    }
+}
+
+TEST(Mod2, TheLastEntryTakesThePlaceOfTheDroppedOneWhereverThatIs) {
+    // Entries are judged by words of 64.
+    for (const std::int32_t length : {63, 64, 65, 127, 128, 129, 200}) {
+        for (std::int32_t even = 1; even <= length; ++even) {
+            made_vector v(length);
+            std::vector<std::int32_t> expected;
+            for (std::int32_t j = 1; j <= length; ++j) {
+                v.entries({{j, j == even ? 2.0 : 1.0}});
+                expected.push_back(j);
+            }
+            expected[static_cast<std::size_t>(even - 1)] = length;
+            expected.pop_back();
+            vector_mod2(*v, tiny);
+            ASSERT_EQ(listing(*v), expected) << length << ": " << even;
+        }
     }
 }
 
