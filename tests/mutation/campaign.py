@@ -104,9 +104,9 @@ class Campaign:
                 if verdict != "passed":
                     return ("killed" if verdict == "failed" else verdict), program.name
         if mutant.file.endswith(".hpp"):
-            in_tests, verdict, name = self._recompile_tests(mutant, place, overlay, changed, differs)
-            if verdict != "passed" or in_tests:
-                return ("survived" if verdict == "passed" else verdict), name
+            tried, verdict, by = self._recompile_tests(mutant, place, overlay, changed, differs)
+            if verdict != "passed" or tried:
+                return ("survived" if verdict == "passed" else verdict), by
         if differs and self._differs_when_optimised(touched, mutant, place, overlay, changed):
             return "survived", ""
         return "unchanged", ""
@@ -129,11 +129,12 @@ class Campaign:
         return bool(objects)
 
     def _differs_when_optimised(self, units, mutant, place, overlay, changed):
-        """Whether an optimiser, which removes what has no effect, makes other code of the mutant."""
+        """Whether an optimiser, which removes what has no effect, makes other code of it."""
         for unit in units:
             with self.lock:
                 if unit.object not in self.optimised:
-                    self.optimised[unit.object] = self._optimised(unit, place, overlay / "none", "")
+                    nothing = overlay / "none"
+                    self.optimised[unit.object] = self._optimised(unit, place, nothing, "")
             source = changed if unit.source == mutant.file else ""
             if self._optimised(unit, place, overlay, source) != self.optimised[unit.object]:
                 return True
@@ -141,7 +142,8 @@ class Campaign:
 
     def _optimised(self, unit, place, overlay, source):
         target = place / "optimised.o"
-        command = self.bench.compile_command(unit, source or unit.command[-1], target, overlay, "-O2")
+        source = source or unit.command[-1]
+        command = self.bench.compile_command(unit, source, target, overlay, "-O2")
         must(command, unit.source, self.bench.build)
         return digest(target)
 

@@ -1,8 +1,8 @@
 """The list of mutants that no test can notice, each with its reason.
 
 An entry is a paragraph: the file; pairs of the lines as they are, after "- ", and as the mutant has
-them, after "+ "; then the reason. Where a change can be made in several places of a file, "@ 2" below
-it means the second of them only. Lines that begin with "#" are comments."""
+them, after "+ "; then the reason. Where a change can be made in several places of a file, "@ 2"
+below it means the second of them only. Lines that begin with "#" are comments."""
 
 import re
 from pathlib import Path

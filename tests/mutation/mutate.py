@@ -17,7 +17,9 @@ from workbench import Trouble, Workbench
 HERE = Path(__file__).resolve().parent
 
 # Folders whose programs do not call the library for its own sake.
-LEAVE_OUT = ("tests/standin", "tests/readme", "tests/host_conformance", "tests/abi", "tests/mutation")
+LEAVE_OUT = (
+    "tests/standin", "tests/readme", "tests/host_conformance", "tests/abi", "tests/mutation",
+)  # fmt: skip
 
 
 def read_arguments():
@@ -28,13 +30,13 @@ def read_arguments():
     parser.add_argument("--sources", default="src/zktarn", help="what is mutated")
     parser.add_argument("--library", default="zktarn_util", help="the library's name")
     parser.add_argument("--equivalents", type=Path, default=HERE / "equivalent.txt")
-    parser.add_argument("--files", nargs="+", default=[""], help="only files with this in their path")
+    parser.add_argument("--files", nargs="+", default=[""], help="only files with one in the path")
     parser.add_argument("--sample", type=int, help="so many mutants, drawn at random")
     parser.add_argument("--seed", type=int, default=1, help="of the drawing")
     parser.add_argument("--again", type=Path, help="only survivors of the report in this file")
     parser.add_argument("--report", type=Path, help="where to write what became of each mutant")
     parser.add_argument("--jobs", type=int, default=1)
-    parser.add_argument("--least", type=float, default=0.0, help="killed of all mutants, in percent")
+    parser.add_argument("--least", type=float, default=0.0, help="percent that have to be killed")
     arguments = parser.parse_args()
     arguments.root, arguments.build = arguments.root.resolve(), arguments.build.resolve()
     arguments.work = (arguments.work or arguments.build / "mutation").resolve()

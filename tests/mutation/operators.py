@@ -19,7 +19,7 @@ ASSIGNING = {
     "<<=": ">>=", ">>=": "<<=", "++": "--", "--": "++",
 }  # fmt: skip
 # The order of these arguments does not matter.
-SYMMETRIC = {"min", "max"}
+SYMMETRIC = {"min", "max", "swap"}
 
 
 @dataclass(frozen=True)

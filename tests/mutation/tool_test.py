@@ -25,6 +25,10 @@ def changes(text, operator=None):
     ]
 
 
+def deleted(text):
+    return [m.before.strip() for m in mutants_of("x", text) if m.operator == "statement"]
+
+
 def body(code):
     return "void f() noexcept {\n" + code + "\n}\n"
 
@@ -90,12 +94,12 @@ class Operators(unittest.TestCase):
 
     def test_statements_are_deleted_but_declarations_and_results_stay(self):
         code = "int k = g();\nstd::span<int> s(p, n);\nk += h;\nv.add(k);\n*out = k;\nreturn k;"
-        mutants = [m.before.strip() for m in mutants_of("x", body(code)) if m.operator == "statement"]
+        mutants = deleted(body(code))
         self.assertEqual(mutants, ["k += h;", "v.add(k);", "*out = k;"])
 
     def test_statements_of_lambdas_and_branches_are_deleted(self):
         code = "h([&] {\n++k;\n});\nif (b) {\nreturn;\n} else {\nbreak;\n}"
-        mutants = [m.before.strip() for m in mutants_of("x", body(code)) if m.operator == "statement"]
+        mutants = deleted(body(code))
         self.assertIn("++k;", mutants)
         self.assertIn("return;", mutants)
         self.assertIn("break;", mutants)
@@ -160,13 +164,14 @@ class Tool(unittest.TestCase):
         )  # fmt: skip
 
     def counts(self, done, file):
-        """Mutants, then how many were killed, endless, equivalent, left, unchanged, not compiled."""
+        """The numbers in the row of a file."""
         row = re.search(rf"^{file} +(.*)$", done.stdout, re.MULTILINE)
         return [int(each) for each in row.group(1).split()]
 
     def test_every_kind_of_outcome_is_counted(self):
         self.assertEqual(self.whole.stderr, "")
         self.assertEqual(self.whole.returncode, 0)
+        # Mutants, then killed, endless, equivalent, survived, unchanged, uncompilable.
         self.assertEqual(self.counts(self.whole, "src/sample/sums/sums.cpp"),
                          [24, 23, 1, 0, 0, 3, 0])  # fmt: skip
         self.assertEqual(self.counts(self.whole, "src/sample/sums/sums.hpp"),

@@ -73,11 +73,7 @@ def digest(path):
 
 
 def without(command, *dropped):
-    """A command without some arguments; one that ends in * stands for its beginning."""
-    return [
-        each for each in command
-        if not any(each.startswith(d[:-1]) if d.endswith("*") else each == d for d in dropped)
-    ]  # fmt: skip
+    return [each for each in command if each not in dropped]
 
 
 class Workbench:
@@ -86,7 +82,7 @@ class Workbench:
         self.sources, self.library = sources, library
         self.soname = SONAME.format(library)
         if not (self.build / "compile_commands.json").is_file():
-            raise Trouble(f"there is no compile_commands.json in {build}; configure and build first")
+            raise Trouble(f"there is no compile_commands.json in {build}; build the tests first")
         shutil.rmtree(self.work, ignore_errors=True)
         for each in ("objects", "programs"):
             (self.work / each).mkdir(parents=True)
