@@ -1,6 +1,7 @@
 // Built twice: against the inline procedures, and against the symbols of the shared library.
 #include "zktarn/vector/vector_mod.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <vector>
@@ -229,6 +230,22 @@ TEST_F(VectorElements, ClearOfAnEmptyVectorSetsTheCountAlone) {
     vector_clear(*marks);
     EXPECT_EQ(marks->nz, 0);
     EXPECT_EQ(marks->elm(5), 1);
+}
+
+TEST_F(VectorElements, TheSearchLooksAtNothingBesideTheList) {
+    PROCEDURE(vector_get_coef, "RKNS_11vector_type6vectorERKi");
+    // The index in question stands on both sides of the list, and not in it.
+    constexpr std::int32_t most = 140;
+    for (std::int32_t length = 0; length <= most; ++length) {
+        std::vector<std::int32_t> entries(most + 80, 5);
+        std::fill_n(entries.begin() + 1, length, 6);
+        std::vector<double> coefficients(n, 1.0);
+        vector v;
+        v.coef = {coefficients.data(), {n}, {1}};
+        v.ind = {entries.data() + 1, {most}, {1}};
+        v.nz = length;
+        EXPECT_EQ(vector_get_coef(v, 5), 0.0) << length;
+    }
 }
 
 TEST_F(VectorElements, TheSearchFindsEveryPositionOfALongList) {
