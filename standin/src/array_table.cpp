@@ -143,6 +143,7 @@ void array_table::store(operation by, array_handle structure, std::int64_t index
     }
     stored_array* const stored = find(name(by), value, wanted::any);
     if (stored != nullptr) {
+        // NOLINTNEXTLINE(readability-suspicious-call-argument): the other way round is meant
         if (stored->owner != 0 || owns(value, structure)) {
             refuse(fault_kind::bad_ownership, by,
                    described(value, stored->kind, stored->made_by) +

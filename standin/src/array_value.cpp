@@ -49,6 +49,7 @@ std::vector<std::string> array_value::field_names() const {
         report(fault_kind::wrong_kind, "an array that is no struct was asked for its fields");
     }
     std::vector<std::string> names;
+    names.reserve(fields_.size());
     for (const auto& [name, value] : fields_) {
         names.push_back(name);
     }

@@ -47,6 +47,6 @@ void reset_functions();
 void reset_console();
 void reset_interrupts() noexcept;
 void list_arrays(std::vector<live_object>& all);
-void list_generators(std::vector<live_object>& all);
+void list_generators(std::vector<live_object>& objects);
 
 } // namespace zktarn::standin

@@ -45,7 +45,7 @@ std::shared_ptr<host_function> find(const std::string& name) {
     return entry == registered().functions.end() ? nullptr : entry->second;
 }
 
-reply call(host_function& function, const std::string& name, const array_value& argument) {
+reply call(const host_function& function, const std::string& name, const array_value& argument) {
     try {
         return function(argument);
     } catch (const std::exception& thrown) {

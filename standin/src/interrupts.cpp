@@ -95,6 +95,11 @@ bool is_ignored() noexcept {
     return installed.sa_handler == SIG_IGN;
 }
 
+/// Counts a poll, and tells whether it is the one that was to find an interrupt.
+bool is_planned_poll() noexcept {
+    return polls_to_interrupt > 0 && polls_to_interrupt.fetch_sub(1) == 1;
+}
+
 } // namespace
 
 void raise_interrupt() noexcept {
@@ -121,7 +126,7 @@ bool take_interrupt() noexcept {
             set_listening(!is_ignored());
         }
     }
-    const bool planned = polls_to_interrupt > 0 && --polls_to_interrupt == 0;
+    const bool planned = is_planned_poll();
     return pending.exchange(false) || planned;
 }
 

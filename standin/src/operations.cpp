@@ -88,11 +88,8 @@ void fail_call(operation what, std::int64_t k) noexcept {
 bool fails(operation what) noexcept {
     counts[at(what)].fetch_add(1, std::memory_order_relaxed);
     auto& left = calls_to_failure[at(what)];
-    if (left.load(std::memory_order_relaxed) < 1 || !can_fail(what) ||
-        left.fetch_sub(1, std::memory_order_relaxed) != 1) {
-        return false;
-    }
-    return true;
+    return left.load(std::memory_order_relaxed) >= 1 && can_fail(what) &&
+           left.fetch_sub(1, std::memory_order_relaxed) == 1;
 }
 
 void note_failure(operation what) noexcept {

@@ -153,7 +153,10 @@ struct cbdatalist {
     /// The old value goes last, so something inside of it may be assigned. Without storage for a
     /// copy the slot is empty afterwards.
     cbdatalist& operator=(const cbdatalist& other) noexcept {
-        return this == &other ? *this : *this = cbdatalist(other);
+        if (this != &other) {
+            *this = cbdatalist(other);
+        }
+        return *this;
     }
     cbdatalist& operator=(cbdatalist&& other) noexcept {
         cbdatalist old(static_cast<cbdatalist&&>(other));

@@ -156,7 +156,7 @@ private:
 /// Drops the dead entries among the first `length` of `list` and returns how many are left.
 ///
 /// @param most  the walk ends at the first living entry that it finds with exactly so many removed.
-template <entry_judge Judge>
+template <entry_judge Judge> // NOLINTNEXTLINE(readability-non-const-parameter): `run` writes it
 [[gnu::always_inline]] inline std::int32_t compact(std::int32_t* list, std::int32_t length,
                                                    std::int64_t most, Judge judge) noexcept {
     return static_cast<std::int32_t>(compaction<Judge>(list, length, most, judge).run());

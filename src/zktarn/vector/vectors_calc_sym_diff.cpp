@@ -12,7 +12,7 @@ namespace {
 /// An entry is dead when it is not marked, and a dead one that is removed ends with mark 0. It has
 /// that already, unless somebody else wrote a negative one.
 struct support_judge {
-    std::int32_t* elm;
+    std::int32_t* elm = nullptr;
     std::int32_t marks_seen = 0;
 
     std::uint64_t dead(const std::int32_t* block, std::int64_t count) noexcept {
