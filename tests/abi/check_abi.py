@@ -6,6 +6,8 @@
     storage  OBJECT             an object file takes memory from nobody but the host
     image    LIBRARY SOVERSION  name, dependencies and hardening of the ELF image
     startup  OBJECT...          object files run nothing when they are loaded
+    control  LIBRARY OBJECT...  jumps and returns go where the processor is told they may
+    state    LIBRARY NAME...    what can be written is these objects of the project's, and no other
 
 Reading of symbols (readelf, c++filt) and judging are kept apart.
 """
@@ -130,11 +132,97 @@ def check_image(library, soversion):
         fail("does not need libzkoptimutil.so, where the host's memory is")
     if "TEXTREL" in dynamic:
         fail("has text relocations")
-    if "NOW" not in dynamic or "GNU_RELRO" not in headers:
-        fail("does not protect its relocations")
+    if "GNU_RELRO" not in headers:
+        fail("leaves its relocations writable")
+    if not re.search(r"\bBIND_NOW\b|FLAGS_1.*\bNOW\b", dynamic):
+        fail("binds names at their first use, in a table that stays writable")
     stack = re.search(r"GNU_STACK.*", headers)
     if stack is None or "E" in stack.group(0).split()[-2]:
         fail("has an executable stack")
+
+
+# What object files say of themselves; and how a function begins that may be called by its address,
+# or that returns by a signed one.
+CONTROL = {"X86-64": ({"IBT", "SHSTK"}, (b"\xf3\x0f\x1e\xfa",)),
+           "AArch64": ({"BTI", "PAC"}, (b"\x5f\x24\x03\xd5", b"\x3f\x23\x03\xd5"))}
+
+
+def control_properties(path):
+    found = re.findall(r"feature: (.*)", output_of("readelf", "--wide", "--notes", path))
+    return {word.strip() for line in found for word in line.split(",")}
+
+
+def functions(path):
+    """(name, offset in the file) of each exported function."""
+    segments = [(int(address, 16), int(offset, 16), int(size, 16)) for offset, address, size in
+                re.findall(r"LOAD +(0x\w+) (0x\w+) 0x\w+ (0x\w+)",
+                           output_of("readelf", "--wide", "--program-headers", path))]
+    for line in output_of("readelf", "--wide", "--dyn-syms", path).splitlines():
+        fields = line.split()
+        if len(fields) >= 8 and fields[3] == "FUNC" and fields[6] != "UND":
+            value = int(fields[1], 16)
+            for address, offset, size in segments:
+                if address <= value < address + size:
+                    yield fields[7], value - address + offset
+
+
+def check_control(library, *objects):
+    machine = next((name for name in CONTROL if name in output_of("readelf", "--file-header", library)),
+                   None)
+    if machine is None:
+        fail(f"{library} is for a processor that is not known here")
+    properties, landings = CONTROL[machine]
+    for item in objects:
+        missing = properties - control_properties(item)
+        if missing:
+            fail(f"{item} is not built for {', '.join(sorted(missing))}")
+    # Landing pads are not up to this project alone: the system's start files may have none.
+    if machine == "X86-64" and "SHSTK" not in control_properties(library):
+        fail(f"{library} is not marked for shadow stacks")
+    with open(library, "rb") as file:
+        contents = file.read()
+    found = list(functions(library))
+    if not found:
+        fail(f"{library} exports no function")
+    for name, offset in found:
+        if not contents.startswith(landings, offset):
+            fail(f"{name} does not begin where a checked jump may land")
+
+
+# What the compiler's own start files and the linker put into every shared library, and what its
+# runtime finds out about the processor at load time.
+START_FILES = {"__cpu_model", "__cpu_features2",
+               "completed.0", "__dso_handle", "__TMC_END__", "__do_global_dtors_aux_fini_array_entry",
+               "__frame_dummy_init_array_entry", "_DYNAMIC", "_GLOBAL_OFFSET_TABLE_", "__bss_start",
+               "_edata", "_end", "__bss_start__", "__bss_end__", "_bss_end__", "__end__"}
+
+
+def check_state(library, *wanted):
+    found = set()
+    for line in output_of("nm", "--defined-only", "--demangle", library).splitlines():
+        kind, name = re.match(r"\w* *(\w) (.*)", line).groups()
+        # Initialised, zeroed, small, common and unique data, and no marks between code and data on
+        # Arm. What only the loader writes is told by its section below.
+        if kind in "bBdDgGsSCcu" and name not in START_FILES and not name.startswith("$"):
+            found.add(name)
+    sections = output_of("readelf", "--wide", "--sections", library)
+    if re.search(r" \.t(data|bss) ", sections):
+        fail("has an object for each thread")
+    constant = set(constants(library))
+    if found - constant != set(wanted):
+        fail("the writable objects are not those promised\n"
+             f"  missing: {', '.join(sorted(set(wanted) - found)) or 'none'}\n"
+             f"  extra: {', '.join(sorted(found - constant - set(wanted))) or 'none'}")
+
+
+def constants(library):
+    """Names of the objects in .data.rel.ro, which is written by the loader and by nobody else."""
+    numbers = re.findall(r"\[ *(\d+)\] \.data\.rel\.ro", output_of("readelf", "--wide", "--sections",
+                                                                library))
+    plain = [line.split() for line in output_of("readelf", "--wide", "--syms", library).splitlines()]
+    mangled = [fields[7] for fields in plain if len(fields) > 7 and fields[6] in numbers]
+    return subprocess.run(["c++filt"], input="\n".join(mangled), capture_output=True, text=True,
+                          check=True).stdout.splitlines()
 
 
 def check_startup(*objects):
@@ -144,7 +232,8 @@ def check_startup(*objects):
 
 
 CHECKS = {"exports": check_exports, "imports": check_imports, "storage": check_storage,
-          "image": check_image, "startup": check_startup}
+          "image": check_image, "startup": check_startup,
+          "control": check_control, "state": check_state}
 
 if __name__ == "__main__":
     if len(sys.argv) < 3 or sys.argv[1] not in CHECKS:

@@ -1,0 +1,4 @@
+// An address among the instructions, which the loader would have to write there.
+asm(".text\n.quad broken_address\n");
+
+extern "C" int broken_address = 1;
