@@ -1,5 +1,6 @@
 #include "identity/procedures.hpp"
 #include "identity/sparse.hpp"
+#include "vector_mod/reports_pass.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 
 namespace zktarn::identity {

@@ -34,6 +34,10 @@ void refuse_new(std::int64_t k) {
     countdown = k;
 }
 
+bool refusal_is_due() {
+    return countdown > 0;
+}
+
 std::int64_t live_objects() {
     return std::count_if(objects.begin(), objects.end(),
                          [](const void* object) { return object != nullptr; });

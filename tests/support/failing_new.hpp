@@ -11,6 +11,9 @@ namespace zktarn::testing {
 /// Requests from now on that are refused: the k-th alone, or none for 0.
 void refuse_new(std::int64_t k);
 
+/// Whether the request to be refused is still to come.
+bool refusal_is_due();
+
 /// Objects that were created by `new (std::nothrow)` and not deleted.
 std::int64_t live_objects();
 

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "vector_mod/reports_pass.hpp"
 #include "zktarn/vector/vector_type.hpp"
 
 namespace zktarn::testing {

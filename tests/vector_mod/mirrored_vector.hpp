@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "reference/vector_reference.hpp"
+#include "vector_mod/reports_pass.hpp"
 #include "zktarn/vector/vector_type.hpp"
 
 /// The same sparse vector twice: as a record of the library over storage with guards, and as the

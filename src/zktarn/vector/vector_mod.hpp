@@ -3,8 +3,10 @@
 #include <cstdint>
 #include <cstring>
 
+#include "zktarn/assert/check.hpp"
 #include "zktarn/export.hpp"
 #include "zktarn/types.hpp"
+#include "zktarn/vector/vector_checks.hpp"
 #include "zktarn/vector/vector_type.hpp"
 
 /// Operations on sparse vectors.
@@ -80,6 +82,7 @@ inline void append(vector& v, std::int32_t j) noexcept {
 
 /// nz := n.
 ZKTARN_API_INLINE void vector_set_nz(vector& v, const std::int32_t& n) noexcept {
+    ZKTARN_CHECK(!v.ind.present() || n <= v.ind.extent[0]);
     v.nz = n;
 }
 
@@ -124,6 +127,7 @@ ZKTARN_API_INLINE void vector_rem_elm(vector& v, const std::int32_t& j) noexcept
 /// has. In dense mode coef(j). Needs `coef` for a member.
 [[nodiscard]] ZKTARN_API_INLINE double vector_get_coef(const vector& v,
                                                        const std::int32_t& j) noexcept {
+    ZKTARN_CHECK(v.elm.present() || !v.ind.present() || detail::is_element(v, j));
     const bool member = v.elm.present()   ? v.elm(j) >= 1
                         : v.ind.present() ? detail::is_listed(v.ind.data, v.nz, j)
                                           : true;
@@ -139,6 +143,7 @@ ZKTARN_API_INLINE void vector_rem_elm(vector& v, const std::int32_t& j) noexcept
 ZKTARN_API_INLINE void vector_add_nz(vector& v, const std::int32_t& j,
                                      optional_ref<const double> value = {}) noexcept {
     const std::int32_t index = j;
+    ZKTARN_CHECK(value || v.elm.present() || !v.ind.present() || detail::is_element(v, index));
     if (value) {
         v.coef(index) = *value;
     }
@@ -156,6 +161,7 @@ ZKTARN_API_INLINE void vector_add_nz(vector& v, const std::int32_t& j,
 /// mode.
 ZKTARN_API_INLINE void vector_rem_nz(vector& v, const std::int32_t& k) noexcept {
     const std::int32_t position = k;
+    ZKTARN_CHECK(position >= 1 && position <= v.nz);
     const std::int32_t j = v.ind(position);
     v.ind(position) = v.ind(v.nz);
     v.elm(j) = 0;

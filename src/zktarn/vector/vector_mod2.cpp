@@ -59,6 +59,7 @@ void vector_mod2(vector& v, const double& tol) noexcept {
     if (v.nz < 1) {
         return;
     }
+    ZKTARN_CHECK(v.coef.present() && detail::has_one_capacity(v) && detail::lists_elements(v, v));
     if (eps < 0.5) {
         v.nz = detail::compact(v.ind.data, v.nz, detail::to_the_end, reducing_judge{v, eps});
     } else {

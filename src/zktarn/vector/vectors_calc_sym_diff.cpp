@@ -35,6 +35,9 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     if (y.nz < 1) {
         return;
     }
+    ZKTARN_CHECK(x.elm.present() && x.ind.present() && detail::is_sound(x));
+    ZKTARN_CHECK(detail::lists_elements(y, x));
+    ZKTARN_CHECK(detail::has_room_for(x, y));
     std::int32_t* const elm = x.elm.data;
     std::int64_t common = 0;
     // Indices of both vectors lose their mark and stay listed until the compaction; the others of y

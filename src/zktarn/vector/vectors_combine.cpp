@@ -88,6 +88,9 @@ void merge_support(vector& x, const vector& y) noexcept {
 
 void vectors_combine(vector& x, const vector& y, const double& alpha, const double& beta,
                      const double& tol) noexcept {
+    ZKTARN_CHECK(detail::is_sound(x));
+    ZKTARN_CHECK(detail::is_sound(y) && detail::lists_elements(y, x));
+    ZKTARN_CHECK(!(std::fabs(beta) > tol) || detail::has_room_for(x, y));
     const detail::combination by{alpha, beta, std::fabs(alpha - 1.0) > tol, std::fabs(beta) > tol};
     if (!x.coef.present() || !y.coef.present()) {
         detail::combine_supports(x, y, by);

@@ -1,0 +1,231 @@
+// Every scenario that asks for something is run again and again, with its 1st, 2nd, ... request
+// refused, until none is refused any more. After each run nothing is left behind.
+#include <array>
+#include <cstdint>
+#include <cstdio>
+#include <functional>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "support/failing_new.hpp"
+#include "zktarn/host/libqv.hpp"
+#include "zktarn/zktarn_util.hpp"
+#include "zktarn_standin/control.hpp"
+
+namespace {
+
+using namespace zktarn;
+using standin::operation;
+
+/// A way for a request to fail: the k-th from now, none for 0.
+struct injector {
+    std::string name;
+    std::function<void(std::int64_t)> plan;
+    /// Whether the planned one has come.
+    std::function<bool(std::int64_t)> met;
+};
+
+std::vector<injector> injectors() {
+    std::vector<injector> all = {{"record", [](std::int64_t k) { zktarn::testing::refuse_new(k); },
+                                  [](std::int64_t) { return !zktarn::testing::refusal_is_due(); }}};
+    for (const operation what :
+         {operation::qvMallocExOptim, operation::instantiateRngOptim,
+          operation::getRandUniformOptim, operation::getRngStateOptim,
+          operation::qvcreatestructarray800_, operation::qvcreatestring800_,
+          operation::qvcreatedoublescalar800_, operation::qvcreatedoublematrix800_,
+          operation::qvaddfield800_, operation::qvgetpr800_, operation::qvxcallquarn800_,
+          operation::qvxprintf800_}) {
+        all.push_back({name(what), [what](std::int64_t k) { standin::fail_call(what, k); },
+                       [what](std::int64_t k) { return standin::calls(what) >= k; }});
+    }
+    return all;
+}
+
+/// Something that asks, checks the answers, and gives back what it has got. Returns whether it met
+/// with a failure.
+struct scenario {
+    const char* name;
+    bool (*run)();
+    /// How many of its requests can fail, each of which is made to.
+    std::int64_t requests;
+    /// Whether there are failures that the library gets by, or passes on without a word.
+    bool gets_by = false;
+};
+
+void PrintTo(const scenario& what, std::ostream* out) {
+    *out << what.name;
+}
+
+bool vectors_in_every_mode() {
+    bool failed = false;
+    for (flag form = 0; form < 8; ++form) {
+        vector_type::vector stale;
+        vector_type::vector* v = &stale;
+        const flag made = vector_type::vector_alloc(v, 5, form & 1, form & 2, form & 4);
+        EXPECT_EQ(made, v == nullptr ? 0 : 1);
+        failed |= made == 0;
+        vector_type::vector_free(v);
+    }
+    return failed;
+}
+
+template <class Array, class Size>
+bool array_failed(flag (*allocate)(Array&, const Size&) noexcept, void (*release)(Array&) noexcept,
+                  const Size& size) {
+    Array array;
+    const flag made = allocate(array, size);
+    EXPECT_EQ(made != 0, array.present());
+    release(array);
+    EXPECT_FALSE(array.present());
+    return made == 0;
+}
+
+bool arrays_of_every_type() {
+    using namespace memory_mod;
+    constexpr std::int64_t n = 3;
+    bool failed = array_failed(allocmem_l4_1d_array, freemem_l4_1d_array, n);
+    failed |= array_failed(allocmem_i8_1d_array, freemem_i8_1d_array, n);
+    failed |= array_failed(allocmem_i4_1d_array, freemem_i4_1d_array, n);
+    failed |= array_failed(allocmem_i2_1d_array, freemem_i2_1d_array, n);
+    failed |= array_failed(allocmem_i1_1d_array, freemem_i1_1d_array, n);
+    failed |= array_failed(allocmem_r8_1d_array, freemem_r8_1d_array, n);
+    failed |= array_failed(allocmem_i4_2d_array, freemem_i4_2d_array, matrix_shape{2, 3});
+    failed |= array_failed(allocmem_r8_2d_array, freemem_r8_2d_array, matrix_shape{2, 3});
+    void* const block = mallocate(24);
+    if (block != nullptr) {
+        mdeallocate(block);
+    }
+    return failed || block == nullptr;
+}
+
+bool random_numbers_and_a_snapshot() {
+    constexpr double none = 1.7976931348623157e308;
+    random::rng_state rng;
+    const flag made = random::instantiaterng(rng, 7);
+    EXPECT_EQ(made != 0, rng.generator != nullptr);
+    if (made == 0) {
+        EXPECT_EQ(random::rand_number(rng), none);
+        return true;
+    }
+    bool failed = random::rand_number(rng) == none;
+    random::saved_state state = &rng;
+    const flag saved = random::getrngstate(rng, state);
+    EXPECT_EQ(saved != 0, state != nullptr);
+    random::setrngstate(rng, state);
+    failed |= random::rand_number(rng) == none || saved == 0;
+    random::deleterngstate(state);
+    random::deleterng(rng);
+    EXPECT_EQ(rng.generator, nullptr);
+    return failed;
+}
+
+bool the_record_of_a_solve() {
+    callbacks_type_util::cbdata stale;
+    callbacks_type_util::cbdata* cb = &stale;
+    callbacks_util::cbinit(cb);
+    const bool failed = cb == nullptr;
+    delete cb;
+    return failed;
+}
+
+/// Too large to lie in the slot itself without a copy procedure.
+struct named {
+    named() = default;
+    named(const named& other) noexcept : size(other.size) {}
+    std::int64_t size = 5;
+};
+
+bool values_in_slots() {
+    using namespace callbacks_type_util;
+    cbdatalist plain;
+    bool failed = !store(plain, std::array<double, 3>{1.0, 2.0, 3.0});
+    cbdatalist boxed;
+    failed |= !store(boxed, named());
+    const cbdatalist copies[] = {plain, boxed};
+    failed |= stored<std::array<double, 3>>(copies[0]) == nullptr;
+    const named* const copied = stored<named>(copies[1]);
+    EXPECT_TRUE(copied == nullptr || copied->size == 5);
+    return failed || copied == nullptr;
+}
+
+bool a_report_to_the_output_function() {
+    using namespace callbacks_util;
+    standin::set_function("tarnCallback", [](const standin::array_value&) { return 1.0; });
+    const host::array_handle structure = qvinitcbarray("branching");
+    const double column[] = {1.0, 2.0};
+    addrealscalartoqvstruct(structure, "bound", 2.5);
+    addrealvectoqvstruct(structure, "row", column, 2);
+    flag stop = -1;
+    qvcalloutputfcn(structure, stop, 0, 0);
+    EXPECT_TRUE(stop == 0 || stop == 1);
+    if (structure != 0) {
+        host::qvdestroyarray800_(structure);
+    }
+    return stop == 0;
+}
+
+bool short_and_long_lines() {
+    standin::clear_console();
+    const std::string expected = "short\n" + std::string(3000, 'x') + '\n';
+    callbacks_util::cbprintdisplay(0, 0, 2, "short");
+    callbacks_util::cbprintdisplay(0, 0, 2, std::string(3000, 'x'));
+    return standin::console_text() != expected;
+}
+
+constexpr scenario scenarios[] = {
+    {"vectors in every mode", vectors_in_every_mode, 20},
+    {"arrays of every type", arrays_of_every_type, 9},
+    {"random numbers and a snapshot", random_numbers_and_a_snapshot, 4},
+    {"the record of a solve", the_record_of_a_solve, 1},
+    {"values in slots", values_in_slots, 6},
+    {"a report to the output function", a_report_to_the_output_function, 9, true},
+    {"short and long lines", short_and_long_lines, 3, true},
+};
+
+/// One scenario against all failures.
+class Campaign : public ::testing::TestWithParam<scenario> {
+protected:
+    void TearDown() override { standin::reset(); }
+
+    /// Runs the scenario with a failure planned. Returns whether it came to that.
+    static bool meets(const injector& by, std::int64_t k) {
+        SCOPED_TRACE("failing " + by.name + " " + std::to_string(k));
+        standin::reset();
+        standin::set_console(standin::console::capture);
+        standin::set_fault_handler(
+            [](const standin::fault& found) { ADD_FAILURE() << found.sentence; });
+        by.plan(k);
+        const bool failed = GetParam().run();
+        const bool met = by.met(k);
+        by.plan(0);
+        if (!met || !GetParam().gets_by) {
+            EXPECT_EQ(failed, met);
+        }
+        EXPECT_TRUE(standin::live_blocks().empty()) << standin::report();
+        EXPECT_TRUE(standin::live_objects().empty()) << standin::report();
+        EXPECT_EQ(zktarn::testing::live_objects(), 0);
+        return met;
+    }
+};
+
+TEST_P(Campaign, LeavesNothingBehindWhateverFails) {
+    std::int64_t injected = 0;
+    for (const injector& by : injectors()) {
+        std::int64_t k = 1;
+        while (meets(by, k)) {
+            ASSERT_LT(k, 1000) << by.name << " fails without end";
+            ++k;
+        }
+        injected += k - 1;
+    }
+    EXPECT_EQ(injected, GetParam().requests);
+    std::printf("%s: %d faults injected\n", GetParam().name, static_cast<int>(injected));
+}
+
+INSTANTIATE_TEST_SUITE_P(, Campaign, ::testing::ValuesIn(scenarios));
+
+} // namespace
