@@ -1,5 +1,7 @@
 // Linked with a library that is built with the checks, whatever the rest of the build has.
 #include <cstdint>
+#include <cstdlib>
+#include <initializer_list>
 
 #include <gtest/gtest.h>
 
@@ -167,7 +169,9 @@ TEST_F(Violations, NoRoomForWhatIsListedTwice) {
     EXPECT_SILENT(vectors_combine(same.v, twice.v, 1.0, 0.0, 0.0));
 }
 
-TEST_F(Violations, ArrayThatTheModeIsWithout) {
+using ViolationsDeathTest = Violations;
+
+TEST_F(ViolationsDeathTest, ArrayThatTheModeIsWithout) {
     sample list(false);
     sample dense(false, false);
     sample fine;
