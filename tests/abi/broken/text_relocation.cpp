@@ -1,4 +1,6 @@
 // An address among the instructions, which the loader would have to write there.
 asm(".text\n.quad broken_address\n");
 
-extern "C" int broken_address = 1;
+extern "C" {
+int broken_address = 1;
+}
