@@ -1,5 +1,4 @@
 // The example's separator against CglZeroHalf, at the same points of the same relaxations.
-#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -14,6 +13,7 @@
 #include "relaxation.hpp"
 #include "separation.hpp"
 #include "support/compare.hpp"
+#include "zero_half/instances.hpp"
 
 namespace zktarn::bench {
 
@@ -100,25 +100,11 @@ private:
     std::vector<stage> stages_;
 };
 
-std::vector<std::string> model_files() {
-    std::vector<std::string> all;
-    for (const char* folder : {ZERO_HALF_OWN_INSTANCES, ZERO_HALF_MORE_INSTANCES}) {
-        std::error_code missing;
-        for (const auto& each : std::filesystem::directory_iterator(folder, missing)) {
-            if (each.path().extension() == ".mps") {
-                all.push_back(each.path().string());
-            }
-        }
-    }
-    std::sort(all.begin(), all.end());
-    return all;
-}
-
 } // namespace
 
 void register_comparisons() {
     std::printf("%-20s %7s %8s %8s\n", "cuts found", "points", "library", "cgl");
-    for (const std::string& file : model_files()) {
+    for (const std::string& file : zero_half::testing::instances()) {
         const auto each = std::make_shared<course>(file);
         const std::string name = std::filesystem::path(file).stem().string();
         std::printf("%-20s %7zu %8zu %8zu\n", name.c_str(), each->stages(), each->separate(),

@@ -100,6 +100,23 @@ void register_output_function(display show) {
                                   });
 }
 
+/// Whether a run ended well with a bound that fits the optimum; says so where not.
+bool is_plausible(const solved_model& of) {
+    const run_result& run = of.run;
+    if (run.how == ending::numeric_trouble) {
+        complain(of.from.file +
+                 ": the relaxation with the cuts cannot be solved, its numbers are too "
+                 "far apart; the bound is the last one that was reached");
+        return false;
+    }
+    if (run.optimum && run.bound &&
+        *run.bound > *run.optimum + 1e-6 * (1.0 + std::fabs(*run.optimum))) {
+        complain(of.from.file + ": the bound is above the optimum that was given, which cannot be");
+        return false;
+    }
+    return true;
+}
+
 /// Solves one model after the other; a bad one does not keep the others from it.
 int solve_all(const command_line& given, std::deque<solved_model>& all) {
     int status = done;
@@ -128,9 +145,7 @@ int solve_all(const command_line& given, std::deque<solved_model>& all) {
         if (all.back().run.how == ending::interrupted) {
             return interrupted;
         }
-        if (all.back().run.how == ending::numeric_trouble) {
-            complain(file + ": the relaxation with the cuts cannot be solved, its numbers are too "
-                            "far apart; the bound is the last one that was reached");
+        if (!is_plausible(all.back())) {
             status = something_wrong;
         }
     }

@@ -237,8 +237,11 @@ std::optional<double> run_result::gap_closed(std::optional<double> by) const {
         return std::nullopt;
     }
     const double gap = *optimum - *first_bound;
-    const bool is_closed = gap <= 1e-9 * (1.0 + std::fabs(*optimum));
-    return is_closed ? 100.0 : 100.0 * (*by - *first_bound) / gap;
+    const double negligible = 1e-9 * (1.0 + std::fabs(*optimum));
+    if (gap < -negligible) {
+        return std::nullopt;
+    }
+    return gap <= negligible ? 100.0 : 100.0 * (*by - *first_bound) / gap;
 }
 
 run_result tighten(const model& from, const run_options& options) {

@@ -68,7 +68,8 @@ struct run_result {
     std::size_t first_cut = 0;
 
     std::size_t cuts() const { return pool.size() - first_cut; }
-    /// The share of the gap between first bound and optimum that a bound closes, in per cent.
+    /// The share of the gap between first bound and optimum that a bound closes, in per cent; none
+    /// for an optimum below the first bound, which is no optimum.
     std::optional<double> gap_closed(std::optional<double> by) const;
 };
 

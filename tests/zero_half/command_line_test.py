@@ -281,6 +281,17 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(model["optimum"], 7.0)
         self.assertAlmostEqual(model["gap_closed_percent"], 50.0)
 
+    def test_optimum_that_a_bound_disproves(self):
+        for optimum, gap in (("5.25", 100.0), ("4", None)):
+            with self.subTest(optimum):
+                call, (model,) = self.report(self.cover, "--optimum", optimum, status=1)
+                self.assertEqual(call.err, f"zero_half: {self.cover}: the bound is above the optimum "
+                                 "that was given, which cannot be\n")
+                if gap is None:
+                    self.assertIsNone(model["gap_closed_percent"])
+                else:
+                    self.assertGreaterEqual(model["gap_closed_percent"], gap)
+
     def test_command_line_overrules_the_table_of_optima(self):
         _, (model,) = self.report(self.cover, "--optimum", "7")
         self.assertEqual(model["optimum"], 7.0)
