@@ -19,8 +19,9 @@ def functions(objdump, library):
     found = {}
     name = member = ""
     for line in ran.stdout.splitlines():
-        if beginning := re.match(r"(\S+): +file format", line):
-            member = beginning.group(1).split("/")[-1]
+        # LIBRARY(MEMBER) with LLVM's disassembler, MEMBER alone with GNU's.
+        if beginning := re.match(r"(?:.*[(/])?([^(/]+?)\)?:\s+file format", line):
+            member = beginning.group(1)
         elif beginning := re.match(r"[0-9a-f]+ <(.*)>:$", line):
             name = f"{member} {beginning.group(1)}"
             found[name] = []
