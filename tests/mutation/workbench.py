@@ -100,7 +100,9 @@ class Workbench:
             file = os.path.relpath(entry["file"], self.root)
             unit = Unit(command, file, target_object, included.get(target_object, frozenset()))
             if file.startswith(self.sources + "/"):
-                library.append(unit)
+                # Tests may compile the library once more, by other rules.
+                if target_object.startswith(self.sources + "/"):
+                    library.append(unit)
             elif file.startswith("tests/"):
                 tests[target_object] = unit
         if not library:
