@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <utility>
 
 namespace zero_half {
@@ -42,7 +43,8 @@ bool cut_selection::is_parallel_to(const cut& other, double norm, double most_pa
 
 /// Moves cuts over, the best first.
 void cut_selection::choose(std::vector<cut>& from, const selection_options::step& by) {
-    for (cut& each : from) {
+    for (const std::size_t i : order_) {
+        cut& each = from[i];
         if (kept_.size() >= by.fewer_than) {
             return;
         }
@@ -61,8 +63,11 @@ void cut_selection::choose(std::vector<cut>& from, const selection_options::step
 
 std::vector<cut> cut_selection::best_of(std::vector<cut> cuts) {
     std::erase_if(cuts, [this](const cut& each) { return is_wide(each, options_.widest); });
-    std::stable_sort(cuts.begin(), cuts.end(),
-                     [](const cut& a, const cut& b) { return a.distance() > b.distance(); });
+    order_.resize(cuts.size());
+    std::iota(order_.begin(), order_.end(), std::size_t{0});
+    std::sort(order_.begin(), order_.end(), [&](std::size_t a, std::size_t b) {
+        return std::pair(-cuts[a].distance(), a) < std::pair(-cuts[b].distance(), b);
+    });
     kept_.clear();
     for (const selection_options::step& step : options_.steps) {
         choose(cuts, step);

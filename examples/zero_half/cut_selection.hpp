@@ -42,6 +42,8 @@ private:
     selection_options options_;
     sparse_vector candidate_;
     std::vector<cut> kept_;
+    /// Places of the cuts, the farthest first.
+    std::vector<std::size_t> order_;
 };
 
 } // namespace zero_half

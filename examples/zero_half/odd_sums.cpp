@@ -1,6 +1,7 @@
 #include "odd_sums.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace zero_half {
 
@@ -57,8 +58,9 @@ void odd_sums::sort() {
     const auto price = [](const sum& of) {
         return of.given_away + a_row * static_cast<double>(of.count);
     };
-    std::stable_sort(all_.begin(), all_.end(),
-                     [&](const sum& a, const sum& b) { return price(a) < price(b); });
+    std::sort(all_.begin(), all_.end(), [&](const sum& a, const sum& b) {
+        return std::pair(price(a), a.first) < std::pair(price(b), b.first);
+    });
 }
 
 std::span<const int> odd_sums::members(std::size_t i) const {
