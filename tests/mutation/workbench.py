@@ -101,7 +101,7 @@ class Workbench:
             unit = Unit(command, file, target_object, included.get(target_object, frozenset()))
             if file.startswith(self.sources + "/"):
                 # Tests may compile the library once more, by other rules.
-                if target_object.startswith(self.sources + "/"):
+                if not target_object.startswith("tests/"):
                     library.append(unit)
             elif file.startswith("tests/"):
                 tests[target_object] = unit
