@@ -399,10 +399,11 @@ TEST_F(Bridge, ALongLineIsPrintedInPiecesWhenThereIsNoMemory) {
 }
 
 TEST_F(Bridge, AShortLineNeedsNoMemory) {
+    const std::string line(511, 'x');
     refuse_new(1);
-    cbprintdisplay(running, no_poll, 2, std::string(511, 'x'));
+    cbprintdisplay(running, no_poll, 2, line);
     refuse_new(0);
-    EXPECT_THAT(calls(), ElementsAre(printf_of(std::string(511, 'x') + "\n"), flush));
+    EXPECT_THAT(calls(), ElementsAre(printf_of(line + "\n"), flush));
 }
 
 // Interrupts
