@@ -117,28 +117,32 @@ bool is_plausible(const solved_model& of) {
     return true;
 }
 
+/// Reads a model and tightens its relaxation.
+void solve_one(const std::string& file, run_options options, std::deque<solved_model>& all) {
+    if (!options.optimum) {
+        options.optimum = known_optimum(file);
+    }
+    try {
+        model from = read_model(file);
+        if (options.show == display::iter) {
+            std::printf("%s%s\n", all.empty() ? "" : "\n", file.c_str());
+            std::fflush(stdout);
+        }
+        run_result run = tighten(from, options);
+        all.push_back({std::move(from), std::move(run)});
+    } catch (const CoinError& found) { // is no std::exception
+        throw trouble(file + ": " + found.message());
+    }
+}
+
 /// Solves one model after the other; a bad one does not keep the others from it.
 int solve_all(const command_line& given, std::deque<solved_model>& all) {
     int status = done;
     for (const std::string& file : given.files) {
         try {
-            run_options options = given.run;
-            if (!options.optimum) {
-                options.optimum = known_optimum(file);
-            }
-            model from = read_model(file);
-            if (options.show == display::iter) {
-                std::printf("%s%s\n", all.empty() ? "" : "\n", file.c_str());
-                std::fflush(stdout);
-            }
-            run_result run = tighten(from, options);
-            all.push_back({std::move(from), std::move(run)});
+            solve_one(file, given.run, all);
         } catch (const std::exception& found) {
             complain(found.what());
-            status = something_wrong;
-            continue;
-        } catch (const CoinError& found) { // is no std::exception
-            complain(file + ": " + found.message());
             status = something_wrong;
             continue;
         }

@@ -7,12 +7,10 @@ namespace zero_half {
 
 namespace {
 
-constexpr double most_given_away = 1.0 - 2e-6;
-
 /// What a sum gives away; or, when that is too much, some value that is too much.
 double given_away(const parity_system& of, const parity_row& row) {
     double total = 0.0;
-    for (std::int32_t k = 1; k <= row.odd.size() && total < most_given_away; ++k) {
+    for (std::int32_t k = 1; k <= row.odd.size() && total < too_much_to_give; ++k) {
         total += of.value(row.odd.index(k));
     }
     return total;
@@ -32,7 +30,7 @@ void odd_sums::note(const parity_row& found) {
         return;
     }
     const double total = given_away(*of_, found);
-    if (total >= most_given_away) {
+    if (total >= too_much_to_give) {
         return;
     }
     std::uint64_t signature = 0;

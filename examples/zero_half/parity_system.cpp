@@ -13,8 +13,6 @@ using namespace zktarn::vector_mod;
 
 /// What is less is rounding of the relaxation's solver.
 constexpr double negligible = 1e-9;
-/// A cut must be violated by at least half of it.
-constexpr double least_gain = 2e-6;
 
 } // namespace
 
@@ -41,25 +39,33 @@ void parity_rows::resize(std::size_t count, std::int32_t capacity) {
 
 void parity_system::build(std::span<const integral_row> pool,
                           const std::vector<substitution>& bounds, const double* point) {
-    find_candidates(pool, bounds, point);
+    compute_slacks(pool, point);
+    find_candidates(pool, bounds);
     look_at_columns(pool, bounds);
     number_columns(bounds);
     drop_candidates(pool);
     fill_rows(pool);
 }
 
-/// Rows that do not give too much away by their slack alone.
-void parity_system::find_candidates(std::span<const integral_row> pool,
-                                    const std::vector<substitution>& bounds, const double* point) {
-    candidates_.clear();
-    for (std::size_t i = 0; i < pool.size(); ++i) {
-        const sparse_vector& a = pool[i].coefficients;
-        double slack = pool[i].right;
+void parity_system::compute_slacks(std::span<const integral_row> pool, const double* point) {
+    slacks_.clear();
+    for (const integral_row& row : pool) {
+        const sparse_vector& a = row.coefficients;
+        double slack = row.right;
         for (std::int32_t k = 1; k <= a.size(); ++k) {
             const std::int32_t j = a.index(k);
             slack -= a.value(j) * point[j - 1];
         }
-        if (slack >= 1.0 - least_gain) {
+        slacks_.push_back(slack);
+    }
+}
+
+/// Rows that do not give too much away by their slack alone.
+void parity_system::find_candidates(std::span<const integral_row> pool,
+                                    const std::vector<substitution>& bounds) {
+    candidates_.clear();
+    for (std::size_t i = 0; i < pool.size(); ++i) {
+        if (slacks_[i] >= too_much_to_give) {
             continue;
         }
         double right = pool[i].right;
@@ -68,7 +74,7 @@ void parity_system::find_candidates(std::span<const integral_row> pool,
             right += bounds[static_cast<std::size_t>(odd.index(k))].bound;
         }
         candidates_.push_back({static_cast<int>(i), zktarn::util::is_even_real(right, 0.0) == 0,
-                               slack < negligible ? 0.0 : slack});
+                               slacks_[i] < negligible ? 0.0 : slacks_[i]});
     }
 }
 
@@ -125,7 +131,7 @@ void parity_system::drop_candidates(std::span<const integral_row> pool) {
     best.reserve(candidates_.size());
     std::size_t kept = 0;
     for (const candidate& each : candidates_) {
-        if (each.slack >= 1.0 - least_gain) {
+        if (each.slack >= too_much_to_give) {
             continue;
         }
         const std::uint64_t none = each.is_odd ? mixed(0) : 0;

@@ -20,6 +20,10 @@ struct substitution {
     bool is_bounded() const { return value < std::numeric_limits<double>::infinity(); }
 };
 
+/// A sum with an odd right-hand side cuts the point off when it gives away less than 1; half of
+/// what is missing is the violation, which has to be worth a cut.
+constexpr double too_much_to_give = 1.0 - 2e-6;
+
 /// For each column, counted from 1.
 std::vector<substitution> nearest_bounds(const model& from, const double* point);
 
@@ -49,8 +53,7 @@ private:
 };
 
 /// The rows that can be part of a violated cut. An element 1..columns() is a column off its bounds,
-/// one beyond is the slack of a row; each has a value, which a sum that is odd there gives away. A
-/// sum with an odd right-hand side cuts the point off when it gives away less than 1.
+/// one beyond is the slack of a row; each has a value, which a sum that is odd there gives away.
 class parity_system {
 public:
     void build(std::span<const integral_row> pool, const std::vector<substitution>& bounds,
@@ -69,6 +72,8 @@ public:
     std::uint64_t signature(std::int32_t element) const {
         return signatures_[static_cast<std::size_t>(element)];
     }
+    /// The slack of any row of the pool at the point; below 0 where that violates it.
+    double slack_in_pool(std::size_t i) const { return slacks_[i]; }
     /// The place in the pool of the row whose slack an element is.
     int pool_row(std::int32_t slack) const {
         return candidates_[static_cast<std::size_t>(slack - columns_ - 1)].pool_row;
@@ -89,14 +94,16 @@ private:
         std::size_t last_row = 0;
     };
 
+    void compute_slacks(std::span<const integral_row> pool, const double* point);
     void find_candidates(std::span<const integral_row> pool,
-                         const std::vector<substitution>& bounds, const double* point);
+                         const std::vector<substitution>& bounds);
     void look_at_columns(std::span<const integral_row> pool,
                          const std::vector<substitution>& bounds);
     void number_columns(const std::vector<substitution>& bounds);
     void drop_candidates(std::span<const integral_row> pool);
     void fill_rows(std::span<const integral_row> pool);
 
+    std::vector<double> slacks_;
     std::vector<candidate> candidates_;
     std::vector<column_look> looks_;
     std::vector<std::int32_t> seen_;

@@ -10,15 +10,6 @@ namespace zero_half {
 
 namespace {
 
-double activity(const integral_row& of, const double* point) {
-    double total = 0.0;
-    for (std::int32_t k = 1; k <= of.coefficients.size(); ++k) {
-        const std::int32_t j = of.coefficients.index(k);
-        total += of.coefficients.value(j) * point[j - 1];
-    }
-    return total;
-}
-
 /// Fills in how much the point violates it.
 void judge(cut& of, const double* point) {
     double activity = 0.0;
@@ -43,8 +34,7 @@ std::vector<cut> separator::find(std::span<const integral_row> pool, const doubl
     system_.build(pool, bounds_, point);
     search();
     std::vector<cut> cuts = violated_cuts(pool, point);
-    if (cuts.empty() && !system_.is_graph()) {
-        search_harder();
+    if (cuts.empty() && search_harder()) {
         cuts = violated_cuts(pool, point);
     }
     found_ = cuts.size();
@@ -66,10 +56,12 @@ void separator::search() {
     }
 }
 
-void separator::search_harder() {
-    if (system_.rows().size() <= options_.small_system) {
-        descent_.find(system_, sums_);
+bool separator::search_harder() {
+    if (system_.is_graph() || system_.rows().size() > options_.small_system) {
+        return false;
     }
+    descent_.find(system_, sums_);
+    return true;
 }
 
 /// A row of the model that was divided and then rounded cuts off points which the relaxation has.
@@ -78,7 +70,7 @@ void separator::add_rounded_rows(std::vector<cut>& to, std::span<const integral_
     for (std::size_t i = 0; i < pool.size() && pool[i].from.model_row >= 0; ++i) {
         // Twice the row, halved, is the row itself.
         const std::array<int, 2> twice = {static_cast<int>(i), static_cast<int>(i)};
-        if (activity(pool[i], point) >= pool[i].right + options_.least_violation) {
+        if (system_.slack_in_pool(i) <= -options_.least_violation) {
             add_if_violated(to, derivation_.cut_of(twice, pool, bounds_), point);
         }
     }

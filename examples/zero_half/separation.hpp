@@ -36,7 +36,8 @@ public:
 
 private:
     void search();
-    void search_harder();
+    /// False where the search was exact, or the system is too large for it.
+    bool search_harder();
     std::vector<cut> violated_cuts(std::span<const integral_row> pool, const double* point);
     void add_rounded_rows(std::vector<cut>& to, std::span<const integral_row> pool,
                           const double* point);

@@ -52,12 +52,16 @@ public:
 private:
     void solve_first();
     bool is_over();
+    /// Why there is no further round, if so.
+    std::optional<ending> reason_to_end() const;
     void one_round();
     void add(const std::vector<cut>& cuts);
     /// Takes the new bound over; false when there is none.
     bool solve();
     void note(std::size_t found, std::size_t kept, double separation_ms, double relaxation_ms);
-    bool end(ending how);
+    void end(ending how);
+    /// What a relaxation that was not solved, although it had been before, says of the run.
+    ending ending_of(relaxation::outcome found) const;
 
     const model& from_;
     const run_options& options_;
@@ -81,10 +85,9 @@ run::run(const model& from, const run_options& options)
     result_.optimum = options.optimum;
 }
 
-bool run::end(ending how) {
+void run::end(ending how) {
     result_.how = how;
     ended_ = true;
-    return true;
 }
 
 run_result run::finish() {
@@ -112,7 +115,7 @@ void run::solve_first() {
     case relaxation::outcome::unbounded:
         throw trouble(from_.file + ": the relaxation is unbounded");
     case relaxation::outcome::stopped:
-        end(host_.is_interrupted() ? ending::interrupted : ending::time_used);
+        end(ending_of(relaxation::outcome::stopped));
         return;
     case relaxation::outcome::trouble:
         throw trouble(from_.file +
@@ -124,23 +127,33 @@ bool run::is_over() {
     if (ended_) {
         return true;
     }
+    if (const std::optional<ending> reason = reason_to_end()) {
+        end(*reason);
+    }
+    return ended_;
+}
+
+std::optional<ending> run::reason_to_end() const {
     if (host_.is_stopped()) {
-        return end(ending::stopped_by_output_function);
+        return ending::stopped_by_output_function;
     }
     if (host_.is_interrupted()) {
-        return end(ending::interrupted);
+        return ending::interrupted;
     }
     if (is_integral(from_, relaxation_.point())) {
-        return end(ending::integral);
+        return ending::integral;
     }
     const std::optional<double> closed = result_.gap_closed(result_.bound);
     if (closed && *closed >= options_.stop_at_gap - 1e-6) {
-        return end(ending::gap_closed);
+        return ending::gap_closed;
     }
     if (static_cast<int>(result_.rounds.size()) >= options_.rounds) {
-        return end(ending::rounds_used);
+        return ending::rounds_used;
     }
-    return seconds_since(start_) >= options_.seconds && end(ending::time_used);
+    if (seconds_since(start_) >= options_.seconds) {
+        return ending::time_used;
+    }
+    return std::nullopt;
 }
 
 void run::one_round() {
@@ -166,15 +179,10 @@ void run::add(const std::vector<cut>& cuts) {
 }
 
 bool run::solve() {
-    switch (relaxation_.solve()) {
-    case relaxation::outcome::optimal:
-        break;
-    case relaxation::outcome::infeasible:
-        return !end(ending::no_integer_point);
-    case relaxation::outcome::stopped:
-        return !end(host_.is_interrupted() ? ending::interrupted : ending::time_used);
-    default:
-        return !end(ending::numeric_trouble);
+    const relaxation::outcome found = relaxation_.solve();
+    if (found != relaxation::outcome::optimal) {
+        end(ending_of(found));
+        return false;
     }
     const double before = *result_.bound;
     // More rows can only raise the bound, up to the tolerances of the simplex method.
@@ -183,6 +191,17 @@ bool run::solve() {
     result_.bound = std::max(before, relaxation_.bound());
     history_.push_back(*result_.bound);
     return true;
+}
+
+ending run::ending_of(relaxation::outcome found) const {
+    switch (found) {
+    case relaxation::outcome::infeasible:
+        return ending::no_integer_point;
+    case relaxation::outcome::stopped:
+        return host_.is_interrupted() ? ending::interrupted : ending::time_used;
+    default:
+        return ending::numeric_trouble;
+    }
 }
 
 void run::note(std::size_t found, std::size_t kept, double separation_ms, double relaxation_ms) {
