@@ -159,35 +159,43 @@ TEST(RationalProperty, AgreesWithTheRules) {
     }
 }
 
-TEST(RationalProperty, AgreesWithTheRulesOnAnyBits) {
-    inputs draw(20261125);
+struct question {
+    double x;
+    double eps;
+    double bound;
+};
+
+template <class Draw>
+void expect_agreement_on_many(std::uint64_t seed, Draw question_of) {
+    inputs draw(seed);
     const std::int64_t cases = scaled(500'000);
     for (std::int64_t i = 0; i < cases; ++i) {
-        const auto x = std::bit_cast<double>(draw.word());
-        const double eps = draw.chance(2) ? std::bit_cast<double>(draw.word()) : draw.tolerance();
-        const double bound = 1.0 + draw.whole(100'000);
-        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
+        const question each = question_of(draw);
+        ASSERT_NO_FATAL_FAILURE(expect_agreement(each.x, each.eps, each.bound));
     }
 }
 
+TEST(RationalProperty, AgreesWithTheRulesOnAnyBits) {
+    expect_agreement_on_many(20261125, [](inputs& draw) -> question {
+        const auto x = std::bit_cast<double>(draw.word());
+        const double eps = draw.chance(2) ? std::bit_cast<double>(draw.word()) : draw.tolerance();
+        return {x, eps, 1.0 + draw.whole(100'000)};
+    });
+}
+
 TEST(RationalProperty, AgreesWithTheRulesWhereRoundingDecides) {
-    inputs draw(20261202);
-    const std::int64_t cases = scaled(500'000);
-    for (std::int64_t i = 0; i < cases; ++i) {
+    expect_agreement_on_many(20261202, [](inputs& draw) -> question {
         const double x =
             draw.sign() * draw.uniform() * std::ldexp(1.0, static_cast<int>(draw.below(9)));
         const double eps = draw.chance(2) ? 0.0 : std::ldexp(draw.uniform(), -52);
-        const double bound = std::ldexp(1.0 + draw.uniform(), 45 + static_cast<int>(draw.below(9)));
-        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
-    }
+        return {x, eps, std::ldexp(1.0 + draw.uniform(), 45 + static_cast<int>(draw.below(9)))};
+    });
 }
 
 // Values within a few places of a fraction, and tolerances of a few places: what the screens let
 // pass is decided by rounding alone.
 TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
-    inputs draw(20261203);
-    const std::int64_t cases = scaled(500'000);
-    for (std::int64_t i = 0; i < cases; ++i) {
+    expect_agreement_on_many(20261203, [](inputs& draw) -> question {
         const double den = 1.0 + draw.whole(100);
         const double num = draw.chance(2) ? 1.0 : 1.0 + draw.whole(100);
         const double place = std::ldexp(num / den, -53);
@@ -197,21 +205,18 @@ TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
         const double bound = draw.chance(2)
                                  ? den + draw.whole(20)
                                  : std::ldexp(1.0, 50 + static_cast<int>(draw.below(12)));
-        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
-    }
+        return {x, eps, bound};
+    });
 }
 
 // Reals so large that they have few digits or none for a fraction.
 TEST(RationalProperty, AgreesWithTheRulesOnLargeValues) {
-    inputs draw(20261204);
-    const std::int64_t cases = scaled(500'000);
-    for (std::int64_t i = 0; i < cases; ++i) {
+    expect_agreement_on_many(20261204, [](inputs& draw) -> question {
         const double x =
             draw.sign() * std::ldexp(1.0 + draw.uniform(), 44 + static_cast<int>(draw.below(10)));
         const double eps = draw.chance(2) ? 0.0 : std::ldexp(draw.uniform(), -8);
-        const double bound = 1.0 + draw.whole(draw.chance(2) ? 40 : 4000);
-        ASSERT_NO_FATAL_FAILURE(expect_agreement(x, eps, bound));
-    }
+        return {x, eps, 1.0 + draw.whole(draw.chance(2) ? 40 : 4000)};
+    });
 }
 
 TEST(RationalProperty, EverySuccessIsWithinTheToleranceAndTheBound) {

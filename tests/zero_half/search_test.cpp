@@ -106,6 +106,12 @@ double least_of(const problem& of, const odd_sums& found) {
     return least;
 }
 
+parity_system system_of(const problem& of) {
+    parity_system made;
+    made.build(of.pool, of.bounds, of.point.data());
+    return made;
+}
+
 void note_rows(const parity_system& in, odd_sums& found) {
     found.start(in);
     for (std::size_t i = 0; i < in.rows().size(); ++i) {
@@ -120,8 +126,7 @@ TEST(OddWalks, FindTheBestSumWhereEveryRowHasAtMostTwoColumns) {
     int with_cut = 0;
     for (int trial = 0; trial < 3000; ++trial) {
         const problem of = random_problem(random, 6, 9, 2);
-        parity_system system;
-        system.build(of.pool, of.bounds, of.point.data());
+        const parity_system system = system_of(of);
         ASSERT_TRUE(system.is_graph());
         odd_sums found(no_limit);
         note_rows(system, found);
@@ -145,8 +150,7 @@ TEST(Elimination, FindsOnlySumsThatCutThePointOff) {
     int with_cut = 0;
     for (int trial = 0; trial < 1000; ++trial) {
         const problem of = random_problem(random, 8, 10, 6);
-        parity_system system;
-        system.build(of.pool, of.bounds, of.point.data());
+        const parity_system system = system_of(of);
         odd_sums found(no_limit);
         note_rows(system, found);
         for (int restart = 0; restart < 10; ++restart) {
@@ -167,8 +171,7 @@ TEST(Descent, FindsOnlySumsThatCutThePointOff) {
     int found_some = 0;
     for (int trial = 0; trial < 300; ++trial) {
         const problem of = random_problem(random, 8, 10, 6);
-        parity_system system;
-        system.build(of.pool, of.bounds, of.point.data());
+        const parity_system system = system_of(of);
         odd_sums found(no_limit);
         found.start(system);
         search.find(system, found);
@@ -183,8 +186,7 @@ TEST(OddSums, KeepEachSumOnceAndTheShortAndCheapFirst) {
     generator own(3);
     elimination gauss(own.state());
     const problem of = random_problem(random, 10, 14, 4);
-    parity_system system;
-    system.build(of.pool, of.bounds, of.point.data());
+    const parity_system system = system_of(of);
     odd_sums found(no_limit);
     note_rows(system, found);
     gauss.find(system, found);
@@ -206,8 +208,7 @@ TEST(OddSums, KeepEachSumOnceAndTheShortAndCheapFirst) {
 TEST(OddSums, AreEnoughOnceThereAreSoMany) {
     std::mt19937 random(11);
     const problem of = random_problem(random, 6, 9, 2);
-    parity_system system;
-    system.build(of.pool, of.bounds, of.point.data());
+    const parity_system system = system_of(of);
     odd_sums none(0);
     none.start(system);
     EXPECT_TRUE(none.are_enough());
