@@ -56,11 +56,9 @@ on_x86_64() {
 
 on_arm64_linux() {
     local emulator=scripts/lib/on_arm64.sh
-    build identity/arm64-gcc-O0 arm64-linux -DCMAKE_BUILD_TYPE=Debug
     build arm64-linux arm64-linux
     build identity/arm64-clang arm64-linux \
         -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_CXX_COMPILER_TARGET=aarch64-linux-gnu
-    compare "gcc -O0" "64-bit Arm" identity/arm64-gcc-O0 "$emulator"
     compare "gcc -O3" "64-bit Arm" arm64-linux "$emulator"
     compare "clang -O3" "64-bit Arm" identity/arm64-clang "$emulator"
 }
