@@ -28,7 +28,7 @@ struct elements {
         flag marked = 0;
         flag selected = 0;
         supply(i, value, marked, selected);
-        return !(skip_marked && marked != 0) && !(selected_only && selected == 0) &&
+        return (!skip_marked || marked == 0) && (!selected_only || selected != 0) &&
                std::fabs(value) > eps;
     }
 
