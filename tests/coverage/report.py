@@ -1,18 +1,25 @@
 #!/usr/bin/env python3
-"""Reports the coverage of a finished test run, file by file, and fails where it has to be complete.
+"""Reports the coverage of a finished test run, file by file, and fails where it falls short.
 
 Reads the raw profiles of the coverage build, merges them over all test programs and libraries, and
-prints lines, branches and conditions (MC/DC) of each source file of the project.
+prints lines, branches and conditions (MC/DC) of each source file of the project. A file that needs
+not be covered is in exclusions.txt, with the reason.
 """
 
 import argparse
 import glob
 import json
 import os
+import re
 import subprocess
 import sys
+from pathlib import Path
 
+HERE = Path(__file__).resolve().parent
 MEASURES = ("lines", "branches", "mcdc")
+COMMENT = re.compile(r"//.*")
+# Parameters or a condition, and then a body.
+CODE = re.compile(r"\)\s*((const|noexcept|override)\s*)*\{")
 
 
 def fail(sentence):
@@ -26,15 +33,15 @@ def tool(compiler, name):
 
 
 def instrumented(build):
-    """The libraries, which hold all code of the project but the templates of types.hpp, and the test
-    program that instantiates those. Counts of other programs come in through the merged profile; as
-    objects of their own they would report every inline procedure that they do not use as missed.
-    """
-    found = [f"{build}/tests/types/types_test"]
+    """The libraries, and the test programs, which have the code of the headers."""
+    libraries = []
     for pattern in ("so", "dylib"):
-        found += glob.glob(f"{build}/src/zktarn/libzktarn_util.{pattern}")
-        found += glob.glob(f"{build}/zktarn_standin/lib*.{pattern}")
-    return found
+        libraries += glob.glob(f"{build}/src/zktarn/libzktarn_util.{pattern}")
+        libraries += glob.glob(f"{build}/zktarn_standin/lib*.{pattern}")
+    programs = glob.glob(f"{build}/tests/*/*_test")
+    if not libraries or not programs:
+        fail(f"no libraries or no test programs in {build}; build it first")
+    return sorted(libraries) + sorted(programs)
 
 
 def summary(build, compiler):
@@ -57,35 +64,93 @@ def summary(build, compiler):
     return json.loads(text)["data"][0]["files"]
 
 
+def coverage_of(files, project):
+    """For each file of the library and the stand-in, by its path in the project: its counts."""
+    found = {}
+    for entry in sorted(files, key=lambda e: e["filename"]):
+        name = os.path.relpath(entry["filename"], project)
+        if name.startswith(("src/zktarn/", "standin/")):
+            found[name] = [entry["summary"][measure] for measure in MEASURES]
+    return found
+
+
+def percent(count):
+    return 100 * count["covered"] / count["count"] if count["count"] else 100.0
+
+
 def row(name, counts):
-    cells = [f"{c['covered']:>5}/{c['count']:<5}{c['percent'] if c['count'] else 100:7.2f} %"
-             for c in counts]
+    cells = [f"{c['covered']:>5}/{c['count']:<5}{percent(c):7.2f} %" for c in counts]
     return f"{name:<52}" + "  ".join(cells)
+
+
+def files_with_code(project, folder):
+    """The paths, in the project, of a folder's files in which something has a body."""
+    return [
+        str(path.relative_to(project)) for path in sorted((project / folder).rglob("*.?pp"))
+        if CODE.search(COMMENT.sub("", path.read_text(encoding="utf-8")))
+    ]
+
+
+def read_exclusions(path):
+    """The excluded files, each a line `path: reason`."""
+    excluded = []
+    for line in path.read_text(encoding="utf-8").splitlines():
+        if not line or line.startswith("#"):
+            continue
+        name, _, reason = line.partition(": ")
+        if not reason.strip():
+            fail(f"{path.name} gives no reason in '{line}'")
+        excluded.append(name)
+    return excluded
+
+
+def shortfall(counts, least):
+    """What a file lacks of its folder's rule: a percentage of its lines and branches, or all of them
+    and of its conditions. A file with code but without counts is compiled into nothing."""
+    if counts is None:
+        return "not counted"
+    measured = MEASURES if least == 100 else MEASURES[:2]
+    lacking = [m for m, c in zip(measured, counts) if percent(c) < least]
+    return f"below {least} % of its {' and '.join(lacking)}" if lacking else ""
+
+
+def findings(coverage, rules, project, excluded):
+    """What is wrong with the files of the folders in `rules`, a line each."""
+    lacking = {}
+    for folder, least in rules:
+        counted = {name for name in coverage if name.startswith(f"{folder}/")}
+        for name in sorted(counted.union(files_with_code(project, folder))):
+            lacking[name] = shortfall(coverage.get(name), least)
+    wrong = [f"{n} is {lack}" for n, lack in lacking.items() if lack and n not in excluded]
+    return wrong + [f"{n} is excluded for nothing" for n in excluded if not lacking.get(n)]
+
+
+def rule(folder, least, project):
+    if not re.fullmatch(r"100|\d\d?", least) or not (project / folder).is_dir():
+        fail(f"--least takes a folder of the project and a percentage, not '{folder} {least}'")
+    return folder.rstrip("/"), int(least)
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", required=True, help="folder of the coverage build")
     parser.add_argument("--compiler", required=True, help="the clang++ that built it")
-    parser.add_argument("--complete", action="append", default=[],
-                        help="folder, from the project's, whose files must be covered completely")
+    parser.add_argument("--least", action="append", default=[], nargs=2,
+                        metavar=("FOLDER", "PERCENT"),
+                        help="of lines and branches of each file in a folder of the project; at 100 "
+                        "of conditions as well")
     arguments = parser.parse_args()
 
-    project = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-    shown = ("src/zktarn/", "standin/")
-    incomplete = []
+    project = HERE.parent.parent
+    rules = [rule(folder, least, project) for folder, least in arguments.least]
+    excluded = read_exclusions(HERE / "exclusions.txt")
+    coverage = coverage_of(summary(arguments.build, arguments.compiler), project)
     print(f"{'file':<52}{'lines':^19}  {'branches':^19}  {'MC/DC':^19}")
-    for entry in sorted(summary(arguments.build, arguments.compiler), key=lambda e: e["filename"]):
-        name = os.path.relpath(entry["filename"], project)
-        if not name.startswith(shown):
-            continue
-        counts = [entry["summary"][measure] for measure in MEASURES]
+    for name, counts in coverage.items():
         print(row(name, counts))
-        gated = any(name.startswith(f"{folder}/") for folder in arguments.complete)
-        if gated and any(c["covered"] < c["count"] for c in counts):
-            incomplete.append(name)
-    if incomplete:
-        fail("not covered completely: " + ", ".join(incomplete))
+    wrong = findings(coverage, rules, project, excluded)
+    if wrong:
+        fail("; ".join(wrong))
 
 
 if __name__ == "__main__":

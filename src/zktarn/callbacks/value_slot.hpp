@@ -29,12 +29,12 @@ template <class T, class From>
 T* make(From&& from) noexcept {
 #ifdef __cpp_exceptions
     try {
+#endif
         return ::new (std::nothrow) T(std::forward<From>(from));
+#ifdef __cpp_exceptions
     } catch (...) {
         return nullptr;
     }
-#else
-    return ::new (std::nothrow) T(std::forward<From>(from));
 #endif
 }
 
