@@ -41,6 +41,22 @@ bool cut_selection::is_parallel_to(const cut& other, double norm, double most_pa
     return product > most_parallel * norm * other.norm;
 }
 
+/// Whether the other has no smaller coefficient, and larger ones only of columns that are never
+/// negative: then whatever satisfies it satisfies the candidate.
+bool cut_selection::is_dominated_by(const cut& other, const cut& candidate) const {
+    std::size_t shared = 0;
+    for (std::size_t k = 0; k < other.columns.size(); ++k) {
+        const std::int32_t j = other.columns[k];
+        const bool is_shared = candidate_.has(j);
+        const double more = other.coefficients[k] - (is_shared ? candidate_.value(j) : 0.0);
+        if (more < 0.0 || (more > 0.0 && from_.lower[static_cast<std::size_t>(j) - 1] < 0.0)) {
+            return false;
+        }
+        shared += is_shared ? 1 : 0;
+    }
+    return shared == candidate.columns.size() && other.right <= candidate.right;
+}
+
 /// Moves cuts over, the best first.
 void cut_selection::choose(std::vector<cut>& from, const selection_options::step& by) {
     for (const std::size_t i : order_) {
@@ -53,7 +69,8 @@ void cut_selection::choose(std::vector<cut>& from, const selection_options::step
         }
         load(each);
         const bool is_new = std::none_of(kept_.begin(), kept_.end(), [&](const cut& other) {
-            return is_parallel_to(other, each.norm, by.most_parallel);
+            return is_parallel_to(other, each.norm, by.most_parallel) ||
+                   is_dominated_by(other, each);
         });
         if (is_new) {
             kept_.push_back(std::exchange(each, {}));

@@ -28,8 +28,8 @@ struct selection_options {
 /// Chooses the cuts that are farthest from the point, and at an angle to each other.
 class cut_selection {
 public:
-    cut_selection(std::int32_t columns, const selection_options& options)
-        : options_(options), candidate_(columns) {}
+    cut_selection(const model& from, const selection_options& options)
+        : from_(from), options_(options), candidate_(from.column_count()) {}
 
     std::vector<cut> best_of(std::vector<cut> cuts);
 
@@ -38,7 +38,9 @@ private:
     void choose(std::vector<cut>& from, const selection_options::step& by);
     void load(const cut& from);
     bool is_parallel_to(const cut& other, double norm, double most_parallel) const;
+    bool is_dominated_by(const cut& other, const cut& candidate) const;
 
+    const model& from_;
     selection_options options_;
     sparse_vector candidate_;
     std::vector<cut> kept_;

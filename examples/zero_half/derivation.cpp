@@ -3,11 +3,11 @@
 #include <cmath>
 #include <utility>
 
+#include "rounding.hpp"
+
 namespace zero_half {
 
 namespace {
-
-using zktarn::util::epsilon_floor;
 
 constexpr double no_tolerance = 0.0;
 
@@ -39,7 +39,7 @@ void divide_by_common_divisor(cut& from) {
     for (double& each : from.coefficients) {
         each /= divisor;
     }
-    from.right = epsilon_floor(from.right / divisor, no_tolerance);
+    from.right = floor_of(from.right / divisor, no_tolerance);
 }
 
 } // namespace
@@ -62,7 +62,7 @@ std::optional<cut> derivation::cut_of(std::span<const int> rows, std::span<const
         const substitution& at = bounds[static_cast<std::size_t>(j)];
         const double sign = at.is_upper ? -1.0 : 1.0;
         const double coefficient = sign * sum_.value(j);
-        const double half = epsilon_floor(coefficient * 0.5, no_tolerance);
+        const double half = zktarn::util::epsilon_floor(coefficient * 0.5, no_tolerance);
         if (std::fabs(coefficient) > largest_coefficient ||
             (half * 2.0 != coefficient && !at.is_bounded())) {
             return std::nullopt;
@@ -80,7 +80,7 @@ std::optional<cut> derivation::cut_of(std::span<const int> rows, std::span<const
     if (made.columns.empty() || !right.is_exact() || !put_back.is_exact()) {
         return std::nullopt;
     }
-    made.right = epsilon_floor(right.value() * 0.5, no_tolerance) + put_back.value();
+    made.right = floor_of(right.value() * 0.5, no_tolerance) + put_back.value();
     made.from.summed.assign(rows.begin(), rows.end());
     divide_by_common_divisor(made);
     return made;

@@ -9,6 +9,9 @@ void elimination::find(const parity_system& in, odd_sums& found) {
     copy_rows(in);
     order_columns(in);
     for (const std::int32_t column : order_) {
+        if (found.is_stopped()) {
+            return;
+        }
         eliminate(column, found);
     }
 }

@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <optional>
 #include <span>
 #include <utility>
+
+#include "rounding.hpp"
 
 namespace zero_half {
 
@@ -65,9 +68,16 @@ double drift(const model& from, int column, double exact, double rounded) {
                         : error * std::max(std::fabs(from.lower[j]), std::fabs(from.upper[j]));
 }
 
+/// How far a right-hand side times `scale` may be from what its decimals would give.
+double doubt(double right, double scale) {
+    const bool is_exact = std::trunc(right) == right && std::trunc(scale) == scale;
+    return is_exact ? 0.0 : 4.0 * std::numeric_limits<double>::epsilon() * std::fabs(right * scale);
+}
+
 /// The row times `scale`, bounded above. Nothing when rounding would move it too far.
 std::optional<integral_row> made_integral(const model& from, int i, double scale, double right) {
     constexpr double most_drift = 1e-6;
+    constexpr double most_tolerance = 0.01;
     const model_row row = row_of(from, i);
     sparse_vector coefficients(from.column_count());
     double drifted = 0.0;
@@ -83,11 +93,12 @@ std::optional<integral_row> made_integral(const model& from, int i, double scale
         }
     }
     const double scaled = right * scale;
-    if (!(drifted <= most_drift) || std::fabs(scaled) > largest_exact) {
+    const double tolerance = std::max(integrality_tolerance, doubt(right, scale));
+    if (!(drifted <= most_drift) || std::fabs(scaled) > largest_exact ||
+        tolerance > most_tolerance) {
         return std::nullopt;
     }
-    return integral_row(std::move(coefficients),
-                        zktarn::util::epsilon_floor(scaled + drifted, integrality_tolerance),
+    return integral_row(std::move(coefficients), floor_of(scaled + drifted, tolerance),
                         origin{i, scale});
 }
 

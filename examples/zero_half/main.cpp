@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <deque>
 #include <exception>
-#include <map>
+#include <new>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,6 +30,7 @@ enum exit_status { done = 0, something_wrong = 1, wrong_usage = 2, interrupted =
 struct command_line {
     std::vector<std::string> files;
     run_options run;
+    std::string display_level = "iter";
     std::string cuts_file;
     std::string json_file;
     std::string plot_file;
@@ -44,10 +45,12 @@ std::string finite(const std::string& text) {
     return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : text + " is not finite";
 }
 
+display level_of(const std::string& name) {
+    return name == "off" ? display::off : name == "final" ? display::final : display::iter;
+}
+
 /// Describes the options to the parser.
 void declare(CLI::App& app, command_line& to) {
-    static const std::map<std::string, display> displays = {
-        {"off", display::off}, {"final", display::final}, {"iter", display::iter}};
     app.add_option("model", to.files, "MPS files, plain or compressed")->required();
     app.add_option("--rounds", to.run.rounds, "At most so many rounds a model")
         ->check(CLI::Range(0, 1'000'000))
@@ -57,9 +60,10 @@ void declare(CLI::App& app, command_line& to) {
         ->check(finite)
         ->capture_default_str();
     app.add_option("--seed", to.run.seed, "Seed of the random numbers")->capture_default_str();
-    app.add_option("--display", to.run.show, "off, final, iter: nothing, the table, every round")
-        ->transform(CLI::CheckedTransformer(displays).description(""))
-        ->default_str("iter");
+    app.add_option("--display", to.display_level,
+                   "off, final, iter: nothing, the table, every round")
+        ->check(CLI::IsMember({"off", "final", "iter"}).description(""))
+        ->capture_default_str();
     app.add_option("--stop-at-gap", to.run.stop_at_gap,
                    "Stop when so many per cent of the gap to the optimum are closed")
         ->check(CLI::Range(0.0, 100.0))
@@ -72,6 +76,9 @@ void declare(CLI::App& app, command_line& to) {
     app.add_option("--json", to.json_file, "Write all figures as JSON");
     app.add_option("--plot", to.plot_file, "Draw the bounds as SVG, by gnuplot");
     app.set_version_flag("--version", "zero_half " ZERO_HALF_VERSION);
+    app.failure_message([](const CLI::App*, const CLI::Error& found) {
+        return std::string("zero_half: ") + found.what() + "; see zero_half --help\n";
+    });
     app.footer(
         "Exit status: 0 all done, 1 something was wrong with a file or a model, 2 wrong usage,\n"
         "130 interrupted; what was computed by then is written all the same.");
@@ -109,6 +116,10 @@ bool is_plausible(const solved_model& of) {
                  "far apart; the bound is the last one that was reached");
         return false;
     }
+    if (run.optimum && run.how == ending::no_integer_point) {
+        complain(of.from.file + ": there is no integer point, but an optimum was given");
+        return false;
+    }
     if (run.optimum && run.bound &&
         *run.bound > *run.optimum + 1e-6 * (1.0 + std::fabs(*run.optimum))) {
         complain(of.from.file + ": the bound is above the optimum that was given, which cannot be");
@@ -132,6 +143,8 @@ void solve_one(const std::string& file, run_options options, std::deque<solved_m
         all.push_back({std::move(from), std::move(run)});
     } catch (const CoinError& found) { // is no std::exception
         throw trouble(file + ": " + found.message());
+    } catch (const std::bad_alloc&) {
+        throw trouble(file + ": there is not enough memory for it");
     }
 }
 
@@ -202,6 +215,7 @@ int main(int argc, char** argv) {
     } catch (const CLI::ParseError& found) {
         return app.exit(found) == 0 ? done : wrong_usage;
     }
+    given.run.show = level_of(given.display_level);
     register_output_function(given.run.show);
     given.run.has_output_function = true;
     int status = done;
@@ -212,6 +226,10 @@ int main(int argc, char** argv) {
     }
     if (given.run.show == display::iter) {
         std::printf("%s", zktarn::standin::memory_report().c_str());
+    }
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        complain("the standard output cannot be written");
+        return status == done ? something_wrong : status;
     }
     return status;
 }

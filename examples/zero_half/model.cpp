@@ -1,24 +1,31 @@
 #include "model.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
 #include <cmath>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <memory>
-#include <string_view>
+#include <set>
+#include <sstream>
 
 #include <CoinFileIO.hpp>
 #include <CoinMessageHandler.hpp>
 #include <CoinMpsIO.hpp>
 
-#include "zktarn/zktarn_util.hpp"
+#include "rounding.hpp"
 
 namespace zero_half {
 
 namespace {
+
+std::string printable(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return std::isprint(c) == 0; }, '?');
+    return text;
+}
 
 /// Keeps what the reader complains about first, and prints nothing.
 class listener : public CoinMessageHandler {
@@ -26,10 +33,7 @@ public:
     int print() override {
         constexpr int first_complaint = 3000;
         if (first_.empty() && currentMessage().externalNumber() >= first_complaint) {
-            first_ = messageBuffer();
-            std::replace_if(
-                first_.begin(), first_.end(), [](unsigned char c) { return std::isprint(c) == 0; },
-                '?');
+            first_ = printable(messageBuffer());
         }
         return 0;
     }
@@ -39,48 +43,108 @@ private:
     std::string first_;
 };
 
-/// A file whose section OBJSENSE reads as comments: the reader takes every program for a
-/// minimisation, whatever is said there, and prints what it finds.
-class sense_filter : public CoinFileInput {
+/// A file without what the reader would stumble over or read without a word: comments of any
+/// length, tabs, and what is no part of a mixed-integer program. What of that changes the program
+/// is told.
+class line_filter : public CoinFileInput {
 public:
-    explicit sense_filter(CoinFileInput* from) : CoinFileInput(from->getFileName()), from_(from) {}
+    line_filter(CoinFileInput* from, std::string& refusal)
+        : CoinFileInput(from->getFileName()), from_(from), refusal_(refusal) {}
     int read(void* buffer, int size) override { return from_->read(buffer, size); }
-    char* gets(char* buffer, int size) override {
-        char* const line = from_->gets(buffer, size);
-        if (line != nullptr && is_about_sense(line)) {
-            std::strcpy(line, "*\n");
-        }
-        return line;
-    }
-    bool is_maximised() const { return is_maximised_; }
+    char* gets(char* buffer, int size) override;
 
 private:
-    bool is_about_sense(std::string line) {
-        std::transform(line.begin(), line.end(), line.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-        if (std::isspace(static_cast<unsigned char>(line[0])) == 0 && line[0] != '*') {
-            is_in_section_ = line.rfind("OBJSENSE", 0) == 0;
-        }
-        is_maximised_ = is_maximised_ || (is_in_section_ && line.find("MAX") != std::string::npos);
-        return is_in_section_;
-    }
+    bool is_left_out(const char* line);
+    bool is_harmful(const std::vector<std::string>& words);
+    void refuse(const std::string& why);
+    void skip_rest(char* buffer, int size);
 
     std::unique_ptr<CoinFileInput> from_;
-    bool is_in_section_ = false;
-    bool is_maximised_ = false;
+    std::string& refusal_;
+    std::string section_;
 };
+
+char* line_filter::gets(char* buffer, int size) {
+    char* const line = from_->gets(buffer, size);
+    if (line == nullptr) {
+        return nullptr;
+    }
+    std::replace(line, line + std::strlen(line), '\t', ' ');
+    if (is_left_out(line)) {
+        skip_rest(buffer, size);
+        std::strcpy(line, "*\n");
+    }
+    return line;
+}
+
+/// The end of a line that was longer than the buffer.
+void line_filter::skip_rest(char* buffer, int size) {
+    while (std::strchr(buffer, '\n') == nullptr && from_->gets(buffer, size) != nullptr) {
+    }
+}
+
+void line_filter::refuse(const std::string& why) {
+    if (refusal_.empty()) {
+        refusal_ = why;
+    }
+}
+
+bool line_filter::is_left_out(const char* line) {
+    if (*line == '*') {
+        return true;
+    }
+    std::string text(line);
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    std::istringstream in(text);
+    const std::vector<std::string> words{std::istream_iterator<std::string>(in), {}};
+    if (!words.empty() && std::isspace(static_cast<unsigned char>(*line)) == 0) {
+        section_ = words[0];
+    }
+    return is_harmful(words) || section_ == "OBJSENSE";
+}
+
+/// Whether the reader may not see a line: it would change the program, or end the process.
+bool line_filter::is_harmful(const std::vector<std::string>& words) {
+    static const std::set<std::string> not_linear = {
+        "SOS", "QUADOBJ", "QMATRIX", "QSECTION", "QCMATRIX", "CSECTION", "INDICATORS"};
+    constexpr std::size_t longest = 150;
+    const auto is = [&](const std::string& word) {
+        return std::find(words.begin(), words.end(), word) != words.end();
+    };
+    if (section_ == "OBJSENSE" && (is("MAX") || is("MAXIMIZE") || is("MAXIMISE"))) {
+        refuse("this maximises, and only minimisation is read; turn the signs of the objective "
+               "around");
+    }
+    if (not_linear.count(section_) != 0 || is("'SOSORG'") || is("'SOSEND'")) {
+        refuse("sets, cones, quadratic and logical parts are not read, but there is " +
+               (not_linear.count(section_) != 0 ? "a section " + section_ : "a set"));
+        return true;
+    }
+    if (section_ == "BOUNDS" && !words.empty() && words[0] == "SC") {
+        refuse("semi-continuous columns are not read, but there is one");
+        return true;
+    }
+    if (std::any_of(words.begin(), words.end(),
+                    [](const std::string& each) { return each.size() > longest; })) {
+        refuse("there is a name of more than 150 characters");
+        return true;
+    }
+    return false;
+}
 
 /// Reads every file as a fixed, or as a free one. By itself the base class takes a file for a fixed
 /// one unless it says FREE.
 class mps_reader : public CoinMpsIO {
 public:
-    int read(const std::string& file, bool is_free) {
+    /// In `refusal`, why the program is not what the file says, if it is not.
+    int read(const std::string& file, bool is_free, std::string& refusal) {
         CoinFileInput* input = nullptr;
         if (dealWithFileName(file.c_str(), "", input) < 0) {
             return -1;
         }
         // The base class deletes it.
-        cardReader_ = new CoinMpsCardReader(new sense_filter(input), this);
+        cardReader_ = new CoinMpsCardReader(new line_filter(input, refusal), this);
         cardReader_->setFreeFormat(is_free);
         int count = 0;
         CoinSet** sets = nullptr;
@@ -111,18 +175,6 @@ void look_at_file(const std::string& file) {
     }
     if (std::filesystem::file_size(file, ignored) == 0) {
         throw trouble(file + ": the file is empty");
-    }
-}
-
-void refuse_maximisation(const std::string& file) {
-    sense_filter input(CoinFileInput::create(file));
-    std::array<char, 1024> line = {};
-    while (input.gets(line.data(), static_cast<int>(line.size())) != nullptr &&
-           std::string_view(line.data()).substr(0, 7) != "COLUMNS") {
-    }
-    if (input.is_maximised()) {
-        throw trouble(file + ": this maximises, and only minimisation is read; turn the signs of "
-                             "the objective around");
     }
 }
 
@@ -158,10 +210,10 @@ void round_bounds(model& of) {
             continue;
         }
         if (of.lower[j] > -no_bound) {
-            of.lower[j] = zktarn::util::epsilon_ceiling(of.lower[j], 0.0);
+            of.lower[j] = ceiling_of(of.lower[j], 0.0);
         }
         if (of.upper[j] < no_bound) {
-            of.upper[j] = zktarn::util::epsilon_floor(of.upper[j], 0.0);
+            of.upper[j] = floor_of(of.upper[j], 0.0);
         }
     }
 }
@@ -194,7 +246,19 @@ bool is_read(const CoinMpsIO& reader, int errors) {
     return errors == 0 && reader.getNumCols() > 0;
 }
 
+/// A name that stands twice, or nothing. The reader makes two columns of one that is interrupted.
+std::string repeated(std::vector<std::string> names) {
+    std::sort(names.begin(), names.end());
+    const auto place = std::adjacent_find(names.begin(), names.end());
+    return place == names.end() ? "" : *place;
+}
+
 model checked(model read) {
+    for (const auto* names : {&read.row_names, &read.column_names}) {
+        if (const std::string name = repeated(*names); !name.empty()) {
+            throw trouble(read.file + ": the name " + printable(name) + " stands twice");
+        }
+    }
     const auto elements = static_cast<std::size_t>(read.rows.getNumElements());
     if (!are_moderate(read.rows.getElements(), elements) ||
         !are_moderate(read.objective.data(), read.objective.size()) ||
@@ -215,7 +279,6 @@ model checked(model read) {
 
 model read_model(const std::string& file) {
     look_at_file(file);
-    refuse_maximisation(file);
     // The reader's sign for what a file does not say, so no number that a file would.
     constexpr double not_given = 1.2345678987654321e300;
     std::string complaint;
@@ -225,7 +288,11 @@ model read_model(const std::string& file) {
         mps_reader reader;
         reader.passInMessageHandler(&heard);
         reader.setInfinity(not_given);
-        const int errors = reader.read(file, is_free);
+        std::string refusal;
+        const int errors = reader.read(file, is_free, refusal);
+        if (!refusal.empty()) {
+            throw trouble(file + ": " + refusal);
+        }
         if (is_read(reader, errors)) {
             return checked(taken_from(reader, file));
         }

@@ -69,10 +69,8 @@ void walks::connect(std::int32_t a, std::int32_t b, bool is_odd, double length, 
 void walks::add_row(std::int32_t number) {
     const parity_row& row = in_.rows()[static_cast<std::size_t>(number)];
     const std::int32_t columns = row.odd.size() - 1;
-    if (columns <= 2) {
-        connect(columns >= 1 ? row.odd.index(1) : 0, columns == 2 ? row.odd.index(2) : 0,
-                row.is_odd, in_.value(row.odd.index(columns + 1)), number);
-    }
+    connect(columns >= 1 ? row.odd.index(1) : 0, columns == 2 ? row.odd.index(2) : 0, row.is_odd,
+            in_.value(row.odd.index(columns + 1)), number);
 }
 
 /// Dijkstra's method from a column to itself, odd; whether there is a walk that is short enough.
@@ -113,7 +111,7 @@ const parity_row& walks::sum(std::int32_t start) {
 }
 
 void walks::find(odd_sums& found) {
-    for (std::int32_t start = 0; start <= in_.columns(); ++start) {
+    for (std::int32_t start = 0; start <= in_.columns() && !found.is_stopped(); ++start) {
         if (walk(start)) {
             found.note(sum(start));
         }

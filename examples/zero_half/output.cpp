@@ -117,11 +117,7 @@ std::string quoted(const std::string& text) {
 /// Two columns: the number of the round and the seconds; and the bound.
 void send_data(std::FILE* to, const run_result& of) {
     std::fprintf(to, "$bounds << end_of_bounds\n");
-    if (of.first_bound) {
-        std::fprintf(to, "0 0 %.17g\n", *of.first_bound);
-    } else {
-        std::fprintf(to, "0 0 NaN\n"); // drawn as nothing
-    }
+    std::fprintf(to, "0 0 %.17g\n", *of.first_bound);
     for (const round_figures& each : of.rounds) {
         std::fprintf(to, "%d %.6f %.17g\n", each.round, each.seconds, each.bound);
     }
@@ -144,6 +140,13 @@ void write_plot(const std::deque<solved_model>& all, const std::string& file) {
     if (file.front() == '|' || std::any_of(file.begin(), file.end(), is_control)) {
         throw trouble("a picture cannot have the name " + quoted(file));
     }
+    // What was stopped before its first bound has nothing to draw.
+    const auto panels = static_cast<std::size_t>(
+        std::count_if(all.begin(), all.end(),
+                      [](const solved_model& each) { return each.run.first_bound.has_value(); }));
+    if (panels == 0) {
+        throw trouble(file + ": there is no bound to draw");
+    }
     // Where it cannot open its file it draws to its standard output. Where gnuplot is missing,
     // writing to it must not end this process; its exit status tells.
     const auto before = std::signal(SIGPIPE, SIG_IGN);
@@ -151,12 +154,14 @@ void write_plot(const std::deque<solved_model>& all, const std::string& file) {
     if (gnuplot == nullptr) {
         throw trouble(file + ": gnuplot cannot be started");
     }
-    const std::size_t panels = all.size();
     std::fprintf(gnuplot,
                  "set terminal svg size 1000,%zu\nset output %s\nset multiplot layout %zu,2\n"
                  "set key right bottom\nset xtics nomirror\nset ytics nomirror\nset border 3\n",
                  300 * panels, quoted(file).c_str(), panels);
     for (const solved_model& each : all) {
+        if (!each.run.first_bound) {
+            continue;
+        }
         const std::string title = std::filesystem::path(each.from.file).filename().string();
         std::fprintf(gnuplot, "set title %s noenhanced\n", quoted(title).c_str());
         send_data(gnuplot, each.run);

@@ -1,6 +1,7 @@
 #include "parity_system.hpp"
 
 #include <algorithm>
+#include <cmath>
 #include <unordered_map>
 
 #include "hashing.hpp"
@@ -13,6 +14,8 @@ using namespace zktarn::vector_mod;
 
 /// What is less is rounding of the relaxation's solver.
 constexpr double negligible = 1e-9;
+/// From a bound that is not there; infinities could not be subtracted again.
+constexpr double far_away = 1e6;
 
 } // namespace
 
@@ -73,7 +76,7 @@ void parity_system::find_candidates(std::span<const integral_row> pool,
         for (std::int32_t k = 1; k <= odd.size(); ++k) {
             right += bounds[static_cast<std::size_t>(odd.index(k))].bound;
         }
-        candidates_.push_back({static_cast<int>(i), zktarn::util::is_even_real(right, 0.0) == 0,
+        candidates_.push_back({static_cast<int>(i), std::fmod(right, 2.0) != 0.0,
                                slacks_[i] < negligible ? 0.0 : slacks_[i]});
     }
 }
@@ -108,7 +111,7 @@ void parity_system::number_columns(const std::vector<substitution>& bounds) {
     known.reserve(seen_.size());
     for (const std::int32_t j : seen_) {
         const column_look& look = looks_[static_cast<std::size_t>(j)];
-        const double value = bounds[static_cast<std::size_t>(j)].value;
+        const double value = std::min(bounds[static_cast<std::size_t>(j)].value, far_away);
         if (look.rows == 1) {
             candidates_[look.last_row].slack += value;
             continue;
@@ -134,8 +137,7 @@ void parity_system::drop_candidates(std::span<const integral_row> pool) {
         if (each.slack >= too_much_to_give) {
             continue;
         }
-        const std::uint64_t none = each.is_odd ? mixed(0) : 0;
-        std::uint64_t signature = none;
+        std::uint64_t signature = each.is_odd ? mixed(0) : 0;
         const sparse_vector& odd = pool[static_cast<std::size_t>(each.pool_row)].odd;
         for (std::int32_t k = 1; k <= odd.size(); ++k) {
             const std::int32_t element = element_[static_cast<std::size_t>(odd.index(k))];

@@ -5,6 +5,17 @@
 
 namespace zero_half {
 
+namespace {
+
+/// What the solver calls its outcomes.
+enum status { optimal = 0, infeasible = 1, unbounded = 2, stopped_by_event = 5 };
+
+/// Cuts are looked for by small violations, so more digits are asked for than usual.
+constexpr double tight = 1e-9;
+constexpr double usual = 1e-7;
+
+} // namespace
+
 relaxation::visitor::visitor(std::function<bool()> should_stop)
     : should_stop_(std::move(should_stop)) {}
 
@@ -24,24 +35,31 @@ relaxation::relaxation(const model& of, std::function<bool()> should_stop) {
     lp_.loadProblem(of.rows, of.lower.data(), of.upper.data(), of.objective.data(),
                     of.row_lower.data(), of.row_upper.data());
     lp_.setObjectiveOffset(-of.constant);
-    lp_.setPrimalTolerance(1e-9);
-    lp_.setDualTolerance(1e-9);
     const visitor handler(std::move(should_stop));
     lp_.passInEventHandler(&handler);
 }
 
+void relaxation::set_tolerance(double each) {
+    lp_.setPrimalTolerance(each);
+    lp_.setDualTolerance(each);
+}
+
 relaxation::outcome relaxation::solve() {
-    constexpr int stopped_by_event = 5;
+    set_tolerance(tight);
     lp_.dual();
-    if (lp_.status() != 0 && lp_.status() != stopped_by_event) {
+    if (lp_.status() == infeasible) {
+        // With large numbers it may be the tolerance that nothing meets.
+        set_tolerance(usual);
+        lp_.dual();
+    } else if (lp_.status() != optimal && lp_.status() != stopped_by_event) {
         lp_.primal();
     }
     switch (lp_.status()) {
-    case 0:
+    case optimal:
         return std::isfinite(lp_.objectiveValue()) ? outcome::optimal : outcome::trouble;
-    case 1:
+    case infeasible:
         return outcome::infeasible;
-    case 2:
+    case unbounded:
         return outcome::unbounded;
     case stopped_by_event:
         return outcome::stopped;

@@ -41,6 +41,8 @@ private:
         int iterations_ = 0;
     };
 
+    void set_tolerance(double each);
+
     ClpSimplex lp_;
 };
 

@@ -25,9 +25,9 @@ void judge(cut& of, const double* point) {
 } // namespace
 
 separator::separator(const model& from, zktarn::random::rng_state& random,
-                     const separation_options& options)
-    : from_(from), options_(options), sums_(options.enough), elimination_(random),
-      derivation_(from), selection_(from.column_count(), options.selection) {}
+                     std::function<bool()> should_stop, const separation_options& options)
+    : from_(from), options_(options), sums_(options.enough, std::move(should_stop)),
+      elimination_(random), derivation_(from), selection_(from, options.selection) {}
 
 std::vector<cut> separator::find(std::span<const integral_row> pool, const double* point) {
     bounds_ = nearest_bounds(from_, point);

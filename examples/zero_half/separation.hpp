@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
@@ -26,8 +27,9 @@ struct separation_options {
 /// Finds zero-half cuts: sums of rows, halved and rounded down (Caprara and Fischetti 1996).
 class separator {
 public:
+    /// `should_stop` is asked now and then; what has been found by then is what there is.
     separator(const model& from, zktarn::random::rng_state& random,
-              const separation_options& options = {});
+              std::function<bool()> should_stop, const separation_options& options = {});
 
     /// The best of the cuts found that `point` violates, of the rows of `pool`.
     std::vector<cut> find(std::span<const integral_row> pool, const double* point);

@@ -51,6 +51,12 @@ public:
 
 private:
     void solve_first();
+    bool should_stop() const {
+        return host_.is_interrupted() || seconds_since(start_) >= options_.seconds;
+    }
+    ending stopped() const {
+        return host_.is_interrupted() ? ending::interrupted : ending::time_used;
+    }
     bool is_over();
     /// Why there is no further round, if so.
     std::optional<ending> reason_to_end() const;
@@ -77,11 +83,8 @@ private:
 
 run::run(const model& from, const run_options& options)
     : from_(from), options_(options), host_(options.show, options.has_output_function),
-      random_(options.seed),
-      relaxation_(
-          from,
-          [this] { return host_.is_interrupted() || seconds_since(start_) >= options_.seconds; }),
-      separator_(from, random_.state()) {
+      random_(options.seed), relaxation_(from, [this] { return should_stop(); }),
+      separator_(from, random_.state(), [this] { return should_stop(); }) {
     result_.optimum = options.optimum;
 }
 
@@ -115,7 +118,7 @@ void run::solve_first() {
     case relaxation::outcome::unbounded:
         throw trouble(from_.file + ": the relaxation is unbounded");
     case relaxation::outcome::stopped:
-        end(ending_of(relaxation::outcome::stopped));
+        end(stopped());
         return;
     case relaxation::outcome::trouble:
         throw trouble(from_.file +
@@ -161,13 +164,18 @@ void run::one_round() {
     const std::vector<cut> cuts = separator_.find(result_.pool, relaxation_.point());
     const double separation_ms = seconds_since(begin) * 1e3;
     if (cuts.empty()) {
-        end(ending::no_cut_found);
+        end(should_stop() ? stopped() : ending::no_cut_found);
         return;
     }
     const clock::time_point solving = clock::now();
+    const std::size_t before = result_.pool.size();
     add(cuts);
     if (solve()) {
         note(separator_.found(), cuts.size(), separation_ms, seconds_since(solving) * 1e3);
+    } else if (result_.how != ending::no_integer_point) {
+        // A round that was not ended counts for nothing.
+        result_.pool.erase(result_.pool.begin() + static_cast<std::ptrdiff_t>(before),
+                           result_.pool.end());
     }
 }
 
@@ -198,7 +206,7 @@ ending run::ending_of(relaxation::outcome found) const {
     case relaxation::outcome::infeasible:
         return ending::no_integer_point;
     case relaxation::outcome::stopped:
-        return host_.is_interrupted() ? ending::interrupted : ending::time_used;
+        return stopped();
     default:
         return ending::numeric_trouble;
     }

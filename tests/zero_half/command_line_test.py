@@ -355,6 +355,13 @@ class CommandLine(unittest.TestCase):
         self.assertGreaterEqual(model["seconds"], 0.5)
         self.assertLess(model["seconds"], 10)
 
+    def test_round_that_time_ended_leaves_no_cuts(self):
+        file = self.write("long.mps", random_cover(400, 2000))
+        for limit in ("0.05", "0.1", "0.2", "0.4"):
+            _, (model,) = self.report(file, "--time-limit", limit)
+            self.assertEqual(model["cuts_kept"],
+                             sum(figures["cuts_kept"] for figures in model["rounds"]))
+
     def test_stops_where_the_gap_is_closed_as_far_as_asked(self):
         _, (model,) = self.report(self.cover, "--stop-at-gap", "50")
         self.assertEqual(model["status"], "gap_closed")
@@ -368,6 +375,30 @@ class CommandLine(unittest.TestCase):
             call, (model,) = self.report(self.write("odd.mps", content))
             self.assertEqual(model["status"], "no_integer_point")
             self.assertIn("there is no integer one", call.table()[0]["end"])
+
+    def test_optimum_where_there_is_no_integer_point_is_complained_about(self):
+        file = self.write("odd.mps", one_column(cost=1, coefficient=2).replace(" L r", " E r"))
+        call = self.call(file, "--optimum", "1", "--display", "final", status=1)
+        self.assert_one_sentence(call, file)
+        self.assertIn("there is no integer point", call.err)
+        self.assertEqual(len(call.table()), 1)
+
+    def test_integers_beyond_32_bits_are_rounded_like_others(self):
+        for least in (3_000_000_000, -3_000_000_000, -2_147_483_647, 123_456_789_012):
+            content = program({"x": {"cost": 1, "r": 2}, "y": {"cost": 1, "r": 2}}, {"r": "G"},
+                              [("r", 4 * least + 1)],
+                              [f" LO b {name} {least}.0" for name in "xy"])
+            _, (model,) = self.report(self.write("large.mps", content))
+            self.assertEqual((model["lp_bound"], model["bound"], model["status"]),
+                             (2 * least + 0.5, 2 * least + 1, "integral"))
+
+    def test_decimals_of_a_large_right_hand_side_are_not_lost(self):
+        content = program({"x": {"cost": -1, "r": 0.01}, "y": {"cost": -2, "r": 0.03},
+                           "z": {"cost": -1, "s": 2, "r": 0}}, {"r": "L", "s": "L"},
+                          [("r", 583704.70), ("s", 1)],
+                          [" UP b x 1e8", " UP b y 1e8", " UP b z 1"])
+        _, (model,) = self.report(self.write("cents.mps", content))
+        self.assertEqual((model["lp_bound"], model["bound"]), (-58370470.5, -58370470))
 
     def test_interrupt_ends_it_and_keeps_what_was_reached(self):
         file, report = self.write("long.mps", random_cover(300, 900)), self.folder / "report.json"
@@ -425,6 +456,47 @@ class CommandLine(unittest.TestCase):
         for head in (["OBJSENSE", "    MAX"], ["OBJSENSE MAX"], ["OBJSENSE", "    Maximize"]):
             with self.subTest(head):
                 self.refuse_program(one_column(head=head), "maximises")
+
+        late = one_column().replace("RHS\n", "OBJSENSE\n MAX\nRHS\n")
+        self.refuse_program(late, "maximises")
+        self.call(self.write("min.mps", one_column(head=["* MAX is not meant"])))
+
+    def test_what_is_no_linear_row_or_column_is_refused(self):
+        whole = one_column()
+        at_end = lambda *lines: whole.replace("ENDATA", "\n".join([*lines, "ENDATA"]))
+        for content, saying in (
+                (at_end("SOS", " S1 SOS s 1", " SOS x 1"), "a section SOS"),
+                (at_end("QUADOBJ", " x x 1"), "a section QUADOBJ"),
+                (at_end("CSECTION k 0 QUAD", " x"), "a section CSECTION"),
+                (whole.replace("INTORG", "SOSORG"), "a set"),
+                (one_column(bound=" SC b x 1"), "semi-continuous")):
+            with self.subTest(saying):
+                self.refuse_program(content, saying)
+
+    def test_names_that_cannot_be_told_apart_are_refused(self):
+        again = one_column().replace("RHS\n", " y r 1\n x s 1\nRHS\n").replace(
+            " L r\n", " L r\n L s\n")
+        call = self.call(self.write("again.mps", again), status=1)
+        self.assertRegex(call.err, r"again\.mps: the name x stands twice\n\Z")
+
+    def test_names_may_be_long_but_not_too_long(self):
+        for length, status in ((150, 0), (151, 1), (400, 1)):
+            name = "n" * length
+            for content in (one_column().replace(" x", " " + name),
+                            one_column().replace(" r ", f" {name} ").replace(
+                                " L r\n", f" L {name}\n"),
+                            one_column().replace("NAME t", "NAME " + name)):
+                call = self.call(self.write("long.mps", content), "--display", "off",
+                                 status=status)
+                self.assertEqual(call.err, "" if status == 0 else
+                                 f"zero_half: {self.folder / 'long.mps'}: there is a name of more "
+                                 "than 150 characters\n")
+
+    def test_tabs_and_long_comments_are_read(self):
+        plain = self.cover.read_text()
+        changed = "* " + "long " * 500 + "\n" + re.sub(r"(?<=\S) +(?=\S)", "\t", plain)
+        _, (model,) = self.report(self.write("tabs.mps", changed))
+        self.assertEqual((model["rows"], model["lp_bound"]), (15, 5.0))
 
     def test_missing_file(self):
         self.refuse(self.folder / "none.mps", "there is no such file")
@@ -570,6 +642,19 @@ class CommandLine(unittest.TestCase):
         self.assertIn("gnuplot", call.err)
         self.assertFalse(picture.exists())
 
+    def test_plot_leaves_out_what_has_no_bound(self):
+        picture = self.folder / "picture.svg"
+        file = self.write("long.mps", random_cover(250, 750))
+        call, (model,) = self.report(file, "--time-limit", "0", "--plot", picture, status=1)
+        self.assertIsNone(model["lp_bound"])
+        self.assert_one_sentence(call, picture)
+        self.assertIn("there is no bound to draw", call.err)
+        self.assertFalse(picture.exists())
+        self.call(file, self.cover, "--time-limit", "0", "--plot", picture)
+        text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
+        self.assertIn("petersen_cover.mps", text)
+        self.assertNotIn("long.mps", text)
+
     def test_names_are_no_commands_to_gnuplot(self):
         trace = self.folder / "trace"
         name = "x\nsystem 'touch trace'\n.mps"
@@ -580,6 +665,14 @@ class CommandLine(unittest.TestCase):
         self.assertFalse(trace.exists())
 
     # What is printed
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is full")
+    def test_standard_output_that_is_full(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = subprocess.run([PROGRAM, self.cover, "--display", "final"], stdout=full,
+                                  stderr=subprocess.PIPE, text=True, timeout=PATIENCE, check=False)
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, "zero_half: the standard output cannot be written\n"))
 
     def test_display_off_prints_nothing(self):
         self.assertEqual(self.call(self.cover, "--display", "off").out, "")
@@ -647,7 +740,7 @@ class CommandLine(unittest.TestCase):
             with self.subTest(arguments):
                 call = self.call(*arguments, status=2)
                 self.assertEqual(call.out, "")
-                self.assertNotEqual(call.err, "")
+                self.assertRegex(call.err, r"\Azero_half: [^\n]+; see zero_half --help\n\Z")
         self.assertEqual(list(self.folder.iterdir()), [])
 
     def test_help_names_every_option(self):

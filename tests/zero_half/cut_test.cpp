@@ -5,6 +5,7 @@
 
 #include "cut_selection.hpp"
 #include "derivation.hpp"
+#include "rounding.hpp"
 
 namespace zero_half::testing {
 
@@ -56,6 +57,30 @@ cut cut_with(std::vector<double> coefficients, double violation) {
 }
 
 } // namespace
+
+TEST(Rounding, IsExactBeyond32Bits) {
+    for (const double n : {0.0, 1.0, 2147483646.0, 2147483647.0, 2147483648.0, 3e9, 1e15}) {
+        EXPECT_EQ(floor_of(n, 0.0), n);
+        EXPECT_EQ(floor_of(-n, 0.0), -n);
+        EXPECT_EQ(ceiling_of(n, 0.0), n);
+        EXPECT_EQ(ceiling_of(-n, 0.0), -n);
+        EXPECT_FALSE(std::signbit(ceiling_of(n, 0.0)));
+    }
+    for (const double n : {0.0, 2147483646.0, 2147483647.0, 3e9}) {
+        EXPECT_EQ(floor_of(n + 0.5, 0.0), n);
+        EXPECT_EQ(floor_of(-n - 0.5, 0.0), -n - 1.0);
+        EXPECT_EQ(ceiling_of(n + 0.5, 0.0), n + 1.0);
+        EXPECT_EQ(ceiling_of(-n - 0.5, 0.0), -n);
+    }
+}
+
+TEST(Rounding, TakesAnIntegerWithinTheTolerance) {
+    EXPECT_EQ(floor_of(2.75, 0.25), 3.0);
+    EXPECT_EQ(floor_of(2.5, 0.25), 2.0);
+    EXPECT_EQ(ceiling_of(3.25, 0.25), 3.0);
+    EXPECT_EQ(ceiling_of(3.5, 0.25), 4.0);
+    EXPECT_EQ(floor_of(-3000000000.0625, 0.125), -3e9);
+}
 
 TEST(Derivation, HalvesTheSumOfATriangleIntoAnOddCycle) {
     const model from = of_columns(3);
@@ -140,7 +165,8 @@ TEST(Derivation, RefusesACutWithoutColumns) {
 }
 
 TEST(CutSelection, TakesTheFarthestFirst) {
-    cut_selection selection(3, {});
+    const model columns = of_columns(3);
+    cut_selection selection(columns, {});
     const auto kept = selection.best_of({cut_with({1, 0, 0}, 0.1), cut_with({0, 2, 0}, 0.3)});
     ASSERT_EQ(kept.size(), 2u);
     EXPECT_EQ(kept[0].columns, (std::vector<std::int32_t>{2}));
@@ -150,17 +176,39 @@ TEST(CutSelection, TakesTheFarthestFirst) {
 TEST(CutSelection, PassesByWhatIsParallelToABetterOne) {
     selection_options options;
     options.steps = {{{10, 0.85, 1.0}, {0, 1.0, 1.0}, {0, 1.0, 1.0}}};
-    cut_selection selection(3, options);
+    const model columns = of_columns(3);
+    cut_selection selection(columns, options);
     const auto kept = selection.best_of(
         {cut_with({1, 1, 0}, 0.3), cut_with({1, 1.1, 0}, 0.2), cut_with({1, 0, 1}, 0.1)});
     ASSERT_EQ(kept.size(), 2u);
     EXPECT_EQ(kept[1].columns, (std::vector<std::int32_t>{1, 3}));
 }
 
+TEST(CutSelection, PassesByWhatAnotherOneSaysAlready) {
+    model columns = of_columns(3);
+    const auto kept = [&](double larger, double right) {
+        cut better = cut_with({1, 1, larger}, 1.0);
+        cut worse = cut_with({1, 1, 0}, 0.1);
+        better.right = 1.0;
+        worse.right = right;
+        return cut_selection(columns, {}).best_of({better, worse}).size();
+    };
+    EXPECT_EQ(kept(5, 1), 1u);
+    EXPECT_EQ(kept(5, 2), 1u);
+    EXPECT_EQ(kept(5, 0), 2u) << "a smaller right-hand side";
+    EXPECT_EQ(kept(-5, 1), 2u) << "a smaller coefficient";
+    columns.lower[2] = -1.0;
+    EXPECT_EQ(kept(5, 1), 2u) << "a column that may be negative";
+    columns.lower[2] = 0.0;
+    columns.lower[0] = -1.0;
+    EXPECT_EQ(kept(5, 1), 1u) << "of which it has as much";
+}
+
 TEST(CutSelection, TakesParallelOnesWhereThereAreFew) {
     selection_options options;
     options.steps = {{{10, 0.85, 1.0}, {2, 0.9999, 1.0}, {0, 1.0, 1.0}}};
-    cut_selection selection(3, options);
+    const model columns = of_columns(3);
+    cut_selection selection(columns, options);
     const std::vector<cut> three = {cut_with({1, 1, 0}, 0.3), cut_with({1, 1.1, 0}, 0.2),
                                     cut_with({1, 1.2, 0}, 0.1)};
     EXPECT_EQ(selection.best_of(three).size(), 2u);
@@ -170,7 +218,8 @@ TEST(CutSelection, TakesParallelOnesWhereThereAreFew) {
 TEST(CutSelection, TakesSoManyAtMost) {
     selection_options options;
     options.steps = {{{2, 0.85, 1.0}, {0, 1.0, 1.0}, {0, 1.0, 1.0}}};
-    cut_selection selection(3, options);
+    const model columns = of_columns(3);
+    cut_selection selection(columns, options);
     EXPECT_EQ(
         selection
             .best_of({cut_with({1, 0, 0}, 0.1), cut_with({0, 1, 0}, 0.1), cut_with({0, 0, 1}, 0.1)})
@@ -182,17 +231,18 @@ TEST(CutSelection, RefusesDenseOnesUnlessTheyAreShortOrFew) {
     const std::vector<double> all(60, 1.0);
     selection_options options;
     options.steps = {{{10, 0.85, 0.8}, {0, 1.0, 0.8}, {0, 1.0, 1.0}}};
-    EXPECT_TRUE(cut_selection(60, options).best_of({cut_with(all, 0.1)}).empty());
-    EXPECT_EQ(cut_selection(75, options).best_of({cut_with(all, 0.1)}).size(), 1u);
+    EXPECT_TRUE(cut_selection(of_columns(60), options).best_of({cut_with(all, 0.1)}).empty());
+    EXPECT_EQ(cut_selection(of_columns(75), options).best_of({cut_with(all, 0.1)}).size(), 1u);
     options.steps[2] = {1, 1.0, 1.0};
-    EXPECT_EQ(cut_selection(60, options).best_of({cut_with(all, 0.1)}).size(), 1u);
+    EXPECT_EQ(cut_selection(of_columns(60), options).best_of({cut_with(all, 0.1)}).size(), 1u);
     const std::vector<double> few(50, 1.0);
     options.steps[2] = {0, 1.0, 1.0};
-    EXPECT_EQ(cut_selection(50, options).best_of({cut_with(few, 0.1)}).size(), 1u);
+    EXPECT_EQ(cut_selection(of_columns(50), options).best_of({cut_with(few, 0.1)}).size(), 1u);
 }
 
 TEST(CutSelection, RefusesCoefficientsThatAreFarApart) {
-    cut_selection selection(2, {});
+    const model columns = of_columns(2);
+    cut_selection selection(columns, {});
     EXPECT_EQ(selection.best_of({cut_with({1, -1e6}, 0.1)}).size(), 1u);
     EXPECT_TRUE(selection.best_of({cut_with({1, -1.1e6}, 0.1)}).empty());
 }
