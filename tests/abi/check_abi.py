@@ -21,6 +21,9 @@ SYSTEM_LIBRARIES = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
                     "ld-linux-x86-64.so.2", "ld-linux-aarch64.so.1"}
 HOST_MEMORY = {"qvMallocExOptim", "qvFreeExOptim"}
 TOOLCHAIN = {"_GLOBAL_OFFSET_TABLE_"}
+# What the system's start files would call if it were there.
+LINKER_HOOKS = {"_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable", "__gmon_start__",
+                "__cxa_finalize"}
 
 # Why a name has no business among the imports, where there is more to say than that it is not on
 # the list.
@@ -68,9 +71,9 @@ def exported(path):
 
 
 def imported(path, dynamic=True):
-    """Names that have to be found elsewhere; a weak one may be missing."""
-    return {name for name, _, binding, _, undefined in symbols(path, dynamic)
-            if undefined and binding == "GLOBAL"}
+    """Names that are looked for elsewhere, also those that may be missing."""
+    return {name for name, _, _, _, undefined in symbols(path, dynamic)
+            if undefined and name not in LINKER_HOOKS}
 
 
 def listed(path):

@@ -3,7 +3,9 @@
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <functional>
+#include <new>
 #include <ostream>
 #include <string>
 #include <utility>
@@ -70,6 +72,25 @@ bool vectors_in_every_mode() {
         failed |= made == 0;
         vector_type::vector_free(v);
     }
+    return failed;
+}
+
+bool rows_of_a_solver() {
+    vector_type::vector* row = nullptr;
+    vector_type::vector* sum = nullptr;
+    const flag has_row = vector_type::vector_alloc(row, 5);
+    const flag has_sum = vector_type::vector_alloc(sum, 5);
+    const bool failed = has_row == 0 || has_sum == 0;
+    if (!failed) {
+        vector_mod::vector_add_nz(*row, 2, 3.0);
+        vector_mod::vectors_combine(*sum, *row, 1.0, 2.0, 0.0);
+        vector_mod::vectors_calc_sym_diff(*sum, *row);
+        vector_mod::vector_mod2(*row, 0.0);
+        EXPECT_EQ(vector_mod::vector_get_nz(*sum), 0);
+        EXPECT_EQ(vector_mod::vector_get_nz(*row), 1);
+    }
+    vector_type::vector_free(row);
+    vector_type::vector_free(sum);
     return failed;
 }
 
@@ -152,6 +173,47 @@ bool values_in_slots() {
     return failed || copied == nullptr;
 }
 
+bool slots_that_are_taken() {
+    using namespace callbacks_type_util;
+    using numbers = std::array<double, 3>;
+    cbdatalist slot;
+    cbdatalist other;
+    bool failed = !store(slot, named());
+    failed |= !store(slot, numbers{1.0, 2.0, 3.0});
+    failed |= !store(other, named());
+    other = slot;
+    const numbers* const copied = stored<numbers>(other);
+    EXPECT_TRUE(copied == nullptr || (*copied)[2] == 3.0);
+    return failed || copied == nullptr;
+}
+
+/// Four entries: what every block has, and one length.
+callbacks_type_util::parameter_block* parameters_of_16_bytes() {
+    constexpr std::int64_t entries[] = {1, 4, 16, 16};
+    void* const block = ::operator new(sizeof entries, std::nothrow);
+    if (block != nullptr) {
+        std::memcpy(block, entries, sizeof entries);
+    }
+    return static_cast<callbacks_type_util::parameter_block*>(block);
+}
+
+bool a_value_with_parameters() {
+    using namespace callbacks_type_util;
+    constexpr value_type text = {.size = 1, .has_parameters = 1};
+    cbdatalist original;
+    original.slot = {::operator new(16, std::nothrow), &text, parameters_of_16_bytes()};
+    if (original.slot.value == nullptr || original.slot.parameters == nullptr) {
+        ::operator delete(original.slot.value);
+        ::operator delete(original.slot.parameters);
+        original.slot = {};
+        return true;
+    }
+    std::memset(original.slot.value, 'x', 16);
+    const cbdatalist copy = original;
+    EXPECT_EQ(static_cast<char*>(original.slot.value)[15], 'x');
+    return copy.slot.value == nullptr;
+}
+
 bool a_report_to_the_output_function() {
     using namespace callbacks_util;
     standin::set_function("tarnCallback", [](const standin::array_value&) { return 1.0; });
@@ -178,10 +240,13 @@ bool short_and_long_lines() {
 
 constexpr scenario scenarios[] = {
     {"vectors in every mode", vectors_in_every_mode, 20},
+    {"rows of a solver", rows_of_a_solver, 8},
     {"arrays of every type", arrays_of_every_type, 9},
     {"random numbers and a snapshot", random_numbers_and_a_snapshot, 4},
     {"the record of a solve", the_record_of_a_solve, 1},
     {"values in slots", values_in_slots, 6},
+    {"slots that are taken", slots_that_are_taken, 6},
+    {"a value with parameters", a_value_with_parameters, 4},
     {"a report to the output function", a_report_to_the_output_function, 9, true},
     {"short and long lines", short_and_long_lines, 3, true},
 };

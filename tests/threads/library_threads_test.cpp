@@ -124,6 +124,15 @@ TEST(LibraryThreads, DISABLED_AnArrayIsShared) {
     memory_mod::freemem_r8_1d_array(array);
 }
 
+TEST(LibraryThreads, DISABLED_ASlotIsShared) {
+    callbacks_type_util::cbdatalist slot;
+    on_two_threads([&](int t) {
+        for (int round = 0; round < 100; ++round) {
+            callbacks_type_util::store(slot, t);
+        }
+    });
+}
+
 TEST(LibraryThreads, DISABLED_TheBridgeIsShared) {
     on_two_threads([](int) {
         for (int round = 0; round < 100; ++round) {
