@@ -90,13 +90,14 @@ inline bool has_member(const vector& v, std::int32_t j) noexcept {
     return false;
 }
 
-/// Whether the list of x has room for what y lists and x does not.
+/// Whether the list of x has room for what y lists and x does not; where there are marks and no
+/// list, there is none. In dense mode nothing is listed.
 inline bool has_room_for(const vector& x, const vector& y) noexcept {
     if (!x.ind.present()) {
         return !x.elm.present() || y.nz < 1;
     }
     std::int64_t room = x.ind.extent[0] - x.nz;
-    for (std::int32_t k = 0; k < y.nz && room >= 0; ++k) {
+    for (std::int32_t k = 0; k < y.nz; ++k) {
         room -= has_member(x, y.ind.data[k]) ? 0 : 1;
     }
     return room >= 0;

@@ -161,7 +161,7 @@ ZKTARN_API_INLINE void vector_add_nz(vector& v, const std::int32_t& j,
 /// mode.
 ZKTARN_API_INLINE void vector_rem_nz(vector& v, const std::int32_t& k) noexcept {
     const std::int32_t position = k;
-    ZKTARN_CHECK(position >= 1 && position <= v.nz);
+    ZKTARN_CHECK(position <= v.nz);
     const std::int32_t j = v.ind(position);
     v.ind(position) = v.ind(v.nz);
     v.elm(j) = 0;
