@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Runs the static analysers over the library and the stand-in: clang-tidy, cppcheck, and GCC's own.
+# Runs the static analysers over the library and the stand-in: clang-tidy, cppcheck, and GCC's own;
+# clang-tidy and GCC's once more over the library as a checked build has it.
 # Fails at the first one that finds something, or that misses what is planted for it.
 set -euo pipefail
 
@@ -17,6 +18,7 @@ cd "$root"
 build=build/analysis
 broken=tests/analysis/broken
 flags=(-std=c++20 -I src -I standin/include -I standin/src)
+checked=-DZKTARN_CHECKED
 
 # refuses WORD COMMAND...: the command fails on what is planted for it, and names it.
 refuses() {
@@ -27,7 +29,15 @@ refuses() {
     fi
 }
 
+# accepts COMMAND...: the command finds nothing in what is sound without checks.
+accepts() {
+    "$@" >/dev/null 2>&1 || fail "$1 finds something where it is planted for a checked build alone"
+}
+
 tidy_one() { "$tidy" --quiet "$@"; }
+
+# tidy_them [OPTION...] < FILES
+tidy_them() { xargs -P "$jobs" -n 1 "$tidy" --quiet -p "$build" "$@"; }
 
 cppcheck_them() {
     cppcheck --quiet --std=c++20 --language=c++ --library=posix --error-exitcode=1 \
@@ -38,9 +48,10 @@ cppcheck_them() {
 
 # In C++, GCC 12 follows neither exceptions nor containers, so the stand-in, which has both, is left
 # to the others. Nor does it know the width of an element where a vector of them is shifted.
+# analyze_one FILE [OPTION...]
 analyze_one() {
     "$analyzer" "${flags[@]}" -DZKTARN_BUILDING -O2 -fno-exceptions -fno-rtti -fanalyzer -Werror \
-        -Wno-analyzer-shift-count-overflow -c -o /dev/null "$1"
+        -Wno-analyzer-shift-count-overflow -c -o /dev/null "$@"
 }
 
 # On a Mac g++ is another name of Clang, which has no such option.
@@ -55,13 +66,22 @@ all=("${sources[@]}" standin/src/*.cpp)
 refuses bugprone-use-after-move tidy_one "$broken/tidy.cpp" -- "${flags[@]}"
 refuses arrayIndexOutOfBounds cppcheck_them "$broken/cppcheck.cpp"
 [ -z "$analyzer" ] || refuses use-after-free analyze_one "$broken/analyzer.cpp"
-echo "planted: each analyser finds its own"
+# What is planted in checks is there in a checked build, and only there.
+refuses bugprone-integer-division tidy_one "$broken/checked.cpp" -- "${flags[@]}" "$checked"
+accepts tidy_one "$broken/checked.cpp" -- "${flags[@]}"
+if [ -n "$analyzer" ]; then
+    refuses use-after-free analyze_one "$broken/checked.cpp" "$checked"
+    accepts analyze_one "$broken/checked.cpp"
+fi
+echo "planted: each analyser finds its own, and what is in checks"
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++ \
     -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
-printf '%s\n' "${all[@]}" | xargs -P "$jobs" -n 1 "$tidy" --quiet -p "$build"
+printf '%s\n' "${all[@]}" | tidy_them
+printf '%s\n' "${sources[@]}" | tidy_them --extra-arg="$checked"
 checks=$("$tidy" --list-checks "${sources[0]}" -p "$build" | grep -c '^    ')
 echo "clang-tidy: ${#all[@]} files, $checks checks, 0 findings"
+echo "clang-tidy, checked build: ${#sources[@]} files of the library, $checks checks, 0 findings"
 
 cppcheck_them src/zktarn standin/src
 echo "cppcheck: ${#all[@]} files, 0 findings"
@@ -69,6 +89,8 @@ echo "cppcheck: ${#all[@]} files, 0 findings"
 if [ -n "$analyzer" ]; then
     for source in "${sources[@]}"; do
         analyze_one "$source"
+        analyze_one "$source" "$checked"
     done
     echo "GCC -fanalyzer: ${#sources[@]} files of the library, 0 findings"
+    echo "GCC -fanalyzer, checked build: ${#sources[@]} files of the library, 0 findings"
 fi
