@@ -19,7 +19,7 @@ ASSIGNING = {
     "<<=": ">>=", ">>=": "<<=", "++": "--", "--": "++",
 }  # fmt: skip
 # The order of these arguments does not matter.
-SYMMETRIC = {"min", "max", "swap"}
+SYMMETRIC = {"min", "max", "swap", "binary_gcd"}
 
 
 @dataclass(frozen=True)

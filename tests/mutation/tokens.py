@@ -15,6 +15,12 @@ PATTERN = re.compile(
     re.VERBOSE | re.MULTILINE | re.DOTALL,
 )
 
+# Variables that decide when a procedure takes the other of two ways to the same result, and nothing
+# else, each with the reason why no result depends on it.
+ONLY_TIME = {
+    "patience": "entries are dropped one by one or in blocks, with the same list left",
+}
+
 CLOSING = {"(": ")", "[": "]", "{": "}", "[[": "]]"}
 TYPE_HEADS = {"struct", "class", "union", "enum", "concept"}
 BODY_BEFORE = {")", "]", "]]", "noexcept", "const", "mutable", "else", "do", "try", "{", "}", ";"}
@@ -114,6 +120,8 @@ class Source:
                 "decltype",
             ):
                 self._mask_through(index, self.partner[index + 1])
+            elif token.text in ONLY_TIME:
+                self._mask_through(*self._statement_around(index))
             elif token.text in ("using", "concept", "operator", "namespace"):
                 end = index
                 while self.tokens[end].text not in (";", "{", "(", "="):
@@ -122,6 +130,15 @@ class Source:
                     while self.tokens[end].text != ";":
                         end = self.partner.get(end, end) + 1
                 self._mask_through(index, end)
+
+    def _statement_around(self, index):
+        """The first and the last token of a statement, or of the condition of one."""
+        first = last = index
+        while self.tokens[first - 1].text not in (";", "{", "}", "("):
+            first -= 1
+        while self.tokens[last].text not in (";", ")"):
+            last = self.partner.get(last, last) + 1
+        return first, last
 
     def _mask_through(self, first, last):
         for token in self.tokens[first : last + 1]:

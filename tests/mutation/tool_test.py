@@ -83,6 +83,10 @@ class Operators(unittest.TestCase):
     def test_prefetching_has_no_mutants(self):
         self.assertEqual(changes(body("__builtin_prefetch(p + 1, 1);"), "arithmetic"), [])
 
+    def test_what_decides_about_time_alone_has_no_mutants(self):
+        code = "int patience = 16;\npatience -= 1;\nif (patience + k / 8 < 0) {\nk += h;\n}"
+        self.assertEqual(changes(body(code)), [";", "k -= h;"])
+
     def test_conditions_are_negated_where_no_other_mutant_does_it(self):
         self.assertEqual(changes(body("if (a && b) {\ng();\n}"), "condition"), ["if (!(a && b)) {"])
         self.assertEqual(changes(body("while (is(a)) {\ng();\n}"), "condition"),

@@ -71,6 +71,12 @@ TEST(Xcopy, CopiesTheFirstRealsBitForBit) {
     EXPECT_EQ(to[3], 9.0);
 }
 
+// What the standard library does with a null address is undefined, even for 0 elements.
+TEST(Xcopy, OfNothingTakesNullAddresses) {
+    PROCEDURE(xcopy_i4, "_ZN6zktarn4util8xcopy_i4EPKiPiRS1_")(nullptr, nullptr, 0);
+    PROCEDURE(xzero_i4, "_ZN6zktarn4util8xzero_i4EPiRKi")(nullptr, 0);
+}
+
 TEST(Xzero, ClearsTheFirstIntegers) {
     const auto clear = [](std::int32_t* array, std::int32_t n) {
         PROCEDURE(xzero_i4, "_ZN6zktarn4util8xzero_i4EPiRKi")(array, n);

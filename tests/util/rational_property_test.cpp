@@ -209,6 +209,17 @@ TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
     });
 }
 
+// Small values without a tolerance, and bounds that let the recurrence of the convergents go on
+// when it is rounded: which fraction fits then is a matter of a single last place.
+TEST(RationalProperty, AgreesWithTheRulesBehindTheLastExactConvergent) {
+    expect_agreement_on_many(20261205, [](inputs& draw) -> question {
+        const double x =
+            draw.sign() * std::ldexp(1.0 + draw.uniform(), -static_cast<int>(draw.below(22)));
+        return {x, 0.0,
+                std::ldexp(1e15 * (1.0 + draw.uniform()), static_cast<int>(draw.below(13)))};
+    });
+}
+
 // Reals so large that they have few digits or none for a fraction.
 TEST(RationalProperty, AgreesWithTheRulesOnLargeValues) {
     expect_agreement_on_many(20261204, [](inputs& draw) -> question {

@@ -200,6 +200,15 @@ TEST(RationalRep, TakesTheNeighbourOfAConvergentWhereRoundingMakesItFit) {
               (answer{1, 4529520470854438.0, 9150082569495704.0}));
     EXPECT_EQ(rational(-0x1.9559646421671p-2, 0.0, 0x1.33e3ac7f0ed13p+53),
               (answer{1, -3991414201577360.0, 10083178312511280.0}));
+    EXPECT_EQ(rational(-0x1.e0917cac6ed37p-7, 0.0, 1e16),
+              (answer{1, -130353766537272.0, 8888293600092137.0}));
+}
+
+TEST(RationalRep, RoundsEachNumberOfAConvergentOnce) {
+    // Beyond 2^53 a rounded product makes another fraction, which fits or does not.
+    EXPECT_EQ(rational(0x1.f1540acab4ba4p-18, 0.0, 4e17), none);
+    EXPECT_EQ(rational(0x1.ef07561a375cfp-19, 0.0, 5e18),
+              (answer{1, 9416199715123.0, 2553025795245499904.0}));
 }
 
 } // namespace

@@ -2,11 +2,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <numeric>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/guarded_page.hpp"
 #include "vector_mod/listing.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 
@@ -15,6 +17,7 @@ namespace {
 using namespace zktarn::vector_mod;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using zktarn::testing::guarded_page;
 using zktarn::testing::listing;
 using zktarn::testing::made_vector;
 
@@ -320,6 +323,23 @@ TEST(SymDiff, AnEntryThatIsDroppedEndsUnmarkedWhateverItsMarkWas) {
         for (std::int32_t j = 1; j <= length; ++j) {
             EXPECT_EQ(x->elm(j), j <= length - 2 ? 1 : 0) << length << ": " << j;
         }
+    }
+}
+
+TEST(SymDiff, ReadsNothingBesideTheListOfTheOther) {
+    // More entries than are looked ahead, so that some are looked ahead to and the last are not.
+    std::vector<std::int32_t> indices(16);
+    std::iota(indices.begin(), indices.end(), 3);
+    const guarded_page page;
+    for (std::int32_t* const list : {page.at_the_begin(indices), page.at_the_end(indices)}) {
+        made_vector x(40);
+        vector y;
+        y.ind.data = list;
+        y.ind.extent[0] = 16;
+        y.ind.lower_bound[0] = 1;
+        y.nz = 16;
+        vectors_calc_sym_diff(*x, y);
+        EXPECT_EQ(listing(*x), indices);
     }
 }
 

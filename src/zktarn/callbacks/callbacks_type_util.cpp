@@ -39,26 +39,24 @@ void release_parameters(value_slot& slot) noexcept {
     }
 }
 
-/// Gives a slot with the bits of another one what that one owns. Returns false when there is no
-/// storage; the slot then owns nothing.
-bool clone(value_slot& slot) noexcept {
+/// Gives a slot with the bits of another one what that one owns. When there is no storage, the slot
+/// is left empty and owns nothing.
+void clone(value_slot& slot) noexcept {
     if (owns_parameters(slot)) {
         const auto size = slot.parameters->count * static_cast<std::int64_t>(sizeof(std::int64_t));
         slot.parameters = static_cast<parameter_block*>(duplicate(slot.parameters, size));
         if (slot.parameters == nullptr) {
-            return false;
+            slot.value = nullptr;
+            return;
         }
         slot.parameters->owned = 1;
     }
     slot.value = duplicate(slot.value, size_of_value(slot));
     if (slot.value == nullptr) {
         release_parameters(slot);
-        return false;
-    }
-    if (slot.type->copy != nullptr) {
+    } else if (slot.type->copy != nullptr) {
         slot.type->copy(slot.value, 1);
     }
-    return true;
 }
 
 } // namespace
@@ -86,8 +84,8 @@ void _cbdatalistinitialise(cbdatalist& first, const std::int32_t& count) noexcep
 
 void _cbdatalistcopy(cbdatalist& first, const std::int32_t& count) noexcept {
     for (cbdatalist& each : records(first, count)) {
-        if (each.slot.value != nullptr && !clone(each.slot)) {
-            each.slot.value = nullptr;
+        if (each.slot.value != nullptr) {
+            clone(each.slot);
         }
     }
 }

@@ -22,7 +22,7 @@ bool poll(std::int32_t ctrlc) noexcept {
     if (cbisctrlcon(ctrlc) == 0) {
         return false;
     }
-    interrupt_seen = host::utIsInterruptPending() ? 1 : 0;
+    interrupt_seen = host::utIsInterruptPending();
     return interrupt_seen != 0;
 }
 
@@ -74,7 +74,8 @@ void print_line(std::string_view line) noexcept {
         print_by_pieces(line);
         return;
     }
-    void* const storage = ::operator new(line.size() + 1, std::nothrow);
+    const std::size_t size = line.size() + 1;
+    void* const storage = ::operator new(size, std::nothrow);
     if (storage == nullptr) {
         print_by_pieces(line);
         return;
@@ -82,14 +83,13 @@ void print_line(std::string_view line) noexcept {
     char* const buffer = static_cast<char*>(storage);
     std::memcpy(buffer, line.data(), line.size());
     buffer[line.size()] = '\n';
-    print(buffer, line.size() + 1);
+    print(buffer, size);
     ::operator delete(storage);
 }
 
 } // namespace
 
 void cbinit(cbdata*& cb) noexcept {
-    cb = nullptr;
     cb = new (std::nothrow) cbdata;
     if (cb != nullptr) {
         cb->nodes_explored = 0;

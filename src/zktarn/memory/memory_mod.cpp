@@ -37,9 +37,9 @@ flag allocate(array_2d<T>& array, matrix_shape shape) noexcept {
     array.data = nullptr;
     std::int64_t count = 0;
     if (__builtin_mul_overflow(shape.rows, shape.columns, &count)) {
-        // The exact product lies beyond 64 bits: far below 1 where the signs differ, a request
-        // that no host can meet where they agree.
-        return (shape.rows < 0) != (shape.columns < 0) ? 1 : 0;
+        // The exact product lies beyond 64 bits: far below 1 where the signs, the highest bits,
+        // differ, a request that no host can meet where they agree.
+        return (shape.rows ^ shape.columns) < 0 ? 1 : 0;
     }
     if (count < 1) {
         return 1;

@@ -30,13 +30,13 @@ namespace detail {
 template <class Exchange>
 [[gnu::always_inline]] inline void shell_sort(std::int64_t first, std::int64_t last,
                                               Exchange& exchange) {
-    const std::int64_t n = last - first + 1;
+    const std::int64_t distance = last - first;
     std::int64_t beyond = 4;
-    while (n >= beyond) {
+    while (distance >= beyond) {
         beyond = 3 * beyond + 1;
     }
     for (std::int64_t gap = beyond / 3; gap >= 1; gap /= 3) {
-        // Empty where the gap is not smaller than n.
+        // Empty where the gap is larger than the distance.
         for (std::int64_t end = first + gap; end <= last; ++end) {
             for (std::int64_t a = end - gap; a >= first; a -= gap) {
                 // Made anew for each call; whoever writes to them writes to nothing else.

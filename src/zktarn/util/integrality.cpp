@@ -27,7 +27,7 @@ double fractional(const double& x) noexcept {
     if (magnitude < 0.5) {
         return magnitude;
     }
-    const double rounded = static_cast<double>(detail::truncate_i64(x + (x > 0.0 ? 0.5 : -0.5)));
+    const double rounded = static_cast<double>(detail::truncate_i64(x + std::copysign(0.5, x)));
     return std::fabs(rounded - x);
 }
 

@@ -89,7 +89,7 @@ using pair_of_masks = std::int64_t __attribute__((vector_size(16)));
 [[gnu::always_inline]] inline std::uint32_t screen_power(const screen& screened, double power,
                                                          double bound) noexcept {
     const pair x = {screened.x, screened.x};
-    pair_of_masks found = {0, 0};
+    pair_of_masks found = {};
     pair_of_masks bits = {1, 2};
     for (std::size_t i = 0; i < bases.size(); i += 2) {
         const pair d = pair{bases[i], bases[i + 1]} * power;
@@ -226,8 +226,8 @@ fraction rational_rep(double x, double eps, double max_den) noexcept {
     if (std::isnan(x) || std::isnan(eps)) {
         return {};
     }
-    const double magnitude = std::fabs(max_den);
-    const double bound = magnitude > 1.0 ? magnitude : 1.0;
+    // Of a bound that is no number, `max` takes the first argument.
+    const double bound = std::max(1.0, std::fabs(max_den));
     const fraction hit = decimal_search(x, eps, bound);
     if (hit.found || std::isinf(bound)) {
         return hit;

@@ -15,6 +15,13 @@ namespace zktarn::util {
 
 namespace {
 
+/// What a supplier says of an element; 0 is what it leaves alone.
+struct element {
+    double value;
+    flag marked;
+    flag selected;
+};
+
 /// The elements as the search sees them: supplied one by one, and filtered.
 struct elements {
     std::int32_t count;
@@ -23,13 +30,16 @@ struct elements {
     bool skip_marked;
     bool selected_only;
 
-    /// Gets element i. Returns whether it takes part.
-    bool get(std::int32_t i, double& value) const noexcept {
-        flag marked = 0;
-        flag selected = 0;
-        supply(i, value, marked, selected);
-        return (!skip_marked || marked == 0) && (!selected_only || selected != 0) &&
-               std::fabs(value) > eps;
+    /// The supplier gets an index of its own.
+    element get(std::int32_t i) const noexcept {
+        element each{};
+        supply(i, each.value, each.marked, each.selected);
+        return each;
+    }
+
+    bool takes_part(const element& each) const noexcept {
+        return (!skip_marked || each.marked == 0) && (!selected_only || each.selected != 0) &&
+               std::fabs(each.value) > eps;
     }
 
     /// The smallest magnitude above eps of all elements, whether they take part or not.
@@ -39,12 +49,7 @@ struct elements {
     double smallest_magnitude() const noexcept {
         auto smallest = std::bit_cast<std::int64_t>(std::numeric_limits<double>::max());
         for (std::int32_t i = 1; i <= count; ++i) {
-            const std::int32_t index = i;
-            double value = 0.0;
-            flag marked = 0;
-            flag selected = 0;
-            supply(index, value, marked, selected);
-            const double magnitude = std::fabs(value);
+            const double magnitude = std::fabs(get(i).value);
             if (magnitude > eps) {
                 smallest = std::min(smallest, std::bit_cast<std::int64_t>(magnitude));
             }
@@ -124,10 +129,11 @@ trial scale_to_integral(const elements& set, double start, double max_scalar) no
         return failed;
     }
     for (std::int32_t i = 1; i <= set.count; ++i) {
-        double value = 0.0;
-        if (!set.get(i, value)) {
+        const element each = set.get(i);
+        if (!set.takes_part(each)) {
             continue;
         }
+        const double value = each.value;
         // A product below one half would pass as an integral zero.
         while (!(std::fabs(value) * scalar >= 0.5 && is_integral(value * scalar, set.eps))) {
             if (std::isinf(scalar)) {
@@ -148,11 +154,11 @@ trial construct(const elements& set, double max_den, double max_scalar) noexcept
     double multiple = 1.0;
     bool first = true;
     for (std::int32_t i = 1; i <= set.count; ++i) {
-        double value = 0.0;
-        if (!set.get(i, value)) {
+        const element each = set.get(i);
+        if (!set.takes_part(each)) {
             continue;
         }
-        const detail::fraction represented = detail::rational_rep(value, set.eps, max_den);
+        const detail::fraction represented = detail::rational_rep(each.value, set.eps, max_den);
         if (!represented.found) {
             return failed;
         }

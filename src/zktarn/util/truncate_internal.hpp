@@ -19,10 +19,10 @@ inline std::int64_t truncate_i64(double value) noexcept {
     if (std::fabs(value) < beyond) {
         return static_cast<std::int64_t>(value);
     }
-    if (value > 0.0) {
-        return limits::max();
+    if (std::isnan(value)) {
+        return 0;
     }
-    return value < 0.0 ? limits::min() : 0;
+    return std::signbit(value) ? limits::min() : limits::max();
 }
 
 inline std::int32_t truncate_i32(double value) noexcept {

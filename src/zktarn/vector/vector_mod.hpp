@@ -28,6 +28,7 @@ namespace detail {
 /// 16 or 32 bytes.
 template <std::int32_t count>
 [[gnu::always_inline]] inline bool is_among(const std::int32_t* entries, std::int32_t j) noexcept {
+    static_assert(count % 8 == 0);
     using lanes = std::int32_t __attribute__((vector_size(32)));
     lanes hits = {};
     for (std::int32_t i = 0; i < count; i += 8) {
@@ -36,7 +37,7 @@ template <std::int32_t count>
         hits |= next == j;
     }
     std::int64_t words[4];
-    std::memcpy(words, &hits, sizeof words);
+    std::memcpy(words, &hits, sizeof hits);
     return (words[0] | words[1] | words[2] | words[3]) != 0;
 }
 

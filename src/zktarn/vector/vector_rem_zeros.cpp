@@ -71,10 +71,8 @@ template <class Entries>
 } // namespace
 
 void vector_rem_zeros(vector& v) noexcept {
-    if (v.nz < 1) {
-        return;
-    }
-    ZKTARN_CHECK(v.coef.present() && detail::has_one_capacity(v) && detail::lists_elements(v, v));
+    ZKTARN_CHECK(v.nz < 1 ||
+                 (v.coef.present() && detail::has_one_capacity(v) && detail::lists_elements(v, v)));
     std::int32_t* const list = v.ind.data;
     v.nz = v.elm.present() ? drop(list, v.nz, marked_entries{v.coef.data, v.elm.data})
                            : drop(list, v.nz, listed_entries{v.coef.data});
