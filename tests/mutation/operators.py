@@ -18,8 +18,8 @@ ASSIGNING = {
     "+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "&=": "|=", "|=": "&=", "^=": "|=",
     "<<=": ">>=", ">>=": "<<=", "++": "--", "--": "++",
 }  # fmt: skip
-# The order of these arguments does not matter.
-SYMMETRIC = {"min", "max", "swap", "binary_gcd"}
+# The order of the first two arguments does not matter.
+SYMMETRIC = {"min", "max", "swap", "binary_gcd", "real_gcd"}
 
 
 @dataclass(frozen=True)
@@ -165,13 +165,12 @@ def _swap_arguments(source, index, add):
             return
     elif before.text in (")", "]", "]]", "noexcept", "const", "else", ";", "{", "}"):
         return
-    if before.text in SYMMETRIC:
-        return
     parts = source.arguments(index)
     inside = source.texts(index, source.partner[index])
     if source.tokens[index].text == "{" and ";" in inside:
         return
-    for (a, a_end), (b, b_end) in zip(parts, parts[1:]):
+    pairs = list(zip(parts, parts[1:]))
+    for (a, a_end), (b, b_end) in pairs[before.text in SYMMETRIC :]:
         start, end = source.tokens[a].start, source.tokens[b_end - 1].end
         left = source.text[start : source.tokens[a_end - 1].end]
         right = source.text[source.tokens[b].start : end]

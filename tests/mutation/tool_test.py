@@ -116,6 +116,9 @@ class Operators(unittest.TestCase):
 
     def test_arguments_of_which_the_order_does_not_matter_stay(self):
         self.assertEqual(changes(body("k = std::min(a, b) + h(c, c);"), "arguments"), [])
+        self.assertEqual(
+            changes(body("k = real_gcd(a, b, c);"), "arguments"), ["k = real_gcd(a, c, b);"]
+        )
 
     def test_parameters_are_not_swapped(self):
         self.assertEqual(changes("int f(int a, int b) {\nreturn g([](int c, int d) {});\n}"), [])

@@ -226,8 +226,8 @@ fraction rational_rep(double x, double eps, double max_den) noexcept {
     if (std::isnan(x) || std::isnan(eps)) {
         return {};
     }
-    // Of a bound that is no number, `max` takes the first argument.
-    const double bound = std::max(1.0, std::fabs(max_den));
+    const double magnitude = std::fabs(max_den);
+    const double bound = magnitude > 1.0 ? magnitude : 1.0;
     const fraction hit = decimal_search(x, eps, bound);
     if (hit.found || std::isinf(bound)) {
         return hit;

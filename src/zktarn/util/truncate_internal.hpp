@@ -16,7 +16,7 @@ inline std::int64_t truncate_i64(double value) noexcept {
     // The largest integer is no real; one more than it is. Whatever lies strictly within +-2^63
     // truncates into the range, and -2^63 itself is its lower end.
     constexpr double beyond = 9223372036854775808.0;
-    if (std::fabs(value) < beyond) {
+    if (std::fabs(value) < beyond) [[likely]] {
         return static_cast<std::int64_t>(value);
     }
     if (std::isnan(value)) {

@@ -75,8 +75,8 @@ public:
 
     /// Drops the dead entries and returns how many entries are left.
     [[gnu::always_inline]] std::int64_t run() noexcept {
-        std::int64_t front = 0;
         std::int64_t front_end = 0;
+        std::int64_t front = front_end;
         std::int64_t back = length_;
         std::uint64_t holes = 0;
         std::uint64_t living = 0;

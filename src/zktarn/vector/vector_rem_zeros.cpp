@@ -45,13 +45,15 @@ struct zeros_judge {
 
 /// Nothing is faster than a branch on each entry as long as zeros are rare, so that the branch is
 /// predictable. Where they turn out to be frequent, the rest is dropped in blocks.
+///
+/// @param length  at least 1.
 template <class Entries>
 [[gnu::always_inline]] inline std::int32_t drop(std::int32_t* list, std::int32_t length,
                                                 Entries entries) noexcept {
     std::int32_t k = 0;
     std::int32_t left = length;
     std::int32_t patience = 16;
-    while (k < left) {
+    do {
         if (!entries.is_dead(list[k])) {
             k += 1;
             continue;
@@ -64,15 +66,17 @@ template <class Entries>
             return k + detail::compact(list + k, left - k, detail::to_the_end,
                                        zeros_judge<Entries>{entries});
         }
-    }
+    } while (k < left);
     return left;
 }
 
 } // namespace
 
 void vector_rem_zeros(vector& v) noexcept {
-    ZKTARN_CHECK(v.nz < 1 ||
-                 (v.coef.present() && detail::has_one_capacity(v) && detail::lists_elements(v, v)));
+    if (v.nz < 1) {
+        return;
+    }
+    ZKTARN_CHECK(v.coef.present() && detail::has_one_capacity(v) && detail::lists_elements(v, v));
     std::int32_t* const list = v.ind.data;
     v.nz = v.elm.present() ? drop(list, v.nz, marked_entries{v.coef.data, v.elm.data})
                            : drop(list, v.nz, listed_entries{v.coef.data});
