@@ -45,15 +45,13 @@ struct zeros_judge {
 
 /// Nothing is faster than a branch on each entry as long as zeros are rare, so that the branch is
 /// predictable. Where they turn out to be frequent, the rest is dropped in blocks.
-///
-/// @param length  at least 1.
 template <class Entries>
 [[gnu::always_inline]] inline std::int32_t drop(std::int32_t* list, std::int32_t length,
                                                 Entries entries) noexcept {
     std::int32_t k = 0;
     std::int32_t left = length;
     std::int32_t patience = 16;
-    do {
+    while (k < left) {
         if (!entries.is_dead(list[k])) {
             k += 1;
             continue;
@@ -66,7 +64,7 @@ template <class Entries>
             return k + detail::compact(list + k, left - k, detail::to_the_end,
                                        zeros_judge<Entries>{entries});
         }
-    } while (k < left);
+    }
     return left;
 }
 
