@@ -29,14 +29,19 @@ struct stage {
     std::unique_ptr<CglZeroHalf> peer;
 };
 
+bool never() {
+    return false;
+}
+
 /// The course of a run of the example.
 class course {
 public:
     explicit course(const std::string& file)
-        : from_(read_model(file)), own_(from_, random_.state()), pool_(integral_rows_of(from_)) {
+        : from_(read_model(file)), own_(from_, random_.state(), never),
+          pool_(integral_rows_of(from_)) {
         constexpr int most_stages = 20;
-        relaxation lp(from_, [] { return false; });
-        separator guide(from_, random_.state());
+        relaxation lp(from_, never);
+        separator guide(from_, random_.state(), never);
         while (static_cast<int>(stages_.size()) < most_stages &&
                lp.solve() == relaxation::outcome::optimal) {
             keep(lp);

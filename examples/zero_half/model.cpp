@@ -72,7 +72,8 @@ char* line_filter::gets(char* buffer, int size) {
     std::replace(line, line + std::strlen(line), '\t', ' ');
     if (is_left_out(line)) {
         skip_rest(buffer, size);
-        std::strcpy(line, "*\n");
+        // Without a line NAME the reader counts what it has not set.
+        std::strcpy(line, section_ == "NAME" ? "NAME\n" : "*\n");
     }
     return line;
 }
