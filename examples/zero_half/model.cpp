@@ -73,7 +73,7 @@ char* line_filter::gets(char* buffer, int size) {
     if (is_left_out(line)) {
         skip_rest(buffer, size);
         // Without a line NAME the reader counts what it has not set.
-        std::strcpy(line, section_ == "NAME" ? "NAME\n" : "*\n");
+        std::strcpy(line, std::strncmp(line, "NAME", 4) == 0 ? "NAME\n" : "*\n");
     }
     return line;
 }
