@@ -1,0 +1,765 @@
+#!/usr/bin/env python3
+"""Calls the zero-half solver as its users do and looks at all that it prints, writes and answers.
+
+Usage: command_line_test.py PROGRAM FOLDER [TEST ...]
+"""
+
+import errno
+import gzip
+import json
+import os
+import pathlib
+import pty
+import random
+import re
+import select
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import xml.etree.ElementTree
+
+import jsonschema
+
+HERE = pathlib.Path(__file__).resolve().parent
+MODELS = HERE.parents[1] / "solvers" / "zero_half" / "models"
+sys.path.insert(0, str(MODELS))
+sys.dont_write_bytecode = True
+import instances  # noqa: E402
+
+SCHEMA = json.loads((HERE / "report.schema.json").read_text(encoding="utf-8"))
+TABLE = ["model", "rows", "columns", "lp_bound", "bound", "optimum", "gap", "cuts", "seconds",
+         "end"]
+ROUND = ["round", "bound", "gap", "found", "kept", "separation_ms", "lp_ms"]
+NO_LEAK = re.compile(r"host memory: \d+ requests, 0 refused, 0 blocks not given back")
+PATIENCE = 60  # seconds until a call counts as hanging
+
+# The MPS reader of the library that the program uses leaks on some files that are none; a leak
+# checker, where the program was built with one, shall look at the program.
+LEAKS_OF_THE_READER = "leak:CoinMpsIO::readMps\n"
+
+PROGRAM = ""
+FOLDER = pathlib.Path()
+
+
+
+def program(columns, rows, right=(), bounds=(), head=(), integer=True):
+    """A free MPS file of {column: {row: coefficient}} and {row: kind}, all numbers as they come."""
+    marked = lambda what: [f" M 'MARKER' '{what}'"] if integer else []
+    lines = ["NAME t", *head, "ROWS", " N cost", *(f" {kind} {row}" for row, kind in rows.items()),
+             "COLUMNS", *marked("INTORG")]
+    lines += [f" {column} {row} {value}" for column, entries in columns.items()
+              for row, value in entries.items()]
+    lines += [*marked("INTEND"), "RHS", *(f" rhs {row} {value}" for row, value in right),
+              "BOUNDS", *bounds, "ENDATA", ""]
+    return "\n".join(lines)
+
+
+def one_column(cost=-1, coefficient=1, right=1, bound=" UP b x 1", **more):
+    """Minimise cost * x where coefficient * x <= right."""
+    return program({"x": {"cost": cost, "r": coefficient}}, {"r": "L"}, [("r", right)], [bound],
+                   **more)
+
+
+def mixed_columns(is_fixed=False, head=()):
+    """Columns of every kind of bounds, a continuous one and a constant. As fixed MPS, with a name
+    in which there is a blank."""
+    name = "my col" if is_fixed else "my_col"
+    entries = [(name, "cost", -1), (name, "r0", 1), (name, "r1", 1), ("x1", "cost", -1),
+               ("x1", "r0", 1), ("x1", "r2", 1), ("x2", "cost", -1), ("x2", "r1", 1),
+               ("x2", "r2", 1), ("x3", "cost", 2), ("x3", "r3", 1), ("x4", "cost", 1),
+               ("x4", "r3", 1)]
+    y = [("y", "cost", 0.25), ("y", "r3", 1)]
+    bounds = [("UP", name, 1), ("UP", "x1", 1), ("UP", "x2", 1), ("LO", "x3", -9), ("UP", "x3", 7),
+              ("FX", "x4", 2), ("LO", "y", 0.5), ("UP", "y", 2.5)]
+    line = ("    {:<10}{:<8}  {:>12}" if is_fixed else " {} {} {}").format
+    bound = (" {} BND       {:<8}  {:>12}" if is_fixed else " {} BND {} {}").format
+    marker = ("    M         'MARKER'                 '{}'" if is_fixed
+              else " M 'MARKER' '{}'").format
+    return "\n".join(
+        ["NAME          MIXED" + ("" if not head else " ".join(["", *head])), "ROWS", " N  cost",
+         " L  r0", " L  r1", " L  r2", " G  r3", "COLUMNS", marker("INTORG"),
+         *(line(*entry) for entry in entries), marker("INTEND"), *(line(*entry) for entry in y),
+         "RHS", *(line("RHS", *entry) for entry in
+                  [("r0", 1), ("r1", 1), ("r2", 1), ("r3", -1), ("cost", -7)]),
+         "BOUNDS", *(bound(*entry) for entry in bounds), "ENDATA", ""])
+
+
+def random_cover(nodes, edges):
+    """A vertex cover that takes many rounds."""
+    generator = random.Random(7)
+    chosen = set()
+    while len(chosen) < edges:
+        chosen.add(tuple(sorted(generator.sample(range(nodes), 2))))
+    return instances.mps("random", *instances.vertex_cover(sorted(chosen)))
+
+
+def columns_of(file):
+    """What a free MPS file says of its columns: (names in order, integer ones, bounds)."""
+    section, in_integers, names, integers, bounds = "", False, [], set(), {}
+    for line in file.read_text().splitlines():
+        words = line.split()
+        if not line.startswith(" "):
+            section = words[0]
+        elif section == "COLUMNS" and words[1] == "'MARKER'":
+            in_integers = words[-1] == "'INTORG'"
+        elif section == "COLUMNS":
+            names += [] if words[0] in names else [words[0]]
+            integers |= {words[0]} if in_integers else set()
+        elif section == "BOUNDS":
+            kind, _, name = words[:3]
+            low, high = bounds.get(name, (0.0, float("inf")))
+            value = float(words[3]) if len(words) > 3 else 0.0
+            if kind in ("BV", "LI", "UI"):
+                integers.add(name)
+            bounds[name] = {"UP": (low, value), "UI": (low, value), "LO": (value, high),
+                            "LI": (value, high), "FX": (value, value), "BV": (0.0, 1.0),
+                            "PL": (low, float("inf")),
+                            "MI": (-float("inf"), high)}[kind]
+    return names, integers, {name: bounds.get(name, (0.0, float("inf"))) for name in names}
+
+
+class Call:
+    """A finished call and what it printed."""
+
+    def __init__(self, status, out, err):
+        self.status, self.out, self.err = status, out, err
+
+    def table(self):
+        lines = self.out.splitlines()
+        start = next(i for i, line in enumerate(lines) if line.startswith("model "))
+        rows = []
+        for line in lines[start + 1:]:
+            if not line.startswith("host memory"):
+                rows.append(dict(zip(TABLE, line.split(None, len(TABLE) - 1))))
+        return rows
+
+    def rounds(self):
+        """The printed rounds, a list for each model."""
+        models = []
+        for line in self.out.splitlines():
+            if line.startswith("round "):
+                models.append([])
+            elif models and re.match(r" *\d+ ", line):
+                models[-1].append(dict(zip(ROUND, line.split())))
+        return models
+
+
+class CommandLine(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.own = FOLDER / "instances"
+        subprocess.run([sys.executable, str(MODELS / "instances.py"), str(cls.own)], check=True)
+        cls.names = [name for name, _, _ in instances.INSTANCES]
+        cls.optima = {name: optimum for name, _, optimum in instances.INSTANCES}
+
+    def setUp(self):
+        self.folder = pathlib.Path(tempfile.mkdtemp(dir=FOLDER))
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.cover = self.own / "petersen_cover.mps"
+
+    def write(self, name, content):
+        path = self.folder / name
+        path.write_bytes(content if isinstance(content, bytes) else content.encode())
+        return path
+
+    def call(self, *arguments, status=0, environment=None, folder=None):
+        run = subprocess.run([PROGRAM, *map(str, arguments)], stdin=subprocess.DEVNULL,
+                             capture_output=True, timeout=PATIENCE, env=environment,
+                             cwd=folder)
+        found = Call(run.returncode, run.stdout.decode(), run.stderr.decode())
+        self.assertEqual(found.status, status, (found.out, found.err))
+        if status == 0:
+            self.assertEqual(found.err, "")
+        return found
+
+    def report(self, *arguments, status=0):
+        """A call and the models in the JSON that it wrote, which fits the schema."""
+        file = self.folder / "report.json"
+        call = self.call(*arguments, "--json", file, status=status)
+        return call, self.read_report(file)
+
+    def read_report(self, file):
+        record = json.loads(file.read_text(encoding="utf-8"))
+        jsonschema.Draft7Validator(SCHEMA).validate(record)
+        return record["models"]
+
+    def assert_one_sentence(self, call, about):
+        """One line on standard error, which names the file."""
+        self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
+        self.assertTrue(call.err.startswith(f"zero_half: {about}: "), call.err)
+        self.assertNotRegex(call.err[:-1], r"[\x00-\x1f\x7f]")
+
+    def refuse(self, file, saying=""):
+        """The file is refused, and the model after it solved, printed and written all the same."""
+        call, models = self.report(file, self.cover, status=1)
+        self.assert_one_sentence(call, file)
+        self.assertIn(saying, call.err)
+        self.assertEqual([model["file"] for model in models], [str(self.cover)])
+        self.assertEqual([row["model"] for row in call.table()], [self.cover.name])
+        self.assertEqual(models[0]["gap_closed_percent"], 100.0)
+        self.assertRegex(call.out, NO_LEAK)
+
+    def refuse_program(self, content, saying=""):
+        self.refuse(self.write("bad.mps", content), saying)
+
+    # What is computed
+
+    def test_every_own_instance_closes_its_gap(self):
+        call = self.call(*(self.own / name for name in self.names))
+        table = call.table()
+        self.assertEqual([row["model"] for row in table], self.names)
+        for row in table:
+            with self.subTest(row["model"]):
+                self.assertEqual(float(row["optimum"]), self.optima[row["model"]])
+                self.assertEqual(float(row["bound"]), self.optima[row["model"]])
+                self.assertLess(float(row["lp_bound"]), self.optima[row["model"]])
+                self.assertEqual(row["gap"], "100.00")
+                self.assertGreater(int(row["cuts"]), 0)
+        self.assertRegex(call.out.splitlines()[-1], NO_LEAK)
+
+    def test_report_agrees_with_table_and_lines(self):
+        call, models = self.report(*(self.own / name for name in self.names))
+        table, rounds = call.table(), call.rounds()
+        self.assertEqual(len(models), len(self.names))
+        self.assertEqual(len(rounds), len(self.names))
+        for name, model, row, lines in zip(self.names, models, table, rounds):
+            with self.subTest(name):
+                self.assert_row_says(row, model)
+                self.assert_lines_say(lines, model)
+                self.assertEqual(model["file"], str(self.own / name))
+
+    def assert_row_says(self, row, model):
+        self.assertEqual(row["model"], pathlib.Path(model["file"]).name)
+        for key in ("rows", "columns"):
+            self.assertEqual(int(row[key]), model[key])
+        self.assertEqual(int(row["cuts"]), model["cuts_kept"])
+        for key, member in (("lp_bound", "lp_bound"), ("bound", "bound"), ("optimum", "optimum"),
+                            ("gap", "gap_closed_percent")):
+            self.assert_printed(row[key], model[member])
+        self.assertAlmostEqual(float(row["seconds"]), model["seconds"], delta=0.006)
+
+    def assert_lines_say(self, lines, model):
+        self.assertGreater(len(lines), 0)
+        self.assertEqual(len(lines), len(model["rounds"]))
+        for count, (line, figures) in enumerate(zip(lines, model["rounds"]), start=1):
+            self.assertEqual(int(line["round"]), count)
+            self.assertEqual(figures["round"], count)
+            self.assertEqual(int(line["found"]), figures["cuts_found"])
+            self.assertEqual(int(line["kept"]), figures["cuts_kept"])
+            self.assertLessEqual(figures["cuts_kept"], figures["cuts_found"])
+            self.assert_printed(line["bound"], figures["bound"])
+            self.assert_printed(line["gap"], figures["gap_closed_percent"])
+            self.assertAlmostEqual(float(line["lp_ms"]), figures["lp_ms"], delta=0.06)
+        bounds = [model["lp_bound"]] + [figures["bound"] for figures in model["rounds"]]
+        self.assertEqual(bounds, sorted(bounds))
+        self.assertEqual(model["bound"], bounds[-1])
+        self.assertEqual(sum(figures["cuts_kept"] for figures in model["rounds"]),
+                         model["cuts_kept"])
+
+    def assert_printed(self, text, value):
+        if value is None:
+            self.assertEqual(text, "-")
+        else:
+            self.assertAlmostEqual(float(text), value, delta=0.0051 if "." in text else 0.5)
+
+    def test_unknown_optimum_is_null_and_a_dash(self):
+        file = self.write("cover.mps", self.cover.read_bytes())
+        call, (model,) = self.report(file)
+        self.assertIsNone(model["optimum"])
+        self.assertIsNone(model["gap_closed_percent"])
+        self.assertEqual({figures["gap_closed_percent"] for figures in model["rounds"]}, {None})
+        self.assertEqual((call.table()[0]["optimum"], call.table()[0]["gap"]), ("-", "-"))
+        self.assertEqual(model["bound"], 6.0)
+
+    def test_optimum_from_the_command_line(self):
+        file = self.write("cover.mps", self.cover.read_bytes())
+        _, (model,) = self.report(file, "--optimum", "7")
+        self.assertEqual(model["optimum"], 7.0)
+        self.assertAlmostEqual(model["gap_closed_percent"], 50.0)
+
+    def test_optimum_that_a_bound_disproves(self):
+        for optimum, gap in (("5.25", 100.0), ("4", None)):
+            with self.subTest(optimum):
+                call, (model,) = self.report(self.cover, "--optimum", optimum, status=1)
+                self.assertEqual(call.err, f"zero_half: {self.cover}: the bound is above the optimum "
+                                 "that was given, which cannot be\n")
+                if gap is None:
+                    self.assertIsNone(model["gap_closed_percent"])
+                else:
+                    self.assertGreaterEqual(model["gap_closed_percent"], gap)
+
+    def test_command_line_overrules_the_table_of_optima(self):
+        _, (model,) = self.report(self.cover, "--optimum", "7")
+        self.assertEqual(model["optimum"], 7.0)
+
+    def test_table_of_optima_beside_the_model(self):
+        self.write("optima.csv", "file,optimum\nxcover.mps,1\ncover.mps,6.5\n")
+        file = self.write("cover.mps", self.cover.read_bytes())
+        _, (model,) = self.report(file)
+        self.assertEqual(model["optimum"], 6.5)
+        self.assertAlmostEqual(model["gap_closed_percent"], 100 / 1.5)
+
+    def test_optimum_in_the_table_that_is_no_number_is_none(self):
+        file = self.write("cover.mps", self.cover.read_bytes())
+        for text in ("", "many", "nan", "inf", "1e999"):
+            with self.subTest(text):
+                self.write("optima.csv", f"cover.mps,{text}\n")
+                call, (model,) = self.report(file)
+                self.assertIsNone(model["optimum"])
+                self.assertEqual(call.table()[0]["optimum"], "-")
+
+    def test_same_seed_gives_the_same_figures(self):
+        times = {"seconds", "separation_ms", "lp_ms"}
+        without = lambda record: {key: value for key, value in record.items() if key not in times}
+        file = self.write("random.mps", random_cover(40, 90))
+        found = []
+        for _ in range(2):
+            _, (model,) = self.report(file, "--seed", "5", "--rounds", "6")
+            model["rounds"] = [without(figures) for figures in model["rounds"]]
+            found.append(without(model))
+        self.assertEqual(found[0], found[1])
+        self.assertGreaterEqual(len(found[0]["rounds"]), 2)
+
+    def test_row_that_is_divided_and_rounded_is_a_cut(self):
+        _, (model,) = self.report(
+            self.write("divided.mps", one_column(coefficient=3, bound=" PL b x")))
+        self.assertAlmostEqual(model["lp_bound"], -1 / 3)
+        self.assertEqual((model["bound"], model["status"]), (0.0, "integral"))
+
+    def test_constant_belongs_to_the_bound(self):
+        _, (model,) = self.report(self.write(
+            "constant.mps", program({"x": {"cost": -1, "r": 1}}, {"r": "L"},
+                                    [("r", 1), ("cost", -7)], [" UP b x 1"])))
+        self.assertEqual((model["lp_bound"], model["bound"]), (6.0, 6.0))
+
+    # Where it ends
+
+    def test_no_rounds(self):
+        call, (model,) = self.report(self.cover, "--rounds", "0")
+        self.assertEqual((model["status"], model["rounds"]), ("rounds_used", []))
+        self.assertEqual((model["bound"], model["gap_closed_percent"]), (5.0, 0.0))
+        self.assertEqual(call.table()[0]["end"], "all rounds were used")
+
+    def test_no_time(self):
+        _, (model,) = self.report(self.cover, "--time-limit", "0")
+        self.assertEqual((model["status"], model["rounds"]), ("time_used", []))
+
+    def test_time_ends_a_long_run(self):
+        file = self.write("long.mps", random_cover(250, 750))
+        _, (model,) = self.report(file, "--time-limit", "0.5", "--rounds", "100000")
+        self.assertEqual(model["status"], "time_used")
+        self.assertGreaterEqual(model["seconds"], 0.5)
+        self.assertLess(model["seconds"], 10)
+
+    def test_round_that_time_ended_leaves_no_cuts(self):
+        file = self.write("long.mps", random_cover(400, 2000))
+        for limit in ("0.05", "0.1", "0.2", "0.4"):
+            _, (model,) = self.report(file, "--time-limit", limit)
+            self.assertEqual(model["cuts_kept"],
+                             sum(figures["cuts_kept"] for figures in model["rounds"]))
+
+    def test_stops_where_the_gap_is_closed_as_far_as_asked(self):
+        _, (model,) = self.report(self.cover, "--stop-at-gap", "50")
+        self.assertEqual(model["status"], "gap_closed")
+        self.assertEqual([figures["bound"] for figures in model["rounds"]], [5.5])
+
+    def test_cuts_prove_that_there_is_no_integer_point(self):
+        alone = one_column(cost=1, coefficient=2).replace(" L r", " E r")
+        pair = program({"x": {"cost": 1, "r": 2}, "y": {"cost": 1, "r": 2}}, {"r": "E"},
+                       [("r", 1)], [" UP b x 1", " UP b y 1"])
+        for content in (alone, pair):
+            call, (model,) = self.report(self.write("odd.mps", content))
+            self.assertEqual(model["status"], "no_integer_point")
+            self.assertIn("there is no integer one", call.table()[0]["end"])
+
+    def test_optimum_where_there_is_no_integer_point_is_complained_about(self):
+        file = self.write("odd.mps", one_column(cost=1, coefficient=2).replace(" L r", " E r"))
+        call = self.call(file, "--optimum", "1", "--display", "final", status=1)
+        self.assert_one_sentence(call, file)
+        self.assertIn("there is no integer point", call.err)
+        self.assertEqual(len(call.table()), 1)
+
+    def test_integers_beyond_32_bits_are_rounded_like_others(self):
+        for least in (3_000_000_000, -3_000_000_000, -2_147_483_647, 123_456_789_012):
+            content = program({"x": {"cost": 1, "r": 2}, "y": {"cost": 1, "r": 2}}, {"r": "G"},
+                              [("r", 4 * least + 1)],
+                              [f" LO b {name} {least}.0" for name in "xy"])
+            _, (model,) = self.report(self.write("large.mps", content))
+            self.assertEqual((model["lp_bound"], model["bound"], model["status"]),
+                             (2 * least + 0.5, 2 * least + 1, "integral"))
+
+    def test_decimals_of_a_large_right_hand_side_are_not_lost(self):
+        content = program({"x": {"cost": -1, "r": 0.01}, "y": {"cost": -2, "r": 0.03},
+                           "z": {"cost": -1, "s": 2, "r": 0}}, {"r": "L", "s": "L"},
+                          [("r", 583704.70), ("s", 1)],
+                          [" UP b x 1e8", " UP b y 1e8", " UP b z 1"])
+        _, (model,) = self.report(self.write("cents.mps", content))
+        self.assertEqual((model["lp_bound"], model["bound"]), (-58370470.5, -58370470))
+
+    def test_interrupt_ends_it_and_keeps_what_was_reached(self):
+        file, report = self.write("long.mps", random_cover(300, 900)), self.folder / "report.json"
+        child = subprocess.Popen([PROGRAM, str(file), str(self.cover), "--rounds", "100000",
+                                  "--time-limit", "600", "--json", str(report)],
+                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        try:
+            seen = b""
+            deadline = time.monotonic() + PATIENCE
+            while not re.search(rb"\n +2 .*\n", seen) and time.monotonic() < deadline:
+                if select.select([child.stdout], [], [], 1)[0]:
+                    seen += os.read(child.stdout.fileno(), 65536)
+            sent = time.monotonic()
+            child.send_signal(signal.SIGINT)
+            rest, err = child.communicate(timeout=PATIENCE)
+        finally:
+            child.kill()
+            child.wait()
+        self.assertLess(time.monotonic() - sent, 5)
+        call = Call(child.returncode, (seen + rest).decode(), err.decode())
+        self.assertEqual((call.status, call.err), (130, ""))
+        (model,) = self.read_report(report)
+        self.assertEqual(model["status"], "interrupted")
+        self.assertGreater(model["bound"], model["lp_bound"])
+        self.assertEqual(model["bound"], model["rounds"][-1]["bound"])
+        (row,) = call.table()
+        self.assert_printed(row["bound"], model["bound"])
+        self.assertEqual(row["end"], "it was interrupted")
+        self.assertEqual(len(call.rounds()[0]), len(model["rounds"]))
+        self.assertRegex(call.out.splitlines()[-1], NO_LEAK)
+
+    # What is read
+
+    def test_fixed_free_and_compressed_files_are_the_same_model(self):
+        files = [self.write("fixed.mps", mixed_columns(is_fixed=True)),
+                 self.write("free.mps", mixed_columns()),
+                 self.write("marked.mps", mixed_columns(head=["FREE"])),
+                 self.write("packed.mps.gz", gzip.compress(mixed_columns().encode()))]
+        _, models = self.report(*files)
+        figures = [{key: model[key] for key in ("rows", "columns", "lp_bound", "bound",
+                                                "cuts_kept", "status")} for model in models]
+        self.assertEqual(figures, [figures[0]] * len(files))
+        # The constant 7, x4 at 2, y at 2.5, x3 at -5.5 where the row r3 holds it, and of the other
+        # three, of which no two go together, 1.5 without cuts and 1 with them.
+        rest = 7 + 2 + 2.5 / 4 - 2 * 5.5
+        self.assertEqual((figures[0]["lp_bound"], figures[0]["bound"]), (rest - 1.5, rest - 1))
+
+    def test_minimisation_may_be_said(self):
+        for head in (["OBJSENSE", "    MIN"], ["OBJSENSE", "    minimize"], ["* MAX"]):
+            call, (model,) = self.report(self.write("minimise.mps", one_column(head=head)),
+                                         "--display", "off")
+            self.assertEqual((call.out, model["bound"]), ("", -1.0))
+
+    def test_maximisation_is_refused(self):
+        for head in (["OBJSENSE", "    MAX"], ["OBJSENSE MAX"], ["OBJSENSE", "    Maximize"]):
+            with self.subTest(head):
+                self.refuse_program(one_column(head=head), "maximises")
+
+        late = one_column().replace("RHS\n", "OBJSENSE\n MAX\nRHS\n")
+        self.refuse_program(late, "maximises")
+        self.call(self.write("min.mps", one_column(head=["* MAX is not meant"])))
+
+    def test_what_is_no_linear_row_or_column_is_refused(self):
+        whole = one_column()
+        at_end = lambda *lines: whole.replace("ENDATA", "\n".join([*lines, "ENDATA"]))
+        for content, saying in (
+                (at_end("SOS", " S1 SOS s 1", " SOS x 1"), "a section SOS"),
+                (at_end("QUADOBJ", " x x 1"), "a section QUADOBJ"),
+                (at_end("CSECTION k 0 QUAD", " x"), "a section CSECTION"),
+                (whole.replace("INTORG", "SOSORG"), "a set"),
+                (one_column(bound=" SC b x 1"), "semi-continuous")):
+            with self.subTest(saying):
+                self.refuse_program(content, saying)
+
+    def test_names_that_cannot_be_told_apart_are_refused(self):
+        again = one_column().replace("RHS\n", " y r 1\n x s 1\nRHS\n").replace(
+            " L r\n", " L r\n L s\n")
+        call = self.call(self.write("again.mps", again), status=1)
+        self.assertRegex(call.err, r"again\.mps: the name x stands twice\n\Z")
+
+    def test_names_may_be_long_but_not_too_long(self):
+        for length, status in ((150, 0), (151, 1), (400, 1)):
+            name = "n" * length
+            for content in (one_column().replace(" x", " " + name),
+                            one_column().replace(" r ", f" {name} ").replace(
+                                " L r\n", f" L {name}\n"),
+                            one_column().replace("NAME t", "NAME " + name)):
+                call = self.call(self.write("long.mps", content), "--display", "off",
+                                 status=status)
+                self.assertEqual(call.err, "" if status == 0 else
+                                 f"zero_half: {self.folder / 'long.mps'}: there is a name of more "
+                                 "than 150 characters\n")
+
+    def test_tabs_and_long_comments_are_read(self):
+        plain = self.cover.read_text()
+        changed = "* " + "long " * 500 + "\n" + re.sub(r"(?<=\S) +(?=\S)", "\t", plain)
+        _, (model,) = self.report(self.write("tabs.mps", changed))
+        self.assertEqual((model["rows"], model["lp_bound"]), (15, 5.0))
+
+    def test_missing_file(self):
+        self.refuse(self.folder / "none.mps", "there is no such file")
+
+    def test_empty_file(self):
+        self.refuse_program("", "the file is empty")
+
+    def test_folder(self):
+        self.refuse(self.folder, "not a file")
+
+    @unittest.skipIf(os.geteuid() == 0, "everything is readable to root")
+    def test_unreadable_file(self):
+        file = self.write("secret.mps", self.cover.read_bytes())
+        file.chmod(0)
+        self.refuse(file, "cannot be read")
+
+    def test_truncated_file(self):
+        whole = self.cover.read_text()
+        for percent in (10, 50, 75, 90, 97):
+            with self.subTest(percent):
+                self.refuse_program(whole[:len(whole) * percent // 100], "this is no MPS file")
+        with self.subTest("without its last line"):
+            self.refuse_program(whole.replace("ENDATA\n", ""), "this is no MPS file")
+
+    def test_truncated_compressed_file(self):
+        packed = gzip.compress(self.cover.read_bytes())
+        for size in (5, len(packed) // 2):
+            with self.subTest(size):
+                self.refuse(self.write("bad.mps.gz", packed[:size]), "this is no MPS file")
+
+    def test_complaint_about_a_free_file_is_the_free_reader_s(self):
+        self.refuse_program(self.cover.read_text().replace("UP bnd x5 1", "UP bnd x77 1"), "x77")
+
+    def test_nonsense(self):
+        self.refuse_program("hello\nworld\n", "this is no MPS file")
+
+    def test_binary_file(self):
+        self.refuse_program(bytes(range(256)) * 50, "this is no MPS file")
+
+    def test_no_integer_column(self):
+        self.refuse_program(one_column(integer=False), "no column is integer")
+
+    def test_infeasible_relaxation(self):
+        self.refuse_program(one_column(right=5).replace(" L r", " G r"), "no feasible point")
+
+    def test_empty_range_of_an_integer_column(self):
+        self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"), "no feasible point")
+
+    def test_unbounded_relaxation(self):
+        self.refuse_program(one_column(coefficient=-1, bound=" PL b x"), "unbounded")
+
+    def test_numbers_that_are_none(self):
+        for value in ("nan", "inf", "-inf"):
+            for content in (one_column(cost=value), one_column(coefficient=value),
+                            one_column(right=value), one_column(bound=f" UP b x {value}")):
+                with self.subTest(content):
+                    self.refuse_program(content, value)
+
+    def test_numbers_too_large_to_compute_with(self):
+        for value in ("1e16", "1e30", "-1e30", "1e308", "1e400", "-1e400"):
+            for content in (one_column(cost=value), one_column(coefficient=value)):
+                with self.subTest(content):
+                    self.refuse_program(content, "too large")
+        self.refuse_program(program({"x": {"cost": 1, "r": "1e30"}, "y": {"cost": 1, "r": "1e-30"}},
+                                    {"r": "L"}, [("r", 1)], [" UP b x 1"]), "too large")
+
+    def test_bounds_too_large_to_compute_with(self):
+        # Files mean by 1e30 that there is no bound, but not by -1e30 that there is none above.
+        values = ("1e16", "-1e16", "-1e29", "-1e30", "-1e31", "-1e400")
+        for content in (*(one_column(right=value) for value in values),
+                        *(one_column(bound=f" MI b x\n UP b x {value}") for value in values)):
+            with self.subTest(content):
+                self.refuse_program(content, "a bound or a right-hand side is beyond 1e15")
+
+    def test_infinite_on_the_right_side_is_none(self):
+        _, (model,) = self.report(self.write("free_row.mps", one_column(right="1e30")))
+        self.assertEqual(model["bound"], -1.0)
+
+    def test_report_of_no_model(self):
+        call, models = self.report(self.folder / "none.mps", status=1)
+        self.assertEqual(models, [])
+        self.assertNotIn("model ", call.out)
+
+    # What is written
+
+    def test_model_with_its_cuts_keeps_the_columns_and_has_the_bound(self):
+        for name, content in (("cover.mps", self.cover.read_text()),
+                              ("mixed.mps", mixed_columns()),
+                              ("corners.mps", (self.own / "grid_corners.mps").read_text())):
+            with self.subTest(name):
+                file, tightened = self.write(name, content), self.folder / "tightened.mps"
+                _, (before,) = self.report(file, "--cuts", tightened)
+                self.assertGreater(before["bound"], before["lp_bound"])
+                self.assertEqual(columns_of(tightened), columns_of(file))
+                _, (after,) = self.report(tightened, "--rounds", "0")
+                self.assertEqual(after["rows"], before["rows"] + before["cuts_kept"])
+                self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
+
+    def test_model_with_its_cuts_keeps_ranges_and_fits_names_with_blanks(self):
+        plain = mixed_columns(is_fixed=True).replace(
+            "BOUNDS", "RANGES\n    RNG       r3                   2\nBOUNDS")
+        line = "    {:<10}{:<8}  {:>12}".format
+        tightened = self.folder / "tightened.mps"
+        for cost, least in ((2, -2.375), (-2, 11.125)):  # against either side of the range
+            file = self.write("fixed.mps", plain.replace(line("x3", "cost", 2),
+                                                         line("x3", "cost", cost)))
+            _, (before,) = self.report(file, "--cuts", tightened)
+            self.assertEqual(before["bound"], least)
+            self.assertEqual(columns_of(tightened)[0], ["mycol", "x1", "x2", "x3", "x4", "y"])
+            _, (after,) = self.report(tightened, "--rounds", "0")
+            self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
+
+    def test_cuts_take_no_name_that_a_row_has(self):
+        file, tightened = self.write("named.mps", re.sub(
+            r"\br1\b", "ZH1", self.cover.read_text())), self.folder / "tightened.mps"
+        _, (before,) = self.report(file, "--cuts", tightened)
+        _, (after,) = self.report(tightened, "--rounds", "0")
+        self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
+
+    def test_places_that_cannot_be_written(self):
+        for option in ("--json", "--cuts", "--plot"):
+            for place in (self.folder / "none" / "out", self.folder):
+                with self.subTest(option=option, place=place):
+                    call = self.call(self.cover, option, place, "--display", "final", status=1)
+                    self.assert_one_sentence(call, place)
+                    self.assertEqual(len(call.out.splitlines()), 2, "only the table")
+
+    def test_plot_is_a_picture_with_titles(self):
+        picture = self.folder / "it's a picture.svg"
+        self.call(self.cover, self.own / "frucht_stable.mps", "--plot", picture)
+        root = xml.etree.ElementTree.parse(picture).getroot()
+        self.assertEqual(root.tag, "{http://www.w3.org/2000/svg}svg")
+        text = [each.strip() for each in root.itertext()]
+        for title in ("petersen_cover.mps", "frucht_stable.mps", "round", "seconds", "bound",
+                      "optimum"):
+            self.assertIn(title, text)
+
+    def test_plot_without_gnuplot(self):
+        picture = self.folder / "picture.svg"
+        environment = {**os.environ, "PATH": str(self.folder)}
+        call = self.call(self.cover, "--plot", picture, status=1, environment=environment)
+        self.assert_one_sentence(call, picture)
+        self.assertIn("gnuplot", call.err)
+        self.assertFalse(picture.exists())
+
+    def test_plot_leaves_out_what_has_no_bound(self):
+        picture = self.folder / "picture.svg"
+        file = self.write("long.mps", random_cover(250, 750))
+        call, (model,) = self.report(file, "--time-limit", "0", "--plot", picture, status=1)
+        self.assertIsNone(model["lp_bound"])
+        self.assert_one_sentence(call, picture)
+        self.assertIn("there is no bound to draw", call.err)
+        self.assertFalse(picture.exists())
+        self.call(file, self.cover, "--time-limit", "0", "--plot", picture)
+        text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
+        self.assertIn("petersen_cover.mps", text)
+        self.assertNotIn("long.mps", text)
+
+    def test_names_are_no_commands_to_gnuplot(self):
+        trace = self.folder / "trace"
+        name = "x\nsystem 'touch trace'\n.mps"
+        self.call(self.write(name, self.cover.read_bytes()), "--plot", "picture.svg",
+                  folder=self.folder)
+        call = self.call(self.cover, "--plot", "|touch trace", status=1, folder=self.folder)
+        self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
+        self.assertFalse(trace.exists())
+
+    # What is printed
+
+    @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is full")
+    def test_standard_output_that_is_full(self):
+        with open("/dev/full", "w", encoding="utf-8") as full:
+            done = subprocess.run([PROGRAM, self.cover, "--display", "final"], stdout=full,
+                                  stderr=subprocess.PIPE, text=True, timeout=PATIENCE, check=False)
+        self.assertEqual((done.returncode, done.stderr),
+                         (1, "zero_half: the standard output cannot be written\n"))
+
+    def test_display_off_prints_nothing(self):
+        self.assertEqual(self.call(self.cover, "--display", "off").out, "")
+
+    def test_display_final_prints_the_table(self):
+        call = self.call(self.cover, "--display", "final")
+        self.assertEqual(len(call.out.splitlines()), 2)
+        self.assertEqual(call.table()[0]["bound"], "6.0000")
+
+    def test_display_iter_prints_lines_and_is_the_default(self):
+        for arguments in ([], ["--display", "iter"]):
+            call = self.call(self.cover, *arguments)
+            self.assertEqual(call.out.splitlines()[0], str(self.cover))
+            self.assertEqual([line["bound"] for line in call.rounds()[0]], ["5.5000", "6.0000"])
+
+    def test_no_control_characters_in_a_pipe(self):
+        for show in ("off", "final", "iter"):
+            call = self.call(self.cover, "--display", show)
+            self.assertNotRegex(call.out + call.err, r"[^\n -~]")
+
+    def on_terminal(self, *arguments):
+        """What the program writes to a terminal at its standard error, and its standard output."""
+        ours, theirs = pty.openpty()
+        try:
+            child = subprocess.Popen([PROGRAM, *map(str, arguments)], stdout=subprocess.PIPE,
+                                     stderr=theirs)
+            os.close(theirs)
+            written = b""
+            while True:
+                try:
+                    piece = os.read(ours, 65536)
+                except OSError as found:  # Linux says so when the other end is closed.
+                    self.assertEqual(found.errno, errno.EIO)
+                    piece = b""
+                if not piece:
+                    break
+                written += piece
+            out, _ = child.communicate(timeout=PATIENCE)
+        finally:
+            os.close(ours)
+        self.assertEqual(child.returncode, 0)
+        return written.decode(), out.decode()
+
+    def test_live_line_on_a_terminal_is_wiped_at_the_end(self):
+        written, out = self.on_terminal(self.cover, "--display", "final")
+        self.assertEqual(written, "\rround 1, bound 5.5\x1b[K\rround 2, bound 6\x1b[K\r\x1b[K")
+        self.assertEqual(len(out.splitlines()), 2)
+
+    def test_no_live_line_where_lines_are_printed_or_nothing_is(self):
+        for show in ("iter", "off"):
+            self.assertEqual(self.on_terminal(self.cover, "--display", show)[0], "")
+
+    # How it is called
+
+    def test_wrong_usage(self):
+        for arguments in ([], ["--wrong"], [self.cover, "--rounds", "-1"],
+                          [self.cover, "--rounds", "many"], [self.cover, "--display", "loud"],
+                          [self.cover, "--time-limit", "-1"], [self.cover, "--time-limit", "nan"],
+                          [self.cover, "--stop-at-gap", "101"],
+                          [self.cover, "--stop-at-gap", "nan"],
+                          [self.cover, "--optimum", "nan"], [self.cover, "--optimum", "inf"],
+                          [self.cover, "--seed", "x"], [self.cover, "--json"],
+                          [self.cover, self.cover, "--optimum", "6"],
+                          [self.cover, self.cover, "--cuts", self.folder / "cuts.mps"]):
+            with self.subTest(arguments):
+                call = self.call(*arguments, status=2)
+                self.assertEqual(call.out, "")
+                self.assertRegex(call.err, r"\Azero_half: [^\n]+; see zero_half --help\n\Z")
+        self.assertEqual(list(self.folder.iterdir()), [])
+
+    def test_help_names_every_option(self):
+        text = self.call("--help").out
+        for option in ("--rounds", "--time-limit", "--seed", "--display", "--stop-at-gap",
+                       "--optimum", "--cuts", "--json", "--plot", "--version"):
+            self.assertIn(option, text)
+
+    def test_version(self):
+        self.assertRegex(self.call("--version").out, r"\Azero_half \d+\.\d+\.\d+\n\Z")
+
+
+if __name__ == "__main__":
+    if len(sys.argv) < 3:
+        sys.exit("command_line_test.py: give the program and a folder to write to")
+    PROGRAM, FOLDER = str(pathlib.Path(sys.argv[1]).resolve()), pathlib.Path(sys.argv[2]).resolve()
+    FOLDER.mkdir(parents=True, exist_ok=True)
+    (FOLDER / "suppressions.txt").write_text(LEAKS_OF_THE_READER)
+    os.environ["LSAN_OPTIONS"] = ":".join(filter(None, [
+        os.environ.get("LSAN_OPTIONS"), f"suppressions='{FOLDER / 'suppressions.txt'}'",
+        "print_suppressions=0"]))
+    unittest.main(argv=[sys.argv[0], *sys.argv[3:]])

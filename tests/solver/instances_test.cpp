@@ -1,0 +1,121 @@
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "input/optima.hpp"
+#include "instances.hpp"
+#include "integer_solver.hpp"
+#include "output/output.hpp"
+#include "replay.hpp"
+#include "run/tightener.hpp"
+#include "zktarn_standin/control.hpp"
+
+namespace zero_half::testing {
+
+namespace {
+
+/// What is known of a model from elsewhere.
+struct known_figures {
+    double optimum;
+    /// The share of the gap in per cent that must be closed: everything where cuts of the rows
+    /// themselves do it, and what a public separator closes where not.
+    double closed;
+};
+
+known_figures known_of(const std::string& file) {
+    static const std::map<std::string, known_figures> known = {{"lseu", {1120.0, 30.88}},
+                                                               {"p0033", {3089.0, 13.1}},
+                                                               {"p0201", {7615.0, 6.7}},
+                                                               {"p0282", {258411.0, 59.47}},
+                                                               {"misc03", {3360.0, 25.86}},
+                                                               {"stein27", {18.0, 0.0}},
+                                                               {"mod008", {307.0, 0.08}},
+                                                               {"match_karate_w", {-49.0, 100.0}},
+                                                               {"match_lesmis_w", {-154.0, 100.0}},
+                                                               {"stable_petersen", {-4.0, 100.0}},
+                                                               {"tjoin_dolphins", {23.0, 100.0}},
+                                                               {"vcover_florentine", {8.0, 100.0}}};
+    const auto place = known.find(std::filesystem::path(file).stem().string());
+    return place != known.end() ? place->second : known_figures{known_optimum(file).value(), 100.0};
+}
+
+std::string test_name(const ::testing::TestParamInfo<std::string>& info) {
+    return std::filesystem::path(info.param).stem().string();
+}
+
+class Instance : public ::testing::TestWithParam<std::string> {
+protected:
+    static run_result run_of(const model& from, double optimum) {
+        run_options options;
+        options.show = display::off;
+        options.optimum = optimum;
+        return tighten(from, options);
+    }
+    std::string file_name() const { return std::filesystem::path(GetParam()).filename().string(); }
+};
+
+double activity(const integral_row& row, const std::vector<double>& point) {
+    double sum = 0.0;
+    for (std::int32_t k = 1; k <= row.coefficients.size(); ++k) {
+        const std::int32_t j = row.coefficients.index(k);
+        sum += row.coefficients.value(j) * std::round(point[static_cast<std::size_t>(j) - 1]);
+    }
+    return sum;
+}
+
+} // namespace
+
+TEST_P(Instance, KeepsItsOptimumUnderCutsThatAreDerivedExactly) {
+    const model from = read_model(GetParam());
+    const auto best = solve_by_branching(from);
+    ASSERT_TRUE(best.has_value());
+    const std::size_t live_before = zktarn::standin::live_blocks().size();
+    {
+        const run_result run = run_of(from, best->value);
+        EXPECT_GT(run.cuts(), 0u);
+        EXPECT_LE(*run.bound, best->value + 1e-6 * (1.0 + std::fabs(best->value)));
+        const verdict exact = replay(from, run);
+        EXPECT_EQ(exact.cuts, run.cuts());
+        EXPECT_EQ(exact.faults, std::vector<std::string>());
+        for (const integral_row& row : run.pool) {
+            EXPECT_LE(activity(row, best->point), row.right);
+        }
+        RecordProperty("cuts", static_cast<int>(run.cuts()));
+    }
+    EXPECT_EQ(zktarn::standin::live_blocks().size(), live_before);
+}
+
+TEST_P(Instance, ClosesAsMuchOfTheGapAsAsked) {
+    const known_figures known = known_of(GetParam());
+    const run_result run = run_of(read_model(GetParam()), known.optimum);
+    EXPECT_GE(*run.gap_closed(run.bound), known.closed - 1e-6);
+    EXPECT_LE(run.rounds.size(), 50u);
+}
+
+TEST_P(Instance, HasTheSameOptimumWhenWrittenWithItsCuts) {
+    model from = read_model(GetParam());
+    run_options options;
+    options.show = display::off;
+    options.rounds = 5;
+    run_result run = tighten(from, options);
+    const solved_model solved{std::move(from), std::move(run)};
+    const std::string file = ::testing::TempDir() + "zero_half_" + file_name();
+    write_model(solved, file);
+    const model again = read_model(file);
+    std::filesystem::remove(file);
+    EXPECT_EQ(again.row_count(), solved.from.row_count() + static_cast<int>(solved.run.cuts()));
+    EXPECT_EQ(again.column_names, solved.from.column_names);
+    EXPECT_EQ(again.is_integer, solved.from.is_integer);
+    EXPECT_EQ(again.lower, solved.from.lower);
+    EXPECT_EQ(again.upper, solved.from.upper);
+    const auto best = solve_by_branching(again);
+    ASSERT_TRUE(best.has_value());
+    EXPECT_NEAR(best->value, known_of(GetParam()).optimum, 1e-6 * (1.0 + std::fabs(best->value)));
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Instance, ::testing::ValuesIn(instances()), test_name);
+
+} // namespace zero_half::testing

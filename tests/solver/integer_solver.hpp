@@ -1,0 +1,19 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "input/model.hpp"
+
+namespace zero_half::testing {
+
+struct integer_solution {
+    double value;
+    std::vector<double> point;
+};
+
+/// An integer optimum by branch and cut, proven; nothing when there is no integer point.
+std::optional<integer_solution> solve_by_branching(const model& of);
+
+} // namespace zero_half::testing

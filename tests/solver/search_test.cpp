@@ -1,0 +1,259 @@
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <random>
+#include <set>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "cuts/descent.hpp"
+#include "cuts/elimination.hpp"
+#include "cuts/odd_sums.hpp"
+#include "cuts/odd_walks.hpp"
+#include "cuts/parity_system.hpp"
+#include "run/bridge.hpp"
+
+namespace zero_half::testing {
+
+namespace {
+
+constexpr std::size_t no_limit = 1'000'000;
+
+/// Rows over columns with bounds 0 and 1, and a point between them.
+struct problem {
+    std::vector<integral_row> pool;
+    std::vector<substitution> bounds;
+    std::vector<double> point;
+};
+
+/// Each row has so many coefficients, up to 4, and a slack from 0 to 1.2.
+problem random_problem(std::mt19937& random, int columns, int rows, int most_entries) {
+    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    problem made;
+    made.bounds.resize(static_cast<std::size_t>(columns) + 1);
+    for (int j = 1; j <= columns; ++j) {
+        const double value = below(3) == 0 ? 0.0 : below(10) / 20.0;
+        const bool is_upper = below(2) == 1;
+        made.bounds[static_cast<std::size_t>(j)] = {is_upper ? 1.0 : 0.0, value, is_upper};
+        made.point.push_back(is_upper ? 1.0 - value : value);
+    }
+    for (int i = 0; i < rows; ++i) {
+        sparse_vector a(columns);
+        double activity = 0.0;
+        for (int k = below(most_entries) + 1; k > 0; --k) {
+            const int j = below(columns) + 1;
+            a.set(j, 1.0 + below(4));
+        }
+        for (std::int32_t k = 1; k <= a.size(); ++k) {
+            activity += a.value(a.index(k)) * made.point[static_cast<std::size_t>(a.index(k)) - 1];
+        }
+        made.pool.emplace_back(std::move(a), std::ceil(activity - 1e-9), origin{i});
+    }
+    return made;
+}
+
+/// What the sum of these rows gives away, straight from the definition; nothing when its right-hand
+/// side is even.
+std::optional<double> given_away(const problem& of, const std::vector<int>& members) {
+    std::vector<double> sum(of.bounds.size(), 0.0);
+    double right = 0.0;
+    double total = 0.0;
+    for (const int i : members) {
+        const integral_row& row = of.pool[static_cast<std::size_t>(i)];
+        double activity = 0.0;
+        for (std::int32_t k = 1; k <= row.coefficients.size(); ++k) {
+            const auto j = static_cast<std::size_t>(row.coefficients.index(k));
+            const double value = row.coefficients.value(row.coefficients.index(k));
+            sum[j] += value;
+            right -= value * of.bounds[j].bound;
+            activity += value * of.point[j - 1];
+        }
+        right += row.right;
+        total += row.right - activity;
+    }
+    for (std::size_t j = 1; j < sum.size(); ++j) {
+        total += std::fmod(sum[j], 2.0) != 0.0 ? of.bounds[j].value : 0.0;
+    }
+    return std::fmod(right, 2.0) != 0.0 ? std::optional(total) : std::nullopt;
+}
+
+/// The least that any sum with an odd right-hand side gives away.
+double least_given_away(const problem& of) {
+    double least = std::numeric_limits<double>::infinity();
+    for (unsigned subset = 1; subset < 1u << of.pool.size(); ++subset) {
+        std::vector<int> members;
+        for (unsigned i = 0; i < of.pool.size(); ++i) {
+            if ((subset >> i & 1u) != 0) {
+                members.push_back(static_cast<int>(i));
+            }
+        }
+        least = std::min(least, given_away(of, members).value_or(least));
+    }
+    return least;
+}
+
+double least_of(const problem& of, const odd_sums& found) {
+    double least = std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const auto members = found.members(i);
+        const auto total = given_away(of, {members.begin(), members.end()});
+        EXPECT_TRUE(total.has_value()) << "an even sum";
+        EXPECT_LT(total.value_or(1.0), 1.0);
+        least = std::min(least, total.value_or(least));
+    }
+    return least;
+}
+
+parity_system system_of(const problem& of) {
+    parity_system made;
+    made.build(of.pool, of.bounds, of.point.data());
+    return made;
+}
+
+void note_rows(const parity_system& in, odd_sums& found) {
+    found.start(in);
+    for (std::size_t i = 0; i < in.rows().size(); ++i) {
+        found.note(in.rows()[i]);
+    }
+}
+
+} // namespace
+
+TEST(OddWalks, FindTheBestSumWhereEveryRowHasAtMostTwoColumns) {
+    std::mt19937 random(7);
+    int with_cut = 0;
+    for (int trial = 0; trial < 3000; ++trial) {
+        const problem of = random_problem(random, 6, 9, 2);
+        const parity_system system = system_of(of);
+        ASSERT_TRUE(system.is_graph());
+        odd_sums found(no_limit);
+        note_rows(system, found);
+        find_odd_walks(system, found);
+        const double best = least_given_away(of);
+        if (best < 1.0 - 1e-5) {
+            ++with_cut;
+            ASSERT_NEAR(least_of(of, found), best, 1e-9) << trial;
+        } else {
+            ASSERT_EQ(found.size(), 0u) << trial;
+        }
+    }
+    EXPECT_GT(with_cut, 500);
+}
+
+TEST(Elimination, FindsOnlySumsThatCutThePointOff) {
+    std::mt19937 random(8);
+    generator own(3);
+    elimination gauss(own.state());
+    int best_found = 0;
+    int with_cut = 0;
+    for (int trial = 0; trial < 1000; ++trial) {
+        const problem of = random_problem(random, 8, 10, 6);
+        const parity_system system = system_of(of);
+        odd_sums found(no_limit);
+        note_rows(system, found);
+        for (int restart = 0; restart < 10; ++restart) {
+            gauss.find(system, found);
+        }
+        const double best = least_given_away(of);
+        with_cut += best < 1.0 - 1e-5 ? 1 : 0;
+        best_found += std::fabs(least_of(of, found) - best) < 1e-9 ? 1 : 0;
+    }
+    EXPECT_GT(with_cut, 500);
+    // It is no exact method, but the best sum is rarely missed.
+    EXPECT_GT(best_found, with_cut * 8 / 10);
+}
+
+TEST(Descent, FindsOnlySumsThatCutThePointOff) {
+    std::mt19937 random(9);
+    descent search;
+    int found_some = 0;
+    for (int trial = 0; trial < 300; ++trial) {
+        const problem of = random_problem(random, 8, 10, 6);
+        const parity_system system = system_of(of);
+        odd_sums found(no_limit);
+        found.start(system);
+        search.find(system, found);
+        found_some += found.size() > 0 ? 1 : 0;
+        least_of(of, found);
+    }
+    EXPECT_GT(found_some, 100);
+}
+
+TEST(OddSums, KeepEachSumOnceAndTheShortAndCheapFirst) {
+    std::mt19937 random(10);
+    generator own(3);
+    elimination gauss(own.state());
+    const problem of = random_problem(random, 10, 14, 4);
+    const parity_system system = system_of(of);
+    odd_sums found(no_limit);
+    note_rows(system, found);
+    gauss.find(system, found);
+    const std::size_t once = found.size();
+    ASSERT_GT(once, 2u);
+    found.sort();
+    std::set<std::vector<int>> members;
+    double before = 0.0;
+    for (std::size_t i = 0; i < once; ++i) {
+        std::vector<int> each(found.members(i).begin(), found.members(i).end());
+        const double price = *given_away(of, each) + 0.2 * static_cast<double>(each.size());
+        EXPECT_GE(price, before - 1e-9);
+        before = price;
+        std::sort(each.begin(), each.end());
+        EXPECT_TRUE(members.insert(each).second);
+    }
+}
+
+TEST(OddSums, AreEnoughOnceThereAreSoMany) {
+    std::mt19937 random(11);
+    const problem of = random_problem(random, 6, 9, 2);
+    const parity_system system = system_of(of);
+    odd_sums none(0);
+    none.start(system);
+    EXPECT_TRUE(none.are_enough());
+    odd_sums some(1);
+    some.start(system);
+    EXPECT_FALSE(some.are_enough());
+    find_odd_walks(system, some);
+    ASSERT_GT(some.size(), 0u);
+    EXPECT_TRUE(some.are_enough());
+}
+
+TEST(ParitySystem, KeepsWhatCanBePartOfACutOnly) {
+    // Columns at their bounds, alike, and in one row only; rows with much slack, alike, and even.
+    std::vector<substitution> bounds(6);
+    const std::vector<double> point = {0.0, 0.5, 0.25, 0.5, 0.125};
+    for (std::size_t j = 1; j <= 5; ++j) {
+        bounds[j] = {0.0, point[j - 1], false};
+    }
+    const auto row = [](std::vector<std::pair<int, double>> entries, double right) {
+        sparse_vector a(5);
+        for (const auto& [j, value] : entries) {
+            a.set(j, value);
+        }
+        return integral_row(std::move(a), right, origin{0});
+    };
+    std::vector<integral_row> pool;
+    pool.push_back(row({{1, 1.0}, {2, 1.0}, {3, 1.0}, {5, 2.0}}, 1.0)); // slack 0
+    pool.push_back(row({{2, 1.0}, {3, 3.0}, {4, 1.0}}, 2.0));           // slack 0.25
+    pool.push_back(row({{2, 1.0}, {3, 1.0}}, 2.0));                     // slack 1.25
+    pool.push_back(row({{2, 3.0}, {3, 1.0}, {1, 3.0}}, 2.0));           // slack 0.25, as the second
+    pool.push_back(row({{5, 2.0}}, 1.0));                               // slack 0.75, no column
+    parity_system system;
+    system.build(pool, bounds, point.data());
+    // Columns 2 and 3 are one; column 4 went into the slack of row 1, which becomes 0.75.
+    EXPECT_EQ(system.columns(), 1);
+    EXPECT_DOUBLE_EQ(system.value(1), 0.75);
+    ASSERT_EQ(system.rows().size(), 3u);
+    EXPECT_TRUE(system.is_graph());
+    EXPECT_EQ(system.pool_row(2), 0);
+    EXPECT_EQ(system.pool_row(3), 3);
+    EXPECT_EQ(system.pool_row(4), 4);
+    EXPECT_TRUE(system.rows()[0].is_odd);
+    EXPECT_FALSE(system.rows()[1].is_odd);
+    EXPECT_TRUE(system.rows()[2].is_odd);
+    EXPECT_DOUBLE_EQ(system.value(4), 0.75);
+}
+
+} // namespace zero_half::testing
