@@ -11,6 +11,10 @@
 #include <unordered_map>
 #include <utility>
 
+#ifdef __linux__
+#include <sys/mman.h>
+#endif
+
 #include "core.hpp"
 
 namespace zktarn::standin {
@@ -23,9 +27,13 @@ constexpr std::size_t guard_size = 64;
 constexpr std::size_t alignment = 64;
 constexpr unsigned char guard_byte = 0xFD;
 
+// A block of this size or more lies on huge pages where the system has them.
+constexpr std::int64_t smallest_large_block = std::int64_t{4} << 20;
+constexpr std::size_t huge_page = std::size_t{2} << 20;
+
 // Beyond this, size and guards do not fit an address.
 constexpr std::int64_t largest_block = std::numeric_limits<std::int64_t>::max() -
-                                       static_cast<std::int64_t>(2 * guard_size + alignment);
+                                       static_cast<std::int64_t>(2 * guard_size + huge_page);
 
 struct memory {
     std::mutex lock;
@@ -38,6 +46,7 @@ struct memory {
     std::int64_t first_failing = 0;
     std::int64_t last_failing = -1;
     int fill = -1;
+    bool huge_pages = true;
     bool report_at_exit = true;
 };
 
@@ -59,8 +68,8 @@ unsigned char* raw(const block& b) {
     return static_cast<unsigned char*>(const_cast<void*>(b.address)) - guard_size;
 }
 
-std::size_t rounded_up(std::int64_t nbytes) {
-    return (static_cast<std::size_t>(nbytes) + alignment - 1) / alignment * alignment;
+std::size_t rounded_up(std::size_t nbytes, std::size_t unit) {
+    return (nbytes + unit - 1) / unit * unit;
 }
 
 bool intact(const unsigned char* guard) {
@@ -71,12 +80,33 @@ void set_guard(unsigned char* guard) {
     std::memset(guard, guard_byte, guard_size);
 }
 
-void* allocate(std::int64_t nbytes) {
+/// Tells the system which pages to use. It may ignore that, so the answer does not matter.
+void advise([[maybe_unused]] void* start, [[maybe_unused]] std::size_t size,
+            [[maybe_unused]] bool huge_pages) {
+#ifdef __linux__
+    madvise(start, size, huge_pages ? MADV_HUGEPAGE : MADV_NOHUGEPAGE);
+#endif
+}
+
+/// Starts and ends at the border of a huge page, so that it shares none with anything else.
+void* allocate_large(std::size_t size, bool huge_pages) {
+    const std::size_t whole_pages = rounded_up(size, huge_page);
+    void* const start = std::aligned_alloc(huge_page, whole_pages);
+    if (start != nullptr) {
+        advise(start, whole_pages, huge_pages);
+    }
+    return start;
+}
+
+void* allocate(std::int64_t nbytes, bool huge_pages) {
     if (nbytes > largest_block) {
         return nullptr;
     }
-    auto* const start = static_cast<unsigned char*>(
-        std::aligned_alloc(alignment, guard_size + rounded_up(nbytes) + guard_size));
+    const std::size_t size =
+        guard_size + rounded_up(static_cast<std::size_t>(nbytes), alignment) + guard_size;
+    auto* const start = static_cast<unsigned char*>(nbytes >= smallest_large_block
+                                                        ? allocate_large(size, huge_pages)
+                                                        : std::aligned_alloc(alignment, size));
     if (start == nullptr) {
         return nullptr;
     }
@@ -167,7 +197,7 @@ void* obtain(std::int64_t nbytes) {
     const std::lock_guard guard(m.lock);
     const std::int64_t order = ++m.requests;
     const bool planned = order >= m.first_failing && order <= m.last_failing;
-    void* const address = planned ? nullptr : allocate(nbytes);
+    void* const address = planned ? nullptr : allocate(nbytes, m.huge_pages);
     if (address == nullptr) {
         ++m.refusals;
         return nullptr;
@@ -206,6 +236,7 @@ void release(void* address) {
 void reset_memory_manager() noexcept {
     fail_request(0);
     fill_new_blocks(-1);
+    huge_pages(true);
     report_at_exit(true);
 }
 
@@ -227,6 +258,12 @@ void fill_new_blocks(int byte) noexcept {
     memory& m = manager();
     const std::lock_guard guard(m.lock);
     m.fill = byte;
+}
+
+bool huge_pages(bool on) noexcept {
+    memory& m = manager();
+    const std::lock_guard guard(m.lock);
+    return std::exchange(m.huge_pages, on);
 }
 
 std::vector<block> live_blocks() {

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstdlib>
+#include <fstream>
 #include <limits>
 #include <string>
 #include <vector>
@@ -50,6 +52,84 @@ TEST_F(Requests, BlocksOfEverySizeAreAlignedTo64Bytes) {
         ASSERT_NE(address, nullptr);
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(address) % 64, 0u);
         qvFreeExOptim(address);
+    }
+}
+
+#ifdef __linux__
+
+/// The flags of the mapping that an address lies in, as the system shows them ("rd wr mr ... hg");
+/// empty where it shows none.
+std::string flags_of_mapping(const void* address) {
+    std::ifstream maps("/proc/self/smaps");
+    const auto wanted = reinterpret_cast<std::uintptr_t>(address);
+    bool inside = false;
+    for (std::string line; std::getline(maps, line);) {
+        unsigned long long first = 0;
+        unsigned long long end = 0;
+        if (std::sscanf(line.c_str(), "%llx-%llx ", &first, &end) == 2) {
+            inside = first <= wanted && wanted < end;
+        } else if (inside && line.rfind("VmFlags:", 0) == 0) {
+            return line.substr(8) + " ";
+        }
+    }
+    return {};
+}
+
+/// Whether this kernel has huge pages at all.
+bool has_huge_pages() {
+    return std::ifstream("/sys/kernel/mm/transparent_hugepage/enabled").good();
+}
+
+bool has_flag(const std::string& flags, const std::string& flag) {
+    return flags.find(" " + flag + " ") != std::string::npos;
+}
+
+TEST_F(Requests, LargeBlocksLieOnHugePagesUnlessSwitchedOff) {
+    constexpr std::int64_t large = std::int64_t{4} << 20;
+    for (const bool on : {true, false, true}) {
+        huge_pages(on);
+        for (const std::int64_t nbytes : {large, large + 1, 5 * large}) {
+            auto* const block = static_cast<unsigned char*>(qvMallocExOptim(nbytes));
+            ASSERT_NE(block, nullptr);
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % (2u << 20), 64u);
+            block[0] = block[nbytes - 1] = 1;
+            for (const unsigned char* const end : {block, block + nbytes - 1}) {
+                const std::string flags = flags_of_mapping(end);
+                if (has_flag(flags, "hg") || has_flag(flags, "nh")) {
+                    EXPECT_EQ(has_flag(flags, "hg"), on) << nbytes << flags;
+                } else {
+                    EXPECT_FALSE(has_huge_pages()) << nbytes << flags;
+                }
+            }
+            qvFreeExOptim(block);
+        }
+    }
+}
+
+#endif
+
+TEST_F(Requests, HugePagesReturnsThePreviousSettingAndResetTurnsItOn) {
+    EXPECT_TRUE(huge_pages(false));
+    EXPECT_FALSE(huge_pages(false));
+    reset();
+    EXPECT_TRUE(huge_pages(true));
+}
+
+TEST_F(Requests, BothEndsOfALargeBlockAreWatched) {
+    constexpr std::int64_t large = std::int64_t{5} << 20;
+    for (const bool on : {true, false}) {
+        huge_pages(on);
+        auto* const block = static_cast<unsigned char*>(qvMallocExOptim(large));
+        ASSERT_NE(block, nullptr);
+        block[large] = 1;
+        EXPECT_EQ(check_blocks(), 1);
+        *(block - 1) = 1;
+        EXPECT_EQ(check_blocks(), 1);
+        ASSERT_EQ(faults.size(), 2u);
+        EXPECT_EQ(faults[0].kind, fault_kind::write_past_end);
+        EXPECT_EQ(faults[1].kind, fault_kind::write_before_start);
+        faults.clear();
+        qvFreeExOptim(block);
     }
 }
 

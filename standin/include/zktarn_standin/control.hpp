@@ -108,6 +108,11 @@ void fail_requests_from(std::int64_t k) noexcept;
 /// beginning, leaves new blocks as they come.
 void fill_new_blocks(int byte) noexcept;
 
+/// Chooses whether new blocks of 4 MiB and more lie on huge pages, where the system has them
+/// (Linux: MADV_HUGEPAGE, else MADV_NOHUGEPAGE). Such a block takes up whole pages of 2 MiB either
+/// way, and starts 64 bytes behind the start of one. Initially on. Returns the previous setting.
+bool huge_pages(bool on) noexcept;
+
 /// The blocks that have not been given back, by order number.
 [[nodiscard]] std::vector<block> live_blocks();
 
