@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "reference/rational_reference.hpp"
+#include "property/reference/rational_reference.hpp"
 #include "support/number_pool.hpp"
 #include "zktarn/util/rational.hpp"
 

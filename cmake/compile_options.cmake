@@ -7,7 +7,7 @@ function(zktarn_warnings target)
     -Wconversion -Wsign-conversion -Wdouble-promotion -Wfloat-conversion
     -Wshadow -Wold-style-cast -Wcast-qual -Wcast-align -Wundef
     -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wimplicit-fallthrough
-    -Wextra-semi -Wredundant-decls -Wvla -Wzero-as-null-pointer-constant
+    -Wextra-semi -Wvla -Wzero-as-null-pointer-constant
     $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond -Wduplicated-branches -Wlogical-op>
     $<$<BOOL:${ZKTARN_WERROR}>:-Werror>)
 endfunction()

@@ -16,7 +16,7 @@ command -v "$tidy" >/dev/null || fail "there is no $tidy"
 cd "$root"
 
 build=build/analysis
-broken=tests/analysis/broken
+broken=tools/analysis/broken
 flags=(-std=c++20 -I src -I standin/include -I standin/src)
 checked=-DZKTARN_CHECKED
 
@@ -42,7 +42,7 @@ tidy_them() { xargs -P "$jobs" -n 1 "$tidy" --quiet -p "$build" "$@"; }
 cppcheck_them() {
     cppcheck --quiet --std=c++20 --language=c++ --library=posix --error-exitcode=1 \
         --enable=warning,style,performance,portability --inline-suppr \
-        --suppressions-list=tests/analysis/cppcheck.suppressions \
+        --suppressions-list=tools/analysis/cppcheck.suppressions \
         -j "$jobs" -I src -I standin/include "$@"
 }
 

@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 jobs=${1:-2}
-golden=tests/identity/results.golden
+golden=tests/binary/identity/results.golden
 
 # build NAME PRESET [CMAKE_ARGUMENT...]: into build/NAME
 build() {
@@ -19,7 +19,7 @@ unequal=0
 # compare COMPILER PROCESSOR NAME [EMULATOR...]
 compare() {
     local said status=0 verdict=equal
-    said=$("${@:4}" "build/$3/tests/identity/identity" "$golden") || status=$?
+    said=$("${@:4}" "build/$3/tests/binary/identity/identity" "$golden") || status=$?
     echo "$said"
     if [ "$status" -ne 0 ]; then
         unequal=$((unequal + 1))

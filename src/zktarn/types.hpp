@@ -2,13 +2,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <type_traits>
-#include <utility>
 
-#include "zktarn/assert/check.hpp"
-#include "zktarn/flag.hpp"
+#include "zktarn/check.hpp"
 
 /// The types in which arguments cross the interface, and the conventions of every procedure.
 ///
@@ -36,6 +33,9 @@
 ///     by two threads at once.
 
 namespace zktarn {
+
+/// A logical value: written as 1 (true) or 0 (false), read as true when nonzero.
+using flag = std::int64_t;
 
 /// A typed array of one or two dimensions over a block of host memory.
 ///
@@ -126,94 +126,5 @@ public:
 private:
     T* target_ = nullptr;
 };
-
-/// A procedure supplied by the caller: one object address and one function address.
-///
-/// It binds to any callable object (a mutable lambda included) and to any plain function. It never
-/// owns and never allocates, so it is meant for parameters alone: one that was bound to a temporary
-/// callable is dangling at the end of the full expression. One bound to a plain function stays
-/// valid for ever. To keep a callable beyond the call, use `std::function`.
-///
-/// There is no empty state, and binding a null function pointer is undefined, as is an exception
-/// that leaves the callable: no frame of the library can be unwound.
-template <class Signature>
-class function_ref;
-
-template <class Result, class... Args>
-class function_ref<Result(Args...)> {
-public:
-    /// Refers to `callable`, which must outlive every call through this reference.
-    template <class F>
-        requires(!std::is_same_v<std::remove_cvref_t<F>, function_ref> &&
-                 std::is_invocable_r_v<Result, F&, Args...>)
-    function_ref(F&& callable)
-    noexcept {
-        using function = std::decay_t<F>;
-        if constexpr (is_function_pointer<function>) {
-            bound_.function = reinterpret_cast<void (*)()>(static_cast<function>(callable));
-            call_ = [](target bound, Args... args) -> Result {
-                return invoke(*reinterpret_cast<function>(bound.function),
-                              std::forward<Args>(args)...);
-            };
-        } else {
-            using object = std::remove_reference_t<F>;
-            bound_.object = const_cast<void*>(static_cast<const void*>(std::addressof(callable)));
-            call_ = [](target bound, Args... args) -> Result {
-                return invoke(*static_cast<object*>(bound.object), std::forward<Args>(args)...);
-            };
-        }
-    }
-
-    /// Calls what it refers to.
-    Result operator()(Args... args) const { return call_(bound_, std::forward<Args>(args)...); }
-
-private:
-    // A function address need not fit the type of an object address, so each has its own member.
-    union target {
-        void* object;
-        void (*function)();
-    };
-
-    template <class P>
-    static constexpr bool is_function_pointer =
-        std::is_pointer_v<P>&& std::is_function_v<std::remove_pointer_t<P>>;
-
-    template <class F>
-    static Result invoke(F& callable, Args&&... args) {
-        if constexpr (std::is_void_v<Result>) {
-            std::invoke(callable, std::forward<Args>(args)...);
-        } else {
-            return std::invoke(callable, std::forward<Args>(args)...);
-        }
-    }
-
-    target bound_;
-    Result (*call_)(target, Args...);
-};
-
-static_assert(sizeof(flag) == 8);
-
-static_assert(std::is_trivially_copyable_v<array_1d<double>>);
-static_assert(std::is_standard_layout_v<array_1d<double>>);
-static_assert(sizeof(array_1d<double>) == 24);
-static_assert(offsetof(array_1d<double>, data) == 0);
-static_assert(offsetof(array_1d<double>, extent) == 8);
-static_assert(offsetof(array_1d<double>, lower_bound) == 16);
-
-static_assert(std::is_trivially_copyable_v<array_2d<std::int32_t>>);
-static_assert(std::is_standard_layout_v<array_2d<std::int32_t>>);
-static_assert(sizeof(array_2d<std::int32_t>) == 40);
-static_assert(offsetof(array_2d<std::int32_t>, extent) == 8);
-static_assert(offsetof(array_2d<std::int32_t>, lower_bound) == 24);
-
-static_assert(sizeof(matrix_shape) == 16);
-static_assert(offsetof(matrix_shape, rows) == 0);
-static_assert(offsetof(matrix_shape, columns) == 8);
-
-static_assert(std::is_trivially_copyable_v<optional_ref<const double>>);
-static_assert(sizeof(optional_ref<const double>) == sizeof(void*));
-
-static_assert(std::is_trivially_copyable_v<function_ref<flag(std::int32_t)>>);
-static_assert(sizeof(function_ref<flag(std::int32_t)>) == 2 * sizeof(void*));
 
 } // namespace zktarn

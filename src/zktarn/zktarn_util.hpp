@@ -5,7 +5,8 @@
 #include "zktarn/assert/assert_mod.hpp"             // IWYU pragma: export
 #include "zktarn/callbacks/callbacks_type_util.hpp" // IWYU pragma: export
 #include "zktarn/callbacks/callbacks_util.hpp"      // IWYU pragma: export
-#include "zktarn/callbacks/value_slot.hpp"          // IWYU pragma: export
+#include "zktarn/callbacks/stored_value.hpp"        // IWYU pragma: export
+#include "zktarn/function_ref.hpp"                  // IWYU pragma: export
 #include "zktarn/memory/memory_mod.hpp"             // IWYU pragma: export
 #include "zktarn/random/random.hpp"                 // IWYU pragma: export
 #include "zktarn/sorting/sorting_mod.hpp"           // IWYU pragma: export

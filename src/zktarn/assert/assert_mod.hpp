@@ -1,7 +1,7 @@
 #pragma once
 
 #include "zktarn/export.hpp"
-#include "zktarn/flag.hpp"
+#include "zktarn/types.hpp"
 
 /// Reporting of internal consistency conditions to the host.
 ///

@@ -16,7 +16,7 @@
 /// touched. C++ programs need none of them: the records construct, copy and destroy themselves.
 ///
 /// A record is used by one thread at a time. How to store a C++ object in the value slot of a
-/// `cbdatalist` is told in value_slot.hpp.
+/// `cbdatalist` is told in stored_value.hpp.
 
 namespace zktarn::callbacks_type_util {
 

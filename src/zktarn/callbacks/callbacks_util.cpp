@@ -9,7 +9,7 @@
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libut.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
-#include "zktarn/util/truncate_internal.hpp"
+#include "zktarn/util/detail/truncate.hpp"
 
 namespace zktarn::callbacks_util {
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "zktarn/export.hpp"
+#include "zktarn/util/detail/elements.hpp"
 
 /// Copying and clearing of plain arrays.
 ///
@@ -12,24 +11,6 @@
 /// destination do not overlap.
 
 namespace zktarn::util {
-
-namespace detail {
-
-template <class T>
-inline void copy_elements(const T* source, T* destination, std::int32_t n) noexcept {
-    if (n >= 1) {
-        std::memcpy(destination, source, static_cast<std::size_t>(n) * sizeof(T));
-    }
-}
-
-template <class T>
-inline void clear_elements(T* array, std::int32_t n) noexcept {
-    if (n >= 1) {
-        std::memset(array, 0, static_cast<std::size_t>(n) * sizeof(T));
-    }
-}
-
-} // namespace detail
 
 /// Copies n 8-bit integers from `source` (in) to `destination` (out).
 ZKTARN_API_INLINE void xcopy_i1(const std::int8_t* source, std::int8_t* destination,

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "zktarn/util/gcd_internal.hpp"
+#include "zktarn/util/detail/binary_gcd.hpp"
 
 namespace zktarn::util {
 

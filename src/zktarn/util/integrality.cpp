@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "zktarn/util/guarded_floor_internal.hpp"
+#include "zktarn/util/detail/guarded_floor.hpp"
 
 namespace zktarn::util {
 

@@ -7,9 +7,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "zktarn/util/guarded_floor_internal.hpp"
-#include "zktarn/util/nearest_internal.hpp"
-#include "zktarn/util/rational_internal.hpp"
+#include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/detail/nearest.hpp"
+#include "zktarn/util/detail/rational.hpp"
 
 namespace zktarn::util {
 

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <limits>
 
-#include "zktarn/util/gcd_internal.hpp"
-#include "zktarn/util/guarded_floor_internal.hpp"
-#include "zktarn/util/nearest_internal.hpp"
-#include "zktarn/util/rational_internal.hpp"
+#include "zktarn/util/detail/binary_gcd.hpp"
+#include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/detail/nearest.hpp"
+#include "zktarn/util/detail/rational.hpp"
 
 namespace zktarn::util {
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "zktarn/export.hpp"
+#include "zktarn/function_ref.hpp"
 #include "zktarn/types.hpp"
 
 /// The search for a scalar that makes a set of reals integral.

@@ -1,7 +1,7 @@
 #include "zktarn/vector/vector_mod.hpp"
 
-#include "zktarn/util/guarded_floor_internal.hpp"
-#include "zktarn/vector/compact_internal.hpp"
+#include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/vector/detail/compact.hpp"
 
 namespace zktarn::vector_mod {
 

@@ -1,6 +1,6 @@
 #include "zktarn/vector/vector_mod.hpp"
 
-#include "zktarn/vector/compact_internal.hpp"
+#include "zktarn/vector/detail/compact.hpp"
 
 namespace zktarn::vector_mod {
 

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
-#include "zktarn/vector/append_internal.hpp"
-#include "zktarn/vector/compact_internal.hpp"
+#include "zktarn/vector/detail/append.hpp"
+#include "zktarn/vector/detail/compact.hpp"
 
 namespace zktarn::vector_mod {
 

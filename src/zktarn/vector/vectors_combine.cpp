@@ -1,8 +1,8 @@
 #include <algorithm>
 #include <cmath>
 
-#include "zktarn/vector/vectors_combine_internal.hpp"
-#include "zktarn/vector/vectors_combine_variants_internal.hpp"
+#include "zktarn/vector/detail/vectors_combine.hpp"
+#include "zktarn/vector/detail/vectors_combine_variants.hpp"
 
 namespace zktarn::vector_mod {
 

@@ -1,0 +1,234 @@
+#include "binary/checked/violations.hpp"
+
+namespace {
+
+using namespace zktarn::vector_mod;
+using namespace zktarn::testing;
+
+/// A procedure on an element or a position, both in 1..n; a vector that it takes, and one that is
+/// without the array that it needs.
+struct procedure {
+    const char* name;
+    arrays fit;
+    arrays unfit;
+    void (*call)(vector&, std::int32_t);
+};
+
+class ElementViolations : public Violations, public testing::WithParamInterface<procedure> {};
+
+TEST_P(ElementViolations, OutsideOfTheCapacityIsReported) {
+    for (const std::int32_t j : {0, n + 1, -1}) {
+        sample s(GetParam().fit);
+        EXPECT_REPORTED(GetParam().call(s.v, j)) << j;
+    }
+}
+
+TEST_P(ElementViolations, InTheCapacityIsFine) {
+    for (const std::int32_t j : {1, n}) {
+        sample s(GetParam().fit);
+        EXPECT_SILENT(GetParam().call(s.v, j)) << j;
+        sample member(GetParam().fit);
+        member.with({j});
+        EXPECT_SILENT(GetParam().call(member.v, j)) << j;
+    }
+}
+
+using ElementViolationsDeathTest = ElementViolations;
+
+TEST_P(ElementViolationsDeathTest, WithoutTheArrayIsReported) {
+    sample s(GetParam().unfit);
+    s.with({1});
+    EXPECT_REPORTED_ABSENCE(GetParam().call(s.v, 1));
+}
+
+void set_coef(vector& v, std::int32_t j) {
+    vector_set_coef(v, j, 1.0);
+}
+void get_coef(vector& v, std::int32_t j) {
+    static_cast<void>(vector_get_coef(v, j));
+}
+void is_elm(vector& v, std::int32_t j) {
+    static_cast<void>(vector_is_elm(v, j));
+}
+void set_elm(vector& v, std::int32_t j) {
+    vector_set_elm(v, j);
+}
+void rem_elm(vector& v, std::int32_t j) {
+    vector_rem_elm(v, j);
+}
+void get_ind(vector& v, std::int32_t k) {
+    static_cast<void>(vector_get_ind(v, k));
+}
+void set_ind(vector& v, std::int32_t k) {
+    vector_set_ind(v, k, 1);
+}
+void add_nz(vector& v, std::int32_t j) {
+    vector_add_nz(v, j, 1.0);
+}
+
+constexpr arrays none{false, false, false};
+
+const procedure procedures[] = {
+    {"SetCoef", marks_mode, support_only, set_coef},
+    {"GetCoefInMarksMode", marks_mode, support_only, get_coef},
+    {"GetCoefInListMode", list_mode, index_set, get_coef},
+    {"GetCoefInDenseMode", dense_mode, none, get_coef},
+    {"IsElm", marks_mode, list_mode, is_elm},
+    {"SetElm", marks_mode, list_mode, set_elm},
+    {"RemElm", marks_mode, list_mode, rem_elm},
+    {"GetInd", list_mode, dense_mode, get_ind},
+    {"SetInd", list_mode, dense_mode, set_ind},
+    {"AddNzInMarksMode", marks_mode, support_only, add_nz},
+    {"AddNzInListMode", list_mode, index_set, add_nz},
+    {"AddNzInDenseMode", dense_mode, none, add_nz},
+};
+
+INSTANTIATE_TEST_SUITE_P(, ElementViolations, testing::ValuesIn(procedures),
+                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(, ElementViolationsDeathTest, testing::ValuesIn(procedures),
+                         [](const auto& tested) { return tested.param.name; });
+
+// A coefficient that stays as it is need not be there.
+TEST_F(Violations, AddingWithoutACoefficient) {
+    for (const arrays& has : {marks_mode, support_only, list_mode, index_set}) {
+        for (const std::int32_t j : {0, n + 1, -1}) {
+            sample s(has);
+            EXPECT_REPORTED(vector_add_nz(s.v, j));
+        }
+        for (const std::int32_t j : {1, n}) {
+            sample s(has);
+            EXPECT_SILENT(vector_add_nz(s.v, j));
+        }
+    }
+    sample nothing(none);
+    EXPECT_SILENT(vector_add_nz(nothing.v, 1));
+}
+
+TEST_F(ViolationsDeathTest, AddingWhereThereAreMarksAndNoList) {
+    sample s(marks_without_list);
+    EXPECT_REPORTED_ABSENCE(vector_add_nz(s.v, 1));
+}
+
+// Of what is no member, nothing is looked up.
+TEST_F(Violations, GettingTheCoefficientOfNoMemberWithoutCoefficients) {
+    sample marked(support_only);
+    EXPECT_SILENT(static_cast<void>(vector_get_coef(marked.v, n)));
+    sample listed(index_set);
+    EXPECT_SILENT(static_cast<void>(vector_get_coef(listed.v, n)));
+    EXPECT_REPORTED(static_cast<void>(vector_get_coef(listed.v, n + 1)));
+}
+
+TEST_F(ViolationsDeathTest, AnElementOfAnAbsentMatrix) {
+    const zktarn::array_2d<double> absent{nullptr, {n, n}, {1, 1}};
+    EXPECT_REPORTED_ABSENCE(static_cast<void>(absent(1, n)));
+}
+
+TEST_F(Violations, NoRoomInTheList) {
+    sample full;
+    full.with({1, 2, 3, 4}).mark(4) = 0;
+    EXPECT_REPORTED(vector_add_nz(full.v, 4, 1.0));
+    sample last;
+    last.with({1, 2, 3});
+    EXPECT_SILENT(vector_add_nz(last.v, 4, 1.0));
+    // A member takes no room.
+    EXPECT_SILENT(vector_add_nz(last.v, 4, 2.0));
+    sample full_list(list_mode);
+    full_list.with({1, 2, 3, 3});
+    EXPECT_REPORTED(vector_add_nz(full_list.v, 4, 1.0));
+}
+
+TEST_F(Violations, CountBeyondTheList) {
+    sample s;
+    EXPECT_REPORTED(vector_set_nz(s.v, n + 1));
+    EXPECT_SILENT(vector_set_nz(s.v, n));
+    EXPECT_SILENT(vector_set_nz(s.v, 0));
+    // Without a list the count means nothing.
+    sample dense(dense_mode);
+    EXPECT_SILENT(vector_set_nz(dense.v, 2 * n));
+}
+
+TEST_F(Violations, RemovalOfAPositionWhereNothingIsListed) {
+    for (const std::int32_t k : {0, 3, n + 1, -1}) {
+        sample s;
+        s.with({2, 3});
+        EXPECT_REPORTED(vector_rem_nz(s.v, k)) << k;
+    }
+    sample s;
+    s.with({2, 3});
+    EXPECT_SILENT(vector_rem_nz(s.v, 2));
+    EXPECT_SILENT(vector_rem_nz(s.v, 1));
+    EXPECT_REPORTED(vector_rem_nz(s.v, 1));
+}
+
+TEST_F(Violations, RemovalOfWhatIsNoElement) {
+    for (const std::int32_t j : {0, n + 1}) {
+        sample s;
+        s.with({j});
+        EXPECT_REPORTED(vector_rem_nz(s.v, 1)) << j;
+    }
+}
+
+TEST_F(ViolationsDeathTest, RemovalOutsideOfMarksMode) {
+    sample list(list_mode);
+    list.with({1});
+    EXPECT_REPORTED_ABSENCE(vector_rem_nz(list.v, 1));
+    sample marks(marks_without_list);
+    marks.with({1});
+    EXPECT_REPORTED_ABSENCE(vector_rem_nz(marks.v, 1));
+}
+
+/// The two that unmark what is listed.
+class UnmarkingViolations : public Violations,
+                            public testing::WithParamInterface<void (*)(vector&)> {};
+
+TEST_P(UnmarkingViolations, ListedWhatIsNoElement) {
+    for (const std::int32_t j : {0, n + 1}) {
+        sample s;
+        s.with({1, j});
+        EXPECT_REPORTED(GetParam()(s.v)) << j;
+    }
+}
+
+TEST_P(UnmarkingViolations, CountBeyondTheList) {
+    sample s;
+    s.with({1, 2, 3, 4, 1});
+    EXPECT_REPORTED(GetParam()(s.v));
+}
+
+TEST_P(UnmarkingViolations, MarksModeOrNothingListedIsFine) {
+    sample s;
+    s.with({1, 2, 3, 4});
+    EXPECT_SILENT(GetParam()(s.v));
+    for (const arrays& has : {marks_mode, list_mode, dense_mode, none}) {
+        sample empty(has);
+        EXPECT_SILENT(GetParam()(empty.v));
+    }
+}
+
+using UnmarkingViolationsDeathTest = UnmarkingViolations;
+
+TEST_P(UnmarkingViolationsDeathTest, SomethingListedOutsideOfMarksMode) {
+    sample list(list_mode);
+    list.with({1});
+    EXPECT_REPORTED_ABSENCE(GetParam()(list.v));
+    sample marks(marks_without_list);
+    marks.with({1});
+    EXPECT_REPORTED_ABSENCE(GetParam()(marks.v));
+}
+
+void clean_index(vector& v) {
+    vector_clean_index(v);
+}
+void clear(vector& v) {
+    vector_clear(v);
+}
+
+const auto name_of_unmarking = [](const auto& tested) {
+    return tested.param == clear ? "Clear" : "CleanIndex";
+};
+INSTANTIATE_TEST_SUITE_P(, UnmarkingViolations, testing::Values(clean_index, clear),
+                         name_of_unmarking);
+INSTANTIATE_TEST_SUITE_P(, UnmarkingViolationsDeathTest, testing::Values(clean_index, clear),
+                         name_of_unmarking);
+
+} // namespace

@@ -1,0 +1,302 @@
+#include "binary/checked/violations.hpp"
+
+namespace {
+
+using namespace zktarn::vector_mod;
+using namespace zktarn::testing;
+
+// Two vectors, one of which breaks an invariant
+// -----------------------------------------------------------------------------
+
+/// How a vector that lists 1 and 3 is spoiled.
+struct defect {
+    const char* name;
+    void (*make)(sample&);
+};
+
+class SpoiledViolations : public Violations, public testing::WithParamInterface<defect> {
+protected:
+    SpoiledViolations() {
+        for (sample* each : {&spoiled, &spoiled_set, &sound}) {
+            each->with({1, 3});
+        }
+        GetParam().make(spoiled);
+        GetParam().make(spoiled_set);
+    }
+
+    sample spoiled;
+    sample spoiled_set{support_only};
+    sample sound;
+};
+
+TEST_P(SpoiledViolations, AsTheFirstOfACombination) {
+    EXPECT_REPORTED_FIRST(spoiled, vectors_combine(spoiled.v, sound.v, 1.0, 0.0, 0.5));
+    EXPECT_REPORTED_FIRST(spoiled_set, vectors_combine(spoiled_set.v, sound.v, 1.0, 0.0, 0.5));
+}
+
+TEST_P(SpoiledViolations, AsTheSecondOfACombination) {
+    EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, spoiled.v, 1.0, 0.0, 0.5));
+    EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, spoiled_set.v, 1.0, 0.0, 0.5));
+}
+
+TEST_P(SpoiledViolations, AsTheFirstOfASymmetricDifference) {
+    sample one;
+    one.with({2});
+    EXPECT_REPORTED_FIRST(spoiled, vectors_calc_sym_diff(spoiled.v, one.v));
+    EXPECT_REPORTED_FIRST(spoiled_set, vectors_calc_sym_diff(spoiled_set.v, one.v));
+}
+
+TEST_P(SpoiledViolations, AsEitherOfAComparison) {
+    EXPECT_REPORTED(static_cast<void>(vectors_are_identical(spoiled.v, sound.v, 1.0)));
+    EXPECT_REPORTED(static_cast<void>(vectors_are_identical(sound.v, spoiled.v, 1.0)));
+}
+
+const defect defects[] = {
+    {"ListedAndNotMarked", [](sample& s) { s.mark(3) = 0; }},
+    {"MarkedAndNotListed", [](sample& s) { s.mark(2) = 1; }},
+    {"ListedTwice", [](sample& s) { s.listed(2) = 1; }},
+    {"AsManyOthersMarked",
+     [](sample& s) {
+         s.listed(2) = 4;
+         s.mark(1) = 0;
+         s.mark(2) = 1;
+     }},
+    {"MarkedBelowZero", [](sample& s) { s.mark(2) = -1; }},
+    {"MarkedByTwo", [](sample& s) { s.mark(3) = 2; }},
+    {"MarkedByTwoAndNotListed", [](sample& s) { s.mark(2) = 2; }},
+    {"AboveTheCapacity", [](sample& s) { s.listed(2) = n + 1; }},
+    {"BelowOne", [](sample& s) { s.listed(2) = 0; }},
+    {"ShortList", [](sample& s) { s.v.ind.extent[0] = n - 1; }},
+    {"ShortMarks", [](sample& s) { s.v.elm.extent[0] = n - 1; }},
+};
+
+INSTANTIATE_TEST_SUITE_P(, SpoiledViolations, testing::ValuesIn(defects),
+                         [](const auto& tested) { return tested.param.name; });
+
+TEST_F(Violations, AMarkWhereNothingIsListed) {
+    sample marked;
+    marked.mark(2) = 1;
+    sample sound;
+    sound.with({1});
+    EXPECT_REPORTED_FIRST(marked, vectors_combine(marked.v, sound.v, 1.0, 1.0, 0.0));
+    EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, marked.v, 1.0, 1.0, 0.0));
+    EXPECT_REPORTED_FIRST(marked, vectors_calc_sym_diff(marked.v, sound.v));
+}
+
+TEST_F(Violations, CountBeyondTheListOfEither) {
+    for (const arrays& has : {marks_mode, list_mode}) {
+        sample beyond(has);
+        beyond.with({1, 2, 3, 4, 5});
+        sample large(marks_mode, 2 * n);
+        large.with({1, 2, 3, 4, 5});
+        sample empty(marks_mode, 2 * n);
+        EXPECT_REPORTED_FIRST(beyond, vectors_combine(beyond.v, large.v, 1.0, 0.0, 0.5));
+        EXPECT_REPORTED_FIRST(empty, vectors_combine(empty.v, beyond.v, 1.0, 1.0, 0.0));
+        EXPECT_REPORTED_FIRST(empty, vectors_calc_sym_diff(empty.v, beyond.v));
+        EXPECT_REPORTED(static_cast<void>(vectors_are_identical(beyond.v, large.v, 1.0)));
+    }
+    // A list of its own elements, one too many: neither elements nor marks give it away.
+    sample twice(list_mode);
+    twice.with({1, 2, 3, 4, 4});
+    sample empty;
+    EXPECT_REPORTED_FIRST(twice, vectors_combine(twice.v, empty.v, 1.0, 0.0, 0.5));
+    sample large(marks_mode, 2 * n);
+    EXPECT_REPORTED_FIRST(large, vectors_combine(large.v, twice.v, 1.0, 1.0, 0.0));
+    EXPECT_REPORTED_FIRST(large, vectors_calc_sym_diff(large.v, twice.v));
+}
+
+TEST_F(Violations, ListOfNoElementsWithoutMarks) {
+    for (const std::int32_t j : {0, n + 1}) {
+        sample list(list_mode);
+        list.with({1, j});
+        sample sound;
+        sound.with({1, 3});
+        EXPECT_REPORTED_FIRST(list, vectors_combine(list.v, sound.v, 1.0, 0.0, 0.5)) << j;
+        EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, list.v, 1.0, 0.0, 0.5)) << j;
+        EXPECT_REPORTED(static_cast<void>(vectors_are_identical(list.v, sound.v, 1.0))) << j;
+    }
+}
+
+// Two vectors that do not fit each other
+// ----------------------------------------------------------------------------------------
+
+TEST_F(Violations, ElementsOfTheSecondThatTheFirstIsWithout) {
+    sample large(marks_mode, 2 * n);
+    large.with({n + 1});
+    sample x;
+    EXPECT_REPORTED_FIRST(x, vectors_combine(x.v, large.v, 1.0, 1.0, 0.0));
+    EXPECT_REPORTED_FIRST(x, vectors_calc_sym_diff(x.v, large.v));
+    sample other;
+    other.with({1});
+    EXPECT_REPORTED(static_cast<void>(vectors_are_identical(large.v, other.v, 1.0)));
+}
+
+TEST_F(Violations, CapacitiesMayDiffer) {
+    for (const std::int32_t capacity : {n - 1, 2 * n}) {
+        sample x;
+        sample y(marks_mode, capacity);
+        x.with({1, 3});
+        y.with({3, 2});
+        EXPECT_SILENT(vectors_combine(x.v, y.v, 1.0, 1.0, 0.0));
+        EXPECT_SILENT(vectors_calc_sym_diff(x.v, y.v));
+        sample z;
+        z.with({3, 2});
+        EXPECT_SILENT(static_cast<void>(vectors_are_identical(y.v, z.v, 1.0)));
+        EXPECT_SILENT(static_cast<void>(vectors_are_identical(z.v, y.v, 1.0)));
+    }
+}
+
+// The whole capacity is room enough for whatever y lists, unless x or y lists something twice.
+TEST_F(Violations, NoRoomInTheListForASum) {
+    sample y;
+    y.with({4});
+    sample full(list_mode);
+    full.with({1, 2, 3, 3});
+    EXPECT_REPORTED_FIRST(full, vectors_combine(full.v, y.v, 1.0, 1.0, 0.0));
+    sample room(list_mode);
+    room.with({1, 2, 3});
+    EXPECT_SILENT(vectors_combine(room.v, y.v, 1.0, 1.0, 0.0));
+    sample twice(list_mode);
+    twice.with({4, 4});
+    sample sum;
+    sum.with({1, 2, 3});
+    EXPECT_REPORTED_FIRST(sum, vectors_combine(sum.v, twice.v, 1.0, 1.0, 0.0));
+    // Nothing is added, so nothing is listed.
+    sample same;
+    same.with({1, 2, 3});
+    EXPECT_SILENT(vectors_combine(same.v, twice.v, 1.0, 0.0, 0.0));
+}
+
+TEST_F(Violations, NoRoomInTheListForASymmetricDifference) {
+    sample twice(list_mode);
+    twice.with({4, 4});
+    sample x;
+    x.with({1, 2, 3});
+    EXPECT_REPORTED_FIRST(x, vectors_calc_sym_diff(x.v, twice.v));
+    sample room;
+    room.with({1, 2});
+    EXPECT_SILENT(vectors_calc_sym_diff(room.v, twice.v));
+    sample empty;
+    sample all(list_mode);
+    all.with({4, 3, 2, 1});
+    EXPECT_SILENT(vectors_calc_sym_diff(empty.v, all.v));
+}
+
+// Arrays that are not there
+// ----------------------------------------------------------------------------------------------
+
+TEST_F(ViolationsDeathTest, SymmetricDifferenceWithoutMarksOrLists) {
+    sample y;
+    y.with({1});
+    for (const arrays& has : {list_mode, marks_without_list, marks_alone}) {
+        sample x(has);
+        EXPECT_REPORTED_ABSENCE(vectors_calc_sym_diff(x.v, y.v));
+    }
+    sample x;
+    sample dense(dense_mode);
+    dense.with({1});
+    EXPECT_REPORTED_ABSENCE(vectors_calc_sym_diff(x.v, dense.v));
+}
+
+TEST_F(ViolationsDeathTest, CombinationWithoutLists) {
+    sample sound;
+    sound.with({1});
+    for (const arrays& has : {dense_mode, marks_without_list}) {
+        sample counts(has);
+        counts.with({1});
+        EXPECT_REPORTED_ABSENCE(vectors_combine(sound.v, counts.v, 1.0, 1.0, 0.0));
+        EXPECT_REPORTED_ABSENCE(vectors_combine(counts.v, sound.v, 1.0, 1.0, 0.0));
+    }
+    sample marks(marks_without_list);
+    EXPECT_REPORTED_ABSENCE(vectors_combine(marks.v, sound.v, 1.0, 1.0, 0.0));
+}
+
+TEST_F(ViolationsDeathTest, ComparisonWithoutCoefficientsMarksOrLists) {
+    sample sound;
+    sound.with({1});
+    for (const arrays& has : {support_only, index_set, dense_mode, marks_without_list}) {
+        sample a(has);
+        a.with({1});
+        EXPECT_REPORTED_ABSENCE(static_cast<void>(vectors_are_identical(a.v, sound.v, 0.0)));
+    }
+    for (const arrays& has : {support_only, list_mode, dense_mode, marks_without_list}) {
+        sample b(has);
+        b.with({1});
+        EXPECT_REPORTED_ABSENCE(static_cast<void>(vectors_are_identical(sound.v, b.v, 0.0)));
+    }
+}
+
+TEST_F(Violations, NothingListedIsFineWithoutAnyArray) {
+    sample y;
+    y.with({1});
+    for (const arrays& has : {marks_mode, list_mode, dense_mode, support_only, index_set,
+                              marks_without_list, marks_alone, arrays{false, false, false}}) {
+        sample x(has);
+        sample empty(has);
+        EXPECT_SILENT(vectors_combine(x.v, empty.v, 2.0, 1.0, 0.0));
+        EXPECT_SILENT(vectors_combine(y.v, empty.v, 2.0, 1.0, 0.0));
+        EXPECT_SILENT(vectors_calc_sym_diff(x.v, empty.v));
+        EXPECT_SILENT(static_cast<void>(vectors_are_identical(x.v, empty.v, 0.0)));
+    }
+    // Marks without a list stand for themselves.
+    sample marks(marks_without_list);
+    marks.mark(2) = 1;
+    EXPECT_SILENT(vectors_combine(marks.v, marks.v, 2.0, 1.0, 0.0));
+    vector x;
+    vector empty;
+    x.nz = empty.nz = -1;
+    EXPECT_SILENT(vectors_combine(x, empty, 2.0, 1.0, 0.0));
+    EXPECT_SILENT(vectors_calc_sym_diff(x, empty));
+    EXPECT_SILENT(static_cast<void>(vectors_are_identical(x, empty, 0.0)));
+}
+
+// Pairs without a fault
+// ---------------------------------------------------------------------------------------------
+
+TEST_F(Violations, SoundCombinationsAreFine) {
+    sample y;
+    y.with({4, 3, 2});
+    sample listed(index_set);
+    listed.with({2, 1});
+    for (const arrays& has : {marks_mode, list_mode, support_only, index_set}) {
+        sample x(has);
+        x.with({1, 3});
+        EXPECT_SILENT(vectors_combine(x.v, y.v, 2.0, 3.0, 0.0));
+        EXPECT_SILENT(vectors_combine(x.v, listed.v, 1.0, 1.0, 0.0));
+        EXPECT_SILENT(vectors_combine(x.v, x.v, 1.0, 1.0, 0.0));
+    }
+    sample dense(dense_mode);
+    EXPECT_SILENT(vectors_combine(dense.v, y.v, 1.0, 1.0, 0.0));
+    EXPECT_SILENT(vectors_combine(y.v, dense.v, 1.0, 1.0, 0.0));
+}
+
+TEST_F(Violations, SoundSymmetricDifferencesAreFine) {
+    sample y;
+    y.with({4, 3, 2});
+    sample listed(index_set);
+    listed.with({2, 1});
+    for (const arrays& has : {marks_mode, support_only}) {
+        sample x(has);
+        x.with({1, 3});
+        EXPECT_SILENT(vectors_calc_sym_diff(x.v, y.v));
+        EXPECT_SILENT(vectors_calc_sym_diff(x.v, listed.v));
+        EXPECT_SILENT(vectors_calc_sym_diff(x.v, x.v));
+    }
+    // Of the second, only the list is looked at.
+    sample x;
+    y.mark(4) = 0;
+    EXPECT_SILENT(vectors_calc_sym_diff(x.v, y.v));
+}
+
+TEST_F(Violations, SoundComparisonsAreFine) {
+    sample b;
+    b.with({1, 3});
+    for (const arrays& has : {marks_mode, list_mode}) {
+        sample a(has);
+        a.with({3, 1});
+        EXPECT_SILENT(static_cast<void>(vectors_are_identical(a.v, b.v, 1.0)));
+    }
+    EXPECT_SILENT(static_cast<void>(vectors_are_identical(b.v, b.v, 1.0)));
+}
+
+} // namespace

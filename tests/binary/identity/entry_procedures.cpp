@@ -1,0 +1,133 @@
+#include "binary/identity/procedures.hpp"
+#include "binary/identity/sparse.hpp"
+#include "zktarn/vector/vector_mod.hpp"
+
+namespace zktarn::identity {
+
+namespace {
+
+using namespace vector_mod;
+
+/// A vector and an element of it.
+struct entry {
+    sparse v;
+    std::int32_t j;
+};
+
+entry drawn_entry(draws& draw, form arrays) {
+    const std::int32_t n = drawn_size(draw);
+    const sparse v(draw, n, arrays);
+    return {v, draw.between(1, n)};
+}
+
+/// One with something listed, and a position in its list.
+entry drawn_position(draws& draw) {
+    entry drawn = drawn_entry(draw, with_marks);
+    if (drawn.v.record.nz == 0) {
+        vector_add_nz(drawn.v.record, drawn.j);
+    }
+    drawn.j = draw.between(1, drawn.v.record.nz);
+    return drawn;
+}
+
+void call_get_nz(draws& draw, digest& results) {
+    const entry at = drawn_entry(draw, with_marks);
+    results.integer(vector_get_nz(at.v.record));
+}
+
+void call_set_nz(draws& draw, digest& results) {
+    entry at = drawn_entry(draw, with_marks);
+    vector_set_nz(at.v.record, at.j);
+    at.v.add_to(results);
+}
+
+void call_get_ind(draws& draw, digest& results) {
+    const entry at = drawn_position(draw);
+    results.integer(vector_get_ind(at.v.record, at.j));
+}
+
+void call_set_ind(draws& draw, digest& results) {
+    entry at = drawn_position(draw);
+    const std::int32_t index = draw.between(1, 1000);
+    vector_set_ind(at.v.record, at.j, index);
+    at.v.add_to(results);
+}
+
+void call_set_coef(draws& draw, digest& results) {
+    entry at = drawn_entry(draw, with_marks);
+    const double value = draw.real();
+    vector_set_coef(at.v.record, at.j, value);
+    results.copied(at.v.record.coef(at.j));
+    at.v.add_to(results);
+}
+
+void call_get_coef(draws& draw, digest& results) {
+    static constexpr form forms[] = {with_marks, with_list, {true, false, false}};
+    const form arrays = draw.one_of(forms);
+    const entry at = drawn_entry(draw, arrays);
+    results.copied(vector_get_coef(at.v.record, at.j));
+}
+
+void call_is_elm(draws& draw, digest& results) {
+    const entry at = drawn_entry(draw, with_marks);
+    results.integer(vector_is_elm(at.v.record, at.j));
+}
+
+template <auto operation>
+void call_on_element(draws& draw, digest& results) {
+    entry at = drawn_entry(draw, with_marks);
+    operation(at.v.record, at.j);
+    at.v.add_to(results);
+}
+
+void call_add_nz(draws& draw, digest& results) {
+    const form arrays = drawn_form(draw);
+    entry at = drawn_entry(draw, arrays);
+    const double value = draw.real();
+    if (arrays.coef && !draw.chance(3)) {
+        vector_add_nz(at.v.record, at.j, value);
+        results.copied(at.v.record.coef(at.j));
+    } else {
+        vector_add_nz(at.v.record, at.j);
+    }
+    at.v.add_to(results);
+}
+
+void call_rem_nz(draws& draw, digest& results) {
+    entry at = drawn_position(draw);
+    vector_rem_nz(at.v.record, at.j);
+    at.v.add_to(results);
+}
+
+template <auto operation>
+void call_on_all(draws& draw, digest& results) {
+    entry at = drawn_entry(draw, with_marks);
+    operation(at.v.record);
+    at.v.add_to(results);
+}
+
+constexpr int calls = 1000;
+
+constexpr procedure procedures[] = {
+    {"vector_mod.vector_get_nz", call_get_nz, calls},
+    {"vector_mod.vector_set_nz", call_set_nz, calls},
+    {"vector_mod.vector_get_ind", call_get_ind, calls},
+    {"vector_mod.vector_set_ind", call_set_ind, calls},
+    {"vector_mod.vector_set_coef", call_set_coef, calls},
+    {"vector_mod.vector_get_coef", call_get_coef, calls},
+    {"vector_mod.vector_is_elm", call_is_elm, calls},
+    {"vector_mod.vector_set_elm", call_on_element<vector_set_elm>, calls},
+    {"vector_mod.vector_rem_elm", call_on_element<vector_rem_elm>, calls},
+    {"vector_mod.vector_add_nz", call_add_nz, calls},
+    {"vector_mod.vector_rem_nz", call_rem_nz, calls},
+    {"vector_mod.vector_clear", call_on_all<vector_clear>, calls},
+    {"vector_mod.vector_clean_index", call_on_all<vector_clean_index>, calls},
+};
+
+} // namespace
+
+std::span<const procedure> entry_procedures() {
+    return procedures;
+}
+
+} // namespace zktarn::identity

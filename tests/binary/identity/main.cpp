@@ -1,0 +1,99 @@
+// identity          prints the hash of the results of each procedure
+// identity GOLDEN   names each procedure whose hash is another one than in the file, and fails
+//
+// The hashes are the same for every compiler, optimisation and processor, or something is wrong.
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <span>
+#include <string>
+
+#include "binary/identity/procedures.hpp"
+
+namespace {
+
+using namespace zktarn::identity;
+
+using hashes = std::map<std::string, std::string>;
+
+std::string hash_of(const procedure& each) {
+    draws draw(each.name);
+    digest results;
+    for (int i = 0; i < each.calls; ++i) {
+        each.call(draw, results);
+    }
+    char text[17];
+    std::snprintf(text, sizeof text, "%016" PRIx64, results.value());
+    return text;
+}
+
+hashes computed() {
+    hashes all;
+    for (const auto& of_a_subject :
+         {integrality_procedures(), array_copy_procedures(), rational_procedures(),
+          entry_procedures(), whole_vector_procedures(), sorting_procedures(),
+          random_procedures()}) {
+        for (const procedure& each : of_a_subject) {
+            all.emplace(each.name, hash_of(each));
+        }
+    }
+    return all;
+}
+
+/// Lines of a name and a hash; empty when the file cannot be read.
+hashes read(const char* path) {
+    std::ifstream file(path);
+    hashes all;
+    std::string name;
+    std::string hash;
+    while (file >> name >> hash) {
+        all.emplace(name, hash);
+    }
+    return all;
+}
+
+/// The number of names that do not have the same hash in both.
+int differences(const hashes& ours, const hashes& golden) {
+    int count = 0;
+    for (const auto& [name, hash] : ours) {
+        const auto found = golden.find(name);
+        if (found == golden.end() || found->second != hash) {
+            std::printf("different: %s: %s, not %s\n", name.c_str(), hash.c_str(),
+                        found == golden.end() ? "in the file" : found->second.c_str());
+            ++count;
+        }
+    }
+    for (const auto& [name, hash] : golden) {
+        if (!ours.contains(name)) {
+            std::printf("different: %s: not computed, but in the file\n", name.c_str());
+            ++count;
+        }
+    }
+    return count;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc > 2 || (argc == 2 && argv[1][0] == '-')) {
+        std::fprintf(stderr, "identity: takes the name of one file of hashes, or nothing\n");
+        return 2;
+    }
+    if (argc == 1) {
+        for (const auto& [name, hash] : computed()) {
+            std::printf("%s %s\n", name.c_str(), hash.c_str());
+        }
+        return 0;
+    }
+    const hashes golden = read(argv[1]);
+    if (golden.empty()) {
+        std::fprintf(stderr, "identity: there are no hashes in '%s'\n", argv[1]);
+        return 2;
+    }
+    const hashes ours = computed();
+    const int count = differences(ours, golden);
+    std::printf("%zu procedures, %d different\n", ours.size(), count);
+    return count == 0 ? 0 : 1;
+}

@@ -1,0 +1,239 @@
+#pragma once
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+#include <iterator>
+#include <limits>
+#include <utility>
+#include <vector>
+
+#include "property/mirrored_vector.hpp"
+#include "zktarn/vector/vector_mod.hpp"
+
+/// Operations on two vectors, chosen one after the other and done on the library's records and on
+/// the reference alike. Where the choices come from is open: a random generator, or the bytes of a
+/// file.
+
+namespace zktarn::testing {
+
+class choices {
+public:
+    virtual ~choices() = default;
+
+    /// The next choice, any of the 64-bit words.
+    virtual std::uint64_t word() = 0;
+
+    std::int32_t below(std::int32_t n) {
+        return static_cast<std::int32_t>(word() % static_cast<std::uint64_t>(n));
+    }
+    std::int32_t between(std::int32_t low, std::int32_t high) {
+        return low + below(high - low + 1);
+    }
+    bool chance(std::int32_t one_in) { return below(one_in) == 0; }
+
+    double value() {
+        static constexpr double special[] = {
+            0.0,          -0.0,         nan,          inf,   -inf,        5e-324,
+            -5e-324,      2.5,          0.5,          1e300, 1e-300,      4096.0,
+            2147483646.0, 2147483647.0, 2147483648.0, -3e9,  1.0 + 1e-10, 2.0 - 1e-10};
+        return chance(6) ? one_of(special) : between(-4, 4);
+    }
+
+    double factor() {
+        static constexpr double usual[] = {1.0,  -1.0,      0.0, 2.0, 0.5,
+                                           -3.0, 1.0 / 3.0, nan, inf, 1e-12};
+        return chance(3) ? value() : one_of(usual);
+    }
+
+    double tolerance() {
+        static constexpr double usual[] = {0.0, 1e-9, 1e-6};
+        static constexpr double odd[] = {0.25, 0.5, 1.0, 2.0, 1e300, -1e-9, nan, inf};
+        return chance(2) ? one_of(usual) : one_of(odd);
+    }
+
+    template <class T>
+    void shuffle(std::vector<T>& items) {
+        for (std::size_t left = items.size(); left > 1; --left) {
+            std::swap(items[left - 1], items[word() % left]);
+        }
+    }
+
+private:
+    static constexpr double inf = std::numeric_limits<double>::infinity();
+    static constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+    template <std::size_t N>
+    double one_of(const double (&values)[N]) {
+        return values[word() % N];
+    }
+};
+
+/// What became of a step.
+struct outcome {
+    const char* operation;
+    /// Both gave the same answer, where the operation has one.
+    bool answers_agree = true;
+};
+
+/// How far a vector is from what its invariants promise.
+enum class state { consistent, inconsistent };
+
+/// Fills a vector with `count` listed entries. An inconsistent one may list an index without a mark
+/// or twice, and may have marks of any value.
+inline void fill(choices& draw, mirrored_vector& v, std::int32_t count, state how) {
+    const std::int32_t n = v.capacity;
+    if (v.record.coef.present()) {
+        for (std::int32_t j = 1; j <= n; ++j) {
+            v.set_coef(j, draw.value());
+        }
+    }
+    const bool marks = v.record.elm.present();
+    if (marks) {
+        for (std::int32_t j = 1; j <= n; ++j) {
+            v.set_elm(j, how == state::inconsistent && draw.chance(20) ? draw.between(-3, 0) : 0);
+        }
+    }
+    if (!v.record.ind.present()) {
+        return;
+    }
+    std::vector<std::int32_t> indices(static_cast<std::size_t>(n));
+    for (std::int32_t j = 1; j <= n; ++j) {
+        indices[static_cast<std::size_t>(j - 1)] = j;
+    }
+    draw.shuffle(indices);
+    for (std::int32_t k = 1; k <= count; ++k) {
+        std::int32_t j = indices[static_cast<std::size_t>(k - 1)];
+        if (how == state::inconsistent && draw.chance(12)) {
+            j = draw.between(1, n);
+        }
+        v.set_ind(k, j);
+        if (marks) {
+            const bool odd = how == state::inconsistent && draw.chance(10);
+            v.set_elm(j, odd ? draw.between(-2, 3) : 1);
+        }
+    }
+    v.set_nz(count);
+}
+
+/// How many indices of y would be appended to x at the most.
+inline std::int32_t appended(const mirrored_vector& x, const mirrored_vector& y) {
+    std::int32_t count = 0;
+    for (std::int32_t k = 1; k <= y.mirror.nz; ++k) {
+        const std::int32_t j = y.mirror.i(k);
+        const bool member =
+            x.mirror.marks_mode() ? x.mirror.m(j) >= 1 : reference::search(x.mirror, j) != 0;
+        count += member ? 0 : 1;
+    }
+    return count;
+}
+
+/// Room in the list of x for whatever y brings along. A symmetric difference may append an index
+/// more than once, when y lists it more than once.
+inline bool has_room(const mirrored_vector& x, const mirrored_vector& y) {
+    return !x.mirror.ind || x.mirror.nz + appended(x, y) <= x.capacity;
+}
+
+/// No index twice in a list.
+inline bool distinct(const mirrored_vector& v) {
+    for (std::int32_t k = 1; k <= v.mirror.nz; ++k) {
+        if (reference::search(v.mirror, v.mirror.i(k)) != k) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// One operation that the contents of the vectors allow, on both.
+inline outcome step(choices& draw, mirrored_vector& x, mirrored_vector& y, state how) {
+    using namespace vector_mod;
+    const std::int32_t j = draw.between(1, x.capacity);
+    const double value = draw.value();
+    const double tol = draw.tolerance();
+    const bool listed = x.mirror.ind.has_value();
+    const bool marks = x.mirror.elm.has_value() && listed;
+    const bool coef = x.mirror.coef.has_value();
+    const bool room = !listed || x.mirror.nz < x.capacity;
+    switch (draw.below(11)) {
+    case 0:
+        if (room) {
+            vector_add_nz(x.record, j);
+            reference::vector_add_nz(x.mirror, j);
+        }
+        return {"vector_add_nz without a value"};
+    case 1:
+        if (room && coef) {
+            vector_add_nz(x.record, j, value);
+            reference::vector_add_nz(x.mirror, j, value);
+        }
+        return {"vector_add_nz"};
+    case 2:
+        if (marks && x.mirror.nz >= 1) {
+            const std::int32_t k = draw.between(1, x.mirror.nz);
+            vector_rem_nz(x.record, k);
+            reference::vector_rem_nz(x.mirror, k);
+        }
+        return {"vector_rem_nz"};
+    case 3:
+        if (coef && listed) {
+            vector_rem_zeros(x.record);
+            reference::vector_rem_zeros(x.mirror);
+        }
+        return {"vector_rem_zeros"};
+    case 4:
+        if (how == state::inconsistent && marks) {
+            vector_clean_index(x.record);
+            reference::vector_clean_index(x.mirror);
+        }
+        return {"vector_clean_index"};
+    case 5:
+        if (marks && draw.chance(4)) {
+            vector_clear(x.record);
+            reference::vector_clear(x.mirror);
+        }
+        return {"vector_clear"};
+    case 6:
+        if (coef && listed) {
+            vector_mod2(x.record, tol);
+            reference::vector_mod2(x.mirror, tol);
+        }
+        return {"vector_mod2"};
+    case 7:
+        // What y lists twice is appended twice, and would need room twice.
+        if (marks && has_room(x, y) && distinct(y)) {
+            vectors_calc_sym_diff(x.record, y.record);
+            reference::vectors_calc_sym_diff(x.mirror, y.mirror);
+        }
+        return {"vectors_calc_sym_diff"};
+    case 8:
+        if (y.mirror.elm && coef && y.mirror.coef && listed) {
+            const bool ours = vectors_are_identical(x.record, y.record, tol) != 0;
+            return {"vectors_are_identical",
+                    ours == reference::vectors_are_identical(x.mirror, y.mirror, tol)};
+        }
+        return {"vectors_are_identical"};
+    case 9:
+        if (coef) {
+            const double ours = vector_get_coef(x.record, j);
+            const double theirs = reference::vector_get_coef(x.mirror, j);
+            return {"vector_get_coef", same_bits(ours, theirs)};
+        }
+        return {"vector_get_coef"};
+    default:
+        if (has_room(x, y)) {
+            const double alpha = draw.factor();
+            const double beta = draw.factor();
+            vectors_combine(x.record, y.record, alpha, beta, tol);
+            reference::vectors_combine(x.mirror, y.mirror, alpha, beta, tol);
+        }
+        return {"vectors_combine"};
+    }
+}
+
+inline form form_of(std::int32_t bits) {
+    // Marks with a list, a list, neither; with and without coefficients.
+    const std::int32_t mode = bits % 3;
+    return {.coef = bits < 3, .ind = mode != 2, .elm = mode == 0};
+}
+
+} // namespace zktarn::testing

@@ -1,0 +1,198 @@
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "unit/standin/host_arrays.hpp"
+#include "unit/standin/standin_fixture.hpp"
+
+namespace zktarn::standin {
+
+namespace {
+
+using strings = std::vector<std::string>;
+using numbers = std::vector<double>;
+
+/// What a copy of an array shows, and how it answers what does not fit it.
+class ArrayValue : public StandinTest {
+protected:
+    void TearDown() override {
+        EXPECT_TRUE(faults.empty());
+        StandinTest::TearDown();
+    }
+
+    /// Looks at an array and destroys it.
+    static array_value taken(array_handle array) {
+        const array_value seen = inspect(array);
+        destroy(array);
+        return seen;
+    }
+
+    void expect_no_number(const array_value& value) {
+        EXPECT_EQ(value.scalar(), 0.0);
+        expect_fault(fault_kind::wrong_kind,
+                     "an array was asked for its number, but has not just one");
+    }
+
+    void expect_no_numbers(const array_value& value) {
+        EXPECT_TRUE(value.reals().empty());
+        expect_fault(fault_kind::wrong_kind, "an array that is not real was asked for its numbers");
+    }
+
+    void expect_no_characters(const array_value& value) {
+        EXPECT_EQ(value.text(), "");
+        expect_fault(fault_kind::wrong_kind,
+                     "an array that is no text was asked for its characters");
+    }
+
+    void expect_no_fields(const array_value& value) {
+        const std::string sentence = "an array that is no struct was asked for its fields";
+        EXPECT_TRUE(value.field_names().empty());
+        expect_fault(fault_kind::wrong_kind, sentence);
+        EXPECT_FALSE(value.has_field("x"));
+        expect_fault(fault_kind::wrong_kind, sentence);
+        expect_no_field(value, "x");
+    }
+
+    void expect_no_field(const array_value& value, const std::string& name) {
+        const array_value& none = value.field(name);
+        expect_fault(fault_kind::out_of_range,
+                     "an array was asked for its field '" + name + "', but has none of that name");
+        EXPECT_EQ(none.kind, array_kind::real_matrix);
+        EXPECT_EQ(none.rows, 0);
+        EXPECT_EQ(none.columns, 0);
+        EXPECT_TRUE(none.reals().empty());
+    }
+};
+
+TEST_F(ArrayValue, AScalarHasANumber) {
+    const array_value value = taken(make_scalar(2.5));
+    EXPECT_EQ(value.scalar(), 2.5);
+    EXPECT_EQ(value.reals(), numbers{2.5});
+    expect_no_characters(value);
+    expect_no_fields(value);
+}
+
+TEST_F(ArrayValue, AMatrixHasNumbers) {
+    const array_value value = taken(make_matrix(2, 2));
+    EXPECT_EQ(value.reals(), numbers(4, 0.0));
+    expect_no_number(value);
+    expect_no_characters(value);
+    expect_no_fields(value);
+}
+
+TEST_F(ArrayValue, AMatrixOfOneNumberHasThatNumber) {
+    const array_handle made = make_matrix(1, 1);
+    *data_of(made) = 3.0;
+    EXPECT_EQ(taken(made).scalar(), 3.0);
+}
+
+TEST_F(ArrayValue, AnEmptyMatrixHasNoNumber) {
+    const array_value value = taken(make_matrix(0, 1));
+    EXPECT_TRUE(value.reals().empty());
+    expect_no_number(value);
+}
+
+TEST_F(ArrayValue, ATextHasCharacters) {
+    const array_value value = taken(make_text("iter  "));
+    EXPECT_EQ(value.text(), "iter  ");
+    expect_no_number(value);
+    expect_no_numbers(value);
+    expect_no_fields(value);
+}
+
+TEST_F(ArrayValue, AStructHasFields) {
+    const array_handle made = make_struct({1, 1}, 2, "xy", 1);
+    set_field(made, 1, "y", make_scalar(4.0));
+    const array_value value = taken(made);
+    EXPECT_EQ(value.field_names(), (strings{"x", "y"}));
+    EXPECT_TRUE(value.has_field("x"));
+    EXPECT_TRUE(value.has_field("y"));
+    EXPECT_EQ(value.field("y").scalar(), 4.0);
+    expect_no_number(value);
+    expect_no_numbers(value);
+    expect_no_characters(value);
+    EXPECT_FALSE(value.has_field("z"));
+    expect_no_field(value, "z");
+}
+
+TEST_F(ArrayValue, AFieldThatWasNotSetIsAnEmptyMatrix) {
+    const array_value value = taken(make_struct({1, 1}, 1, "x", 1));
+    EXPECT_EQ(value.field("x").kind, array_kind::real_matrix);
+    EXPECT_EQ(value.field("x").rows, 0);
+    EXPECT_EQ(value.field("x").columns, 0);
+    EXPECT_TRUE(value.field("x").reals().empty());
+}
+
+TEST_F(ArrayValue, AStructOfSeveralElementsShowsItsNamesOnly) {
+    const array_handle made = make_struct({1, 2}, 1, "x", 1);
+    set_field(made, 1, "x", make_scalar(1.0));
+    const array_value value = taken(made);
+    EXPECT_EQ(value.columns, 2);
+    EXPECT_EQ(value.field_names(), strings{"x"});
+    EXPECT_TRUE(value.field("x").reals().empty());
+}
+
+TEST_F(ArrayValue, AStructShowsTheFieldsOfItsStructs) {
+    const array_handle outer = make_struct({1, 1}, 1, "options", 7);
+    const array_handle inner = make_struct({1, 1}, 1, "display", 7);
+    set_field(inner, 1, "display", make_text("off"));
+    set_field(outer, 1, "options", inner);
+    EXPECT_EQ(taken(outer).field("options").field("display").text(), "off");
+}
+
+TEST_F(ArrayValue, WhatIsTakenFromOneThatGoesStays) {
+    const array_handle made = make_struct({1, 1}, 3, "xst", 1);
+    set_field(made, 1, "x", make_matrix(1, 2));
+    set_field(made, 1, "s", make_struct({1, 1}, 1, "y", 1));
+    set_field(made, 1, "t", make_text("text"));
+    const auto& numbers_of = inspect(made).field("x").reals();
+    const auto& text_of = inspect(made).field("t").text();
+    const auto& struct_of = inspect(made).field("s");
+    destroy(made);
+    EXPECT_EQ(numbers_of, numbers(2, 0.0));
+    EXPECT_EQ(text_of, "text");
+    EXPECT_EQ(struct_of.field_names(), strings{"y"});
+}
+
+TEST_F(ArrayValue, IsACopyThatOutlivesTheArray) {
+    const array_handle made = make_matrix(2, 1);
+    data_of(made)[0] = 1.0;
+    const array_value before = inspect(made);
+    data_of(made)[0] = 2.0;
+    destroy(made);
+    EXPECT_EQ(before.reals(), (numbers{1.0, 0.0}));
+}
+
+TEST_F(ArrayValue, ADefaultOneIsAnEmptyMatrix) {
+    const array_value value;
+    EXPECT_EQ(value.kind, array_kind::real_matrix);
+    EXPECT_TRUE(value.reals().empty());
+    expect_no_number(value);
+}
+
+TEST_F(ArrayValue, OfAnUnknownHandleIsAFault) {
+    const array_value unknown = inspect(0);
+    EXPECT_EQ(unknown.kind, array_kind::real_matrix);
+    EXPECT_TRUE(unknown.reals().empty());
+    expect_fault(fault_kind::unknown_object, "inspect: the handle 0 names no array");
+
+    const array_handle gone = make_scalar(1.0);
+    destroy(gone);
+    EXPECT_TRUE(inspect(gone).reals().empty());
+    expect_fault(fault_kind::use_after_release,
+                 "inspect: " + the_scalar(gone) + " was used after it was destroyed");
+}
+
+TEST_F(ArrayValue, LookingIsNoOperation) {
+    const array_handle made = make_scalar(1.0);
+    fail_call(operation::qvgetpr800_, 1);
+    EXPECT_EQ(inspect(made).scalar(), 1.0);
+    EXPECT_EQ(calls(operation::qvgetpr800_), 0);
+    destroy(made);
+}
+
+} // namespace
+
+} // namespace zktarn::standin

@@ -1,0 +1,113 @@
+#include <cstdint>
+#include <cstdio>
+#include <string>
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "unit/standin/standin_fixture.hpp"
+#include "zktarn/host/libzkoptimutil.hpp"
+
+namespace zktarn::standin {
+
+namespace {
+
+using host::qvFreeExOptim;
+using host::qvMallocExOptim;
+
+/// With the default handlers, every fault ends the process with its sentence.
+class DefaultHandlersDeathTest : public StandinTest {
+protected:
+    void SetUp() override { reset(); }
+
+    /// The block of the next request, as a fault names it.
+    static std::string next(const std::string& size) {
+        return "block " + std::to_string(requests() + 1) + " (" + size + ")";
+    }
+
+    static unsigned char* take(std::int64_t nbytes) {
+        return static_cast<unsigned char*>(qvMallocExOptim(nbytes));
+    }
+};
+
+TEST_F(DefaultHandlersDeathTest, ABadRequestStops) {
+    EXPECT_STOP(take(-1), "a block of -1 bytes was asked for; at least 1 is needed");
+}
+
+TEST_F(DefaultHandlersDeathTest, ADoubleFreeStops) {
+    EXPECT_STOP(
+        {
+            void* const address = take(24);
+            qvFreeExOptim(address);
+            qvFreeExOptim(address);
+        },
+        next("24 bytes") + " was given back twice");
+}
+
+TEST_F(DefaultHandlersDeathTest, AForeignAddressStops) {
+    int local = 0;
+    EXPECT_STOP(qvFreeExOptim(&local),
+                "an address that the memory manager never handed out was given back");
+    EXPECT_STOP(qvFreeExOptim(take(24) + 8),
+                "an address inside " + next("24 bytes") + " was given back");
+}
+
+TEST_F(DefaultHandlersDeathTest, AWritePastTheEndStops) {
+    EXPECT_STOP(
+        {
+            unsigned char* const bytes = take(1);
+            bytes[1] = 0;
+            qvFreeExOptim(bytes);
+        },
+        next("1 byte") + " was written past its end");
+    EXPECT_STOP(
+        {
+            take(1)[1] = 0;
+            check_blocks();
+        },
+        next("1 byte") + " was written past its end");
+}
+
+TEST_F(DefaultHandlersDeathTest, AWriteBeforeTheStartStops) {
+    EXPECT_STOP(
+        {
+            unsigned char* const bytes = take(8);
+            *(bytes - 1) = 0;
+            qvFreeExOptim(bytes);
+        },
+        next("8 bytes") + " was written before its start");
+}
+
+TEST_F(DefaultHandlersDeathTest, AFailedAssertionStopsWithItsNumber) {
+    EXPECT_STOP(host::assertOptim(false), "an assertion of the solver failed (number 1)");
+    host::assertOptim(true);
+    host::assertOptim(true);
+    EXPECT_STOP(host::assertOptim(false), "an assertion of the solver failed (number 3)");
+}
+
+TEST_F(DefaultHandlersDeathTest, AnEmptyHandlerStandsForTheDefault) {
+    set_fault_handler([](const fault&) {});
+    set_fault_handler({});
+    EXPECT_STOP(take(0), "a block of 0 bytes was asked for; at least 1 is needed");
+    set_assertion_handler([] {});
+    set_assertion_handler({});
+    EXPECT_STOP(host::assertOptim(false), "an assertion of the solver failed (number 1)");
+}
+
+TEST_F(DefaultHandlersDeathTest, WhatTheProgramPrintedBeforeIsNotLost) {
+    EXPECT_EXIT(
+        {
+            keep_coverage();
+            dup2(STDERR_FILENO, STDOUT_FILENO);
+            std::printf("Solving.\n");
+            take(0);
+        },
+        testing::KilledBySignal(SIGABRT),
+        exactly_and_aborted(
+            "Solving.\nzktarn stand-in host: a block of 0 bytes was asked for; at least 1 "
+            "is needed\n"));
+}
+
+} // namespace
+
+} // namespace zktarn::standin

@@ -1,0 +1,154 @@
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "unit/standin/standin_fixture.hpp"
+#include "zktarn/host/libzkoptimutil.hpp"
+
+namespace zktarn::standin {
+
+namespace {
+
+using host::qvFreeExOptim;
+using host::qvMallocExOptim;
+
+/// The report in whole, as a program that starts afresh sees it: each statement runs in a process
+/// of its own, in which the first request has the number 1.
+class ExitDeathTest : public testing::Test {
+protected:
+    void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+    void TearDown() override { testing::FLAGS_gtest_death_test_style = "fast"; }
+};
+
+constexpr int status = 7;
+
+[[noreturn]] void end() {
+    std::exit(status);
+}
+
+void print(const std::string& text) {
+    std::fputs(text.c_str(), stderr);
+}
+
+TEST_F(ExitDeathTest, TheMemoryReportOfAFreshProcess) {
+    EXPECT_EXIT((print(memory_report()), end()), testing::ExitedWithCode(status),
+                exactly("host memory: 0 requests, 0 refused, 0 blocks not given back\n"));
+}
+
+TEST_F(ExitDeathTest, TheMemoryReportCountsAndListsLiveBlocksByOrderNumber) {
+    EXPECT_EXIT(
+        {
+            report_at_exit(false);
+            qvMallocExOptim(1);
+            void* const second = qvMallocExOptim(8);
+            fail_request(1);
+            qvMallocExOptim(16);
+            qvMallocExOptim(4096);
+            qvMallocExOptim(0x7FFFFFFFFFFFFFFF);
+            qvFreeExOptim(second);
+            print(memory_report());
+            end();
+        },
+        testing::ExitedWithCode(status),
+        exactly("host memory: 5 requests, 2 refused, 2 blocks not given back\n"
+                "  block 1: 1 byte\n"
+                "  block 4: 4096 bytes\n"));
+}
+
+TEST_F(ExitDeathTest, ALeakIsReportedAndTheExitStatusKept) {
+    EXPECT_EXIT(
+        {
+            qvFreeExOptim(qvMallocExOptim(8));
+            qvMallocExOptim(24);
+            end();
+        },
+        testing::ExitedWithCode(status),
+        exactly("host memory: 2 requests, 0 refused, 1 block not given back\n"
+                "  block 2: 24 bytes\n"));
+}
+
+TEST_F(ExitDeathTest, NothingIsReportedWhenEverythingWasGivenBack) {
+    EXPECT_EXIT(
+        {
+            qvFreeExOptim(qvMallocExOptim(8));
+            end();
+        },
+        testing::ExitedWithCode(status), exactly(""));
+}
+
+TEST_F(ExitDeathTest, NothingIsReportedWhenTheReportIsOff) {
+    EXPECT_EXIT(
+        {
+            static_cast<unsigned char*>(qvMallocExOptim(8))[8] = 0;
+            report_at_exit(false);
+            end();
+        },
+        testing::ExitedWithCode(status), exactly(""));
+}
+
+TEST_F(ExitDeathTest, ResetTurnsTheReportOn) {
+    EXPECT_EXIT(
+        {
+            report_at_exit(false);
+            reset();
+            qvMallocExOptim(8);
+            end();
+        },
+        testing::ExitedWithCode(status),
+        exactly("host memory: 1 request, 0 refused, 1 block not given back\n"
+                "  block 1: 8 bytes\n"));
+}
+
+TEST_F(ExitDeathTest, DamageFoundAtExitStops) {
+    EXPECT_STOP(
+        {
+            static_cast<unsigned char*>(qvMallocExOptim(8))[8] = 0;
+            end();
+        },
+        "block 1 (8 bytes) was written past its end");
+}
+
+TEST_F(ExitDeathTest, DamageFoundAtExitIsToldToTheHandlerBeforeTheReport) {
+    EXPECT_EXIT(
+        {
+            set_fault_handler([](const fault& found) { print(found.sentence + "\n"); });
+            static_cast<unsigned char*>(qvMallocExOptim(8))[8] = 0;
+            end();
+        },
+        testing::ExitedWithCode(status),
+        exactly("block 1 (8 bytes) was written past its end\n"
+                "host memory: 1 request, 0 refused, 1 block not given back\n"
+                "  block 1: 8 bytes\n"));
+}
+
+/// Gives its block back when it is destroyed.
+struct owner {
+    void* address = nullptr;
+    ~owner() { qvFreeExOptim(address); }
+};
+
+owner made_before_any_block;
+
+TEST_F(ExitDeathTest, BlocksOfStaticObjectsAreGivenBackBeforeTheReport) {
+    EXPECT_EXIT(
+        {
+            made_before_any_block.address = qvMallocExOptim(8);
+            static owner made_later;
+            made_later.address = qvMallocExOptim(8);
+            end();
+        },
+        testing::ExitedWithCode(status), exactly(""));
+}
+
+TEST(ReportAtExit, ReturnsThePreviousSetting) {
+    EXPECT_TRUE(report_at_exit(false));
+    EXPECT_FALSE(report_at_exit(false));
+    EXPECT_FALSE(report_at_exit(true));
+    EXPECT_TRUE(report_at_exit(true));
+}
+
+} // namespace
+
+} // namespace zktarn::standin

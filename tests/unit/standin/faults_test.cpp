@@ -1,0 +1,318 @@
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "unit/standin/standin_fixture.hpp"
+#include "zktarn/host/libzkoptimutil.hpp"
+
+namespace zktarn::standin {
+
+namespace {
+
+using host::qvFreeExOptim;
+using host::qvMallocExOptim;
+
+// A block this large has pages of its own, which the system hands out again at once; where a small
+// one goes depends on its neighbours.
+constexpr std::int64_t large = 100'000'000;
+
+class Faults : public StandinTest {
+protected:
+    /// A new block that may be written anywhere near.
+    static unsigned char* take(std::int64_t nbytes) {
+        return static_cast<unsigned char*>(qvMallocExOptim(nbytes));
+    }
+
+    /// Expects exactly one fault since the last call, and forgets it.
+    void expect_fault(fault_kind kind, const block& concerned, const std::string& sentence) {
+        ASSERT_EQ(faults.size(), 1u);
+        const fault found = faults[0];
+        faults.clear();
+        EXPECT_EQ(found.kind, kind);
+        EXPECT_EQ(found.concerned.address, concerned.address);
+        EXPECT_EQ(found.concerned.nbytes, concerned.nbytes);
+        EXPECT_EQ(found.concerned.order, concerned.order);
+        EXPECT_EQ(found.sentence, sentence);
+    }
+
+    /// The block of the last request, as a fault names it.
+    static std::string last(const std::string& size) {
+        return "block " + std::to_string(requests()) + " (" + size + ")";
+    }
+};
+
+TEST_F(Faults, ARequestForLessThanOneByteIsBad) {
+    const std::int64_t before = requests();
+    EXPECT_EQ(qvMallocExOptim(0), nullptr);
+    expect_fault(fault_kind::bad_request, {},
+                 "a block of 0 bytes was asked for; at least 1 is needed");
+    EXPECT_EQ(qvMallocExOptim(-8), nullptr);
+    expect_fault(fault_kind::bad_request, {},
+                 "a block of -8 bytes was asked for; at least 1 is needed");
+    EXPECT_EQ(requests(), before);
+}
+
+TEST_F(Faults, ABadRequestUsesUpNoPlannedFailure) {
+    fail_request(1);
+    EXPECT_EQ(qvMallocExOptim(0), nullptr);
+    EXPECT_EQ(faults.size(), 1u);
+    EXPECT_EQ(qvMallocExOptim(8), nullptr);
+    EXPECT_EQ(faults.size(), 1u);
+}
+
+TEST_F(Faults, ABlockGivenBackTwiceIsNamedWithSizeAndNumber) {
+    void* const address = take(24);
+    const std::int64_t order = requests();
+    qvFreeExOptim(address);
+    EXPECT_TRUE(faults.empty());
+    qvFreeExOptim(address);
+    expect_fault(fault_kind::double_free, {address, 24, order},
+                 last("24 bytes") + " was given back twice");
+    qvFreeExOptim(address);
+    expect_fault(fault_kind::double_free, {address, 24, order},
+                 last("24 bytes") + " was given back twice");
+}
+
+TEST_F(Faults, ABlockGivenBackTwiceIsSeenAfterOtherRequestsToo) {
+    void* const address = take(24);
+    const block first = {address, 24, requests()};
+    const std::string first_name = last("24 bytes");
+    qvFreeExOptim(address);
+    // Far too large for the place that has become free.
+    void* const other = take(large);
+    ASSERT_NE(other, address);
+    qvFreeExOptim(address);
+    expect_fault(fault_kind::double_free, first, first_name + " was given back twice");
+    qvFreeExOptim(other);
+    EXPECT_TRUE(faults.empty());
+}
+
+TEST_F(Faults, ABlockOfOneByteIsNamedInTheSingular) {
+    void* const address = take(1);
+    const std::int64_t order = requests();
+    qvFreeExOptim(address);
+    qvFreeExOptim(address);
+    expect_fault(fault_kind::double_free, {address, 1, order},
+                 last("1 byte") + " was given back twice");
+}
+
+/// A new block at `address`, where a block of the same size has been given back; null when there is
+/// none to be had.
+void* take_again(void* address, std::int64_t nbytes) {
+    std::vector<void*> others;
+    void* again = qvMallocExOptim(nbytes);
+    while (again != address && others.size() < 100) {
+        others.push_back(again);
+        again = qvMallocExOptim(nbytes);
+    }
+    for (void* const other : others) {
+        qvFreeExOptim(other);
+    }
+    return again == address ? again : nullptr;
+}
+
+TEST_F(Faults, AnAddressHandedOutAgainCanBeGivenBackAgain) {
+#ifdef ZKTARN_TEST_EMULATED
+    GTEST_SKIP() << "the emulator gives every large block new pages";
+#endif
+    void* const address = take(large);
+    qvFreeExOptim(address);
+    ASSERT_EQ(take_again(address, large), address);
+    const std::int64_t order = live_blocks()[0].order;
+
+    qvFreeExOptim(address);
+    EXPECT_TRUE(faults.empty());
+    qvFreeExOptim(address);
+    expect_fault(fault_kind::double_free, {address, large, order},
+                 "block " + std::to_string(order) + " (100000000 bytes) was given back twice");
+}
+
+TEST_F(Faults, AnAddressOfTheStackIsForeign) {
+    int local = 0;
+    qvFreeExOptim(&local);
+    expect_fault(fault_kind::foreign_free, {&local, 0, 0},
+                 "an address that the memory manager never handed out was given back");
+}
+
+// Blocks begin at multiples of 64 bytes. The addresses in the next two tests are none, so none of
+// them can be that of a block from before.
+
+TEST_F(Faults, AnAddressInsideABlockIsForeignAndNamesTheBlock) {
+    unsigned char* const other = take(8);
+    unsigned char* const bytes = take(100);
+    const block whole = {bytes, 100, requests()};
+    for (const int offset : {1, 63, 99}) {
+        qvFreeExOptim(bytes + offset);
+        expect_fault(fault_kind::foreign_free, whole,
+                     "an address inside " + last("100 bytes") + " was given back");
+    }
+    EXPECT_EQ(live_blocks().size(), 2u);
+    qvFreeExOptim(bytes);
+    qvFreeExOptim(other);
+    EXPECT_TRUE(faults.empty());
+}
+
+TEST_F(Faults, AnAddressJustOutsideABlockIsForeignAndNamesNone) {
+    unsigned char* const bytes = take(100);
+    for (const int offset : {-63, -1, 100, 163}) {
+        qvFreeExOptim(bytes + offset);
+        expect_fault(fault_kind::foreign_free, {bytes + offset, 0, 0},
+                     "an address that the memory manager never handed out was given back");
+    }
+    qvFreeExOptim(bytes);
+    EXPECT_TRUE(faults.empty());
+}
+
+TEST_F(Faults, AWriteUpTo64BytesPastTheEndIsSeenWhenTheBlockIsGivenBack) {
+    for (const std::int64_t nbytes : {1, 24, 63, 64, 65}) {
+        for (const int distance : {0, 1, 63}) {
+            unsigned char* const bytes = take(nbytes);
+            const block damaged = {bytes, nbytes, requests()};
+            bytes[nbytes + distance] = 0;
+            qvFreeExOptim(bytes);
+            expect_fault(fault_kind::write_past_end, damaged,
+                         last(nbytes == 1 ? "1 byte" : std::to_string(nbytes) + " bytes") +
+                             " was written past its end");
+        }
+    }
+}
+
+TEST_F(Faults, AWriteUpTo64BytesBeforeTheStartIsSeenWhenTheBlockIsGivenBack) {
+    for (const int distance : {1, 2, 64}) {
+        unsigned char* const bytes = take(16);
+        const block damaged = {bytes, 16, requests()};
+        *(bytes - distance) = 0;
+        qvFreeExOptim(bytes);
+        expect_fault(fault_kind::write_before_start, damaged,
+                     last("16 bytes") + " was written before its start");
+    }
+}
+
+TEST_F(Faults, CheckBlocksReportsADamagedBlockOnceAndThenItIsGivenBackQuietly) {
+    unsigned char* const sound = take(8);
+    unsigned char* const past = take(8);
+    const block past_block = {past, 8, requests()};
+    const std::string past_name = last("8 bytes");
+    past[8] = 0;
+    EXPECT_EQ(check_blocks(), 1);
+    expect_fault(fault_kind::write_past_end, past_block, past_name + " was written past its end");
+    EXPECT_EQ(check_blocks(), 0);
+
+    *(past - 1) = 0;
+    EXPECT_EQ(check_blocks(), 1);
+    expect_fault(fault_kind::write_before_start, past_block,
+                 past_name + " was written before its start");
+    EXPECT_EQ(check_blocks(), 0);
+
+    qvFreeExOptim(past);
+    qvFreeExOptim(sound);
+    EXPECT_TRUE(faults.empty());
+}
+
+TEST_F(Faults, CheckBlocksReportsDamagedBlocksByOrderNumber) {
+    std::vector<unsigned char*> blocks;
+    for (int i = 0; i < 20; ++i) {
+        blocks.push_back(take(8));
+        blocks.back()[8] = 0;
+    }
+    EXPECT_EQ(check_blocks(), 20);
+    ASSERT_EQ(faults.size(), 20u);
+    for (std::size_t i = 0; i < blocks.size(); ++i) {
+        EXPECT_EQ(faults[i].concerned.address, blocks[i]);
+        qvFreeExOptim(blocks[i]);
+    }
+    EXPECT_EQ(faults.size(), 20u);
+}
+
+TEST_F(Faults, ABlockDamagedAtBothEndsIsReportedOnce) {
+    unsigned char* const bytes = take(8);
+    bytes[8] = 0;
+    *(bytes - 1) = 0;
+    EXPECT_EQ(check_blocks(), 1);
+    EXPECT_EQ(faults.size(), 1u);
+    EXPECT_EQ(check_blocks(), 0);
+    qvFreeExOptim(bytes);
+    EXPECT_EQ(faults.size(), 1u);
+}
+
+class Handlers : public StandinTest {};
+
+TEST_F(Handlers, TheFaultHandlerReturnedIsThePreviousOne) {
+    int told = 0;
+    set_fault_handler([&](const fault&) { told += 1; });
+    const fault_handler previous = set_fault_handler([&](const fault&) { told += 10; });
+    qvMallocExOptim(0);
+    EXPECT_EQ(told, 10);
+    ASSERT_TRUE(previous);
+    previous({});
+    EXPECT_EQ(told, 11);
+    set_fault_handler({});
+    EXPECT_FALSE(set_fault_handler({}));
+}
+
+TEST_F(Handlers, TheAssertionHandlerReturnedIsThePreviousOne) {
+    int told = 0;
+    EXPECT_FALSE(set_assertion_handler([&] { told += 1; }));
+    const assertion_handler previous = set_assertion_handler([&] { told += 10; });
+    host::assertOptim(false);
+    EXPECT_EQ(told, 10);
+    ASSERT_TRUE(previous);
+    previous();
+    EXPECT_EQ(told, 11);
+    set_assertion_handler({});
+    EXPECT_FALSE(set_assertion_handler({}));
+}
+
+TEST_F(Handlers, OnlyFailedAssertionsAreTold) {
+    int told = 0;
+    set_assertion_handler([&] { ++told; });
+    host::assertOptim(true);
+    EXPECT_EQ(told, 0);
+    host::assertOptim(false);
+    host::assertOptim(false);
+    EXPECT_EQ(told, 2);
+}
+
+TEST_F(Handlers, AHandlerMayUseTheWholeControlAndTheHost) {
+    std::int64_t live = -1;
+    set_fault_handler([&](const fault&) {
+        qvFreeExOptim(qvMallocExOptim(8));
+        live = static_cast<std::int64_t>(live_blocks().size());
+        check_blocks();
+        set_fault_handler({});
+    });
+    int local = 0;
+    qvFreeExOptim(&local);
+    EXPECT_EQ(live, 0);
+    EXPECT_FALSE(set_fault_handler({}));
+}
+
+TEST_F(Handlers, ResetRestoresTheDefaults) {
+    set_assertion_handler([] {});
+    reset();
+    EXPECT_FALSE(set_fault_handler({}));
+    EXPECT_FALSE(set_assertion_handler({}));
+}
+
+TEST_F(Handlers, KeepTheirStateFromCallToCall) {
+    int told = 0;
+    set_fault_handler([&told, times = 0](const fault&) mutable { told = ++times; });
+    qvMallocExOptim(0);
+    qvMallocExOptim(0);
+    EXPECT_EQ(told, 2);
+    const fault_handler taken = set_fault_handler([](const fault&) {});
+    taken({fault_kind::bad_request, {}, ""});
+    EXPECT_EQ(told, 3);
+
+    int asserted = 0;
+    set_assertion_handler([&asserted, times = 0]() mutable { asserted = ++times; });
+    host::assertOptim(false);
+    host::assertOptim(false);
+    EXPECT_EQ(asserted, 2);
+}
+
+} // namespace
+
+} // namespace zktarn::standin

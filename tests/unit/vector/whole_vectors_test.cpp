@@ -1,0 +1,467 @@
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <numeric>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "property/listing.hpp"
+#include "support/guarded_page.hpp"
+#include "zktarn/vector/vector_mod.hpp"
+
+namespace {
+
+using namespace zktarn::vector_mod;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using zktarn::testing::guarded_page;
+using zktarn::testing::listing;
+using zktarn::testing::made_vector;
+
+constexpr std::int32_t n = 9;
+constexpr double tiny = 1e-9;
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+
+TEST(RemZeros, DropsExactZerosOfBothSignsAndKeepsEverythingElse) {
+    made_vector v(n);
+    v.entries({{5, 0.0}, {7, 2.0}, {9, 0.0}});
+    vector_rem_zeros(*v);
+    EXPECT_THAT(listing(*v), ElementsAre(7));
+    EXPECT_EQ(v->elm(5), 0);
+    EXPECT_EQ(v->elm(7), 1);
+    EXPECT_EQ(v->elm(9), 0);
+
+    made_vector odd(n);
+    odd.entries({{1, -0.0}, {2, nan}, {3, 5e-324}, {4, -0.0}});
+    vector_rem_zeros(*odd);
+    EXPECT_THAT(listing(*odd), ElementsAre(3, 2));
+}
+
+TEST(RemZeros, OfZerosOnlyLeavesNothingListedAndNothingMarked) {
+    made_vector v(n);
+    v.entries({{1, 0.0}, {2, 0.0}, {3, -0.0}});
+    vector_rem_zeros(*v);
+    EXPECT_EQ(v->nz, 0);
+    for (std::int32_t j = 1; j <= n; ++j) {
+        EXPECT_EQ(v->elm(j), 0);
+    }
+}
+
+TEST(RemZeros, DropsEntriesThatAreNoMembers) {
+    made_vector v(n);
+    v.entries({{1, 4.0}, {2, 5.0}, {3, 6.0}});
+    v->elm(1) = -1;
+    vector_rem_zeros(*v);
+    EXPECT_THAT(listing(*v), ElementsAre(3, 2));
+    EXPECT_EQ(v->elm(1), 0);
+    EXPECT_EQ(v->coef(1), 4.0);
+}
+
+TEST(RemZeros, WorksOnListsAndOnNothing) {
+    made_vector list(n, 0, 1);
+    list.entries({{1, 0.0}, {2, 5.0}, {3, 6.0}});
+    vector_rem_zeros(*list);
+    EXPECT_THAT(listing(*list), ElementsAre(3, 2));
+    made_vector dense(n, 1, 1);
+    vector_rem_zeros(*dense);
+    EXPECT_EQ(dense->nz, 0);
+}
+
+TEST(Combine, WithFactorsThatCountAsOneAndZeroOnlyDropsZeros) {
+    made_vector x(n);
+    made_vector y(n);
+    x.entries({{1, 3.0}, {2, 0.0}, {3, 0.5}});
+    y.entries({{4, 1.0}});
+    vectors_combine(*x, *y, 1.0 + 1e-10, 1e-10, tiny);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 3));
+    EXPECT_EQ(x->coef(1), 3.0);
+    EXPECT_EQ(x->coef(3), 0.5);
+    EXPECT_EQ(x->elm(4), 0);
+}
+
+TEST(Combine, ComparesFactorsStrictlyAndNotANumberNeverPasses) {
+    made_vector x(n);
+    made_vector y(n);
+    x.entries({{1, 3.0}});
+    y.entries({{1, 1.0}, {2, 1.0}});
+    vectors_combine(*x, *y, 1.5, 0.5, 0.5);
+    EXPECT_EQ(x->coef(1), 3.0);
+    EXPECT_THAT(listing(*x), ElementsAre(1));
+    vectors_combine(*x, *y, nan, nan, 0.0);
+    vectors_combine(*x, *y, 5.0, 5.0, nan);
+    EXPECT_EQ(x->coef(1), 3.0);
+    EXPECT_THAT(listing(*x), ElementsAre(1));
+    vectors_combine(*x, *y, 1.5, 0.5, std::nextafter(0.5, 0.0));
+    EXPECT_EQ(x->coef(1), 5.0);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 2));
+}
+
+TEST(Combine, CancelsEveryEntry) {
+    made_vector x(n);
+    made_vector y(n);
+    x.entries({{2, 3.0}, {4, -1.5}, {6, 0.1}});
+    y.entries({{6, -0.1}, {2, -3.0}, {4, 1.5}});
+    vectors_combine(*x, *y, 1.0, 1.0, tiny);
+    EXPECT_EQ(x->nz, 0);
+    EXPECT_EQ(x->elm(2) + x->elm(4) + x->elm(6), 0);
+}
+
+TEST(Combine, RoundsEachSumOnce) {
+    made_vector x(n);
+    made_vector y(n);
+    const double third = 1.0 / 3.0;
+    x.entries({{1, -third * third}});
+    y.entries({{1, third}});
+    vectors_combine(*x, *y, 1.0, third, 0.0);
+    EXPECT_EQ(vector_get_coef(*x, 1), std::fma(third, third, -(third * third)));
+    EXPECT_NE(vector_get_coef(*x, 1), 0.0);
+}
+
+TEST(Combine, MergesSupportsWhereCoefficientsAreMissing) {
+    made_vector x(n, 0, 0, 1);
+    made_vector y(n, 0, 0, 1);
+    x.list({1, 2});
+    y.list({3, 2, 4});
+    vectors_combine(*x, *y, 5.0, 1.0, tiny);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 2, 3, 4));
+    made_vector list(n, 0, 1, 1);
+    list.list({4});
+    vectors_combine(*list, *y, 5.0, 1.0, tiny);
+    EXPECT_THAT(listing(*list), ElementsAre(4, 3, 2));
+}
+
+TEST(Combine, OfCoefficientsWithASupportScalesMergesAndDrops) {
+    made_vector x(n);
+    made_vector y(n, 0, 0, 1);
+    x.entries({{1, 2.0}, {2, 0.0}});
+    x->coef(5) = 7.0;
+    y.list({5, 6});
+    vectors_combine(*x, *y, 3.0, 1.0, tiny);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 5));
+    EXPECT_EQ(x->coef(1), 6.0);
+    EXPECT_EQ(x->coef(5), 7.0);
+    EXPECT_EQ(x->elm(6), 0);
+}
+
+TEST(Combine, NeverScalesADenseVectorButAddsToIt) {
+    made_vector x(n, 1, 1);
+    made_vector y(n);
+    x->coef(2) = 5.0;
+    x->coef(3) = 1.0;
+    y.entries({{3, 2.0}});
+    vectors_combine(*x, *y, 3.0, 0.5, tiny);
+    EXPECT_EQ(x->coef(2), 5.0);
+    EXPECT_EQ(x->coef(3), 2.0);
+    EXPECT_EQ(x->nz, 0);
+}
+
+TEST(Combine, OfADenseVectorWithASupportDoesNothing) {
+    made_vector x(n, 1, 1);
+    made_vector y(n, 0, 0, 1);
+    x->coef(3) = 1.0;
+    y.list({3});
+    vectors_combine(*x, *y, 1.0, 1.0, tiny);
+    EXPECT_EQ(x->coef(3), 1.0);
+    EXPECT_EQ(x->nz, 0);
+}
+
+TEST(Combine, TakesNothingFromADenseVector) {
+    made_vector x(n);
+    made_vector y(n, 1, 1);
+    x.entries({{1, 2.0}});
+    y->coef(1) = 5.0;
+    vectors_combine(*x, *y, 1.0, 1.0, tiny);
+    EXPECT_EQ(x->coef(1), 2.0);
+}
+
+TEST(Combine, DropsAListedIndexThatIsNotMarked) {
+    made_vector x(n);
+    made_vector y(n);
+    x.entries({{1, 2.0}, {2, 4.0}});
+    vector_clean_index(*x);
+    x->elm(2) = 1;
+    y.entries({{2, 1.0}});
+    vectors_combine(*x, *y, -3.0, 1.0, tiny);
+    EXPECT_THAT(listing(*x), ElementsAre(2));
+    EXPECT_TRUE(std::signbit(x->coef(1)));
+    EXPECT_EQ(x->coef(1), 0.0);
+    EXPECT_EQ(x->coef(2), -11.0);
+}
+
+TEST(Combine, AnUnmarkedEntryOfYCountsAsZero) {
+    made_vector x(n);
+    made_vector y(n);
+    x.entries({{1, 2.0}});
+    y.entries({{1, 5.0}, {2, 5.0}});
+    vector_clean_index(*y);
+    vectors_combine(*x, *y, 1.0, 1.0, tiny);
+    EXPECT_THAT(listing(*x), ElementsAre(1));
+    EXPECT_EQ(x->coef(1), 2.0);
+    EXPECT_EQ(x->coef(2), 0.0);
+}
+
+TEST(Combine, AddsInTheOrderOfYInEveryMode) {
+    for (const int x_elm : {0, 1}) {
+        for (const int y_elm : {0, 1}) {
+            made_vector x(n, 0, x_elm);
+            made_vector y(n, 0, y_elm);
+            x.entries({{1, 1.0}, {2, 2.0}});
+            y.entries({{9, 1.0}, {2, 1.0}, {3, 1.0}});
+            vectors_combine(*x, *y, 2.0, 3.0, tiny);
+            EXPECT_THAT(listing(*x), ElementsAre(1, 2, 9, 3));
+            EXPECT_EQ(vector_get_coef(*x, 1), 2.0);
+            EXPECT_EQ(vector_get_coef(*x, 2), 7.0);
+            EXPECT_EQ(vector_get_coef(*x, 9), 3.0);
+        }
+    }
+}
+
+TEST(Combine, TheSameRecordTwiceCountsAsACopy) {
+    made_vector x(n);
+    x.entries({{1, 2.0}, {2, -1.0}});
+    vectors_combine(*x, *x, 3.0, -3.0, tiny);
+    EXPECT_EQ(x->nz, 0);
+    x.entries({{1, 2.0}});
+    vectors_combine(*x, *x, 1.0, 0.5, tiny);
+    EXPECT_EQ(x->coef(1), 3.0);
+}
+
+TEST(Combine, FactorsMayBeCoefficientsOfTheVector) {
+    made_vector x(n);
+    made_vector y(n);
+    x.entries({{1, 2.0}, {2, 5.0}});
+    y.entries({{2, 1.0}});
+    vectors_combine(*x, *y, x->coef(1), x->coef(2), tiny);
+    EXPECT_EQ(x->coef(1), 4.0);
+    EXPECT_EQ(x->coef(2), 15.0);
+}
+
+TEST(Combine, WorksUpToTheLastPositionOfTheList) {
+    made_vector x(3);
+    made_vector y(3);
+    x.entries({{1, 1.0}, {2, 1.0}});
+    y.entries({{1, 1.0}, {3, 1.0}, {2, 1.0}});
+    vectors_combine(*x, *y, 1.0, 1.0, tiny);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 2, 3));
+    vectors_combine(*x, *y, 1.0, 1.0, tiny);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 2, 3));
+}
+
+TEST(SymDiff, KeepsWhatExactlyOneHas) {
+    made_vector x(n);
+    made_vector y(n);
+    x.list({1, 2, 3});
+    y.list({3, 4});
+    vectors_calc_sym_diff(*x, *y);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 2, 4));
+    for (std::int32_t j = 1; j <= n; ++j) {
+        EXPECT_EQ(x->elm(j), j == 1 || j == 2 || j == 4 ? 1 : 0);
+    }
+}
+
+TEST(SymDiff, OfEqualSupportsIsEmpty) {
+    made_vector x(n);
+    made_vector y(n);
+    x.list({1, 2});
+    y.list({2, 1});
+    vectors_calc_sym_diff(*x, *y);
+    EXPECT_EQ(x->nz, 0);
+    EXPECT_EQ(x->elm(1), 0);
+    EXPECT_EQ(x->elm(2), 0);
+    x.list({1, 2});
+    vectors_calc_sym_diff(*x, *x);
+    EXPECT_EQ(x->nz, 0);
+}
+
+TEST(SymDiff, WithAnEmptyVectorChangesNothing) {
+    made_vector x(n);
+    made_vector y(n);
+    made_vector dense(n, 1, 1);
+    x.list({1, 2});
+    x->elm(1) = 0;
+    vectors_calc_sym_diff(*x, *y);
+    vectors_calc_sym_diff(*x, *dense);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 2));
+}
+
+TEST(SymDiff, OfDisjointSupportsIsTheirUnionAndCoefficientsStay) {
+    made_vector x(n);
+    made_vector y(n, 0, 1);
+    x.entries({{1, 5.0}});
+    y.entries({{2, 6.0}});
+    vectors_calc_sym_diff(*x, *y);
+    EXPECT_THAT(listing(*x), ElementsAre(1, 2));
+    EXPECT_EQ(x->coef(1), 5.0);
+    EXPECT_EQ(x->coef(2), 0.0);
+}
+
+TEST(SymDiff, StopsAtTheFirstEntryKeptAfterTheLastCommonOne) {
+    made_vector x(n);
+    made_vector y(n);
+    x.list({1, 2, 3, 4});
+    x->elm(3) = 0;
+    y.list({1});
+    vectors_calc_sym_diff(*x, *y);
+    EXPECT_THAT(listing(*x), ElementsAre(4, 2, 3));
+}
+
+TEST(SymDiff, AnEntryThatIsDroppedEndsUnmarkedWhateverItsMarkWas) {
+    // Lists that end within the first, the second and the third word of 64 entries.
+    for (const std::int32_t length : {3, 70, 130}) {
+        made_vector x(length);
+        made_vector y(length);
+        for (std::int32_t j = 1; j <= length; ++j) {
+            x.list({j});
+        }
+        x->elm(length) = -1;
+        y.list({length - 1});
+        vectors_calc_sym_diff(*x, *y);
+        ASSERT_EQ(x->nz, length - 2);
+        for (std::int32_t j = 1; j <= length; ++j) {
+            EXPECT_EQ(x->elm(j), j <= length - 2 ? 1 : 0) << length << ": " << j;
+        }
+    }
+}
+
+TEST(SymDiff, ReadsNothingBesideTheListOfTheOther) {
+    // More entries than are looked ahead, so that some are looked ahead to and the last are not.
+    std::vector<std::int32_t> indices(16);
+    std::iota(indices.begin(), indices.end(), 3);
+    const guarded_page page;
+    for (std::int32_t* const list : {page.at_the_begin(indices), page.at_the_end(indices)}) {
+        made_vector x(40);
+        vector y;
+        y.ind.data = list;
+        y.ind.extent[0] = 16;
+        y.ind.lower_bound[0] = 1;
+        y.nz = 16;
+        vectors_calc_sym_diff(*x, y);
+        EXPECT_EQ(listing(*x), indices);
+    }
+}
+
+TEST(Mod2, MakesOddAndFractionalCoefficientsOneAndDropsTheOthers) {
+    made_vector v(n);
+    v.entries({{1, 2.0}, {2, 3.0}, {3, 2.5}});
+    vector_mod2(*v, tiny);
+    EXPECT_THAT(listing(*v), ElementsAre(3, 2));
+    EXPECT_EQ(v->coef(1), 0.0);
+    EXPECT_EQ(v->coef(2), 1.0);
+    EXPECT_EQ(v->coef(3), 1.0);
+    EXPECT_EQ(v->elm(1), 0);
+}
+
+TEST(Mod2, WithoutAnEvenCoefficientKeepsTheOrder) {
+    made_vector v(n, 0, 1);
+    v.entries({{4, -1.0}, {2, nan}, {6, 1e12}});
+    vector_mod2(*v, tiny);
+    EXPECT_THAT(listing(*v), ElementsAre(4, 2, 6));
+    for (const std::int32_t j : {4, 2, 6}) {
+        EXPECT_EQ(v->coef(j), 1.0);
+    }
+}
+
+TEST(Mod2, TheLastEntryTakesThePlaceOfTheDroppedOneWhereverThatIs) {
+    // Entries are judged by words of 64.
+    for (const std::int32_t length : {63, 64, 65, 127, 128, 129, 200}) {
+        for (std::int32_t even = 1; even <= length; ++even) {
+            made_vector v(length);
+            std::vector<std::int32_t> expected;
+            for (std::int32_t j = 1; j <= length; ++j) {
+                v.entries({{j, j == even ? 2.0 : 1.0}});
+                expected.push_back(j);
+            }
+            expected[static_cast<std::size_t>(even - 1)] = length;
+            expected.pop_back();
+            vector_mod2(*v, tiny);
+            ASSERT_EQ(listing(*v), expected) << length << ": " << even;
+        }
+    }
+}
+
+TEST(Mod2, AnEntryThatIsNoMemberCountsAsZero) {
+    made_vector v(n);
+    v.entries({{1, 3.0}, {2, 3.0}});
+    v->elm(1) = 0;
+    vector_mod2(*v, tiny);
+    EXPECT_THAT(listing(*v), ElementsAre(2));
+    EXPECT_EQ(v->coef(1), 0.0);
+}
+
+TEST(Mod2, KeepsToTheRuleForLargeAndForNoTolerances) {
+    made_vector v(n);
+    v.entries({{1, 1.0}, {2, 2.0}, {3, 3.0}});
+    vector_mod2(*v, 1.0);
+    // Within 1.0 of its floor with offset 1.0, each is the integer above it.
+    EXPECT_THAT(listing(*v), ElementsAre(2));
+    made_vector negative(n);
+    negative.entries({{1, 1.0}, {2, 2.0}});
+    vector_mod2(*negative, -1.0);
+    EXPECT_THAT(listing(*negative), ElementsAre(1, 2));
+    EXPECT_EQ(negative->coef(2), 1.0);
+    made_vector none(n);
+    none.entries({{1, 1.0}, {2, 2.0}});
+    vector_mod2(*none, nan);
+    EXPECT_THAT(listing(*none), ElementsAre(1, 2));
+}
+
+TEST(Mod2, LeavesADenseVectorAsItIs) {
+    made_vector v(n, 1, 1);
+    v->coef(1) = 2.5;
+    vector_mod2(*v, tiny);
+    EXPECT_EQ(v->coef(1), 2.5);
+}
+
+TEST(Identical, EmptyAndDenseVectorsAreWhateverTheirCoefficients) {
+    made_vector a(n);
+    made_vector b(n);
+    EXPECT_EQ(vectors_are_identical(*a, *b, tiny), 1);
+    made_vector dense(n, 1, 1);
+    made_vector other(n, 1, 1);
+    dense->coef(1) = 5.0;
+    EXPECT_EQ(vectors_are_identical(*dense, *other, tiny), 1);
+}
+
+TEST(Identical, ComparesCountsMembersAndCoefficients) {
+    made_vector a(n);
+    made_vector b(n);
+    a.entries({{1, 1.0}, {2, 2.0}});
+    b.entries({{2, 2.0}});
+    EXPECT_EQ(vectors_are_identical(*a, *b, tiny), 0);
+    b.entries({{1, 1.0}});
+    EXPECT_EQ(vectors_are_identical(*a, *b, tiny), 1);
+    made_vector c(n);
+    c.entries({{1, 1.0}, {3, 2.0}});
+    EXPECT_EQ(vectors_are_identical(*a, *c, tiny), 0);
+    b->coef(2) = 2.5;
+    EXPECT_EQ(vectors_are_identical(*a, *b, 0.5), 1);
+    EXPECT_EQ(vectors_are_identical(*b, *a, 0.5), 1);
+    EXPECT_EQ(vectors_are_identical(*a, *b, std::nextafter(0.5, 0.0)), 0);
+    EXPECT_EQ(vectors_are_identical(*a, *b, nan), 1);
+    b->coef(2) = nan;
+    EXPECT_EQ(vectors_are_identical(*a, *b, 0.0), 1);
+}
+
+TEST(Identical, TakesTheFirstVectorInListModeToo) {
+    made_vector a(n, 0, 1);
+    made_vector b(n);
+    a.entries({{1, 1.0}, {2, 2.0}});
+    b.entries({{2, 2.0}, {1, 1.0}});
+    EXPECT_EQ(vectors_are_identical(*a, *b, 0.0), 1);
+}
+
+TEST(Identical, AnUnmarkedEntryOfTheFirstCountsAsZero) {
+    made_vector a(n);
+    made_vector b(n);
+    a.entries({{1, 1.0}});
+    b.entries({{1, 0.0}});
+    a->elm(1) = 0;
+    EXPECT_EQ(vectors_are_identical(*a, *b, 0.0), 1);
+    b->elm(1) = 0;
+    EXPECT_EQ(vectors_are_identical(*a, *b, 0.0), 0);
+}
+
+} // namespace

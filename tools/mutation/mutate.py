@@ -1,0 +1,167 @@
+#!/usr/bin/env python3
+"""Puts small faults into the library, one at a time, and tells which of them no test notices."""
+
+import argparse
+import collections
+import json
+import random
+import sys
+import time
+from pathlib import Path
+
+import equivalents
+from campaign import Campaign, run_all
+from operators import mutants_of
+from workbench import Trouble, Workbench
+
+HERE = Path(__file__).resolve().parent
+
+# Folders whose programs do not call the library for its own sake.
+LEAVE_OUT = (
+    "tests/unit/standin", "tests/pages", "tests/conformance", "tests/binary/abi", "tools/mutation",
+    "tests/solver", "tests/threads",
+)  # fmt: skip
+
+
+def read_arguments():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--root", type=Path, default=HERE.parents[1], help="the checkout")
+    parser.add_argument("--build", type=Path, required=True, help="a Ninja build with its tests")
+    parser.add_argument("--work", type=Path, help="where mutants are built (in the build)")
+    parser.add_argument("--sources", default="src/zktarn", help="what is mutated")
+    parser.add_argument("--library", default="zktarn_util", help="the library's name")
+    parser.add_argument("--equivalents", type=Path, default=HERE / "equivalent.txt")
+    parser.add_argument("--files", nargs="+", default=[""], help="only files with one in the path")
+    parser.add_argument("--sample", type=int, help="so many mutants, drawn at random")
+    parser.add_argument("--seed", type=int, default=1, help="of the drawing")
+    parser.add_argument("--again", type=Path, help="only survivors of the report in this file")
+    parser.add_argument("--report", type=Path, help="where to write what became of each mutant")
+    parser.add_argument("--jobs", type=int, default=1)
+    parser.add_argument("--least", type=float, default=0.0, help="percent that have to be killed")
+    arguments = parser.parse_args()
+    arguments.root, arguments.build = arguments.root.resolve(), arguments.build.resolve()
+    arguments.work = (arguments.work or arguments.build / "mutation").resolve()
+    if arguments.sample is not None and arguments.sample < 1 or arguments.jobs < 1:
+        parser.error("--sample and --jobs are numbers above 0")
+    return arguments
+
+
+def all_mutants(arguments):
+    found = []
+    for path in sorted((arguments.root / arguments.sources).rglob("*.[ch]pp")):
+        file = path.relative_to(arguments.root).as_posix()
+        found += mutants_of(file, path.read_text())
+    return found
+
+
+def chosen(arguments, mutants):
+    mutants = [m for m in mutants if any(part in m.file for part in arguments.files)]
+    if arguments.again:
+        lines = arguments.again.read_text().splitlines()
+        before = [json.loads(line) for line in lines]
+        survivors = {tuple(b["key"]) for b in before if b["verdict"] == "survived"}
+        mutants = [m for m in mutants if m.key() in survivors]
+    if arguments.sample is not None and arguments.sample < len(mutants):
+        mutants = random.Random(arguments.seed).sample(mutants, arguments.sample)
+    # Those of a file stand together, since its killers are learnt from the first of them.
+    return sorted(mutants, key=lambda m: (m.file, m.start, m.end, m.replacement))
+
+
+class Reporter:
+    """Tells of each outcome: survivors on standard output, everything in the report."""
+
+    def __init__(self, arguments, total):
+        self.file = open(arguments.report, "w") if arguments.report else None
+        self.total, self.done = total, 0
+
+    def __call__(self, outcome):
+        self.done += 1
+        mutant = outcome.mutant
+        if self.file:
+            line = {
+                "key": mutant.key(), "line": mutant.line, "operator": mutant.operator,
+                "verdict": outcome.verdict, "by": outcome.by, "seconds": round(outcome.seconds, 3),
+            }  # fmt: skip
+            self.file.write(json.dumps(line) + "\n")
+            self.file.flush()
+        if self.done % 100 == 0:
+            print(f"{self.done} of {self.total} mutants tried", flush=True)
+
+
+def show(mutant, out):
+    print(f"{mutant.file}:{mutant.line}: {mutant.operator}", file=out)
+    for mark, text in (("-", mutant.before), ("+", mutant.after)):
+        for line in text.splitlines():
+            print(f"    {mark} {line.strip()}", file=out)
+
+
+def show_table(outcomes, listed):
+    rows = collections.defaultdict(collections.Counter)
+    for each in outcomes:
+        kind = each.verdict
+        if kind == "survived" and listed.place_of(each.mutant):
+            kind = "equivalent"
+        for row in (each.mutant.file, "all"):
+            rows[row][kind] += 1
+    kinds = ("killed", "endless", "equivalent", "survived", "unchanged", "uncompilable")
+    width = max(len(row) for row in rows) if rows else 4
+    print("file".ljust(width), "mutants", *(kind.rjust(12) for kind in kinds))
+    for row, counts in rows.items():
+        total = sum(counts[kind] for kind in kinds[:4])
+        if row != "all":
+            print(row.ljust(width), f"{total:7}", *(f"{counts[kind]:12}" for kind in kinds))
+    counts = rows["all"]
+    total = sum(counts[kind] for kind in kinds[:4])
+    print("all".ljust(width), f"{total:7}", *(f"{counts[kind]:12}" for kind in kinds))
+    return total, counts["killed"] + counts["endless"]
+
+
+def judge(outcomes, listed, mutants):
+    """Returns the sentences that say what is wrong."""
+    wrong = [f"{each}: matches no mutant" for each in listed.stale(mutants)]
+    for each in outcomes:
+        place = listed.place_of(each.mutant)
+        if place and each.verdict in ("killed", "endless"):
+            wrong.append(f"{place}: listed as equivalent, but killed by {each.by}")
+    left = [o.mutant for o in outcomes if o.verdict == "survived" and not listed.place_of(o.mutant)]
+    for each in left:
+        show(each, sys.stdout)
+    if left:
+        wrong.append(f"{len(left)} mutants survived that are not listed in {listed.name}")
+    return wrong
+
+
+def main():
+    arguments = read_arguments()
+    start = time.monotonic()
+    listed = equivalents.read(arguments.equivalents)
+    mutants = all_mutants(arguments)
+    selected = chosen(arguments, mutants)
+    if not selected:
+        raise Trouble("there is no mutant to try; see --files and --again")
+    bench = Workbench(
+        arguments.root, arguments.build, arguments.work, arguments.sources, arguments.library,
+        leave_out=LEAVE_OUT,
+    )  # fmt: skip
+    seconds = bench.prepare()
+    print(f"{len(bench.programs)} test programs pass without mutants, after {seconds:.0f} s")
+    print(f"{len(selected)} of {len(mutants)} mutants are tried", flush=True)
+    reporter = Reporter(arguments, len(selected))
+    outcomes = run_all(Campaign(bench, arguments.sources), selected, arguments.jobs, reporter)
+    wrong = judge(outcomes, listed, mutants)
+    total, killed = show_table(outcomes, listed)
+    percent = 100.0 * killed / total if total else 0.0
+    print(f"{percent:.1f} % of {total} mutants killed, in {time.monotonic() - start:.0f} s")
+    if percent < arguments.least:
+        wrong.append(f"{percent:.1f} % of the mutants were killed, and not {arguments.least} %")
+    for each in wrong:
+        print(f"mutate.py: {each}", file=sys.stderr)
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    try:
+        sys.exit(main())
+    except (Trouble, OSError, ValueError) as trouble:
+        print(f"mutate.py: {trouble}", file=sys.stderr)
+        sys.exit(2)
