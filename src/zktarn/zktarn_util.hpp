@@ -8,6 +8,7 @@
 #include "zktarn/callbacks/stored_value.hpp"        // IWYU pragma: export
 #include "zktarn/function_ref.hpp"                  // IWYU pragma: export
 #include "zktarn/memory/memory_mod.hpp"             // IWYU pragma: export
+#include "zktarn/owners.hpp"                        // IWYU pragma: export
 #include "zktarn/random/random.hpp"                 // IWYU pragma: export
 #include "zktarn/sorting/sorting_mod.hpp"           // IWYU pragma: export
 #include "zktarn/types.hpp"                         // IWYU pragma: export
