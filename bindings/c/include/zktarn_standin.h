@@ -1,0 +1,234 @@
+#ifndef ZKTARN_STANDIN_H
+#define ZKTARN_STANDIN_H
+
+/*
+ * Control of the stand-in host in C. The C++ headers of zktarn_standin hold the contract of each
+ * procedure; here a comment gives what differs.
+ *
+ *  - Everything is process-wide and callable from any thread.
+ *  - A text that goes in is an address and a length.
+ *  - A text that comes out goes to a buffer of `capacity` bytes, as with snprintf: as much as fits,
+ *    always ended by a zero byte when capacity is not 0. The result is the length of the whole text
+ *    without that byte, so a call with NULL and 0 asks for the length.
+ *  - A list that comes out goes to an array of `capacity` elements: as many as fit. The result is
+ *    the number of all of them.
+ *  - A procedure without memory for its answer gives an empty text or list.
+ */
+
+#include <stdbool.h>
+#include <stddef.h>
+#include <stdint.h>
+
+#ifdef ZKTARN_C_BUILDING
+#define ZKTARN_STANDIN_C_API __attribute__((visibility("default")))
+#else
+#define ZKTARN_STANDIN_C_API
+#endif
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* Operations ------------------------------------------------------------------------------------ */
+
+/* Every operation of the host, in the order of its libraries. */
+typedef enum zktarn_standin_operation {
+    zktarn_op_qvMallocExOptim,
+    zktarn_op_qvFreeExOptim,
+    zktarn_op_instantiateRngOptim,
+    zktarn_op_deleteRngOptim,
+    zktarn_op_getRandUniformOptim,
+    zktarn_op_getRngStateOptim,
+    zktarn_op_setRngStateOptim,
+    zktarn_op_deleteRngStateOptim,
+    zktarn_op_assertOptim,
+    zktarn_op_ioFlushOptim,
+    zktarn_op_utIsInterruptPending,
+    zktarn_op_qvcreatestructarray800_,
+    zktarn_op_qvcreatestring800_,
+    zktarn_op_qvcreatedoublescalar800_,
+    zktarn_op_qvcreatedoublematrix800_,
+    zktarn_op_qvsetfield800_,
+    zktarn_op_qvsetfieldbynumber800_,
+    zktarn_op_qvgetfieldnumber800_,
+    zktarn_op_qvaddfield800_,
+    zktarn_op_qvgetpr800_,
+    zktarn_op_qvcopyptrtoreal8800_,
+    zktarn_op_qvcopyreal8toptr800_,
+    zktarn_op_qvdestroyarray800_,
+    zktarn_op_qvxcallquarn800_,
+    zktarn_op_qvxprintf800_
+} zktarn_standin_operation;
+
+enum { zktarn_standin_operation_count = zktarn_op_qvxprintf800_ + 1 };
+
+/* The name of an operation, ended by a zero byte; never released. */
+ZKTARN_STANDIN_C_API const char *zktarn_standin_name(zktarn_standin_operation operation);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_calls(zktarn_standin_operation operation);
+ZKTARN_STANDIN_C_API void zktarn_standin_fail_call(zktarn_standin_operation operation, int64_t k);
+ZKTARN_STANDIN_C_API void zktarn_standin_reset(void);
+
+/* Memory manager -------------------------------------------------------------------------------- */
+
+typedef struct zktarn_standin_block {
+    const void *address;
+    int64_t nbytes;
+    int64_t order;
+} zktarn_standin_block;
+
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_requests(void);
+ZKTARN_STANDIN_C_API void zktarn_standin_fail_request(int64_t k);
+ZKTARN_STANDIN_C_API void zktarn_standin_fail_requests_from(int64_t k);
+ZKTARN_STANDIN_C_API void zktarn_standin_fill_new_blocks(int32_t byte);
+ZKTARN_STANDIN_C_API bool zktarn_standin_huge_pages(bool on);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_live_blocks(zktarn_standin_block *blocks,
+                                                       size_t capacity);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_check_blocks(void);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_memory_report(char *buffer, size_t capacity);
+
+/* What is not given back ------------------------------------------------------------------------ */
+
+typedef struct zktarn_standin_live_object {
+    zktarn_standin_operation made_by;
+    int64_t number;
+} zktarn_standin_live_object;
+
+ZKTARN_STANDIN_C_API size_t zktarn_standin_live_objects(zktarn_standin_live_object *objects,
+                                                        size_t capacity);
+/* Everything that is not given back, in words. */
+ZKTARN_STANDIN_C_API size_t zktarn_standin_report(char *buffer, size_t capacity);
+ZKTARN_STANDIN_C_API bool zktarn_standin_report_at_exit(bool on);
+
+/* Faults ---------------------------------------------------------------------------------------- */
+
+typedef enum zktarn_standin_fault_kind {
+    zktarn_fault_bad_request,
+    zktarn_fault_double_free,
+    zktarn_fault_foreign_free,
+    zktarn_fault_write_past_end,
+    zktarn_fault_write_before_start,
+    zktarn_fault_unknown_object,
+    zktarn_fault_use_after_release,
+    zktarn_fault_wrong_kind,
+    zktarn_fault_out_of_range,
+    zktarn_fault_bad_ownership,
+    zktarn_fault_unknown_function,
+    zktarn_fault_function_threw
+} zktarn_standin_fault_kind;
+
+/* A fault, valid during the call of the handler; the sentence is ended by a zero byte. */
+typedef struct zktarn_standin_fault {
+    zktarn_standin_fault_kind kind;
+    zktarn_standin_block concerned;
+    const char *sentence;
+    size_t sentence_length;
+} zktarn_standin_fault;
+
+typedef void (*zktarn_standin_fault_handler)(const zktarn_standin_fault *fault, void *context);
+
+/* A NULL handler stands for the default, which writes the sentence to standard error and aborts. */
+ZKTARN_STANDIN_C_API void
+zktarn_standin_set_fault_handler(zktarn_standin_fault_handler handler, void *context);
+
+/* Assertions ------------------------------------------------------------------------------------ */
+
+typedef void (*zktarn_standin_assertion_handler)(void *context);
+
+/* A NULL handler stands for the default, which writes a sentence to standard error and aborts. */
+ZKTARN_STANDIN_C_API void
+zktarn_standin_set_assertion_handler(zktarn_standin_assertion_handler handler, void *context);
+
+/* Arrays ---------------------------------------------------------------------------------------- */
+
+typedef enum zktarn_standin_array_kind {
+    zktarn_array_structure,
+    zktarn_array_real_matrix,
+    zktarn_array_real_scalar,
+    zktarn_array_text
+} zktarn_standin_array_kind;
+
+/* An array of the host as it was when it was looked at. */
+typedef struct zktarn_standin_array zktarn_standin_array;
+
+/*
+ * A copy of a live array, to be released by zktarn_standin_free_array; NULL without memory. An
+ * unknown handle is a fault, and the copy then an empty real array.
+ */
+ZKTARN_STANDIN_C_API zktarn_standin_array *zktarn_standin_inspect(int64_t handle);
+/* The array may be NULL. */
+ZKTARN_STANDIN_C_API void zktarn_standin_free_array(zktarn_standin_array *array);
+
+/*
+ * What is asked of an array of another kind, or of a field that does not exist, is a fault, and the
+ * answer is then 0.0, no numbers, no text, no fields. Results that are addresses belong to `array`.
+ */
+ZKTARN_STANDIN_C_API zktarn_standin_array_kind
+zktarn_standin_array_kind_of(const zktarn_standin_array *array);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_rows(const zktarn_standin_array *array);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_columns(const zktarn_standin_array *array);
+ZKTARN_STANDIN_C_API double zktarn_standin_array_scalar(const zktarn_standin_array *array);
+/* The numbers, column by column; their number goes to *count. */
+ZKTARN_STANDIN_C_API const double *zktarn_standin_array_reals(const zktarn_standin_array *array,
+                                                              size_t *count);
+/* The characters, not ended by a zero byte; their number goes to *length. */
+ZKTARN_STANDIN_C_API const char *zktarn_standin_array_characters(const zktarn_standin_array *array,
+                                                                 size_t *length);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_array_field_count(const zktarn_standin_array *array);
+/* The name of field `number`, counted from 1; an empty text for a number that no field has. */
+ZKTARN_STANDIN_C_API size_t zktarn_standin_array_field_name(const zktarn_standin_array *array,
+                                                            size_t number, char *buffer,
+                                                            size_t capacity);
+ZKTARN_STANDIN_C_API bool zktarn_standin_array_has_field(const zktarn_standin_array *array,
+                                                         const char *name, size_t name_length);
+ZKTARN_STANDIN_C_API const zktarn_standin_array *
+zktarn_standin_array_field(const zktarn_standin_array *array, const char *name, size_t name_length);
+
+/* Functions of the host's language -------------------------------------------------------------- */
+
+/* What a function returns, set by one of the three below; the real scalar 0.0 when none is called. */
+typedef struct zktarn_standin_reply zktarn_standin_reply;
+
+ZKTARN_STANDIN_C_API void zktarn_standin_reply_scalar(zktarn_standin_reply *reply, double value);
+/* `values` may be NULL when n < 1, which makes an empty column. */
+ZKTARN_STANDIN_C_API void zktarn_standin_reply_column(zktarn_standin_reply *reply,
+                                                      const double *values, int64_t n);
+ZKTARN_STANDIN_C_API void zktarn_standin_reply_text(zktarn_standin_reply *reply, const char *text,
+                                                    size_t text_length);
+
+/* A function of the host's language in C: one input, valid during the call, and one output. */
+typedef void (*zktarn_standin_function)(const zktarn_standin_array *input,
+                                        zktarn_standin_reply *reply, void *context);
+
+/*
+ * Registers a function under a name, in place of the one that had it. NULL removes the name. Returns
+ * true when a function had the name before.
+ */
+ZKTARN_STANDIN_C_API bool zktarn_standin_set_function(const char *name, size_t name_length,
+                                                      zktarn_standin_function function,
+                                                      void *context);
+
+/* Console --------------------------------------------------------------------------------------- */
+
+typedef enum zktarn_standin_console {
+    zktarn_console_show,
+    zktarn_console_capture,
+    zktarn_console_mirror
+} zktarn_standin_console;
+
+ZKTARN_STANDIN_C_API zktarn_standin_console
+zktarn_standin_set_console(zktarn_standin_console where);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_console_text(char *buffer, size_t capacity);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_flushed_console_text(char *buffer, size_t capacity);
+ZKTARN_STANDIN_C_API void zktarn_standin_clear_console(void);
+
+/* Interrupts ------------------------------------------------------------------------------------ */
+
+ZKTARN_STANDIN_C_API void zktarn_standin_raise_interrupt(void);
+ZKTARN_STANDIN_C_API void zktarn_standin_interrupt_at_poll(int64_t k);
+ZKTARN_STANDIN_C_API bool zktarn_standin_listen_for_sigint(bool on);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif

@@ -1,0 +1,7 @@
+#include "zktarn/assert/assert_mod.hpp"
+
+#include "zktarn_util.h"
+
+void zktarn_tarnassert(zktarn_flag condition) {
+    zktarn::assert_mod::tarnassert(condition);
+}

@@ -1,0 +1,103 @@
+#include "zktarn/util/util.hpp"
+
+#include "arguments.hpp"
+#include "zktarn_util.h"
+
+using namespace zktarn;
+
+double zktarn_fractional(double x) {
+    return util::fractional(x);
+}
+
+void zktarn_epsilon_is_int_scalar(double x, double scalar, double eps, zktarn_flag* is_int,
+                                  double* nearest) {
+    if (!c::any_null(is_int)) {
+        util::epsilon_is_int_scalar(x, scalar, eps, *is_int, c::optional(nearest));
+    }
+}
+
+void zktarn_epsilon_is_int(double x, double eps, zktarn_flag* is_int, double* nearest) {
+    if (!c::any_null(is_int)) {
+        util::epsilon_is_int(x, eps, *is_int, c::optional(nearest));
+    }
+}
+
+double zktarn_epsilon_fractionality(double x, double eps) {
+    return util::epsilon_fractionality(x, eps);
+}
+
+double zktarn_epsilon_floor(double x, double eps) {
+    return util::epsilon_floor(x, eps);
+}
+
+double zktarn_epsilon_ceiling(double x, double eps) {
+    return util::epsilon_ceiling(x, eps);
+}
+
+zktarn_flag zktarn_is_even_real(double x, double eps) {
+    return util::is_even_real(x, eps);
+}
+
+zktarn_flag zktarn_is_even_int(int32_t n) {
+    return util::is_even_int(n);
+}
+
+void zktarn_xcopy_i1(const int8_t* source, int8_t* destination, int32_t n) {
+    if (!c::null_elements(source, n) && !c::null_elements(destination, n)) {
+        util::xcopy_i1(source, destination, n);
+    }
+}
+
+void zktarn_xcopy_i4(const int32_t* source, int32_t* destination, int32_t n) {
+    if (!c::null_elements(source, n) && !c::null_elements(destination, n)) {
+        util::xcopy_i4(source, destination, n);
+    }
+}
+
+void zktarn_xcopy_r8(const double* source, double* destination, int32_t n) {
+    if (!c::null_elements(source, n) && !c::null_elements(destination, n)) {
+        util::xcopy_r8(source, destination, n);
+    }
+}
+
+void zktarn_xzero_i4(int32_t* array, int32_t n) {
+    if (!c::null_elements(array, n)) {
+        util::xzero_i4(array, n);
+    }
+}
+
+void zktarn_xzero_r8(double* array, int32_t n) {
+    if (!c::null_elements(array, n)) {
+        util::xzero_r8(array, n);
+    }
+}
+
+void zktarn_get_rational_rep(double x, double eps, double max_den, zktarn_flag* found, double* num,
+                             double* den) {
+    if (!c::any_null(found, num, den)) {
+        util::get_rational_rep(x, eps, max_den, *found, *num, *den);
+    }
+}
+
+double zktarn_xgcd_r8(double a, double b, double eps) {
+    return util::xgcd_r8(a, b, eps);
+}
+
+int32_t zktarn_xgcd_i4(int32_t a, int32_t b) {
+    return util::xgcd_i4(a, b);
+}
+
+void zktarn_find_scalar_integral(int32_t n, zktarn_element_supplier get_element, void* context,
+                                 double eps, double max_den, double max_scalar, zktarn_flag* found,
+                                 double* scalar, const zktarn_flag* skip_marked,
+                                 const zktarn_flag* selected_only) {
+    if (c::any_null(get_element, found, scalar)) {
+        return;
+    }
+    const auto supply = [get_element, context](const std::int32_t& index, double& value,
+                                               flag& marked, flag& selected) {
+        get_element(index, &value, &marked, &selected, context);
+    };
+    util::find_scalar_integral(n, supply, eps, max_den, max_scalar, *found, *scalar,
+                               c::optional(skip_marked), c::optional(selected_only));
+}
