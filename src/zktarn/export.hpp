@@ -1,10 +1,9 @@
 #pragma once
 
-/// ZKTARN_API marks a procedure of the library's interface: visible outside the shared library,
-/// whose other symbols are all hidden.
+/// ZKTARN_API marks an exported procedure. All other symbols of the shared library are hidden.
 ///
-/// ZKTARN_API_INLINE marks one whose body is in the header. A caller's compiler inlines it; the
-/// library, while it is built, emits it as well, so that every procedure exists as a symbol.
+/// ZKTARN_API_INLINE marks an exported procedure whose body is in the header: callers inline it,
+/// and the library emits it as a symbol too.
 
 #define ZKTARN_API [[gnu::visibility("default")]]
 

@@ -7,22 +7,24 @@
 
 namespace zktarn {
 
-/// A procedure supplied by the caller: one object address and one function address.
+/// A reference to a procedure that the caller supplies: one object address and one function
+/// address.
 ///
-/// It binds to any callable object (a mutable lambda included) and to any plain function. It never
-/// owns and never allocates, so it is meant for parameters alone: one that was bound to a temporary
-/// callable is dangling at the end of the full expression. One bound to a plain function stays
-/// valid for ever. To keep a callable beyond the call, use `std::function`.
+/// It binds to any callable object, a mutable lambda included, and to any function. It never owns
+/// the callable and never allocates.
 ///
-/// There is no empty state, and binding a null function pointer is undefined, as is an exception
-/// that leaves the callable: no frame of the library can be unwound.
+/// Use it for parameters only. Bound to a temporary callable, it dangles at the end of the full
+/// expression; bound to a function, it stays valid. To store a callable, use `std::function`.
+///
+/// It is never empty. Binding a null function pointer is undefined. So is an exception that leaves
+/// the callable: the library is built without unwinding.
 template <class Signature>
 class function_ref;
 
 template <class Result, class... Args>
 class function_ref<Result(Args...)> {
 public:
-    /// Refers to `callable`, which must outlive every call through this reference.
+    /// Refers to `callable`, which must outlive every call.
     template <class F>
         requires(!std::is_same_v<std::remove_cvref_t<F>, function_ref> &&
                  std::is_invocable_r_v<Result, F&, Args...>)
@@ -44,11 +46,11 @@ public:
         }
     }
 
-    /// Calls what it refers to.
+    /// Calls the callable.
     Result operator()(Args... args) const { return call_(bound_, std::forward<Args>(args)...); }
 
 private:
-    // A function address need not fit the type of an object address, so each has its own member.
+    // A function address may not fit into a void*, so each kind of address has a member.
     union target {
         void* object;
         void (*function)();

@@ -1,4 +1,4 @@
-// The layout of the types that cross the interface is part of the binary interface.
+// Checks the layout of the argument types, which is part of the binary interface.
 
 #include <cstddef>
 #include <cstdint>

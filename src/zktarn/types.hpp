@@ -7,30 +7,34 @@
 
 #include "zktarn/check.hpp"
 
-/// The types in which arguments cross the interface, and the conventions of every procedure.
+/// Argument types, and the conventions that hold for every procedure.
 ///
-///  1. Arguments travel by reference: `const T&` in, `T&` out or in/out. An input may refer to
-///     anything, a component of an output included: inputs are read before outputs are written.
-///  2. An argument that may be left out is an `optional_ref`. Left out, an input flag counts as
-///     false and an output is not written.
-///  3. Flags are 64-bit words, written as 1 or 0 and read as true when nonzero.
-///  4. Element indices, list positions and array elements are counted from 1. A count below 1 is an
-///     empty set.
+///  1. Arguments are passed by reference: `const T&` in, `T&` out or in/out. An input may alias an
+///     output: inputs are read before outputs are written.
+///  2. An optional argument is an `optional_ref`. An absent input flag counts as false; an absent
+///     output is not written.
+///  3. Flags are 64-bit words: written as 1 or 0, read as true when nonzero.
+///  4. Element indices, list positions and array elements start at 1. A count below 1 is an empty
+///     set.
 ///  5. Tolerances are absolute distances and inclusive: a distance equal to the tolerance passes.
-///     None has a default. A comparison with a not-a-number is false, and each procedure says what
-///     follows from that.
-///  6. Text comes in as `std::string_view` and is changed through `std::span<char>`: characters and
-///     a length, all of it used, trailing blanks included.
-///  7. Nothing throws or aborts, and nothing prints but on the host's console. A failed allocation
-///     comes back as a 0 flag with the array absent or the reference null.
-///  8. Nothing is checked, except in a checked build (ZKTARN_CHECKED): a call outside a procedure's
-///     stated ranges is undefined.
-///  9. The caller owns every record, array and handle. Procedures that create one first overwrite
-///     what the caller's variable held, without releasing it.
-/// 10. Storage from the host's memory manager goes back to it, never to the process allocator, and
-///     is not cleared unless a procedure says so.
-/// 11. Every procedure runs on the caller's thread; one record, array or generator must not be used
+///     None has a default.
+///  6. NaN inputs are not reported. A comparison with NaN is false; each procedure states the
+///     result.
+///  7. Text is a `std::string_view` in and a `std::span<char>` in/out. The whole length counts,
+///     trailing blanks included.
+///  8. No procedure throws, aborts, or prints except on the host's console. A failed allocation
+///     returns flag 0 and leaves the array absent or the reference null.
+///  9. Ordinary builds check no precondition: a call outside the stated ranges is undefined. A
+///     checked build (ZKTARN_CHECKED) reports the violation to the host.
+/// 10. The caller owns every record, array and handle. A procedure that creates one overwrites the
+///     caller's variable without releasing what it held.
+/// 11. Storage from the host's memory manager is returned to it, never to the process allocator.
+/// New
+///     storage is uninitialised unless a procedure says otherwise.
+/// 12. Every procedure runs on the caller's thread. One record, array or generator must not be used
 ///     by two threads at once.
+/// 13. Results assume the default floating-point environment: round to nearest, subnormals kept.
+///     In any other environment results may differ, but every call still returns.
 
 namespace zktarn {
 
@@ -39,30 +43,29 @@ using flag = std::int64_t;
 
 /// A typed array of one or two dimensions over a block of host memory.
 ///
-/// The record only describes the block: it is copied freely, never allocates and never releases.
-/// `memory_mod` attaches a block to it and returns the block to the host; whoever holds the record
-/// then owns the block. All copies of a record name the same block and are dangling after it has
-/// been released through any one of them.
+/// The record describes the block; it does not own it. Copying the record copies no element, and
+/// all copies refer to the same block. `memory_mod` allocates the block and releases it; releasing
+/// it through one copy leaves the others dangling.
 ///
-/// An array is present exactly when its data address is not null. Extents and lower bounds mean
-/// something only while it is present: releasing an array clears the address alone.
+/// The array is present when its data address is not null. Extents and lower bounds are meaningful
+/// only while it is present: releasing an array clears the address alone.
 ///
 /// Elements are contiguous. In two dimensions they are stored column by column: element (i, j) lies
 /// (i - 1) + (j - 1) * extent[0] elements after the first.
 ///
-/// The layout is part of the binary interface: address, extents, lower bounds, in this order.
+/// The layout is part of the binary interface: address, extents, lower bounds, in that order.
 template <class T, std::size_t Rank>
 struct host_array {
     static_assert(Rank == 1 || Rank == 2, "arrays have one or two dimensions");
 
     /// Address of the first element; null when the array is absent.
     T* data = nullptr;
-    /// Number of elements; rows, then columns, in two dimensions.
+    /// Number of elements; in two dimensions rows, then columns.
     std::int64_t extent[Rank] = {};
-    /// Index of the first element in each dimension: 1 in every array made by this library.
+    /// Index of the first element in each dimension; 1 in every array that the library allocates.
     std::int64_t lower_bound[Rank] = {};
 
-    /// True when a block is attached.
+    /// Returns true when the array has a block.
     [[nodiscard]] constexpr bool present() const noexcept { return data != nullptr; }
 
     /// Element k, 1 <= k <= extent[0], of a present one-dimensional array.
@@ -91,33 +94,33 @@ struct matrix_shape {
     std::int64_t columns;
 };
 
-/// A reference that may be absent: one pointer wide, and as cheap to pass as one.
+/// A reference that may be absent; the size of a pointer.
 ///
-/// It binds to a variable and, where T is const, to a temporary; defaulted or `{}` it is absent:
-/// `vector_alloc(v, 10, {}, 1)` leaves out the first of three flags and sets the second.
+/// It binds to a variable and, when T is const, to a temporary. Default-constructed or `{}` it is
+/// absent: `vector_alloc(v, 10, {}, 1)` omits the first of three flags and sets the second.
 ///
-/// It is meant for parameters alone. It refers, it does not keep: one that was bound to a temporary
-/// is dangling at the end of the full expression, so do not store one.
+/// Use it for parameters only, and never store one: bound to a temporary, it dangles at the end of
+/// the full expression.
 template <class T>
 class optional_ref {
 public:
     /// Absent.
     constexpr optional_ref() noexcept = default;
 
-    /// Refers to `target`, which must outlive every use of this reference.
+    /// Refers to `target`, which must outlive this reference.
     constexpr optional_ref(T& target) noexcept : target_(std::addressof(target)) {}
 
-    /// A temporary is welcome as an input only.
+    /// An output cannot be a temporary.
     optional_ref(const T&&) requires(!std::is_const_v<T>) = delete;
 
-    /// True when it refers to something.
+    /// Returns true when it refers to an object.
     [[nodiscard]] constexpr bool present() const noexcept { return target_ != nullptr; }
     constexpr explicit operator bool() const noexcept { return present(); }
 
-    /// What it refers to; only while present.
+    /// The object. Precondition: present.
     constexpr T& operator*() const noexcept { return *target_; }
 
-    /// A copy of what it refers to, or `fallback` when absent.
+    /// A copy of the object, or `fallback` when absent.
     [[nodiscard]] constexpr std::remove_const_t<T>
     value_or(std::remove_const_t<T> fallback) const noexcept {
         return present() ? *target_ : fallback;

@@ -1,6 +1,6 @@
 #pragma once
 
-/// Everything the library offers. The conventions of all procedures are in types.hpp.
+/// All modules. types.hpp states the conventions of every procedure.
 
 #include "zktarn/assert/assert_mod.hpp"             // IWYU pragma: export
 #include "zktarn/callbacks/callbacks_type_util.hpp" // IWYU pragma: export
