@@ -7,6 +7,7 @@ CHECK is one of those below, or `table`: all of them, shown as a table. Reading 
 judging are kept apart.
 """
 
+import functools
 import pathlib
 import re
 import subprocess
@@ -16,11 +17,15 @@ import macho
 from check_abi import listed, reason
 
 HERE = pathlib.Path(__file__).resolve().parent
-HOST_HEADERS = HERE.parent.parent / "src/zktarn/host"
+HOST_HEADERS = HERE.parents[2] / "src/zktarn/host"
 HOST_LIBRARIES = ("libqv", "libqvx", "libut", "libzkoptimutil")
 SYSTEM_LIBRARIES = {"libSystem": "/usr/lib/libSystem.B.dylib", "libc++": "/usr/lib/libc++.1.dylib"}
 OLDEST_MACOS = (11, 0, 0)
 LARGEST = 100 * 1024
+ANY_ARM64 = 0
+SUBTYPES = {1: "arm64 v8", 2: "arm64e"}
+PLATFORMS = {2: "iOS", 3: "tvOS", 4: "watchOS", 6: "Mac Catalyst", 7: "the iOS simulator",
+             10: "DriverKit", 11: "visionOS"}
 
 
 class Refused(Exception):
@@ -49,6 +54,7 @@ def host_owners():
     return owners
 
 
+@functools.cache
 def allowed_owners():
     owners = host_owners()
     for line in listed(HERE / "imports.macho"):
@@ -75,10 +81,16 @@ def on_macos(plain):
 def check_kind(library, _):
     demand(library.filetype == macho.DYLIB, "it is not a dynamic library")
     demand(library.cpu == macho.CPU_ARM64, "it is not for 64-bit Arm")
-    demand(library.minimum is not None, "it does not say which macOS it is for")
-    demand(library.minimum == OLDEST_MACOS,
-           f"it needs macOS {dotted(library.minimum)}, not {dotted(OLDEST_MACOS)}")
-    return f"MH_DYLIB, arm64, macOS {dotted(library.minimum[:2])}"
+    demand(library.cpu_subtype == ANY_ARM64,
+           f"it is for {SUBTYPES.get(library.cpu_subtype, f'subtype {library.cpu_subtype}')}, not "
+           "for every 64-bit Arm processor")
+    demand(library.platforms, "it does not say which system it is for")
+    for platform, minimum in library.platforms:
+        demand(platform == macho.PLATFORM_MACOS,
+               f"it is for {PLATFORMS.get(platform, f'platform {platform}')}, not for macOS")
+        demand(minimum == OLDEST_MACOS,
+               f"it needs macOS {dotted(minimum)}, not {dotted(OLDEST_MACOS)}")
+    return f"MH_DYLIB, arm64, macOS {dotted(OLDEST_MACOS[:2])}"
 
 
 def check_name(library, soversion):
@@ -114,24 +126,48 @@ def check_loads(library, _):
     return ", ".join(load.stem for load in library.loads)
 
 
+def imported_names(library):
+    """Those of the symbol table, and those that the loader looks up."""
+    return {found.name for found in [*library.imports, *library.bindings]}
+
+
 def check_imports(library, _):
-    unwelcome = {found.name for found in library.imports} - set(allowed_owners())
-    demand(not unwelcome, "\n".join(
-        f"imports {name}: {reason(name.removeprefix('_'))}" for name in sorted(unwelcome)))
-    return f"{len(library.imports)} names, all allowed: nothing ends the process or unwinds"
+    names = imported_names(library)
+    demand(not names - set(allowed_owners()), "\n".join(
+        f"imports {name}: {reason(name.removeprefix('_'))}"
+        for name in sorted(names - set(allowed_owners()))))
+    return f"{len(names)} names, all allowed: nothing ends the process or unwinds"
+
+
+def demand_owner(library, name, ordinal, place):
+    """A name is looked up in the library that owns it, and nowhere else."""
+    demand(1 <= ordinal <= len(library.loads),
+           f"{name} is looked up in every library of the process ({place})")
+    found = library.loads[ordinal - 1].stem
+    owner = allowed_owners().get(name, found)
+    demand(found == owner, f"{name} is taken from {found}, not from {owner} ({place})")
 
 
 def check_bindings(library, _):
     demand(library.flags & macho.TWO_LEVEL and not library.flags & macho.FORCE_FLAT,
            "its imports are looked up in every library of the process")
-    owners = allowed_owners()
     for found in library.imports:
-        demand(1 <= found.ordinal <= len(library.loads),
-               f"{found.name} is looked up in every library of the process")
-        library_of = library.loads[found.ordinal - 1].stem
-        owner = owners.get(found.name, library_of)
-        demand(library_of == owner, f"{found.name} is taken from {library_of}, not from {owner}")
-    return f"{len(library.imports)} names, each from the library that owns it"
+        demand_owner(library, found.name, found.ordinal, "symbol table")
+    # The symbol table is for tools. The loader obeys one of two other tables.
+    demand(len(library.binding_formats) == 1,
+           f"it has {' and '.join(sorted(library.binding_formats)) or 'nothing'} to bind names by")
+    for found in library.bindings:
+        if found.table == "weak":
+            # What a program may replace in every library at once: operator new and delete.
+            demand(allowed_owners().get(found.name) == "libc++",
+                   f"{found.name} can be replaced by any library of the process")
+        else:
+            demand_owner(library, found.name, found.ordinal, f"{found.table} bindings")
+    unbound = {found.name for found in library.imports} - {found.name for found in library.bindings}
+    if "chained fixups" in library.binding_formats:
+        unbound.discard("dyld_stub_binder") # which lazy bindings alone have a use for
+    demand(not unbound, f"{', '.join(sorted(unbound))} is imported and never bound")
+    return f"{len(imported_names(library))} names, each from the library that owns it"
 
 
 def check_exports(library, _):

@@ -79,12 +79,43 @@ breaks(other_owner bindings "_utIsInterruptPending is taken from libqv, not from
 
 broken_library(unsigned never_fuses LINKER:-no_adhoc_codesign)
 breaks(unsigned signature "is not signed")
-set(damaged "${CMAKE_CURRENT_BINARY_DIR}/damaged.dylib")
-add_custom_command(OUTPUT "${damaged}" DEPENDS zktarn_util broken/damage.py
-  COMMAND ${Python3_EXECUTABLE} "${CMAKE_CURRENT_SOURCE_DIR}/broken/damage.py" ${library} "${damaged}")
-add_custom_target(zktarn_broken_damaged ALL DEPENDS "${damaged}")
-abi_refuses(damaged_is_refused "signature does not fit its contents"
-  ${check} signature "${damaged}" ${ZKTARN_SOVERSION})
+
+# refuses_damaged(flaw what check sentence library): a copy with that one change is refused.
+function(refuses_damaged flaw what check_name sentence source)
+  set(damaged "${CMAKE_CURRENT_BINARY_DIR}/${flaw}.dylib")
+  add_custom_command(OUTPUT "${damaged}" DEPENDS ${source} broken/damage.py macho.py
+    COMMAND ${Python3_EXECUTABLE} "${CMAKE_CURRENT_SOURCE_DIR}/broken/damage.py"
+      ${what} $<TARGET_FILE:${source}> "${damaged}"
+    VERBATIM)
+  add_custom_target(zktarn_broken_${flaw} ALL DEPENDS "${damaged}")
+  abi_refuses(${flaw}_is_refused "${sentence}"
+    ${check} ${check_name} "${damaged}" ${ZKTARN_SOVERSION})
+endfunction()
+
+refuses_damaged(damaged code signature "signature does not fit its contents" zktarn_util)
+refuses_damaged(arm64e subtype kind "is for arm64e, not for every 64-bit Arm" zktarn_util)
+refuses_damaged(ios platform kind "is for iOS, not for macOS" zktarn_util)
+
+# Copies whose symbol table is right, but whose loader tables take a name from the wrong library.
+refuses_damaged(lazy_from_elsewhere _utIsInterruptPending=libqv bindings
+  "_utIsInterruptPending is taken from libqv, not from libut .lazy bindings" zktarn_util)
+refuses_damaged(eager_from_elsewhere __ZSt7nothrow=libqv bindings
+  "__ZSt7nothrow is taken from libqv, not from libc.. .ordinary bindings" zktarn_util)
+
+# Chained fixups, which newer linkers write in place of bind opcodes.
+broken_library(chained takes_interrupt LINKER:-fixup_chains)
+target_link_libraries(zktarn_broken_chained PRIVATE zktarn_standin_qv zktarn_standin_ut)
+abi_test(chained_bindings_are_read
+  ${check} bindings $<TARGET_FILE:zktarn_broken_chained> ${ZKTARN_SOVERSION})
+refuses_damaged(chained_from_elsewhere _utIsInterruptPending=libqv bindings
+  "_utIsInterruptPending is taken from libqv, not from libut .chained bindings"
+  zktarn_broken_chained)
+
+# No table of bindings, and one without the names of the symbol table.
+refuses_damaged(no_table loader_table bindings "it has nothing to bind names by" zktarn_util)
+refuses_damaged(empty_table bindings bindings "is imported and never bound" zktarn_util)
+broken_library(replaceable replaceable)
+breaks(replaceable bindings "replaceable.* can be replaced by any library of the process")
 
 # What is no such library at all ends in a sentence too.
 abi_refuses(other_file_is_refused "^check_macho: .* is no 64-bit Mach-O file"

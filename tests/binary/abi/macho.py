@@ -1,4 +1,5 @@
-"""Reads a Mach-O library: header, load commands, symbols, exports, code signature. No judgement."""
+"""Reads a Mach-O library: header, load commands, symbols, bindings, exports, code signature. No
+judgement."""
 
 import hashlib
 import struct
@@ -7,12 +8,18 @@ from dataclasses import dataclass
 MAGIC = 0xFEEDFACF
 MAGIC_UNIVERSAL = 0xCAFEBABE
 CPU_ARM64 = 0x0100000C
+# What of the processor's subtype is a number; the rest says how an arm64e library signs pointers.
+CPU_SUBTYPE = 0x00FFFFFF
+PLATFORM_MACOS = 1
 DYLIB = 6
 TWO_LEVEL, FORCE_FLAT = 0x80, 0x100
 
 LC_SYMTAB, LC_ID_DYLIB, LC_SEGMENT, LC_RPATH = 0x2, 0xD, 0x19, 0x8000001C
 LC_CODE_SIGNATURE, LC_BUILD_VERSION = 0x1D, 0x32
 LC_DYLD_INFO, LC_EXPORTS_TRIE = (0x22, 0x80000022), 0x80000033
+LC_CHAINED_FIXUPS = 0x80000034
+# Before LC_BUILD_VERSION each platform had a command of its own.
+LC_VERSION_MIN = {0x24: 1, 0x25: 2, 0x2F: 3, 0x30: 4}
 # Every way to load another library: as a need, weakly, exported anew, lazily, upward.
 LOADS = {0xC: "", 0x80000018: "weakly", 0x8000001F: "exported anew", 0x20: "lazily",
          0x80000023: "upward"}
@@ -20,6 +27,13 @@ LOADS = {0xC: "", 0x80000018: "weakly", 0x8000001F: "exported anew", 0x20: "lazi
 # Kinds of sections: code that runs at load and at unload time, and variables of a thread.
 STARTUP_SECTIONS = {0x9, 0xA, 0x16}
 THREAD_SECTIONS = {0x11, 0x12, 0x13, 0x14, 0x15}
+
+# The loader's program for binding names, and how many numbers follow an opcode.
+BIND_DONE, BIND_ORDINAL, BIND_ORDINAL_NUMBER, BIND_ORDINAL_SPECIAL = 0x00, 0x10, 0x20, 0x30
+BIND_NAME = 0x40
+BIND_SKIPPED_NUMBERS = {0x60: 1, 0x70: 1, 0x80: 1, 0xA0: 1, 0xC0: 2}
+BIND_WITHOUT_NUMBERS = {0x50, 0x90, 0xB0}
+BIND_DOES = {0x90, 0xA0, 0xB0, 0xC0}
 
 CODE_DIRECTORY, AD_HOC, SHA256 = 0xFADE0C02, 0x2, 2
 
@@ -54,6 +68,15 @@ class Import:
 
 
 @dataclass
+class Binding:
+    """What the loader looks up, and in which library; `at` is where the file says which."""
+    name: str
+    ordinal: int
+    table: str  # ordinary, lazy, weak, chained
+    at: int
+
+
+@dataclass
 class Signature:
     ad_hoc: bool
     intact: bool
@@ -67,16 +90,18 @@ class Library:
     """One thin 64-bit Mach-O file."""
 
     def __init__(self, path):
+        self.path = path
         try:
             with open(path, "rb") as file:
                 self.data = file.read()
         except OSError as error:
             raise NotMachO(f"cannot read {path}: {error.strerror}") from error
         self.sections, self.loads, self.run_path, self.imports = [], [], [], []
-        self.identity = self.minimum = self.signature = None
+        self.platforms, self.bindings, self.binding_formats = [], [], set()
+        self.identity = self.signature = None
         self.exports = set()
         try:
-            self._read(path)
+            self._read()
         except (struct.error, IndexError, ValueError) as error:
             raise NotMachO(f"{path} is cut off or damaged") from error
 
@@ -86,12 +111,13 @@ class Library:
     def _text(self, at):
         return self.data[at:self.data.index(b"\0", at)].decode()
 
-    def _read(self, path):
+    def _read(self):
         if len(self.data) >= 4 and self._unpack(">I", 0)[0] == MAGIC_UNIVERSAL:
-            raise NotMachO(f"{path} is for several processors at once")
+            raise NotMachO(f"{self.path} is for several processors at once")
         if len(self.data) < 32 or self._unpack("<I", 0)[0] != MAGIC:
-            raise NotMachO(f"{path} is no 64-bit Mach-O file")
-        _, self.cpu, _, self.filetype, count, _, self.flags, _ = self._unpack("<8I", 0)
+            raise NotMachO(f"{self.path} is no 64-bit Mach-O file")
+        _, self.cpu, subtype, self.filetype, count, _, self.flags, _ = self._unpack("<8I", 0)
+        self.cpu_subtype = subtype & CPU_SUBTYPE
         at = 32
         for _ in range(count):
             command, size = self._unpack("<II", at)
@@ -106,13 +132,20 @@ class Library:
         elif command == LC_RPATH:
             self.run_path.append(self._text(at + self._unpack("<I", at + 8)[0]))
         elif command == LC_BUILD_VERSION:
-            self.minimum = version(self._unpack("<I", at + 12)[0])
+            platform, minimum = self._unpack("<2I", at + 8)
+            self.platforms.append((platform, version(minimum)))
+        elif command in LC_VERSION_MIN:
+            minimum = version(self._unpack("<I", at + 8)[0])
+            self.platforms.append((LC_VERSION_MIN[command], minimum))
         elif command == LC_SEGMENT:
             self._read_sections(at)
         elif command == LC_SYMTAB:
             self._read_imports(*self._unpack("<3I", at + 8))
         elif command in LC_DYLD_INFO:
+            self._read_bind_tables(at)
             self._read_exports(*self._unpack("<2I", at + 40))
+        elif command == LC_CHAINED_FIXUPS:
+            self._read_chained(*self._unpack("<2I", at + 8))
         elif command == LC_EXPORTS_TRIE:
             self._read_exports(*self._unpack("<2I", at + 8))
         elif command == LC_CODE_SIGNATURE:
@@ -146,6 +179,65 @@ class Library:
             at, shift = at + 1, shift + 7
             if byte < 0x80:
                 return value, at
+
+    def _read_bind_tables(self, at):
+        self.binding_formats.add("opcodes")
+        for table, field in (("ordinary", 16), ("weak", 24), ("lazy", 32)):
+            self._read_opcodes(table, *self._unpack("<2I", at + field))
+
+    def _read_opcodes(self, table, start, size):
+        """Runs the loader's little program. In the lazy table each name has an end of its own."""
+        name, ordinal, set_at, at = None, 0, start, start
+        while at < start + size:
+            opcode, small = self.data[at] & 0xF0, self.data[at] & 0x0F
+            here, at = at, at + 1
+            if opcode == BIND_DONE:
+                if table != "lazy":
+                    break
+                name, ordinal = None, 0
+            elif opcode == BIND_ORDINAL:
+                ordinal, set_at = small, here
+            elif opcode == BIND_ORDINAL_NUMBER:
+                set_at = at
+                ordinal, at = self._number(at)
+            elif opcode == BIND_ORDINAL_SPECIAL:
+                ordinal, set_at = small and small | 0xF0, here
+            elif opcode == BIND_NAME:
+                name = self._text(at)
+                at += len(name.encode()) + 1
+            elif opcode in BIND_SKIPPED_NUMBERS:
+                for _ in range(BIND_SKIPPED_NUMBERS[opcode]):
+                    _, at = self._number(at)
+            elif opcode not in BIND_WITHOUT_NUMBERS:
+                raise NotMachO(f"{self.path} binds names by opcode {opcode:#x}, which is not known")
+            if opcode in BIND_DOES and name is not None:
+                self._bind(Binding(name, ordinal, table, set_at))
+
+    def _bind(self, binding):
+        if binding not in self.bindings:
+            self.bindings.append(binding)
+
+    def _read_chained(self, start, size):
+        """The table of imports that newer linkers write in place of the opcodes."""
+        if not size:
+            return
+        self.binding_formats.add("chained fixups")
+        _, _, imports, symbols, count, layout, packed = self._unpack("<7I", start)
+        width = {1: 4, 2: 8, 3: 16}.get(layout)
+        if width is None or packed:
+            raise NotMachO(f"{self.path} has chained imports of a format that is not known")
+        for k in range(count):
+            at = start + imports + width * k
+            if layout == 3:
+                word, bits = self._unpack("<Q", at)[0], 16
+                name = word >> 32
+            else:
+                word, bits = self._unpack("<I", at)[0], 8
+                name = word >> 9
+            ordinal = word & (1 << bits) - 1
+            if ordinal >= (1 << bits) - 15:
+                ordinal = ordinal & 0x0F | 0xF0
+            self._bind(Binding(self._text(start + symbols + name), ordinal, "chained", at))
 
     def _read_exports(self, start, size):
         """The names that the loader finds: a tree whose edges are pieces of names."""

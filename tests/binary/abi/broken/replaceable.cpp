@@ -1,0 +1,8 @@
+// A definition that any other library of the process may replace.
+[[gnu::weak]] int replaceable() {
+    return 1;
+}
+
+int broken() {
+    return replaceable();
+}
