@@ -1,8 +1,10 @@
 #include "zktarn/util/gcd.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstdint>
+#include <cstdlib>
 #include <limits>
 
 #include "zktarn/util/detail/binary_gcd.hpp"
@@ -13,28 +15,60 @@ namespace detail {
 
 namespace {
 
-// Below this every integer is a real and every integral quotient fits one.
-constexpr double exact_below = 9007199254740992.0; // 2^53
+// The fields of a double.
+constexpr int fraction_bits = 52;
+constexpr int exponent_bias = 1023;
+constexpr int least_exponent = -1022;
 
-/// A real in [0, 2^53) that is an integer.
-bool is_integer(double value) noexcept {
-    return static_cast<double>(static_cast<std::int64_t>(value)) == value;
+/// A positive normal real as odd * 2^exponent.
+struct odd_and_power {
+    std::int64_t odd;
+    int exponent;
+};
+
+odd_and_power split(double value) noexcept {
+    constexpr std::int64_t leading_bit = std::int64_t{1} << fraction_bits;
+    const auto bits = std::bit_cast<std::int64_t>(value);
+    const std::int64_t significand = (bits & (leading_bit - 1)) | leading_bit;
+    const int zeros = std::countr_zero(static_cast<std::uint64_t>(significand));
+    const int biased = static_cast<int>(bits >> fraction_bits);
+    return {significand >> zeros, biased - exponent_bias - fraction_bits + zeros};
 }
 
-/// The remainder of big by small, 0 <= small <= big: what fmod returns, which is slow.
+/// 2^exponent, for the exponent of a normal real.
+double power_of_two(int exponent) noexcept {
+    return std::bit_cast<double>(static_cast<std::int64_t>(exponent + exponent_bias)
+                                 << fraction_bits);
+}
+
+/// fmod(big, small) for 0 <= small <= big, faster than the C library's where the quotient is below
+/// 2^53.
 ///
-/// A rounded quotient below 2^53 truncates to the integral quotient or to one more, never to less,
-/// since no integer lies between a quotient and its rounding. The remainder is a multiple of the
-/// last place of `small` and at most as large as `small`, so it is a real, and one rounding of big
-/// - quotient * small is none. One too many shows in its sign and is put right, again exactly.
+/// No integer lies between a quotient and its rounding, so the truncated quotient is the integral
+/// one or one more. The remainder is a multiple of the last place of `small` and at most `small`,
+/// so it is a real and `fma` computes it without rounding. If the quotient was one too large, the
+/// remainder is negative, and adding `small` once is exact again.
 double remainder(double big, double small) noexcept {
+    constexpr double integers_are_exact_below = 0x1p53;
     const double quotient = big / small;
-    if (!(quotient < exact_below)) {
+    if (!(quotient < integers_are_exact_below)) {
         return std::fmod(big, small);
     }
     const double integral = static_cast<double>(static_cast<std::int64_t>(quotient));
     const double rest = std::fma(-integral, small, big);
     return rest < 0.0 ? rest + small : rest;
+}
+
+/// Euclid's algorithm for 0 < small <= big.
+double euclid(double big, double small, double eps) noexcept {
+    for (;;) {
+        const double rest = remainder(big, small);
+        if (!(rest > eps)) {
+            return small;
+        }
+        big = small;
+        small = rest;
+    }
 }
 
 } // namespace
@@ -46,25 +80,26 @@ double real_gcd(double a, double b, double eps) noexcept {
     if (!(x < largest) || !(y < largest)) {
         return 0.0;
     }
-    double big = std::max(x, y);
-    double small = std::min(x, y);
+    const double big = std::max(x, y);
+    const double small = std::min(x, y);
     if (small <= eps) {
         return big;
     }
-    // Remainders of integers are integers, of which only 0 is within such a tolerance: this is the
-    // divisor of the integers, however it is found.
-    if (big < exact_below && eps >= 0.0 && eps < 1.0 && is_integer(big) && is_integer(small)) {
-        return static_cast<double>(
-            binary_gcd(static_cast<std::uint64_t>(big), static_cast<std::uint64_t>(small)));
+    if (small < std::numeric_limits<double>::min()) {
+        return euclid(big, small, eps);
     }
-    for (;;) {
-        const double rest = remainder(big, small);
-        if (!(rest > eps)) {
-            return small;
+    // Both are integral multiples of a power of two, and so is every remainder. If eps is below
+    // that power, only the remainder 0 ends Euclid's algorithm: its last divisor is exact.
+    const odd_and_power p = split(big);
+    const odd_and_power q = split(small);
+    const int exponent = std::min(p.exponent, q.exponent);
+    if (exponent >= least_exponent && eps >= 0.0) {
+        const double power = power_of_two(exponent);
+        if (eps < power) {
+            return static_cast<double>(binary_gcd(p.odd, q.odd)) * power;
         }
-        big = small;
-        small = rest;
     }
+    return euclid(big, small, eps);
 }
 
 } // namespace detail
@@ -78,12 +113,15 @@ std::int32_t xgcd_i4(const std::int32_t& a, const std::int32_t& b) noexcept {
     if (a < -largest || a > largest || b < -largest || b > largest) {
         return 0;
     }
-    const auto u = static_cast<std::uint32_t>(std::abs(a));
-    const auto v = static_cast<std::uint32_t>(std::abs(b));
+    const std::int64_t u = std::abs(a);
+    const std::int64_t v = std::abs(b);
     if (u == 0 || v == 0) {
         return static_cast<std::int32_t>(u | v);
     }
-    return static_cast<std::int32_t>(detail::binary_gcd(u, v));
+    const int zeros_of_u = std::countr_zero(static_cast<std::uint64_t>(u));
+    const int zeros_of_v = std::countr_zero(static_cast<std::uint64_t>(v));
+    const std::int64_t odd = detail::binary_gcd(u >> zeros_of_u, v >> zeros_of_v);
+    return static_cast<std::int32_t>(odd << std::min(zeros_of_u, zeros_of_v));
 }
 
 } // namespace zktarn::util

@@ -6,34 +6,42 @@
 
 /// Greatest common divisors.
 ///
-/// Both procedures return the divisor only. Each is a pure function of its inputs and callable from
-/// any thread.
+/// Each procedure returns the divisor alone, no factors of Bezout's identity. Each is a pure
+/// function of its arguments and may be called from any thread.
 
 namespace zktarn::util {
 
-/// The greatest common divisor of two reals, by Euclid's algorithm on their magnitudes with a
-/// tolerance for the remainder.
+/// The greatest common divisor of two reals: the last divisor of Euclid's algorithm on |a| and |b|,
+/// which ends with the first remainder that is at most eps.
 ///
 /// @param a    in. Any real.
 /// @param b    in. Any real.
-/// @param eps  in. A remainder of at most eps counts as zero.
+/// @param eps  in. Largest remainder that counts as zero.
 ///
-/// Returns the last divisor, the one whose remainder is at most eps: 6 for 12 and 18, 0.25 for 0.5
-/// and 0.75; the larger magnitude when the smaller one is at most eps, so |a| when b is 0 (with eps
-/// >= 0). Returns 0.0 for a negative eps, by which not even a remainder of zero ends the algorithm,
-/// and the smaller magnitude for an eps that is not a number, by which the first one does. Returns
-/// 0.0 when a or b is not a number, infinite, or of the largest finite magnitude. A caller that
-/// divides by the result must expect it.
+/// Returns, by the first line that applies:
+///
+///     a or b NaN, infinite or +-1.7976931348623157e308     0.0
+///     min(|a|, |b|) <= eps                                 max(|a|, |b|)
+///     eps < 0                                              0.0
+///     eps NaN                                              min(|a|, |b|)
+///     any other                                            the last divisor
+///
+/// For example (12, 18, 1e-9) gives 6, (0.5, 0.75, 1e-9) gives 0.25 and (a, 0, 0) gives |a|. A
+/// caller that divides by the result must expect 0.0.
+///
+/// Source: Euclid; where no remainder but 0 can be within eps, Stein's binary gcd. The number of
+/// steps grows with the logarithm of the quotient of the smaller magnitude and the result.
 [[nodiscard]] ZKTARN_API double xgcd_r8(const double& a, const double& b,
                                         const double& eps) noexcept;
 
-/// The greatest common divisor of two integers: never negative, |a| when b is 0, and 0 for two
-/// zeros.
+/// The greatest common divisor of two integers. Never negative.
 ///
 /// @param a  in. -2147483646 to 2147483646.
 /// @param b  in. As a.
 ///
-/// Returns 0 when a or b is one of the three integers outside of that range.
+/// Returns |a| if b is 0, |b| if a is 0, 0 if both are, and 0 if a or b is outside of its range.
+///
+/// Source: Stein's binary gcd, at most 62 steps.
 [[nodiscard]] ZKTARN_API std::int32_t xgcd_i4(const std::int32_t& a,
                                               const std::int32_t& b) noexcept;
 

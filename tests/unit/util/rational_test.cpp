@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "zktarn/util/gcd.hpp"
-
 namespace {
 
 using namespace zktarn::util;
@@ -15,7 +13,6 @@ using zktarn::flag;
 
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double largest = std::numeric_limits<double>::max();
 
 struct answer {
     flag found;
@@ -136,62 +133,6 @@ TEST(RationalRep, ItsInputMayBeAnOutput) {
     EXPECT_EQ(found, 1);
     EXPECT_EQ(x, 3.0);
     EXPECT_EQ(eps, 4.0);
-}
-
-TEST(RealGcd, FollowsEuclidWithATolerance) {
-    EXPECT_EQ(xgcd_r8(12.0, 18.0, 1e-9), 6.0);
-    EXPECT_EQ(xgcd_r8(0.5, 0.75, 1e-9), 0.25);
-    EXPECT_EQ(xgcd_r8(-6.0, 4.0, 1e-9), 2.0);
-    EXPECT_EQ(xgcd_r8(3.0, 1.0e-12, 1e-9), 3.0);
-    EXPECT_EQ(xgcd_r8(7.0, 0.0, 1e-9), 7.0);
-    EXPECT_EQ(xgcd_r8(0.0, -7.0, 0.0), 7.0);
-    EXPECT_EQ(xgcd_r8(0.0, 0.0, 0.0), 0.0);
-    EXPECT_EQ(xgcd_r8(10.0, 7.0, 1.0), 3.0);
-    EXPECT_EQ(xgcd_r8(10.0, 7.0, 3.0), 7.0);
-}
-
-TEST(RealGcd, RefusesTheExtremesWithZero) {
-    EXPECT_EQ(xgcd_r8(largest, 2.0, 0.0), 0.0);
-    EXPECT_EQ(xgcd_r8(2.0, -largest, 0.0), 0.0);
-    EXPECT_EQ(xgcd_r8(inf, 2.0, 0.0), 0.0);
-    EXPECT_EQ(xgcd_r8(2.0, nan, 0.0), 0.0);
-    EXPECT_EQ(xgcd_r8(std::nextafter(largest, 0.0), 2.0, 0.0), 2.0);
-}
-
-TEST(RealGcd, EndsForEveryTolerance) {
-    EXPECT_EQ(xgcd_r8(12.0, 18.0, -1.0), 0.0);
-    EXPECT_EQ(xgcd_r8(12.0, 0.0, -1.0), 0.0);
-    EXPECT_EQ(xgcd_r8(12.0, 18.0, nan), 12.0);
-    EXPECT_EQ(xgcd_r8(12.0, 18.0, inf), 18.0);
-}
-
-TEST(RealGcd, TakesExactRemainders) {
-    // The quotient of these is rounded up to the next integer.
-    EXPECT_EQ(xgcd_r8(0x1p53 - 1.0, 3.0 + 0x1p-51, 0.5), xgcd_r8(3.0 + 0x1p-51, 0x1p53 - 1.0, 0.5));
-    EXPECT_EQ(xgcd_r8(0.3, 0.1, 1e-12), std::fmod(0.3, 0.1));
-    EXPECT_EQ(xgcd_r8(5e-324, 1e-323, 0.0), 5e-324);
-}
-
-TEST(IntegerGcd, IsThatOfTheMagnitudes) {
-    EXPECT_EQ(xgcd_i4(-12, 18), 6);
-    EXPECT_EQ(xgcd_i4(18, -12), 6);
-    EXPECT_EQ(xgcd_i4(0, 0), 0);
-    EXPECT_EQ(xgcd_i4(0, -5), 5);
-    EXPECT_EQ(xgcd_i4(5, 0), 5);
-    EXPECT_EQ(xgcd_i4(1, 2147483646), 1);
-    EXPECT_EQ(xgcd_i4(2147483646, 0), 2147483646);
-    EXPECT_EQ(xgcd_i4(-2147483646, 2147483646), 2147483646);
-    EXPECT_EQ(xgcd_i4(1 << 30, 1 << 20), 1 << 20);
-    EXPECT_EQ(xgcd_i4(48, 180), 12);
-}
-
-TEST(IntegerGcd, RefusesTheThreeIntegersAtTheEnds) {
-    EXPECT_EQ(xgcd_i4(2147483647, 5), 0);
-    EXPECT_EQ(xgcd_i4(5, 2147483647), 0);
-    EXPECT_EQ(xgcd_i4(-2147483647, 5), 0);
-    EXPECT_EQ(xgcd_i4(5, -2147483647), 0);
-    EXPECT_EQ(xgcd_i4(std::numeric_limits<std::int32_t>::min(), 5), 0);
-    EXPECT_EQ(xgcd_i4(5, std::numeric_limits<std::int32_t>::min()), 0);
 }
 
 TEST(RationalRep, TakesTheNeighbourOfAConvergentWhereRoundingMakesItFit) {

@@ -1,31 +1,36 @@
 #pragma once
 
 #include <bit>
-#include <concepts>
+#include <cstdint>
+#include <cstdlib>
 
 namespace zktarn::util::detail {
 
-/// The greatest common divisor of two positive integers, by halving and subtracting.
+/// The greatest common divisor of two odd positive integers: binary gcd.
 ///
-/// Source: Stein, Computational problems associated with Racah algebra (1967). The number of zeros
-/// behind a difference does not depend on its sign, so it is counted while the sign is found out.
-template <std::unsigned_integral T>
-[[gnu::always_inline]] inline T binary_gcd(T u, T v) noexcept {
-    const int common = std::countr_zero(static_cast<T>(u | v));
-    u >>= std::countr_zero(u);
-    v >>= std::countr_zero(v);
+/// Source: Stein, Computational problems associated with Racah algebra, Journal of Computational
+/// Physics 1 (1967). In its usual form
+///
+///     while (u != v) {
+///         if (u < v) { swap(u, v); }
+///         u -= v;                   // even
+///         u >>= countr_zero(u);     // odd again
+///     }
+///
+/// it has a branch that no processor predicts. Here the sign bit of the difference selects the
+/// smaller number and the magnitude instead. A difference and its negation have the same number of
+/// trailing zeros, so the processor counts them while it finds the magnitude.
+[[gnu::always_inline]] inline std::int64_t binary_gcd(std::int64_t u, std::int64_t v) noexcept {
     while (u != v) {
-        // Which of the two is smaller is as good as random. Compilers make a branch of a choice,
-        // but not of masks.
-        const T difference = u - v;
-        const T less = T{0} - static_cast<T>(u < v);
-        v += difference & less;
-        u = ((difference ^ less) - less) >> std::countr_zero(difference);
+        const std::int64_t difference = u - v;
+        const std::int64_t if_less = difference >> 63; // all ones if u < v, else 0
+        v += difference & if_less;
+        u = std::abs(difference) >> std::countr_zero(static_cast<std::uint64_t>(difference));
     }
-    return u << common;
+    return u;
 }
 
-/// `xgcd_r8` for arguments that are passed on in registers.
+/// `xgcd_r8` with arguments in registers.
 double real_gcd(double a, double b, double eps) noexcept;
 
 } // namespace zktarn::util::detail
