@@ -144,7 +144,7 @@ class Workbench:
 
     def _arguments(self, folder, name):
         if name.endswith("_replay"):
-            return [str(self.root / folder / "corpus" / name[: -len("_replay")])]
+            return [str(self.root / folder / f"{name[: -len('_replay')]}.seeds")]
         return ["--gtest_brief=1", "--gtest_fail_fast", "--gtest_print_time=0"]
 
     # The state without mutants
