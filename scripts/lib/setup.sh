@@ -1,10 +1,16 @@
 # shellcheck shell=bash
-# What the two commands share: finding the project, and setting a machine up.
+# What the commands share: finding the project and its build folder, keeping a second run out of it, and
+# setting a machine up. The machine's own bash of macOS is 3.2, so nothing newer is used.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
-export root
-log_dir=$root/build/logs
-mkdir -p "$log_dir"
+command_line="$(basename "$0") $*"
+build_dir=${ZKTARN_BUILD_DIR:-$root/build}
+[[ $build_dir == /* ]] || build_dir=$PWD/$build_dir
+log_dir=$build_dir/logs
+packages=$root/scripts/lib/packages
+export root build_dir log_dir
+# Python keeps what it has compiled beside the sources unless it has another place for it.
+export PYTHONPYCACHEPREFIX=$build_dir/python
 
 # Ends the script with one sentence on standard error.
 fail() {
@@ -12,28 +18,54 @@ fail() {
     exit 1
 }
 
-as_root() {
-    if [ "$(id -u)" -eq 0 ]; then
-        "$@"
-    elif command -v sudo >/dev/null; then
-        sudo "$@"
-    else
-        fail "installing packages takes root or sudo, and there is neither; as root: $*"
-    fi
+# A path as the reader would type it.
+short() {
+    [[ $1 == "$PWD"/* ]] && echo "${1#"$PWD"/}" || echo "$1"
 }
 
-# Installs the Debian packages that are not there yet; without any, apt is not touched.
+# Makes the build folder and holds it until the script ends, however it ends. The lock is on the open
+# file, and perl is on every Debian and every Mac, where a command for it is not.
+claim_build_dir() {
+    { mkdir -p "$log_dir" && [ -w "$log_dir" ] && : >>"$build_dir/lock"; } 2>/dev/null ||
+        fail "cannot write to $build_dir; set ZKTARN_BUILD_DIR to a folder where this user can write"
+    exec 9>>"$build_dir/lock"
+    perl -e 'use Fcntl ":flock"; open(my $file, ">&=", 9) or exit 1; exit !flock($file, LOCK_EX | LOCK_NB)' ||
+        fail "another run is using $build_dir: $(cat "$build_dir/lock"); wait for it, or set ZKTARN_BUILD_DIR"
+    echo "$command_line, process $$, since $(date +%H:%M)" >"$build_dir/lock"
+}
+
+# packages_of COLUMN PART...: the packages of the parts, each once; column 2 is Debian, 3 Homebrew.
+packages_of() {
+    local column=$1
+    shift
+    awk -v column="$column" -v parts=" $* " '
+        !/^#/ && index(parts, " " $1 " ") && $column != "-" && !seen[$column]++ { print $column }' "$packages"
+}
+
+# as_root COMMAND...: with sudo where the user is somebody else.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+can_be_root() {
+    [ "$(id -u)" -eq 0 ] && return
+    command -v sudo >/dev/null && { sudo -n true 2>/dev/null || [ -t 0 ]; }
+}
+
+# Installs the Debian packages that are missing. If none is, apt is not run.
 install_debian() {
     local missing=() package
     for package in "$@"; do
         dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q '^install ok installed$' ||
             missing+=("$package")
     done
-    [ ${#missing[@]} -eq 0 ] && return
+    [ ${#missing[@]} -gt 0 ] || return 0
+    can_be_root || fail "packages are missing, and this user can be root neither directly nor by sudo; root has to run
+    apt-get update && apt-get install --no-install-recommends ${missing[*]}"
     echo "Installing ${missing[*]}"
     { as_root apt-get update -q &&
         as_root env DEBIAN_FRONTEND=noninteractive \
-            apt-get install -q -y --no-install-recommends "${missing[@]}"; } >"$log_dir/setup.log" 2>&1 ||
+            apt-get install -q -y --no-install-recommends "${missing[@]}"; } >"$log_dir/setup.log" 2>&1 9>&- ||
         { tail -n 20 "$log_dir/setup.log" >&2 && fail "apt-get could not install ${missing[*]}"; }
 }
 
@@ -46,36 +78,38 @@ install_npm() {
     echo "Installing npm packages of ${1#"$root"/}"
     mkdir -p "$2"
     cp "$1/package.json" "$1/$lock" "$2"
-    (cd "$2" && npm ci --ignore-scripts --no-audit --no-fund --cache "$2/cache") >"$log" 2>&1 ||
+    (cd "$2" && npm ci --ignore-scripts --no-audit --no-fund --cache "$2/cache") >"$log" 2>&1 9>&- ||
         { tail -n 20 "$log" >&2 && fail "npm could not install the packages of ${1#"$root"/}"; }
     rm -rf "$2/cache"
     cp "$1/$lock" "$2/installed.json"
 }
 
-# Installs the Homebrew packages that are not there yet.
+# Installs the Homebrew formulae that are missing.
 install_homebrew() {
     local missing=() package
     command -v brew >/dev/null || fail "on a Mac this needs Homebrew"
     for package in "$@"; do
         brew list --versions "$package" >/dev/null 2>&1 || missing+=("$package")
     done
-    [ ${#missing[@]} -eq 0 ] && return
+    [ ${#missing[@]} -gt 0 ] || return 0
     echo "Installing ${missing[*]}"
-    brew install "${missing[@]}" >"$log_dir/setup.log" 2>&1 ||
+    brew install "${missing[@]}" >"$log_dir/setup.log" 2>&1 9>&- ||
         { tail -n 20 "$log_dir/setup.log" >&2 && fail "brew could not install ${missing[*]}"; }
 }
 
-# set_up DEBIAN_PACKAGES HOMEBREW_PACKAGES: each a list in one word.
+# set_up PART...: installs what these parts need, of the parts in scripts/lib/packages.
 set_up() {
-    local packages
+    local names
     if command -v apt-get >/dev/null; then
-        read -r -a packages <<<"$1"
-        install_debian "${packages[@]}"
+        names=$(packages_of 2 "$@")
+        # shellcheck disable=SC2086 # one word a package
+        install_debian $names
     elif [ "$(uname)" = Darwin ]; then
-        read -r -a packages <<<"$2"
-        install_homebrew "${packages[@]}"
+        names=$(packages_of 3 "$@")
+        # shellcheck disable=SC2086
+        install_homebrew $names
     else
-        fail "only Debian and macOS are known here; elsewhere build with cmake --preset release"
+        fail "packages are installed on Debian and macOS only; elsewhere build with cmake --preset release"
     fi
 }
 

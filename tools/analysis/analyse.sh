@@ -1,37 +1,37 @@
 #!/usr/bin/env bash
-# Runs the static analysers over the library and the stand-in: clang-tidy, cppcheck, and GCC's own;
-# clang-tidy and GCC's once more over the library as a checked build has it.
-# Fails at the first one that finds something, or that misses what is planted for it.
+# Runs the static analysers over the library and the stand-in: clang-tidy, cppcheck and GCC's own, and
+# clang-tidy and GCC's again over what a checked build compiles. Fails at the first analyser that has a
+# finding, or that misses a defect planted for it.
 set -euo pipefail
 
-# shellcheck source=scripts/lib/setup.sh
-source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+fail() { echo "analyse.sh: $*" >&2 && exit 1; }
 
-if [ $# -ne 2 ] || ! [[ $1 =~ ^[1-9][0-9]*$ ]]; then
-    fail "usage: analysis.sh JOBS CLANG_TIDY"
+if [ $# -ne 3 ] || ! [[ $2 =~ ^[1-9][0-9]*$ ]]; then
+    fail "usage: analyse.sh BUILD_FOLDER JOBS CLANG_TIDY"
 fi
-jobs=$1
-tidy=$2
+build=$1
+jobs=$2
+tidy=$3
 command -v "$tidy" >/dev/null || fail "there is no $tidy"
-cd "$root"
+[[ $build == /* ]] || build=$PWD/$build
+cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
-build=build/analysis
 broken=tools/analysis/broken
 flags=(-std=c++20 -I src -I standin/include -I standin/src)
 checked=-DZKTARN_CHECKED
 
-# refuses WORD COMMAND...: the command fails on what is planted for it, and names it.
+# refuses WORD COMMAND...: the command has to fail on the planted defect and to name WORD.
 refuses() {
     local word=$1 said
     shift
     if said=$("$@" 2>&1) || [[ $said != *"$word"* ]]; then
-        fail "$1 does not find $word in what is planted for it"
+        fail "$1 does not find $word, which is planted for it"
     fi
 }
 
-# accepts COMMAND...: the command finds nothing in what is sound without checks.
+# accepts COMMAND...: without checks the same file has no defect, and the command may report none.
 accepts() {
-    "$@" >/dev/null 2>&1 || fail "$1 finds something where it is planted for a checked build alone"
+    "$@" >/dev/null 2>&1 || fail "$1 reports a defect that only a checked build has"
 }
 
 tidy_one() { "$tidy" --quiet "$@"; }
@@ -46,8 +46,8 @@ cppcheck_them() {
         -j "$jobs" -I src -I standin/include "$@"
 }
 
-# In C++, GCC 12 follows neither exceptions nor containers, so the stand-in, which has both, is left
-# to the others. Nor does it know the width of an element where a vector of them is shifted.
+# GCC 12 analyses neither exceptions nor containers of C++, and the stand-in uses both, so it analyses the
+# library alone. Its warning about shift counts takes the elements of a SIMD vector for the whole vector.
 analyzing=("${flags[@]}" -DZKTARN_BUILDING -O2 -fno-exceptions -fno-rtti -fanalyzer -Werror
     -Wno-analyzer-shift-count-overflow -c -o /dev/null)
 
@@ -57,27 +57,27 @@ analyze_one() { "$analyzer" "${analyzing[@]}" "$@"; }
 # analyze_them [OPTION...] < FILES
 analyze_them() { xargs -P "$jobs" -n 1 "$analyzer" "${analyzing[@]}" "$@"; }
 
-# On a Mac g++ is another name of Clang, which has no such option.
+# On a Mac g++ is Clang, which has no such option.
 analyzer=
 if g++ -fanalyzer -x c++ -fsyntax-only /dev/null 2>/dev/null; then
     analyzer=g++
 fi
 sources=(src/zktarn/*/*.cpp)
-# Checks are in the procedures of vectors, and in what these include.
+# Only the procedures of vectors, and the headers that they include, contain checks.
 checking=(src/zktarn/vector/*.cpp)
 all=("${sources[@]}" standin/src/*.cpp)
 
 refuses bugprone-use-after-move tidy_one "$broken/tidy.cpp" -- "${flags[@]}"
 refuses arrayIndexOutOfBounds cppcheck_them "$broken/cppcheck.cpp"
 [ -z "$analyzer" ] || refuses use-after-free analyze_one "$broken/analyzer.cpp"
-# What is planted in checks is there in a checked build, and only there.
+# A defect inside a check exists in a checked build only.
 refuses bugprone-integer-division tidy_one "$broken/checked.cpp" -- "${flags[@]}" "$checked"
 accepts tidy_one "$broken/checked.cpp" -- "${flags[@]}"
 if [ -n "$analyzer" ]; then
     refuses use-after-free analyze_one "$broken/checked.cpp" "$checked"
     accepts analyze_one "$broken/checked.cpp"
 fi
-echo "planted: each analyser finds its own, and what is in checks"
+echo "planted: each analyser finds its defect, and the one inside a check"
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++ \
     -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null

@@ -1,16 +1,22 @@
 #!/usr/bin/env bash
-# identity.sh [JOBS]: builds the library in ways that must not matter to its results, runs each build
-# on processors that must not matter, and ends with one table: equal to the file of hashes, or which
-# procedures are not.
+# Builds the library with compilers, options and processors that must not change a result, runs each build
+# on processors that must not either, and compares the results with the file of hashes.
 set -euo pipefail
+
+if [ $# -ne 2 ] || ! [[ $2 =~ ^[1-9][0-9]*$ ]]; then
+    echo "compare.sh: usage: compare.sh BUILD_FOLDER JOBS" >&2
+    exit 1
+fi
+mkdir -p "$1"
+builds=$(cd "$1" && pwd)
+jobs=$2
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
-jobs=${1:-2}
 golden=tests/binary/identity/results.golden
 
-# build NAME PRESET [CMAKE_ARGUMENT...]: into build/NAME
+# build NAME PRESET [CMAKE_ARGUMENT...]: into the folder NAME
 build() {
-    cmake --preset "$2" -B "build/$1" "${@:3}"
-    cmake --build "build/$1" --parallel "$jobs" --target identity
+    cmake --preset "$2" -B "$builds/$1" "${@:3}"
+    cmake --build "$builds/$1" --parallel "$jobs" --target identity
 }
 
 rows=()
@@ -19,7 +25,7 @@ unequal=0
 # compare COMPILER PROCESSOR NAME [EMULATOR...]
 compare() {
     local said status=0 verdict=equal
-    said=$("${@:4}" "build/$3/tests/binary/identity/identity" "$golden") || status=$?
+    said=$("${@:4}" "$builds/$3/tests/binary/identity/identity" "$golden") || status=$?
     echo "$said"
     if [ "$status" -ne 0 ]; then
         unequal=$((unequal + 1))
@@ -29,7 +35,7 @@ compare() {
     rows+=("$(printf '%-30s  %-34s  %s' "$1" "$2" "$verdict")")
 }
 
-# With the fused multiply-add: this processor, if it has one.
+# On this processor if it has a fused multiply-add, else on an emulated one.
 fused() {
     if grep -qw avx2 /proc/cpuinfo && grep -qw fma /proc/cpuinfo; then
         "$@"
@@ -51,7 +57,7 @@ on_x86_64() {
         compare "$compiler" "x86-64, fused multiply-add" "$name" fused
         compare "$compiler" "x86-64, none" "$name" qemu-x86_64 -cpu Nehalem
     done
-    # A faster variant needs two instruction sets, and one of them is not enough.
+    # The faster variant needs AVX2 and FMA; a processor with only one of them must not get it.
     compare "gcc -O3" "x86-64, AVX2 alone" gcc qemu-x86_64 -cpu max,-fma
     compare "gcc -O3" "x86-64, all but AVX2" gcc qemu-x86_64 -cpu max,-avx2
     compare "gcc -O3 -march=x86-64-v3" "x86-64, fused multiply-add" identity/gcc-v3 fused
@@ -66,7 +72,6 @@ on_arm64_linux() {
     compare "clang -O3" "64-bit Arm" identity/arm64-clang "$emulator"
 }
 
-# Whatever machine this is.
 on_this_machine() {
     build identity/clang-O0 clang -DCMAKE_BUILD_TYPE=Debug
     build clang clang

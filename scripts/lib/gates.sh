@@ -1,0 +1,239 @@
+# shellcheck shell=bash
+# shellcheck disable=SC2154 # root, build_dir and log_dir are set by setup.sh, jobs by its caller
+#
+# The gates: what each needs, guarantees and does. A gate is a function that fails when its guarantee
+# is broken; it runs in the root of the project with -e set and its output in a log.
+
+# name | loop | parts of scripts/lib/packages | guarantee
+# The gates of the short loop are those of a person at work; --all runs every one, in this order.
+gates='
+format     | short | format                        | C++ formatted, scripts clean
+gcc        | short | library solver tests          | GCC: no warning, tests and binary interface
+install    | short | library tests                 | installed package serves outside projects
+analysis   | all   | library analysis              | no finding of clang-tidy, cppcheck and GCC'"'"'s analyser
+clang      | all   | library clang tests           | Clang: no warning, tests, headers stand alone
+checked    | all   | library tests                 | violated preconditions are reported
+asan-ubsan | all   | library llvm solver tests     | no address error, leak or undefined behaviour
+tsan       | all   | library llvm tests            | no data race between solvers, nor in the stand-in host
+valgrind   | all   | library solver tests valgrind | no invalid or uninitialised access, no leak
+coverage   | all   | library llvm tests            | every line, branch and condition of the library tested
+fuzz       | all   | library llvm tests            | no difference from rules and models in a minute of fuzzing
+macos      | all   | library llvm                  | 64-bit Arm macOS: library builds, binary interface
+arm64      | all   | library arm64 tests           | 64-bit Arm: no warning, tests under an emulator
+identity   | all   | library clang arm64 tests     | the same bits from every compiler and processor
+tools      | all   | library tests                 | the tools do what they say
+mutation   | all   | library solver tests          | tests notice a sample of faults put into the library
+benchmarks | all   | library solver tests benchmarks | benchmarks build and run
+fresh      | all   | fresh                         | the demo and the tests run on a bare Debian 12
+'
+
+on_mac=false
+[ "$(uname)" = Darwin ] && on_mac=true
+
+# Gates that a Mac has no tools for, or that ask what a Mac is itself.
+not_on_mac=" valgrind arm64 mutation fresh "
+
+# gate_field NAME COLUMN: the loop (2), the parts (3) or the guarantee (4) of a gate.
+gate_field() {
+    awk -F ' *[|] *' -v name="$1" -v column="$2" '$1 == name { print $column }' <<<"$gates"
+}
+
+# gate_names [LOOP]: those of the short loop, or all.
+gate_names() {
+    awk -F ' *[|] *' -v loop="${1-}" 'NF == 4 && (loop == "" || $2 == loop) { print $1 }' <<<"$gates" |
+        while read -r name; do
+            $on_mac && [[ $not_on_mac == *" $name "* ]] || echo "$name"
+        done
+}
+
+# The compiler that has sanitizers and condition coverage.
+instrumenting_clang() {
+    $on_mac && { echo "$(brew --prefix llvm)/bin/clang++" && return; }
+    echo clang++-19
+}
+
+# configure PRESET [CMAKE_ARGUMENT...]
+configure() {
+    cmake --preset "$1" -B "$build_dir/$1" -DCMAKE_INSTALL_PREFIX="$build_dir/$1/prefix" "${@:2}"
+}
+
+# make_targets PRESET [TARGET...]
+make_targets() {
+    local targets=()
+    [ $# -eq 1 ] || targets=(--target "${@:2}")
+    cmake --build "$build_dir/$1" --parallel "$jobs" ${targets[@]+"${targets[@]}"}
+}
+
+# build PRESET [CMAKE_ARGUMENT...]
+build() {
+    configure "$@"
+    make_targets "$1"
+}
+
+# run_tests PRESET [CTEST_ARGUMENT...]
+run_tests() {
+    ctest --test-dir "$build_dir/$1" --output-on-failure --no-tests=error --parallel "$jobs" "${@:2}"
+}
+
+# build_and_test PRESET [CMAKE_ARGUMENT...]
+build_and_test() {
+    build "$@"
+    run_tests "$1"
+}
+
+# project_files [PATTERN...]: tracked files and new ones; the checkout may belong to another user.
+project_files() {
+    git -c safe.directory="$root" ls-files --cached --others --exclude-standard -- "$@"
+}
+
+gate_format() {
+    project_files '*.cpp' '*.hpp' '*.c' '*.h' | xargs clang-format --dry-run -Werror
+    project_files | grep -E '[.]sh$|^scripts/[a-z]+$|^[.]ci/run$' | xargs shellcheck --external-sources
+}
+
+gate_gcc() {
+    build_and_test gcc
+    "$build_dir/gcc/tests/failures/failures_test" --gtest_brief=1
+}
+
+gate_install() { build_and_test install-check; }
+
+gate_analysis() {
+    local tidy=clang-tidy-19
+    $on_mac && tidy=$(brew --prefix llvm)/bin/clang-tidy
+    tools/analysis/analyse.sh "$build_dir/analysis" "$jobs" "$tidy"
+}
+
+gate_clang() {
+    build_and_test clang
+    make_targets clang all_verify_interface_header_sets
+}
+
+gate_checked() { build_and_test checked; }
+
+# Under a sanitizer fewer random cases have to do, and proofs that take another solver long are left to
+# the other builds.
+gate_asan_ubsan() {
+    local -x ZKTARN_TEST_SCALE=0.1 GTEST_FILTER='-*Optimum*/misc03:*Optimum*/stein27'
+    build_and_test asan-ubsan -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
+}
+
+# Threads share the stand-in; of the library they share what the test names, each of which has to be
+# reported. Death tests fork, which the sanitizer does not survive.
+gate_tsan() {
+    configure tsan -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
+    make_targets tsan standin_test library_threads_test
+    "$(test_program tsan standin_test)" --gtest_filter='Threads.*'
+    "$(test_program tsan library_threads_test)"
+    local shared
+    for shared in AVector AnArray ASlot TheBridge; do
+        reports_race_of "$shared"
+    done
+}
+
+# test_program PRESET NAME: its path.
+test_program() { find "$build_dir/$1/tests" -type f -name "$2" -perm -u+x; }
+
+# reports_race_of OBJECT: the test that shares one between threads has to fail with a data race.
+reports_race_of() {
+    local said
+    if said=$("$(test_program tsan library_threads_test)" --gtest_also_run_disabled_tests \
+        --gtest_filter="*DISABLED_${1}IsShared" 2>&1) || [[ $said != *"data race"* ]]; then
+        echo "the sanitizer reports no data race where $1 is shared: $said"
+        return 1
+    fi
+    echo "shared: a data race is reported where $1 is shared"
+}
+
+# The tests as GCC optimised them, except those of the solver, which has memory of its own.
+gate_valgrind() {
+    build gcc
+    find "$build_dir/gcc/tests" -type f -perm -u+x -name '*_test' ! -path '*/solver/*' | sort |
+        xargs -P "$jobs" -n 1 scripts/lib/under_valgrind.sh
+}
+
+gate_coverage() {
+    local clang
+    clang=$(instrumenting_clang)
+    rm -rf "$build_dir/coverage/profiles"
+    local -x LLVM_PROFILE_FILE=$build_dir/coverage/profiles/%p-%m.profraw ZKTARN_TEST_SCALE=0.1
+    build_and_test coverage -DCMAKE_CXX_COMPILER="$clang" \
+        -DCMAKE_CXX_COMPILER_LAUNCHER="$root/tools/coverage/measured.sh"
+    unset LLVM_PROFILE_FILE
+    python3 tools/coverage/report.py --build "$build_dir/coverage" --compiler "$clang"
+}
+
+# Each fuzzer for a minute from its seeds, which stay as they are.
+gate_fuzz() {
+    configure fuzz -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
+    make_targets fuzz fuzzers
+    local seeds target running=()
+    for seeds in tests/property/fuzz/*.seeds; do
+        target=$(basename "$seeds" .seeds)
+        fuzz_for_a_minute "$target" "$seeds" >"$log_dir/$target.log" 2>&1 &
+        running+=("$target:$!")
+    done
+    for target in "${running[@]}"; do
+        wait "${target#*:}" || { tail -n 30 "$log_dir/${target%:*}.log" && return 1; }
+    done
+    printf '%-24s  %12s\n' target executions
+    for target in "${running[@]%:*}"; do
+        printf '%-24s  %12s\n' "$target" \
+            "$(sed -n 's/^stat::number_of_executed_units: *//p' "$log_dir/$target.log")"
+    done
+}
+
+# fuzz_for_a_minute TARGET SEEDS
+fuzz_for_a_minute() {
+    local folder status=0
+    folder=$(mktemp -d)
+    python3 tests/property/fuzz/seeds.py unpack "$2" "$folder/seeds"
+    mkdir "$folder/found"
+    "$(test_program fuzz "$1")" -max_total_time=60 -max_len=400 -print_final_stats=1 \
+        -artifact_prefix="$log_dir/$1-" "$folder/found" "$folder/seeds" || status=$?
+    rm -r "$folder"
+    return "$status"
+}
+
+# On a Mac the library is tested as well; elsewhere it is cross-built and inspected.
+gate_macos() {
+    local preset=macos-arm64-cross
+    if $on_mac; then
+        preset=macos-arm64
+    else
+        install_npm "$root/cmake/macos" "$build_dir/tools/macos"
+    fi
+    build_and_test "$preset" -DZKTARN_MACOS_PACKAGES="$build_dir/tools/macos"
+    run_tests "$preset" --verbose --tests-regex '^abi[.]macos_library$' | sed 's/^[0-9]*: //'
+}
+
+# Under the emulator one random case in ten has to do.
+gate_arm64() {
+    local -x ZKTARN_TEST_SCALE=0.1
+    build_and_test arm64-linux
+}
+
+gate_identity() { tools/identity/compare.sh "$build_dir" "$jobs"; }
+
+gate_tools() {
+    python3 tools/coverage/report_test.py
+    python3 tools/mutation/tool_test.py --cmake "$(command -v cmake)" --compiler g++
+}
+
+# A sample of the faults that tools/mutation can make, always the same one, so that a failure can be
+# repeated.
+gate_mutation() {
+    build gcc
+    python3 tools/mutation/mutate.py --build "$build_dir/gcc" --jobs "$jobs" --sample 130 --seed 20261121 \
+        --least 90
+}
+
+gate_benchmarks() {
+    build gcc -DZKTARN_BENCHMARKS=ON
+    local program
+    for program in "$build_dir"/gcc/benchmarks/*_bench; do
+        "$program" --benchmark_min_time=0.01
+    done
+}
+
+gate_fresh() { tests/fresh/fresh.sh "$build_dir/fresh"; }
