@@ -1,4 +1,4 @@
-// The example's separator against CglZeroHalf, at the same points of the same relaxations.
+// The solver's separator and CglZeroHalf at the same points of the same relaxations.
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -10,6 +10,7 @@
 #include <OsiClpSolverInterface.hpp>
 
 #include "cuts/separation.hpp"
+#include "input/read_model.hpp"
 #include "lp/relaxation.hpp"
 #include "run/bridge.hpp"
 #include "solver/instances.hpp"
@@ -21,7 +22,7 @@ namespace {
 
 using namespace zero_half;
 
-/// A relaxation's optimum in the course of a run, with the rows that it had by then.
+/// The optimum of a relaxation during a run, and the rows that the relaxation had.
 struct stage {
     std::vector<double> point;
     std::size_t rows;
@@ -33,15 +34,15 @@ bool never() {
     return false;
 }
 
-/// The course of a run of the example.
-class course {
+/// The stages of one run of the solver.
+class stages_of_run {
 public:
-    explicit course(const std::string& file)
-        : from_(read_model(file)), own_(from_, random_.state(), never),
-          pool_(integral_rows_of(from_)) {
+    explicit stages_of_run(const std::string& file)
+        : model_(read_model(file)), own_(model_, random_.state(), never),
+          pool_(integral_rows_of(model_)) {
         constexpr int most_stages = 20;
-        relaxation lp(from_, never);
-        separator guide(from_, random_.state(), never);
+        relaxation lp(model_, never);
+        separator guide(model_, random_.state(), never);
         while (static_cast<int>(stages_.size()) < most_stages &&
                lp.solve() == relaxation::outcome::optimal) {
             keep(lp);
@@ -49,8 +50,8 @@ public:
             if (cuts.empty()) {
                 break;
             }
-            for (const zero_half::cut& each : cuts) {
-                pool_.push_back(row_of(each, from_.column_count()));
+            for (const zero_half::cut& found : cuts) {
+                pool_.push_back(integral_row_of(found, model_.column_count()));
             }
             lp.add(cuts);
         }
@@ -79,26 +80,26 @@ public:
     }
 
 private:
-    /// The peer reads the rows beforehand; that is not timed.
+    /// The peer reads the rows here, outside of the timed part.
     void keep(const relaxation& lp) {
         ClpSimplex copy(lp.solver());
         auto solver = std::make_unique<OsiClpSolverInterface>(&copy);
         solver.reset(dynamic_cast<OsiClpSolverInterface*>(solver->clone()));
         solver->messageHandler()->setLogLevel(0);
-        for (int j = 0; j < from_.column_count(); ++j) {
-            if (from_.is_integer[static_cast<std::size_t>(j)] != 0) {
+        for (int j = 0; j < model_.column_count(); ++j) {
+            if (model_.is_integer[static_cast<std::size_t>(j)] != 0) {
                 solver->setInteger(j);
             }
         }
         auto peer = std::make_unique<CglZeroHalf>();
         peer->refreshSolver(solver.get());
-        stages_.push_back({{lp.point(), lp.point() + from_.column_count()},
+        stages_.push_back({{lp.point(), lp.point() + model_.column_count()},
                            pool_.size(),
                            std::move(solver),
                            std::move(peer)});
     }
 
-    model from_;
+    model model_;
     generator random_{1};
     separator own_;
     std::vector<integral_row> pool_;
@@ -110,7 +111,7 @@ private:
 void register_comparisons() {
     std::printf("%-20s %7s %8s %8s\n", "cuts found", "points", "library", "cgl");
     for (const std::string& file : zero_half::testing::instances()) {
-        const auto each = std::make_shared<course>(file);
+        const auto each = std::make_shared<stages_of_run>(file);
         const std::string name = std::filesystem::path(file).stem().string();
         std::printf("%-20s %7zu %8zu %8zu\n", name.c_str(), each->stages(), each->separate(),
                     each->separate_by_peer());

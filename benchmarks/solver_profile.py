@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Counts where the example's separation spends its instructions, by valgrind.
+"""Counts the instructions of the solver's separation by library, host and solver, by valgrind.
 
 Usage: solver_profile.py PROGRAM MODEL...
 
-PROGRAM is zero_half, built with debug information (-g), so that procedures inlined into it are
-counted for the library that they come from.
+PROGRAM is zero_half, built with debug information (-g), so that inlined procedures are counted for
+the library and not for the solver.
 """
 
 import pathlib
@@ -17,7 +17,7 @@ LINE = re.compile(r"^\s*([\d,]+) \([^)]*\)\s+(\S+?):(.*?)(?: \[([^\]]*)\])?$")
 
 
 def place(source, function, library):
-    """Whose instructions these are."""
+    """The owner of the instructions: host, library or solver."""
     if "zktarn::standin::" in function or re.search(r"lib(qv|qvx|ut|zkoptimutil)\.", library):
         return "host"
     if re.search(r"(^|/)src/zktarn/", source) or re.match(r"(void |double |long )?zktarn::", function):
@@ -26,13 +26,13 @@ def place(source, function, library):
 
 
 def procedure(function):
-    """The bare name of a procedure of the library."""
+    """The name of a procedure without its namespace and arguments."""
     name = re.sub(r"\(.*", "", function.removeprefix("void "))
     return "inlined procedures" if name.startswith("zero_half::") else name.rsplit("::", 1)[-1]
 
 
 def profile(program, model):
-    """Instructions by (whose, procedure)."""
+    """Instruction counts by (owner, procedure)."""
     with tempfile.TemporaryDirectory() as folder:
         out = pathlib.Path(folder) / "out"
         subprocess.run(
@@ -46,8 +46,8 @@ def profile(program, model):
         match = LINE.match(line)
         if match and "PROGRAM TOTALS" not in line:
             count, source, function, library = match.groups()
-            whose = place(source, function, library or "")
-            key = (whose, procedure(function) if whose == "library" else "")
+            owner = place(source, function, library or "")
+            key = (owner, procedure(function) if owner == "library" else "")
             counts[key] = counts.get(key, 0) + int(count.replace(",", ""))
     return counts
 
@@ -62,9 +62,9 @@ def main(arguments):
         counts = profile(program, model)
         total = sum(counts.values())
         if total == 0:
-            sys.exit(f"solver_profile.py: {model}: nothing was counted")
-        share = {whose: sum(n for key, n in counts.items() if key[0] == whose) / total
-                 for whose in ("library", "host", "solver")}
+            sys.exit(f"solver_profile.py: {model}: no instructions were counted")
+        share = {owner: sum(n for key, n in counts.items() if key[0] == owner) / total
+                 for owner in ("library", "host", "solver")}
         print(f"{pathlib.Path(model).stem:<20} {total:>14,} {share['library']:>8.1%} "
               f"{share['host']:>6.1%} {share['solver']:>7.1%}")
         for key, n in counts.items():
@@ -74,9 +74,9 @@ def main(arguments):
     for key, n in sorted(everything.items(), key=lambda item: -item[1]):
         if key[0] == "library" and n / total >= 0.005:
             print(f"{key[1]:<28} {n / total:>12.1%}")
-    for whose in ("library", "host", "solver"):
-        n = sum(n for key, n in everything.items() if key[0] == whose)
-        print(f"{'all of the ' + whose:<28} {n / total:>12.1%}")
+    for owner in ("library", "host", "solver"):
+        n = sum(n for key, n in everything.items() if key[0] == owner)
+        print(f"{'all of the ' + owner:<28} {n / total:>12.1%}")
 
 
 if __name__ == "__main__":

@@ -1,22 +1,24 @@
-/// Tightens the relaxations of integer programs by zero-half cuts.
+/// The command line program: reads models, tightens their relaxations, writes the results.
 
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <deque>
 #include <exception>
 #include <new>
-#include <optional>
 #include <string>
-#include <vector>
 
 #include <unistd.h>
 
-#include <CLI/CLI.hpp>
 #include <CoinError.hpp>
 
+#include "command_line.hpp"
+#include "input/error.hpp"
 #include "input/optima.hpp"
-#include "output/output.hpp"
+#include "input/read_model.hpp"
+#include "output/json_report.hpp"
+#include "output/mps_writer.hpp"
+#include "output/plot.hpp"
+#include "output/table.hpp"
 #include "run/tightener.hpp"
 #include "zktarn_standin/arrays.hpp"
 #include "zktarn_standin/control.hpp"
@@ -25,66 +27,11 @@ namespace {
 
 using namespace zero_half;
 
-enum exit_status { done = 0, something_wrong = 1, wrong_usage = 2, interrupted = 130 };
-
-struct command_line {
-    std::vector<std::string> files;
-    run_options run;
-    std::string display_level = "iter";
-    std::string cuts_file;
-    std::string json_file;
-    std::string plot_file;
-};
-
-void complain(const std::string& sentence) {
+void print_error(const std::string& sentence) {
     std::fprintf(stderr, "zero_half: %s\n", sentence.c_str());
 }
 
-/// The parser takes `nan` and `inf` for numbers, and finds the former in every range.
-std::string finite(const std::string& text) {
-    return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : text + " is not finite";
-}
-
-display level_of(const std::string& name) {
-    return name == "off" ? display::off : name == "final" ? display::final : display::iter;
-}
-
-/// Describes the options to the parser.
-void declare(CLI::App& app, command_line& to) {
-    app.add_option("model", to.files, "MPS files, plain or compressed")->required();
-    app.add_option("--rounds", to.run.rounds, "At most so many rounds a model")
-        ->check(CLI::Range(0, 1'000'000))
-        ->capture_default_str();
-    app.add_option("--time-limit", to.run.seconds, "Seconds for each model")
-        ->check(CLI::Range(0.0, 1e9))
-        ->check(finite)
-        ->capture_default_str();
-    app.add_option("--seed", to.run.seed, "Seed of the random numbers")->capture_default_str();
-    app.add_option("--display", to.display_level,
-                   "off, final, iter: nothing, the table, every round")
-        ->check(CLI::IsMember({"off", "final", "iter"}).description(""))
-        ->capture_default_str();
-    app.add_option("--stop-at-gap", to.run.stop_at_gap,
-                   "Stop when so many per cent of the gap to the optimum are closed")
-        ->check(CLI::Range(0.0, 100.0))
-        ->check(finite)
-        ->capture_default_str();
-    app.add_option("--optimum", to.run.optimum,
-                   "The integer optimum of the only model; else from optima.csv beside it")
-        ->check(finite);
-    app.add_option("--cuts", to.cuts_file, "Write the only model with its cuts as MPS");
-    app.add_option("--json", to.json_file, "Write all figures as JSON");
-    app.add_option("--plot", to.plot_file, "Draw the bounds as SVG, by gnuplot");
-    app.set_version_flag("--version", "zero_half " ZERO_HALF_VERSION);
-    app.failure_message([](const CLI::App*, const CLI::Error& found) {
-        return std::string("zero_half: ") + found.what() + "; see zero_half --help\n";
-    });
-    app.footer(
-        "Exit status: 0 all done, 1 something was wrong with a file or a model, 2 wrong usage,\n"
-        "130 interrupted; what was computed by then is written all the same.");
-}
-
-/// One line on a terminal that each round writes over.
+/// Shows the last round in one line of the terminal, which is overwritten each time.
 void show_progress(const zktarn::standin::array_value& info) {
     if (info.field("phase").text() == "done") {
         std::fprintf(stderr, "\r\033[K");
@@ -94,8 +41,8 @@ void show_progress(const zktarn::standin::array_value& info) {
     }
 }
 
-/// The host's side of the output function. Rounds that are printed need no further line, and who
-/// wants to see nothing gets none.
+/// Registers the output function with the host. It shows progress on a terminal where the display
+/// is the table alone.
 void register_output_function(display show) {
     const bool is_live = show == display::final && ::isatty(STDERR_FILENO) != 0;
     zktarn::standin::set_function("tarnCallback",
@@ -107,68 +54,67 @@ void register_output_function(display show) {
                                   });
 }
 
-/// Whether a run ended well with a bound that fits the optimum; says so where not.
-bool is_plausible(const solved_model& of) {
-    const run_result& run = of.run;
-    if (run.how == ending::numeric_trouble) {
-        complain(of.from.file +
-                 ": the relaxation with the cuts cannot be solved, its numbers are too "
-                 "far apart; the bound is the last one that was reached");
-        return false;
+/// What is wrong with the result of a run, or an empty text.
+std::string fault_of(const run_result& run) {
+    if (run.reason == ending::numeric_error) {
+        return "the relaxation with the cuts cannot be solved, its numbers are too far apart; the "
+               "bound is the last one that was reached";
     }
-    if (run.optimum && run.how == ending::no_integer_point) {
-        complain(of.from.file + ": there is no integer point, but an optimum was given");
-        return false;
+    if (run.optimum && run.reason == ending::no_integer_point) {
+        return "there is no integer point, but an optimum was given";
     }
     if (run.optimum && run.bound &&
         *run.bound > *run.optimum + 1e-6 * (1.0 + std::fabs(*run.optimum))) {
-        complain(of.from.file + ": the bound is above the optimum that was given, which cannot be");
-        return false;
+        return "the bound is above the optimum that was given, which cannot be";
     }
-    return true;
+    return "";
 }
 
-/// Reads a model and tightens its relaxation.
-void solve_one(const std::string& file, run_options options, std::deque<solved_model>& all) {
+/// Reads a model and tightens its relaxation. Throws `error`.
+solved_model solve(const std::string& file, run_options options, bool is_first) {
     if (!options.optimum) {
         options.optimum = known_optimum(file);
     }
     try {
-        model from = read_model(file);
+        model program = read_model(file);
         if (options.show == display::iter) {
-            std::printf("%s%s\n", all.empty() ? "" : "\n", file.c_str());
+            std::printf("%s%s\n", is_first ? "" : "\n", file.c_str());
             std::fflush(stdout);
         }
-        run_result run = tighten(from, options);
-        all.push_back({std::move(from), std::move(run)});
-    } catch (const CoinError& found) { // is no std::exception
-        throw trouble(file + ": " + found.message());
+        run_result run = tighten(program, options);
+        return {std::move(program), std::move(run)};
+    } catch (const CoinError& found) { // does not derive from std::exception
+        throw error(file + ": " + found.message());
     } catch (const std::bad_alloc&) {
-        throw trouble(file + ": there is not enough memory for it");
+        throw error(file + ": there is not enough memory for it");
     }
 }
 
-/// Solves one model after the other; a bad one does not keep the others from it.
-int solve_all(const command_line& given, std::deque<solved_model>& all) {
-    int status = done;
-    for (const std::string& file : given.files) {
+/// Solves one model after the other. An error in one does not prevent the next.
+int solve_all(const command_line& options, std::deque<solved_model>& models) {
+    int status = success;
+    for (const std::string& file : options.files) {
         try {
-            solve_one(file, given.run, all);
+            models.push_back(solve(file, options.run, models.empty()));
         } catch (const std::exception& found) {
-            complain(found.what());
-            status = something_wrong;
+            print_error(found.what());
+            status = failure;
             continue;
         }
-        if (all.back().run.how == ending::interrupted) {
+        const run_result& run = models.back().run;
+        if (run.reason == ending::interrupted) {
             return interrupted;
         }
-        if (!is_plausible(all.back())) {
-            status = something_wrong;
+        if (const std::string fault = fault_of(run); !fault.empty()) {
+            print_error(file + ": " + fault);
+            status = failure;
         }
     }
     return status;
 }
 
+/// Calls `write` with the file unless its name is empty. Returns the status, or `failure` after
+/// success and an error.
 template <class Write>
 int write_to(const std::string& file, int status, Write write) {
     if (file.empty()) {
@@ -177,59 +123,52 @@ int write_to(const std::string& file, int status, Write write) {
     try {
         write(file);
     } catch (const std::exception& found) {
-        complain(found.what());
-        return status == done ? something_wrong : status;
+        print_error(found.what());
+        return status == success ? failure : status;
     }
     return status;
 }
 
-int write_all(const command_line& given, const std::deque<solved_model>& all, int status) {
-    status =
-        write_to(given.json_file, status, [&](const std::string& file) { write_json(all, file); });
-    if (all.empty()) {
+int write_all(const command_line& options, const std::deque<solved_model>& models, int status) {
+    status = write_to(options.json_file, status,
+                      [&](const std::string& file) { write_json(models, file); });
+    if (models.empty()) {
         return status;
     }
-    if (given.run.show != display::off) {
-        std::printf("%s", given.run.show == display::iter ? "\n" : "");
-        print_table(all);
+    if (options.run.show != display::off) {
+        std::printf("%s", options.run.show == display::iter ? "\n" : "");
+        print_table(models);
     }
-    status = write_to(given.cuts_file, status,
-                      [&](const std::string& file) { write_model(all.front(), file); });
-    return write_to(given.plot_file, status,
-                    [&](const std::string& file) { write_plot(all, file); });
+    status = write_to(options.cuts_file, status,
+                      [&](const std::string& file) { write_model(models.front(), file); });
+    return write_to(options.plot_file, status,
+                    [&](const std::string& file) { write_plot(models, file); });
+}
+
+int execute(const command_line& options) {
+    std::deque<solved_model> models;
+    const int status = solve_all(options, models);
+    return write_all(options, models, status);
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app(
-        "Tightens the relaxations of integer programs by zero-half cuts, round after round.",
-        "zero_half");
-    command_line given;
-    declare(app, given);
-    try {
-        app.parse(argc, argv);
-        if (given.files.size() > 1 && (given.run.optimum || !given.cuts_file.empty())) {
-            throw CLI::ValidationError("--optimum and --cuts are for one model");
-        }
-    } catch (const CLI::ParseError& found) {
-        return app.exit(found) == 0 ? done : wrong_usage;
+    command_line options;
+    int status = success;
+    if (!parse(argc, argv, options, status)) {
+        return status;
     }
-    given.run.show = level_of(given.display_level);
-    register_output_function(given.run.show);
-    given.run.has_output_function = true;
-    int status = done;
-    {
-        std::deque<solved_model> all;
-        status = solve_all(given, all);
-        status = write_all(given, all, status);
-    }
-    if (given.run.show == display::iter) {
+    register_output_function(options.run.show);
+    options.run.has_output_function = true;
+    status = execute(options);
+    // All models are destroyed by now, so the report shows what was not released.
+    if (options.run.show == display::iter) {
         std::printf("%s", zktarn::standin::memory_report().c_str());
     }
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-        complain("the standard output cannot be written");
-        return status == done ? something_wrong : status;
+        print_error("the standard output cannot be written");
+        return status == success ? failure : status;
     }
     return status;
 }

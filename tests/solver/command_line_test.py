@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Calls the zero-half solver as its users do and looks at all that it prints, writes and answers.
+"""Calls the zero-half solver as a user does and checks what it prints, writes and returns.
 
 Usage: command_line_test.py PROGRAM FOLDER [TEST ...]
 """
@@ -35,10 +35,9 @@ TABLE = ["model", "rows", "columns", "lp_bound", "bound", "optimum", "gap", "cut
          "end"]
 ROUND = ["round", "bound", "gap", "found", "kept", "separation_ms", "lp_ms"]
 NO_LEAK = re.compile(r"host memory: \d+ requests, 0 refused, 0 blocks not given back")
-PATIENCE = 60  # seconds until a call counts as hanging
+CALL_TIMEOUT = 60  # seconds
 
-# The MPS reader of the library that the program uses leaks on some files that are none; a leak
-# checker, where the program was built with one, shall look at the program.
+# CoinMpsIO leaks memory on some invalid files. A leak checker has to ignore that.
 LEAKS_OF_THE_READER = "leak:CoinMpsIO::readMps\n"
 
 PROGRAM = ""
@@ -46,27 +45,27 @@ FOLDER = pathlib.Path()
 
 
 
-def program(columns, rows, right=(), bounds=(), head=(), integer=True):
-    """A free MPS file of {column: {row: coefficient}} and {row: kind}, all numbers as they come."""
+def program(columns, rows, rhs=(), bounds=(), head=(), integer=True):
+    """A free MPS file of {column: {row: coefficient}} and {row: kind}. Numbers are not formatted."""
     marked = lambda what: [f" M 'MARKER' '{what}'"] if integer else []
     lines = ["NAME t", *head, "ROWS", " N cost", *(f" {kind} {row}" for row, kind in rows.items()),
              "COLUMNS", *marked("INTORG")]
     lines += [f" {column} {row} {value}" for column, entries in columns.items()
               for row, value in entries.items()]
-    lines += [*marked("INTEND"), "RHS", *(f" rhs {row} {value}" for row, value in right),
+    lines += [*marked("INTEND"), "RHS", *(f" rhs {row} {value}" for row, value in rhs),
               "BOUNDS", *bounds, "ENDATA", ""]
     return "\n".join(lines)
 
 
-def one_column(cost=-1, coefficient=1, right=1, bound=" UP b x 1", **more):
-    """Minimise cost * x where coefficient * x <= right."""
-    return program({"x": {"cost": cost, "r": coefficient}}, {"r": "L"}, [("r", right)], [bound],
+def one_column(cost=-1, coefficient=1, rhs=1, bound=" UP b x 1", **more):
+    """Minimise cost * x subject to coefficient * x <= rhs."""
+    return program({"x": {"cost": cost, "r": coefficient}}, {"r": "L"}, [("r", rhs)], [bound],
                    **more)
 
 
 def mixed_columns(is_fixed=False, head=()):
-    """Columns of every kind of bounds, a continuous one and a constant. As fixed MPS, with a name
-    in which there is a blank."""
+    """Columns with every kind of bound, a continuous column and a constant. Fixed MPS has a name
+    with a blank."""
     name = "my col" if is_fixed else "my_col"
     entries = [(name, "cost", -1), (name, "r0", 1), (name, "r1", 1), ("x1", "cost", -1),
                ("x1", "r0", 1), ("x1", "r2", 1), ("x2", "cost", -1), ("x2", "r1", 1),
@@ -89,7 +88,7 @@ def mixed_columns(is_fixed=False, head=()):
 
 
 def random_cover(nodes, edges):
-    """A vertex cover that takes many rounds."""
+    """A vertex cover problem that takes many rounds."""
     generator = random.Random(7)
     chosen = set()
     while len(chosen) < edges:
@@ -98,7 +97,7 @@ def random_cover(nodes, edges):
 
 
 def columns_of(file):
-    """What a free MPS file says of its columns: (names in order, integer ones, bounds)."""
+    """The columns of a free MPS file: (names in order, integer ones, bounds)."""
     section, in_integers, names, integers, bounds = "", False, [], set(), {}
     for line in file.read_text().splitlines():
         words = line.split()
@@ -123,7 +122,7 @@ def columns_of(file):
 
 
 class Call:
-    """A finished call and what it printed."""
+    """The exit status and the output of a call."""
 
     def __init__(self, status, out, err):
         self.status, self.out, self.err = status, out, err
@@ -138,7 +137,7 @@ class Call:
         return rows
 
     def rounds(self):
-        """The printed rounds, a list for each model."""
+        """The printed rounds, one list for each model."""
         models = []
         for line in self.out.splitlines():
             if line.startswith("round "):
@@ -168,7 +167,7 @@ class CommandLine(unittest.TestCase):
 
     def call(self, *arguments, status=0, environment=None, folder=None):
         run = subprocess.run([PROGRAM, *map(str, arguments)], stdin=subprocess.DEVNULL,
-                             capture_output=True, timeout=PATIENCE, env=environment,
+                             capture_output=True, timeout=CALL_TIMEOUT, env=environment,
                              cwd=folder)
         found = Call(run.returncode, run.stdout.decode(), run.stderr.decode())
         self.assertEqual(found.status, status, (found.out, found.err))
@@ -177,7 +176,7 @@ class CommandLine(unittest.TestCase):
         return found
 
     def report(self, *arguments, status=0):
-        """A call and the models in the JSON that it wrote, which fits the schema."""
+        """A call and the models of its JSON report, which is checked against the schema."""
         file = self.folder / "report.json"
         call = self.call(*arguments, "--json", file, status=status)
         return call, self.read_report(file)
@@ -188,13 +187,13 @@ class CommandLine(unittest.TestCase):
         return record["models"]
 
     def assert_one_sentence(self, call, about):
-        """One line on standard error, which names the file."""
+        """Standard error is one line that starts with the file."""
         self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
         self.assertTrue(call.err.startswith(f"zero_half: {about}: "), call.err)
         self.assertNotRegex(call.err[:-1], r"[\x00-\x1f\x7f]")
 
     def refuse(self, file, saying=""):
-        """The file is refused, and the model after it solved, printed and written all the same."""
+        """The file is refused, but the model after it is solved, printed and written."""
         call, models = self.report(file, self.cover, status=1)
         self.assert_one_sentence(call, file)
         self.assertIn(saying, call.err)
@@ -206,7 +205,7 @@ class CommandLine(unittest.TestCase):
     def refuse_program(self, content, saying=""):
         self.refuse(self.write("bad.mps", content), saying)
 
-    # What is computed
+    # Bounds and figures
 
     def test_every_own_instance_closes_its_gap(self):
         call = self.call(*(self.own / name for name in self.names))
@@ -266,7 +265,7 @@ class CommandLine(unittest.TestCase):
         else:
             self.assertAlmostEqual(float(text), value, delta=0.0051 if "." in text else 0.5)
 
-    def test_unknown_optimum_is_null_and_a_dash(self):
+    def test_unknown_optimum_is_null_in_json_and_a_dash_in_the_table(self):
         file = self.write("cover.mps", self.cover.read_bytes())
         call, (model,) = self.report(file)
         self.assertIsNone(model["optimum"])
@@ -292,7 +291,7 @@ class CommandLine(unittest.TestCase):
                 else:
                     self.assertGreaterEqual(model["gap_closed_percent"], gap)
 
-    def test_command_line_overrules_the_table_of_optima(self):
+    def test_command_line_overrides_the_table_of_optima(self):
         _, (model,) = self.report(self.cover, "--optimum", "7")
         self.assertEqual(model["optimum"], 7.0)
 
@@ -303,7 +302,7 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(model["optimum"], 6.5)
         self.assertAlmostEqual(model["gap_closed_percent"], 100 / 1.5)
 
-    def test_optimum_in_the_table_that_is_no_number_is_none(self):
+    def test_invalid_optimum_in_the_table_is_ignored(self):
         file = self.write("cover.mps", self.cover.read_bytes())
         for text in ("", "many", "nan", "inf", "1e999"):
             with self.subTest(text):
@@ -324,19 +323,19 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(found[0], found[1])
         self.assertGreaterEqual(len(found[0]["rounds"]), 2)
 
-    def test_row_that_is_divided_and_rounded_is_a_cut(self):
+    def test_divided_and_rounded_row_is_a_cut(self):
         _, (model,) = self.report(
             self.write("divided.mps", one_column(coefficient=3, bound=" PL b x")))
         self.assertAlmostEqual(model["lp_bound"], -1 / 3)
         self.assertEqual((model["bound"], model["status"]), (0.0, "integral"))
 
-    def test_constant_belongs_to_the_bound(self):
+    def test_bound_includes_the_constant(self):
         _, (model,) = self.report(self.write(
             "constant.mps", program({"x": {"cost": -1, "r": 1}}, {"r": "L"},
                                     [("r", 1), ("cost", -7)], [" UP b x 1"])))
         self.assertEqual((model["lp_bound"], model["bound"]), (6.0, 6.0))
 
-    # Where it ends
+    # Endings
 
     def test_no_rounds(self):
         call, (model,) = self.report(self.cover, "--rounds", "0")
@@ -348,21 +347,21 @@ class CommandLine(unittest.TestCase):
         _, (model,) = self.report(self.cover, "--time-limit", "0")
         self.assertEqual((model["status"], model["rounds"]), ("time_used", []))
 
-    def test_time_ends_a_long_run(self):
+    def test_time_limit_ends_a_long_run(self):
         file = self.write("long.mps", random_cover(250, 750))
         _, (model,) = self.report(file, "--time-limit", "0.5", "--rounds", "100000")
         self.assertEqual(model["status"], "time_used")
         self.assertGreaterEqual(model["seconds"], 0.5)
         self.assertLess(model["seconds"], 10)
 
-    def test_round_that_time_ended_leaves_no_cuts(self):
+    def test_unfinished_round_leaves_no_cuts(self):
         file = self.write("long.mps", random_cover(400, 2000))
         for limit in ("0.05", "0.1", "0.2", "0.4"):
             _, (model,) = self.report(file, "--time-limit", limit)
             self.assertEqual(model["cuts_kept"],
                              sum(figures["cuts_kept"] for figures in model["rounds"]))
 
-    def test_stops_where_the_gap_is_closed_as_far_as_asked(self):
+    def test_stops_when_the_requested_share_of_the_gap_is_closed(self):
         _, (model,) = self.report(self.cover, "--stop-at-gap", "50")
         self.assertEqual(model["status"], "gap_closed")
         self.assertEqual([figures["bound"] for figures in model["rounds"]], [5.5])
@@ -376,14 +375,14 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(model["status"], "no_integer_point")
             self.assertIn("there is no integer one", call.table()[0]["end"])
 
-    def test_optimum_where_there_is_no_integer_point_is_complained_about(self):
+    def test_optimum_of_a_model_without_integer_points_is_an_error(self):
         file = self.write("odd.mps", one_column(cost=1, coefficient=2).replace(" L r", " E r"))
         call = self.call(file, "--optimum", "1", "--display", "final", status=1)
         self.assert_one_sentence(call, file)
         self.assertIn("there is no integer point", call.err)
         self.assertEqual(len(call.table()), 1)
 
-    def test_integers_beyond_32_bits_are_rounded_like_others(self):
+    def test_integers_beyond_32_bits_are_rounded_correctly(self):
         for least in (3_000_000_000, -3_000_000_000, -2_147_483_647, 123_456_789_012):
             content = program({"x": {"cost": 1, "r": 2}, "y": {"cost": 1, "r": 2}}, {"r": "G"},
                               [("r", 4 * least + 1)],
@@ -392,7 +391,7 @@ class CommandLine(unittest.TestCase):
             self.assertEqual((model["lp_bound"], model["bound"], model["status"]),
                              (2 * least + 0.5, 2 * least + 1, "integral"))
 
-    def test_decimals_of_a_large_right_hand_side_are_not_lost(self):
+    def test_large_decimal_right_hand_side_is_scaled_exactly(self):
         content = program({"x": {"cost": -1, "r": 0.01}, "y": {"cost": -2, "r": 0.03},
                            "z": {"cost": -1, "s": 2, "r": 0}}, {"r": "L", "s": "L"},
                           [("r", 583704.70), ("s", 1)],
@@ -400,20 +399,20 @@ class CommandLine(unittest.TestCase):
         _, (model,) = self.report(self.write("cents.mps", content))
         self.assertEqual((model["lp_bound"], model["bound"]), (-58370470.5, -58370470))
 
-    def test_interrupt_ends_it_and_keeps_what_was_reached(self):
+    def test_interrupt_ends_the_run_and_keeps_the_results(self):
         file, report = self.write("long.mps", random_cover(300, 900)), self.folder / "report.json"
         child = subprocess.Popen([PROGRAM, str(file), str(self.cover), "--rounds", "100000",
                                   "--time-limit", "600", "--json", str(report)],
                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         try:
             seen = b""
-            deadline = time.monotonic() + PATIENCE
+            deadline = time.monotonic() + CALL_TIMEOUT
             while not re.search(rb"\n +2 .*\n", seen) and time.monotonic() < deadline:
                 if select.select([child.stdout], [], [], 1)[0]:
                     seen += os.read(child.stdout.fileno(), 65536)
             sent = time.monotonic()
             child.send_signal(signal.SIGINT)
-            rest, err = child.communicate(timeout=PATIENCE)
+            rest, err = child.communicate(timeout=CALL_TIMEOUT)
         finally:
             child.kill()
             child.wait()
@@ -430,7 +429,7 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(len(call.rounds()[0]), len(model["rounds"]))
         self.assertRegex(call.out.splitlines()[-1], NO_LEAK)
 
-    # What is read
+    # Reading
 
     def test_fixed_free_and_compressed_files_are_the_same_model(self):
         files = [self.write("fixed.mps", mixed_columns(is_fixed=True)),
@@ -441,12 +440,12 @@ class CommandLine(unittest.TestCase):
         figures = [{key: model[key] for key in ("rows", "columns", "lp_bound", "bound",
                                                 "cuts_kept", "status")} for model in models]
         self.assertEqual(figures, [figures[0]] * len(files))
-        # The constant 7, x4 at 2, y at 2.5, x3 at -5.5 where the row r3 holds it, and of the other
-        # three, of which no two go together, 1.5 without cuts and 1 with them.
+        # The constant 7, x4 = 2, y = 2.5, x3 = -5.5 by row r3. Of the other three columns no two can
+        # be 1; their sum is 1.5 without cuts and 1 with cuts.
         rest = 7 + 2 + 2.5 / 4 - 2 * 5.5
         self.assertEqual((figures[0]["lp_bound"], figures[0]["bound"]), (rest - 1.5, rest - 1))
 
-    def test_minimisation_may_be_said(self):
+    def test_explicit_minimisation_is_read(self):
         for head in (["OBJSENSE", "    MIN"], ["OBJSENSE", "    minimize"], ["* MAX"]):
             call, (model,) = self.report(self.write("minimise.mps", one_column(head=head)),
                                          "--display", "off")
@@ -461,7 +460,7 @@ class CommandLine(unittest.TestCase):
         self.refuse_program(late, "maximises")
         self.call(self.write("min.mps", one_column(head=["* MAX is not meant"])))
 
-    def test_what_is_no_linear_row_or_column_is_refused(self):
+    def test_sets_cones_and_quadratic_parts_are_refused(self):
         whole = one_column()
         at_end = lambda *lines: whole.replace("ENDATA", "\n".join([*lines, "ENDATA"]))
         for content, saying in (
@@ -473,13 +472,13 @@ class CommandLine(unittest.TestCase):
             with self.subTest(saying):
                 self.refuse_program(content, saying)
 
-    def test_names_that_cannot_be_told_apart_are_refused(self):
+    def test_repeated_names_are_refused(self):
         again = one_column().replace("RHS\n", " y r 1\n x s 1\nRHS\n").replace(
             " L r\n", " L r\n L s\n")
         call = self.call(self.write("again.mps", again), status=1)
-        self.assertRegex(call.err, r"again\.mps: the name x stands twice\n\Z")
+        self.assertRegex(call.err, r"again\.mps: the name x occurs twice\n\Z")
 
-    def test_names_may_be_long_but_not_too_long(self):
+    def test_names_have_at_most_150_characters(self):
         for length, status in ((150, 0), (151, 1), (400, 1)):
             name = "n" * length
             for content in (one_column().replace(" x", " " + name),
@@ -507,7 +506,7 @@ class CommandLine(unittest.TestCase):
     def test_folder(self):
         self.refuse(self.folder, "not a file")
 
-    @unittest.skipIf(os.geteuid() == 0, "everything is readable to root")
+    @unittest.skipIf(os.geteuid() == 0, "root can read every file")
     def test_unreadable_file(self):
         file = self.write("secret.mps", self.cover.read_bytes())
         file.chmod(0)
@@ -517,30 +516,30 @@ class CommandLine(unittest.TestCase):
         whole = self.cover.read_text()
         for percent in (10, 50, 75, 90, 97):
             with self.subTest(percent):
-                self.refuse_program(whole[:len(whole) * percent // 100], "this is no MPS file")
+                self.refuse_program(whole[:len(whole) * percent // 100], "this is not an MPS file")
         with self.subTest("without its last line"):
-            self.refuse_program(whole.replace("ENDATA\n", ""), "this is no MPS file")
+            self.refuse_program(whole.replace("ENDATA\n", ""), "this is not an MPS file")
 
     def test_truncated_compressed_file(self):
         packed = gzip.compress(self.cover.read_bytes())
         for size in (5, len(packed) // 2):
             with self.subTest(size):
-                self.refuse(self.write("bad.mps.gz", packed[:size]), "this is no MPS file")
+                self.refuse(self.write("bad.mps.gz", packed[:size]), "this is not an MPS file")
 
-    def test_complaint_about_a_free_file_is_the_free_reader_s(self):
+    def test_error_in_a_free_file_is_reported_by_the_free_reader(self):
         self.refuse_program(self.cover.read_text().replace("UP bnd x5 1", "UP bnd x77 1"), "x77")
 
     def test_nonsense(self):
-        self.refuse_program("hello\nworld\n", "this is no MPS file")
+        self.refuse_program("hello\nworld\n", "this is not an MPS file")
 
     def test_binary_file(self):
-        self.refuse_program(bytes(range(256)) * 50, "this is no MPS file")
+        self.refuse_program(bytes(range(256)) * 50, "this is not an MPS file")
 
     def test_no_integer_column(self):
         self.refuse_program(one_column(integer=False), "no column is integer")
 
     def test_infeasible_relaxation(self):
-        self.refuse_program(one_column(right=5).replace(" L r", " G r"), "no feasible point")
+        self.refuse_program(one_column(rhs=5).replace(" L r", " G r"), "no feasible point")
 
     def test_empty_range_of_an_integer_column(self):
         self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"), "no feasible point")
@@ -548,10 +547,10 @@ class CommandLine(unittest.TestCase):
     def test_unbounded_relaxation(self):
         self.refuse_program(one_column(coefficient=-1, bound=" PL b x"), "unbounded")
 
-    def test_numbers_that_are_none(self):
+    def test_numbers_that_are_not_finite(self):
         for value in ("nan", "inf", "-inf"):
             for content in (one_column(cost=value), one_column(coefficient=value),
-                            one_column(right=value), one_column(bound=f" UP b x {value}")):
+                            one_column(rhs=value), one_column(bound=f" UP b x {value}")):
                 with self.subTest(content):
                     self.refuse_program(content, value)
 
@@ -564,23 +563,23 @@ class CommandLine(unittest.TestCase):
                                     {"r": "L"}, [("r", 1)], [" UP b x 1"]), "too large")
 
     def test_bounds_too_large_to_compute_with(self):
-        # Files mean by 1e30 that there is no bound, but not by -1e30 that there is none above.
+        # 1e30 means that there is no upper bound; -1e30 as an upper bound is a number.
         values = ("1e16", "-1e16", "-1e29", "-1e30", "-1e31", "-1e400")
-        for content in (*(one_column(right=value) for value in values),
+        for content in (*(one_column(rhs=value) for value in values),
                         *(one_column(bound=f" MI b x\n UP b x {value}") for value in values)):
             with self.subTest(content):
                 self.refuse_program(content, "a bound or a right-hand side is beyond 1e15")
 
-    def test_infinite_on_the_right_side_is_none(self):
-        _, (model,) = self.report(self.write("free_row.mps", one_column(right="1e30")))
+    def test_infinite_right_hand_side_is_no_bound(self):
+        _, (model,) = self.report(self.write("free_row.mps", one_column(rhs="1e30")))
         self.assertEqual(model["bound"], -1.0)
 
-    def test_report_of_no_model(self):
+    def test_report_without_models(self):
         call, models = self.report(self.folder / "none.mps", status=1)
         self.assertEqual(models, [])
         self.assertNotIn("model ", call.out)
 
-    # What is written
+    # Writing
 
     def test_model_with_its_cuts_keeps_the_columns_and_has_the_bound(self):
         for name, content in (("cover.mps", self.cover.read_text()),
@@ -595,12 +594,12 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual(after["rows"], before["rows"] + before["cuts_kept"])
                 self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
 
-    def test_model_with_its_cuts_keeps_ranges_and_fits_names_with_blanks(self):
+    def test_model_with_its_cuts_keeps_ranges_and_replaces_blanks_in_names(self):
         plain = mixed_columns(is_fixed=True).replace(
             "BOUNDS", "RANGES\n    RNG       r3                   2\nBOUNDS")
         line = "    {:<10}{:<8}  {:>12}".format
         tightened = self.folder / "tightened.mps"
-        for cost, least in ((2, -2.375), (-2, 11.125)):  # against either side of the range
+        for cost, least in ((2, -2.375), (-2, 11.125)):  # each side of the range is tight once
             file = self.write("fixed.mps", plain.replace(line("x3", "cost", 2),
                                                          line("x3", "cost", cost)))
             _, (before,) = self.report(file, "--cuts", tightened)
@@ -609,14 +608,14 @@ class CommandLine(unittest.TestCase):
             _, (after,) = self.report(tightened, "--rounds", "0")
             self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
 
-    def test_cuts_take_no_name_that_a_row_has(self):
+    def test_names_of_cuts_differ_from_names_of_rows(self):
         file, tightened = self.write("named.mps", re.sub(
             r"\br1\b", "ZH1", self.cover.read_text())), self.folder / "tightened.mps"
         _, (before,) = self.report(file, "--cuts", tightened)
         _, (after,) = self.report(tightened, "--rounds", "0")
         self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
 
-    def test_places_that_cannot_be_written(self):
+    def test_files_that_cannot_be_written(self):
         for option in ("--json", "--cuts", "--plot"):
             for place in (self.folder / "none" / "out", self.folder):
                 with self.subTest(option=option, place=place):
@@ -642,7 +641,7 @@ class CommandLine(unittest.TestCase):
         self.assertIn("gnuplot", call.err)
         self.assertFalse(picture.exists())
 
-    def test_plot_leaves_out_what_has_no_bound(self):
+    def test_plot_leaves_out_models_without_a_bound(self):
         picture = self.folder / "picture.svg"
         file = self.write("long.mps", random_cover(250, 750))
         call, (model,) = self.report(file, "--time-limit", "0", "--plot", picture, status=1)
@@ -655,7 +654,7 @@ class CommandLine(unittest.TestCase):
         self.assertIn("petersen_cover.mps", text)
         self.assertNotIn("long.mps", text)
 
-    def test_names_are_no_commands_to_gnuplot(self):
+    def test_file_names_are_not_run_as_gnuplot_commands(self):
         trace = self.folder / "trace"
         name = "x\nsystem 'touch trace'\n.mps"
         self.call(self.write(name, self.cover.read_bytes()), "--plot", "picture.svg",
@@ -664,13 +663,13 @@ class CommandLine(unittest.TestCase):
         self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
         self.assertFalse(trace.exists())
 
-    # What is printed
+    # Printing
 
-    @unittest.skipUnless(os.path.exists("/dev/full"), "needs a device that is full")
-    def test_standard_output_that_is_full(self):
+    @unittest.skipUnless(os.path.exists("/dev/full"), "there is no /dev/full")
+    def test_error_when_standard_output_is_full(self):
         with open("/dev/full", "w", encoding="utf-8") as full:
             done = subprocess.run([PROGRAM, self.cover, "--display", "final"], stdout=full,
-                                  stderr=subprocess.PIPE, text=True, timeout=PATIENCE, check=False)
+                                  stderr=subprocess.PIPE, text=True, timeout=CALL_TIMEOUT, check=False)
         self.assertEqual((done.returncode, done.stderr),
                          (1, "zero_half: the standard output cannot be written\n"))
 
@@ -694,7 +693,7 @@ class CommandLine(unittest.TestCase):
             self.assertNotRegex(call.out + call.err, r"[^\n -~]")
 
     def on_terminal(self, *arguments):
-        """What the program writes to a terminal at its standard error, and its standard output."""
+        """What the program writes to its standard error, a terminal, and to its standard output."""
         ours, theirs = pty.openpty()
         try:
             child = subprocess.Popen([PROGRAM, *map(str, arguments)], stdout=subprocess.PIPE,
@@ -704,28 +703,28 @@ class CommandLine(unittest.TestCase):
             while True:
                 try:
                     piece = os.read(ours, 65536)
-                except OSError as found:  # Linux says so when the other end is closed.
+                except OSError as found:  # Linux reports EIO when the other end is closed.
                     self.assertEqual(found.errno, errno.EIO)
                     piece = b""
                 if not piece:
                     break
                 written += piece
-            out, _ = child.communicate(timeout=PATIENCE)
+            out, _ = child.communicate(timeout=CALL_TIMEOUT)
         finally:
             os.close(ours)
         self.assertEqual(child.returncode, 0)
         return written.decode(), out.decode()
 
-    def test_live_line_on_a_terminal_is_wiped_at_the_end(self):
+    def test_progress_line_on_a_terminal_is_erased_at_the_end(self):
         written, out = self.on_terminal(self.cover, "--display", "final")
         self.assertEqual(written, "\rround 1, bound 5.5\x1b[K\rround 2, bound 6\x1b[K\r\x1b[K")
         self.assertEqual(len(out.splitlines()), 2)
 
-    def test_no_live_line_where_lines_are_printed_or_nothing_is(self):
+    def test_no_progress_line_with_display_iter_or_off(self):
         for show in ("iter", "off"):
             self.assertEqual(self.on_terminal(self.cover, "--display", show)[0], "")
 
-    # How it is called
+    # Usage
 
     def test_wrong_usage(self):
         for arguments in ([], ["--wrong"], [self.cover, "--rounds", "-1"],

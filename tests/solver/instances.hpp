@@ -5,8 +5,8 @@
 
 namespace zero_half::testing {
 
-/// The models that the tests solve: the project's own, and those of a folder that need not be
-/// there.
+/// The models that the tests solve: the project's own, and those of the optional folder
+/// ZKTARN_INSTANCES.
 std::vector<std::string> instances();
 
 } // namespace zero_half::testing

@@ -6,9 +6,10 @@
 #include <gtest/gtest.h>
 
 #include "input/optima.hpp"
+#include "input/read_model.hpp"
 #include "instances.hpp"
 #include "integer_solver.hpp"
-#include "output/output.hpp"
+#include "output/mps_writer.hpp"
 #include "replay.hpp"
 #include "run/tightener.hpp"
 #include "zktarn_standin/control.hpp"
@@ -17,11 +18,11 @@ namespace zero_half::testing {
 
 namespace {
 
-/// What is known of a model from elsewhere.
+/// Figures of a model from other programs.
 struct known_figures {
     double optimum;
-    /// The share of the gap in per cent that must be closed: everything where cuts of the rows
-    /// themselves do it, and what a public separator closes where not.
+    /// The share of the gap that must be closed, in per cent: all of it where zero-half cuts of the
+    /// rows suffice, elsewhere what CglZeroHalf closes.
     double closed;
 };
 
@@ -48,11 +49,11 @@ std::string test_name(const ::testing::TestParamInfo<std::string>& info) {
 
 class Instance : public ::testing::TestWithParam<std::string> {
 protected:
-    static run_result run_of(const model& from, double optimum) {
+    static run_result run_of(const model& program, double optimum) {
         run_options options;
         options.show = display::off;
         options.optimum = optimum;
-        return tighten(from, options);
+        return tighten(program, options);
     }
     std::string file_name() const { return std::filesystem::path(GetParam()).filename().string(); }
 };
@@ -68,27 +69,27 @@ double activity(const integral_row& row, const std::vector<double>& point) {
 
 } // namespace
 
-TEST_P(Instance, KeepsItsOptimumUnderCutsThatAreDerivedExactly) {
-    const model from = read_model(GetParam());
-    const auto best = solve_by_branching(from);
+TEST_P(Instance, HasValidCutsByExactDerivation) {
+    const model program = read_model(GetParam());
+    const auto best = solve_by_branching(program);
     ASSERT_TRUE(best.has_value());
-    const std::size_t live_before = zktarn::standin::live_blocks().size();
+    const std::size_t blocks_before = zktarn::standin::live_blocks().size();
     {
-        const run_result run = run_of(from, best->value);
+        const run_result run = run_of(program, best->value);
         EXPECT_GT(run.cuts(), 0u);
         EXPECT_LE(*run.bound, best->value + 1e-6 * (1.0 + std::fabs(best->value)));
-        const verdict exact = replay(from, run);
+        const verdict exact = replay(program, run);
         EXPECT_EQ(exact.cuts, run.cuts());
         EXPECT_EQ(exact.faults, std::vector<std::string>());
         for (const integral_row& row : run.pool) {
-            EXPECT_LE(activity(row, best->point), row.right);
+            EXPECT_LE(activity(row, best->point), row.rhs);
         }
         RecordProperty("cuts", static_cast<int>(run.cuts()));
     }
-    EXPECT_EQ(zktarn::standin::live_blocks().size(), live_before);
+    EXPECT_EQ(zktarn::standin::live_blocks().size(), blocks_before);
 }
 
-TEST_P(Instance, ClosesAsMuchOfTheGapAsAsked) {
+TEST_P(Instance, ClosesTheRequiredShareOfTheGap) {
     const known_figures known = known_of(GetParam());
     const run_result run = run_of(read_model(GetParam()), known.optimum);
     EXPECT_GE(*run.gap_closed(run.bound), known.closed - 1e-6);
@@ -96,21 +97,21 @@ TEST_P(Instance, ClosesAsMuchOfTheGapAsAsked) {
 }
 
 TEST_P(Instance, HasTheSameOptimumWhenWrittenWithItsCuts) {
-    model from = read_model(GetParam());
+    model program = read_model(GetParam());
     run_options options;
     options.show = display::off;
     options.rounds = 5;
-    run_result run = tighten(from, options);
-    const solved_model solved{std::move(from), std::move(run)};
+    run_result run = tighten(program, options);
+    const solved_model solved{std::move(program), std::move(run)};
     const std::string file = ::testing::TempDir() + "zero_half_" + file_name();
     write_model(solved, file);
     const model again = read_model(file);
     std::filesystem::remove(file);
-    EXPECT_EQ(again.row_count(), solved.from.row_count() + static_cast<int>(solved.run.cuts()));
-    EXPECT_EQ(again.column_names, solved.from.column_names);
-    EXPECT_EQ(again.is_integer, solved.from.is_integer);
-    EXPECT_EQ(again.lower, solved.from.lower);
-    EXPECT_EQ(again.upper, solved.from.upper);
+    EXPECT_EQ(again.row_count(), solved.program.row_count() + static_cast<int>(solved.run.cuts()));
+    EXPECT_EQ(again.column_names, solved.program.column_names);
+    EXPECT_EQ(again.is_integer, solved.program.is_integer);
+    EXPECT_EQ(again.lower, solved.program.lower);
+    EXPECT_EQ(again.upper, solved.program.upper);
     const auto best = solve_by_branching(again);
     ASSERT_TRUE(best.has_value());
     EXPECT_NEAR(best->value, known_of(GetParam()).optimum, 1e-6 * (1.0 + std::fabs(best->value)));

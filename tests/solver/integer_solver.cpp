@@ -8,13 +8,14 @@
 
 namespace zero_half::testing {
 
-std::optional<integer_solution> solve_by_branching(const model& of) {
+std::optional<integer_solution> solve_by_branching(const model& program) {
     OsiClpSolverInterface relaxed;
     relaxed.messageHandler()->setLogLevel(0);
-    relaxed.loadProblem(of.rows, of.lower.data(), of.upper.data(), of.objective.data(),
-                        of.row_lower.data(), of.row_upper.data());
-    for (int j = 0; j < of.column_count(); ++j) {
-        if (of.is_integer[static_cast<std::size_t>(j)] != 0) {
+    relaxed.loadProblem(program.rows, program.lower.data(), program.upper.data(),
+                        program.objective.data(), program.row_lower.data(),
+                        program.row_upper.data());
+    for (int j = 0; j < program.column_count(); ++j) {
+        if (program.is_integer[static_cast<std::size_t>(j)] != 0) {
             relaxed.setInteger(j);
         }
     }
@@ -28,11 +29,11 @@ std::optional<integer_solution> solve_by_branching(const model& of) {
         return std::nullopt;
     }
     if (!search.isProvenOptimal() || search.bestSolution() == nullptr) {
-        throw std::runtime_error(of.file + ": no integer optimum was proven");
+        throw std::runtime_error(program.file + ": no integer optimum was proven");
     }
     const double* const point = search.bestSolution();
-    return integer_solution{search.getObjValue() + of.constant,
-                            std::vector<double>(point, point + of.column_count())};
+    return integer_solution{search.getObjValue() + program.constant,
+                            std::vector<double>(point, point + program.column_count())};
 }
 
 } // namespace zero_half::testing

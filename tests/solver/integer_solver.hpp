@@ -14,6 +14,6 @@ struct integer_solution {
 };
 
 /// An integer optimum by branch and cut, proven; nothing when there is no integer point.
-std::optional<integer_solution> solve_by_branching(const model& of);
+std::optional<integer_solution> solve_by_branching(const model& program);
 
 } // namespace zero_half::testing

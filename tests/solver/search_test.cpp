@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include "cuts/descent.hpp"
 #include "cuts/elimination.hpp"
+#include "cuts/greedy_search.hpp"
+#include "cuts/odd_cycles.hpp"
 #include "cuts/odd_sums.hpp"
-#include "cuts/odd_walks.hpp"
 #include "cuts/parity_system.hpp"
 #include "run/bridge.hpp"
 
@@ -49,92 +49,97 @@ problem random_problem(std::mt19937& random, int columns, int rows, int most_ent
         for (std::int32_t k = 1; k <= a.size(); ++k) {
             activity += a.value(a.index(k)) * made.point[static_cast<std::size_t>(a.index(k)) - 1];
         }
-        made.pool.emplace_back(std::move(a), std::ceil(activity - 1e-9), origin{i});
+        made.pool.emplace_back(std::move(a), std::ceil(activity - 1e-9), row_origin{i});
     }
     return made;
 }
 
-/// What the sum of these rows gives away, straight from the definition; nothing when its right-hand
-/// side is even.
-std::optional<double> given_away(const problem& of, const std::vector<int>& members) {
-    std::vector<double> sum(of.bounds.size(), 0.0);
-    double right = 0.0;
-    double total = 0.0;
+/// The slack of the sum of these rows after the substitution, by the definition; nothing when the
+/// right-hand side is even.
+std::optional<double> slack_of_sum(const problem& instance, const std::vector<int>& members) {
+    std::vector<double> sum(instance.bounds.size(), 0.0);
+    double rhs = 0.0;
+    double slack = 0.0;
     for (const int i : members) {
-        const integral_row& row = of.pool[static_cast<std::size_t>(i)];
+        const integral_row& row = instance.pool[static_cast<std::size_t>(i)];
         double activity = 0.0;
         for (std::int32_t k = 1; k <= row.coefficients.size(); ++k) {
             const auto j = static_cast<std::size_t>(row.coefficients.index(k));
             const double value = row.coefficients.value(row.coefficients.index(k));
             sum[j] += value;
-            right -= value * of.bounds[j].bound;
-            activity += value * of.point[j - 1];
+            rhs -= value * instance.bounds[j].bound;
+            activity += value * instance.point[j - 1];
         }
-        right += row.right;
-        total += row.right - activity;
+        rhs += row.rhs;
+        slack += row.rhs - activity;
     }
     for (std::size_t j = 1; j < sum.size(); ++j) {
-        total += std::fmod(sum[j], 2.0) != 0.0 ? of.bounds[j].value : 0.0;
+        slack += std::fmod(sum[j], 2.0) != 0.0 ? instance.bounds[j].distance : 0.0;
     }
-    return std::fmod(right, 2.0) != 0.0 ? std::optional(total) : std::nullopt;
+    return std::fmod(rhs, 2.0) != 0.0 ? std::optional(slack) : std::nullopt;
 }
 
-/// The least that any sum with an odd right-hand side gives away.
-double least_given_away(const problem& of) {
+/// The least slack of all sums with an odd right-hand side.
+double least_slack(const problem& instance) {
     double least = std::numeric_limits<double>::infinity();
-    for (unsigned subset = 1; subset < 1u << of.pool.size(); ++subset) {
+    for (unsigned subset = 1; subset < 1u << instance.pool.size(); ++subset) {
         std::vector<int> members;
-        for (unsigned i = 0; i < of.pool.size(); ++i) {
+        for (unsigned i = 0; i < instance.pool.size(); ++i) {
             if ((subset >> i & 1u) != 0) {
                 members.push_back(static_cast<int>(i));
             }
         }
-        least = std::min(least, given_away(of, members).value_or(least));
+        least = std::min(least, slack_of_sum(instance, members).value_or(least));
     }
     return least;
 }
 
-double least_of(const problem& of, const odd_sums& found) {
+/// The least slack of the sums that were found, which all have to be violated.
+double least_of(const problem& instance, const odd_sums& found) {
     double least = std::numeric_limits<double>::infinity();
     for (std::size_t i = 0; i < found.size(); ++i) {
         const auto members = found.members(i);
-        const auto total = given_away(of, {members.begin(), members.end()});
-        EXPECT_TRUE(total.has_value()) << "an even sum";
-        EXPECT_LT(total.value_or(1.0), 1.0);
-        least = std::min(least, total.value_or(least));
+        const auto slack = slack_of_sum(instance, {members.begin(), members.end()});
+        EXPECT_TRUE(slack.has_value()) << "the right-hand side is even";
+        EXPECT_LT(slack.value_or(1.0), 1.0);
+        least = std::min(least, slack.value_or(least));
     }
     return least;
 }
 
-parity_system system_of(const problem& of) {
+parity_system system_of(const problem& instance) {
     parity_system made;
-    made.build(of.pool, of.bounds, of.point.data());
+    made.build(instance.pool, instance.bounds, instance.point.data());
     return made;
 }
 
-void note_rows(const parity_system& in, odd_sums& found) {
-    found.start(in);
-    for (std::size_t i = 0; i < in.rows().size(); ++i) {
-        found.note(in.rows()[i]);
+bool never() {
+    return false;
+}
+
+void add_rows(const parity_system& system, odd_sums& found) {
+    found.reset(system);
+    for (std::size_t i = 0; i < system.rows().size(); ++i) {
+        found.add_if_violated(system.rows()[i]);
     }
 }
 
 } // namespace
 
-TEST(OddWalks, FindTheBestSumWhereEveryRowHasAtMostTwoColumns) {
+TEST(OddCycles, FindTheLeastSlackWhereEveryRowHasAtMostTwoColumns) {
     std::mt19937 random(7);
     int with_cut = 0;
     for (int trial = 0; trial < 3000; ++trial) {
-        const problem of = random_problem(random, 6, 9, 2);
-        const parity_system system = system_of(of);
+        const problem instance = random_problem(random, 6, 9, 2);
+        const parity_system system = system_of(instance);
         ASSERT_TRUE(system.is_graph());
         odd_sums found(no_limit);
-        note_rows(system, found);
-        find_odd_walks(system, found);
-        const double best = least_given_away(of);
+        add_rows(system, found);
+        find_odd_cycles(system, never, found);
+        const double best = least_slack(instance);
         if (best < 1.0 - 1e-5) {
             ++with_cut;
-            ASSERT_NEAR(least_of(of, found), best, 1e-9) << trial;
+            ASSERT_NEAR(least_of(instance, found), best, 1e-9) << trial;
         } else {
             ASSERT_EQ(found.size(), 0u) << trial;
         }
@@ -142,54 +147,53 @@ TEST(OddWalks, FindTheBestSumWhereEveryRowHasAtMostTwoColumns) {
     EXPECT_GT(with_cut, 500);
 }
 
-TEST(Elimination, FindsOnlySumsThatCutThePointOff) {
+TEST(Elimination, FindsOnlyViolatedSums) {
     std::mt19937 random(8);
     generator own(3);
     elimination gauss(own.state());
     int best_found = 0;
     int with_cut = 0;
     for (int trial = 0; trial < 1000; ++trial) {
-        const problem of = random_problem(random, 8, 10, 6);
-        const parity_system system = system_of(of);
+        const problem instance = random_problem(random, 8, 10, 6);
+        const parity_system system = system_of(instance);
         odd_sums found(no_limit);
-        note_rows(system, found);
+        add_rows(system, found);
         for (int restart = 0; restart < 10; ++restart) {
-            gauss.find(system, found);
+            gauss.find(system, never, found);
         }
-        const double best = least_given_away(of);
+        const double best = least_slack(instance);
         with_cut += best < 1.0 - 1e-5 ? 1 : 0;
-        best_found += std::fabs(least_of(of, found) - best) < 1e-9 ? 1 : 0;
+        best_found += std::fabs(least_of(instance, found) - best) < 1e-9 ? 1 : 0;
     }
     EXPECT_GT(with_cut, 500);
-    // It is no exact method, but the best sum is rarely missed.
+    // The method is not exact, but it rarely misses the best sum.
     EXPECT_GT(best_found, with_cut * 8 / 10);
 }
 
-TEST(Descent, FindsOnlySumsThatCutThePointOff) {
+TEST(GreedySearch, FindsOnlyViolatedSums) {
     std::mt19937 random(9);
-    descent search;
     int found_some = 0;
     for (int trial = 0; trial < 300; ++trial) {
-        const problem of = random_problem(random, 8, 10, 6);
-        const parity_system system = system_of(of);
+        const problem instance = random_problem(random, 8, 10, 6);
+        const parity_system system = system_of(instance);
         odd_sums found(no_limit);
-        found.start(system);
-        search.find(system, found);
+        found.reset(system);
+        find_by_greedy_search(system, never, found);
         found_some += found.size() > 0 ? 1 : 0;
-        least_of(of, found);
+        least_of(instance, found);
     }
     EXPECT_GT(found_some, 100);
 }
 
-TEST(OddSums, KeepEachSumOnceAndTheShortAndCheapFirst) {
+TEST(OddSums, KeepEachSumOnceSortedByPrice) {
     std::mt19937 random(10);
     generator own(3);
     elimination gauss(own.state());
-    const problem of = random_problem(random, 10, 14, 4);
-    const parity_system system = system_of(of);
+    const problem instance = random_problem(random, 10, 14, 4);
+    const parity_system system = system_of(instance);
     odd_sums found(no_limit);
-    note_rows(system, found);
-    gauss.find(system, found);
+    add_rows(system, found);
+    gauss.find(system, never, found);
     const std::size_t once = found.size();
     ASSERT_GT(once, 2u);
     found.sort();
@@ -197,7 +201,7 @@ TEST(OddSums, KeepEachSumOnceAndTheShortAndCheapFirst) {
     double before = 0.0;
     for (std::size_t i = 0; i < once; ++i) {
         std::vector<int> each(found.members(i).begin(), found.members(i).end());
-        const double price = *given_away(of, each) + 0.2 * static_cast<double>(each.size());
+        const double price = *slack_of_sum(instance, each) + 0.2 * static_cast<double>(each.size());
         EXPECT_GE(price, before - 1e-9);
         before = price;
         std::sort(each.begin(), each.end());
@@ -205,44 +209,45 @@ TEST(OddSums, KeepEachSumOnceAndTheShortAndCheapFirst) {
     }
 }
 
-TEST(OddSums, AreEnoughOnceThereAreSoMany) {
+TEST(OddSums, AreEnoughWhenTheirNumberIsReached) {
     std::mt19937 random(11);
-    const problem of = random_problem(random, 6, 9, 2);
-    const parity_system system = system_of(of);
+    const problem instance = random_problem(random, 6, 9, 2);
+    const parity_system system = system_of(instance);
     odd_sums none(0);
-    none.start(system);
+    none.reset(system);
     EXPECT_TRUE(none.are_enough());
     odd_sums some(1);
-    some.start(system);
+    some.reset(system);
     EXPECT_FALSE(some.are_enough());
-    find_odd_walks(system, some);
+    find_odd_cycles(system, never, some);
     ASSERT_GT(some.size(), 0u);
     EXPECT_TRUE(some.are_enough());
 }
 
-TEST(ParitySystem, KeepsWhatCanBePartOfACutOnly) {
-    // Columns at their bounds, alike, and in one row only; rows with much slack, alike, and even.
+TEST(ParitySystem, KeepsOnlyWhatCanBePartOfACut) {
+    // Columns at their bounds, in the same rows, and in only one row; rows with much slack, with
+    // equal odd columns, and without odd columns.
     std::vector<substitution> bounds(6);
     const std::vector<double> point = {0.0, 0.5, 0.25, 0.5, 0.125};
     for (std::size_t j = 1; j <= 5; ++j) {
         bounds[j] = {0.0, point[j - 1], false};
     }
-    const auto row = [](std::vector<std::pair<int, double>> entries, double right) {
+    const auto row = [](std::vector<std::pair<int, double>> entries, double rhs) {
         sparse_vector a(5);
         for (const auto& [j, value] : entries) {
             a.set(j, value);
         }
-        return integral_row(std::move(a), right, origin{0});
+        return integral_row(std::move(a), rhs, row_origin{0});
     };
     std::vector<integral_row> pool;
     pool.push_back(row({{1, 1.0}, {2, 1.0}, {3, 1.0}, {5, 2.0}}, 1.0)); // slack 0
     pool.push_back(row({{2, 1.0}, {3, 3.0}, {4, 1.0}}, 2.0));           // slack 0.25
     pool.push_back(row({{2, 1.0}, {3, 1.0}}, 2.0));                     // slack 1.25
-    pool.push_back(row({{2, 3.0}, {3, 1.0}, {1, 3.0}}, 2.0));           // slack 0.25, as the second
-    pool.push_back(row({{5, 2.0}}, 1.0));                               // slack 0.75, no column
+    pool.push_back(row({{2, 3.0}, {3, 1.0}, {1, 3.0}}, 2.0)); // slack 0.25, equal to the second
+    pool.push_back(row({{5, 2.0}}, 1.0));                     // slack 0.75, no odd column
     parity_system system;
     system.build(pool, bounds, point.data());
-    // Columns 2 and 3 are one; column 4 went into the slack of row 1, which becomes 0.75.
+    // Columns 2 and 3 are merged; column 4 is added to the slack of row 1, which becomes 0.75.
     EXPECT_EQ(system.columns(), 1);
     EXPECT_DOUBLE_EQ(system.value(1), 0.75);
     ASSERT_EQ(system.rows().size(), 3u);

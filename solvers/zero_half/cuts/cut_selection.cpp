@@ -9,87 +9,91 @@ namespace zero_half {
 
 namespace {
 
-bool is_wide(const cut& of, double widest) {
+/// The ratio of the largest to the smallest coefficient exceeds the limit.
+bool is_dynamic(const cut& candidate, double max_dynamism) {
     const auto [least, most] =
-        std::minmax_element(of.coefficients.begin(), of.coefficients.end(),
+        std::minmax_element(candidate.coefficients.begin(), candidate.coefficients.end(),
                             [](double a, double b) { return std::fabs(a) < std::fabs(b); });
-    return std::fabs(*most) > std::fabs(*least) * widest;
+    return std::fabs(*most) > std::fabs(*least) * max_dynamism;
 }
 
 } // namespace
 
-bool cut_selection::is_dense(const cut& of, double most_dense) const {
-    constexpr std::size_t always_short = 50;
-    const std::size_t size = of.columns.size();
-    return size > always_short && static_cast<double>(size) > most_dense * candidate_.capacity();
+bool cut_selection::is_dense(const cut& candidate, double max_density) const {
+    constexpr std::size_t always_sparse = 50;
+    const std::size_t size = candidate.columns.size();
+    return size > always_sparse && static_cast<double>(size) > max_density * candidate_.capacity();
 }
 
-void cut_selection::load(const cut& from) {
+void cut_selection::load(const cut& candidate) {
     candidate_.clear();
-    for (std::size_t k = 0; k < from.columns.size(); ++k) {
-        candidate_.set(from.columns[k], from.coefficients[k]);
+    for (std::size_t k = 0; k < candidate.columns.size(); ++k) {
+        candidate_.set(candidate.columns[k], candidate.coefficients[k]);
     }
 }
 
-bool cut_selection::is_parallel_to(const cut& other, double norm, double most_parallel) const {
+bool cut_selection::is_parallel_to(const cut& selected, double norm, double max_cosine) const {
     double product = 0.0;
-    for (std::size_t k = 0; k < other.columns.size(); ++k) {
-        if (candidate_.has(other.columns[k])) {
-            product += other.coefficients[k] * candidate_.value(other.columns[k]);
+    for (std::size_t k = 0; k < selected.columns.size(); ++k) {
+        if (candidate_.has(selected.columns[k])) {
+            product += selected.coefficients[k] * candidate_.value(selected.columns[k]);
         }
     }
-    return product > most_parallel * norm * other.norm;
+    return product > max_cosine * norm * selected.norm;
 }
 
-/// Whether the other has no smaller coefficient, and larger ones only of columns that are never
-/// negative: then whatever satisfies it satisfies the candidate.
-bool cut_selection::is_dominated_by(const cut& other, const cut& candidate) const {
+/// Whether the selected cut implies the candidate: no coefficient is smaller, those that are larger
+/// belong to columns that are never negative, and the right-hand side is not larger.
+bool cut_selection::is_dominated_by(const cut& selected, const cut& candidate) const {
     std::size_t shared = 0;
-    for (std::size_t k = 0; k < other.columns.size(); ++k) {
-        const std::int32_t j = other.columns[k];
+    for (std::size_t k = 0; k < selected.columns.size(); ++k) {
+        const std::int32_t j = selected.columns[k];
         const bool is_shared = candidate_.has(j);
-        const double more = other.coefficients[k] - (is_shared ? candidate_.value(j) : 0.0);
-        if (more < 0.0 || (more > 0.0 && from_.lower[static_cast<std::size_t>(j) - 1] < 0.0)) {
+        const double excess = selected.coefficients[k] - (is_shared ? candidate_.value(j) : 0.0);
+        if (excess < 0.0 || (excess > 0.0 && model_.lower[static_cast<std::size_t>(j) - 1] < 0.0)) {
             return false;
         }
         shared += is_shared ? 1 : 0;
     }
-    return shared == candidate.columns.size() && other.right <= candidate.right;
+    return shared == candidate.columns.size() && selected.rhs <= candidate.rhs;
 }
 
-/// Moves cuts over, the best first.
-void cut_selection::choose(std::vector<cut>& from, const selection_options::step& by) {
+/// Moves cuts to the selected ones and leaves empty cuts in their places.
+void cut_selection::run_pass(std::vector<cut>& cuts, const selection_options::pass& pass) {
     for (const std::size_t i : order_) {
-        cut& each = from[i];
-        if (kept_.size() >= by.fewer_than) {
+        cut& candidate = cuts[i];
+        if (selected_.size() >= pass.target) {
             return;
         }
-        if (each.columns.empty() || is_dense(each, by.most_dense)) {
+        if (candidate.columns.empty() || is_dense(candidate, pass.max_density)) {
             continue;
         }
-        load(each);
-        const bool is_new = std::none_of(kept_.begin(), kept_.end(), [&](const cut& other) {
-            return is_parallel_to(other, each.norm, by.most_parallel) ||
-                   is_dominated_by(other, each);
-        });
+        load(candidate);
+        const bool is_new =
+            std::none_of(selected_.begin(), selected_.end(), [&](const cut& selected) {
+                return is_parallel_to(selected, candidate.norm, pass.max_cosine) ||
+                       is_dominated_by(selected, candidate);
+            });
         if (is_new) {
-            kept_.push_back(std::exchange(each, {}));
+            selected_.push_back(std::exchange(candidate, {}));
         }
     }
 }
 
-std::vector<cut> cut_selection::best_of(std::vector<cut> cuts) {
-    std::erase_if(cuts, [this](const cut& each) { return is_wide(each, options_.widest); });
+std::vector<cut> cut_selection::select(std::vector<cut> cuts) {
+    std::erase_if(cuts, [this](const cut& candidate) {
+        return is_dynamic(candidate, options_.max_dynamism);
+    });
     order_.resize(cuts.size());
     std::iota(order_.begin(), order_.end(), std::size_t{0});
     std::sort(order_.begin(), order_.end(), [&](std::size_t a, std::size_t b) {
-        return std::pair(-cuts[a].distance(), a) < std::pair(-cuts[b].distance(), b);
+        return std::pair(-cuts[a].efficacy(), a) < std::pair(-cuts[b].efficacy(), b);
     });
-    kept_.clear();
-    for (const selection_options::step& step : options_.steps) {
-        choose(cuts, step);
+    selected_.clear();
+    for (const selection_options::pass& pass : options_.passes) {
+        run_pass(cuts, pass);
     }
-    return std::move(kept_);
+    return std::move(selected_);
 }
 
 } // namespace zero_half

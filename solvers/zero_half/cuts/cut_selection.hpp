@@ -4,47 +4,51 @@
 #include <cstddef>
 #include <vector>
 
-#include "cuts/derivation.hpp"
+#include "cuts/sparse_vector.hpp"
+#include "input/model.hpp"
+#include "lp/cut.hpp"
 
 namespace zero_half {
 
 struct selection_options {
-    /// Cuts are taken as long as there are fewer than `fewer_than`, the cosine of their angle to
-    /// all others is at most `most_parallel`, and they have entries in at most that share of the
-    /// columns; short ones are never too dense.
-    struct step {
-        std::size_t fewer_than;
-        double most_parallel;
-        double most_dense;
+    /// One pass over the candidates. It takes a cut while fewer than `target` cuts are selected,
+    /// when the cosine of the angle between the cut and each selected cut is at most `max_cosine`,
+    /// and when the cut has entries in at most the share `max_density` of the columns. A cut with
+    /// few entries is never too dense.
+    struct pass {
+        std::size_t target;
+        double max_cosine;
+        double max_density;
     };
-    /// Sparse cuts at wide angles raise the bound more surely than many. Only where they are few,
-    /// dense ones and those that say nearly the same come in as well.
-    std::array<step, 3> steps = {{{200, 0.85, 0.8}, {30, 0.97, 0.8}, {8, 0.9999, 1.0}}};
-    /// The largest coefficient may be so many times the smallest; more makes the relaxation
-    /// inexact.
-    double widest = 1e6;
+    /// Sparse cuts at wide angles raise the bound more reliably than many cuts. Dense and nearly
+    /// parallel cuts are taken only where there are few others.
+    std::array<pass, 3> passes = {{{200, 0.85, 0.8}, {30, 0.97, 0.8}, {8, 0.9999, 1.0}}};
+    /// The largest ratio of two coefficients of a cut. A larger one makes the relaxation
+    /// ill-conditioned.
+    double max_dynamism = 1e6;
 };
 
-/// Chooses the cuts that are farthest from the point, and at an angle to each other.
+/// Selects the cuts with the greatest efficacy that are at an angle to each other.
 class cut_selection {
 public:
-    cut_selection(const model& from, const selection_options& options)
-        : from_(from), options_(options), candidate_(from.column_count()) {}
+    cut_selection(const model& program, const selection_options& options)
+        : model_(program), options_(options), candidate_(program.column_count()) {}
 
-    std::vector<cut> best_of(std::vector<cut> cuts);
+    std::vector<cut> select(std::vector<cut> cuts);
 
 private:
-    bool is_dense(const cut& of, double most_dense) const;
-    void choose(std::vector<cut>& from, const selection_options::step& by);
-    void load(const cut& from);
-    bool is_parallel_to(const cut& other, double norm, double most_parallel) const;
-    bool is_dominated_by(const cut& other, const cut& candidate) const;
+    bool is_dense(const cut& candidate, double max_density) const;
+    void load(const cut& candidate);
+    bool is_parallel_to(const cut& selected, double norm, double max_cosine) const;
+    bool is_dominated_by(const cut& selected, const cut& candidate) const;
+    void run_pass(std::vector<cut>& cuts, const selection_options::pass& pass);
 
-    const model& from_;
+    const model& model_;
     selection_options options_;
+    /// The coefficients of the cut that is compared with the selected ones.
     sparse_vector candidate_;
-    std::vector<cut> kept_;
-    /// Places of the cuts, the farthest first.
+    std::vector<cut> selected_;
+    /// The indices of the cuts, the greatest efficacy first.
     std::vector<std::size_t> order_;
 };
 

@@ -4,40 +4,33 @@
 
 #include "cuts/sparse_vector.hpp"
 #include "input/model.hpp"
-
-/// Rows with integer coefficients over integer columns: what zero-half cuts are made of.
+#include "lp/cut.hpp"
 
 namespace zero_half {
 
-/// How a row was made.
-struct origin {
-    /// A row of the model times `scale`, or else a cut.
-    int model_row = -1;
-    double scale = 1.0;
-    /// For a cut: the rows, counted from 0 in the pool, whose sum was halved, and the columns,
-    /// counted from 1, whose upper bound was substituted; the others have their lower bound.
-    std::vector<int> summed = {};
-    std::vector<int> complemented = {};
-};
-
-/// coefficients * x <= right for every point of the model with integer columns; all integers.
+/// A row coefficients * x <= rhs with integer coefficients and right-hand side, over integer
+/// columns counted from 1. Every point of the model with integer values in these columns satisfies
+/// it.
 struct integral_row {
-    integral_row(sparse_vector a, double b, origin made);
+    integral_row(sparse_vector coefficients, double rhs, row_origin origin);
 
     sparse_vector coefficients;
     /// The columns with odd coefficients.
     sparse_vector odd;
-    double right;
-    origin from;
+    double rhs;
+    row_origin origin;
 };
 
-/// Sums of integers up to this are exact.
+/// Sums of integers up to this magnitude are exact.
 inline constexpr double largest_exact = 1e15;
-/// Beyond this, coefficients are taken for a numeric accident.
+/// Larger coefficients are taken for a numerical accident.
 inline constexpr double largest_coefficient = 1e9;
 
-/// The rows of a model that can be made integral; an equation as its upper bound alone. Columns are
-/// counted from 1.
-std::vector<integral_row> integral_rows_of(const model& from);
+/// The rows of the model that can be scaled to integers. A range gives two rows, an equation only
+/// its upper side: modulo 2 the lower side is the same row.
+std::vector<integral_row> integral_rows_of(const model& program);
+
+/// A cut as a row over the given number of columns.
+integral_row integral_row_of(const cut& inequality, std::int32_t columns);
 
 } // namespace zero_half

@@ -7,62 +7,62 @@ namespace zero_half {
 
 namespace {
 
-/// What a sum gives away; or, when that is too much, some value that is too much.
-double given_away(const parity_system& of, const parity_row& row) {
-    double total = 0.0;
-    for (std::int32_t k = 1; k <= row.odd.size() && total < too_much_to_give; ++k) {
-        total += of.value(row.odd.index(k));
+/// The slack of a sum; or, when that reaches the limit, some value that is not below the limit.
+double limited_slack(const parity_system& system, const parity_row& sum) {
+    double slack = 0.0;
+    for (std::int32_t k = 1; k <= sum.odd.size() && slack < slack_limit; ++k) {
+        slack += system.value(sum.odd.index(k));
     }
-    return total;
+    return slack;
 }
 
 } // namespace
 
-void odd_sums::start(const parity_system& of) {
-    of_ = &of;
-    all_.clear();
+void odd_sums::reset(const parity_system& system) {
+    system_ = &system;
+    sums_.clear();
     members_.clear();
-    seen_.clear();
+    signatures_.clear();
 }
 
-void odd_sums::note(const parity_row& found) {
-    if (!found.is_odd) {
+void odd_sums::add_if_violated(const parity_row& sum) {
+    if (!sum.is_odd) {
         return;
     }
-    const double total = given_away(*of_, found);
-    if (total >= too_much_to_give) {
+    const double slack = limited_slack(*system_, sum);
+    if (slack >= slack_limit) {
         return;
     }
     std::uint64_t signature = 0;
-    for (std::int32_t k = 1; k <= found.odd.size(); ++k) {
-        const std::int32_t element = found.odd.index(k);
-        signature ^= of_->is_slack(element) ? of_->signature(element) : 0;
+    for (std::int32_t k = 1; k <= sum.odd.size(); ++k) {
+        const std::int32_t element = sum.odd.index(k);
+        signature ^= system_->is_slack(element) ? system_->signature(element) : 0;
     }
-    if (!seen_.insert(signature).second) {
+    if (!signatures_.insert(signature).second) {
         return;
     }
     const std::size_t first = members_.size();
-    for (std::int32_t k = 1; k <= found.odd.size(); ++k) {
-        const std::int32_t element = found.odd.index(k);
-        if (of_->is_slack(element)) {
-            members_.push_back(of_->pool_row(element));
+    for (std::int32_t k = 1; k <= sum.odd.size(); ++k) {
+        const std::int32_t element = sum.odd.index(k);
+        if (system_->is_slack(element)) {
+            members_.push_back(system_->pool_row(element));
         }
     }
-    all_.push_back({total, first, members_.size() - first});
+    sums_.push_back({slack, first, members_.size() - first});
 }
 
 void odd_sums::sort() {
-    constexpr double a_row = 0.2;
-    const auto price = [](const sum& of) {
-        return of.given_away + a_row * static_cast<double>(of.count);
+    constexpr double price_of_row = 0.2;
+    const auto price = [](const kept_sum& sum) {
+        return sum.slack + price_of_row * static_cast<double>(sum.count);
     };
-    std::sort(all_.begin(), all_.end(), [&](const sum& a, const sum& b) {
+    std::sort(sums_.begin(), sums_.end(), [&](const kept_sum& a, const kept_sum& b) {
         return std::pair(price(a), a.first) < std::pair(price(b), b.first);
     });
 }
 
 std::span<const int> odd_sums::members(std::size_t i) const {
-    return std::span(members_).subspan(all_[i].first, all_[i].count);
+    return std::span(members_).subspan(sums_[i].first, sums_[i].count);
 }
 
 } // namespace zero_half

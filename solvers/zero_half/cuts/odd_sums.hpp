@@ -3,47 +3,47 @@
 #include <functional>
 #include <span>
 #include <unordered_set>
-#include <utility>
 #include <vector>
 
 #include "cuts/parity_system.hpp"
 
 namespace zero_half {
 
-/// The sums found so far that cut the point off, each once.
+/// Returns true when the run has to stop; searches call it every few steps.
+using stop_predicate = std::function<bool()>;
+
+/// The sums of rows found so far whose halves cut the point off, each only once.
 class odd_sums {
 public:
-    /// `should_stop` is asked now and then by those who look for sums.
-    explicit odd_sums(
-        std::size_t enough, std::function<bool()> should_stop = [] { return false; })
-        : enough_(enough), should_stop_(std::move(should_stop)) {}
+    /// `enough` is the number of sums at which a search may end.
+    explicit odd_sums(std::size_t enough) : enough_(enough) {}
 
-    void start(const parity_system& of);
-    /// Keeps a sum if it cuts the point off.
-    void note(const parity_row& found);
+    /// Removes all sums. The following sums belong to `system`, which has to outlive them.
+    void reset(const parity_system& system);
+    /// Keeps the sum when its right-hand side is odd and its slack is below `slack_limit`.
+    void add_if_violated(const parity_row& sum);
 
-    std::size_t size() const { return all_.size(); }
-    bool is_stopped() const { return should_stop_(); }
-    bool are_enough() const { return all_.size() >= enough_ || is_stopped(); }
+    std::size_t size() const { return sums_.size(); }
+    bool are_enough() const { return sums_.size() >= enough_; }
 
-    /// Puts those first that give little away and have few rows: short sums make sparse cuts.
+    /// Sorts by slack plus a price for each row, because short sums make sparse cuts.
     void sort();
-    /// The rows of the pool that the sum at place `i` is of.
+    /// The rows of the pool of which sum `i` consists.
     std::span<const int> members(std::size_t i) const;
 
 private:
-    struct sum {
-        double given_away;
+    struct kept_sum {
+        double slack;
+        /// The place of the members in `members_`.
         std::size_t first;
         std::size_t count;
     };
 
-    const parity_system* of_ = nullptr;
+    const parity_system* system_ = nullptr;
     std::size_t enough_;
-    std::function<bool()> should_stop_;
-    std::vector<sum> all_;
+    std::vector<kept_sum> sums_;
     std::vector<int> members_;
-    std::unordered_set<std::uint64_t> seen_;
+    std::unordered_set<std::uint64_t> signatures_;
 };
 
 } // namespace zero_half

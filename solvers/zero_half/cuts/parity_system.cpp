@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <unordered_map>
+#include <utility>
 
 #include "cuts/hashing.hpp"
 
@@ -12,10 +13,197 @@ namespace {
 
 using namespace zktarn::vector_mod;
 
-/// What is less is rounding of the relaxation's solver.
+/// Smaller values are rounding errors of the simplex method.
 constexpr double negligible = 1e-9;
-/// From a bound that is not there; infinities could not be subtracted again.
-constexpr double far_away = 1e6;
+/// The distance of a column that has no bound. It is finite, because sums of values are updated by
+/// subtraction.
+constexpr double unbounded_distance = 1e6;
+
+using row_pool = std::span<const integral_row>;
+using substitutions = std::vector<substitution>;
+
+/// A row that may be part of a violated cut.
+struct candidate {
+    int pool_row;
+    bool is_odd;
+    double slack;
+
+    const sparse_vector& odd(row_pool pool) const {
+        return pool[static_cast<std::size_t>(pool_row)].odd;
+    }
+};
+
+/// The candidates in which a column is odd.
+struct column_support {
+    std::uint64_t signature = 0;
+    std::int32_t rows = 0;
+    std::size_t last_row = 0;
+};
+
+struct column_supports {
+    /// For each column of the model, counted from 1.
+    std::vector<column_support> columns;
+    /// The columns off their bounds that are odd in some candidate, in order of first occurrence.
+    std::vector<std::int32_t> found;
+};
+
+/// The columns of the parity system.
+struct column_elements {
+    /// For each column of the model, counted from 1, its element; 0 for a column without one.
+    std::vector<std::int32_t> of_column;
+    /// For each element, counted from 1.
+    std::vector<double> values;
+};
+
+std::vector<double> slacks_at(const double* point, row_pool pool) {
+    std::vector<double> slacks;
+    slacks.reserve(pool.size());
+    for (const integral_row& row : pool) {
+        const sparse_vector& a = row.coefficients;
+        double slack = row.rhs;
+        for (std::int32_t k = 1; k <= a.size(); ++k) {
+            const std::int32_t j = a.index(k);
+            slack -= a.value(j) * point[j - 1];
+        }
+        slacks.push_back(slack);
+    }
+    return slacks;
+}
+
+/// Right-hand side of the row modulo 2 after the bounds were substituted.
+bool has_odd_rhs(const integral_row& row, const substitutions& bounds) {
+    double rhs = row.rhs;
+    for (std::int32_t k = 1; k <= row.odd.size(); ++k) {
+        rhs += bounds[static_cast<std::size_t>(row.odd.index(k))].bound;
+    }
+    return std::fmod(rhs, 2.0) != 0.0;
+}
+
+/// The rows whose own slack is small enough.
+std::vector<candidate> find_candidates(row_pool pool, const substitutions& bounds,
+                                       const std::vector<double>& slacks) {
+    std::vector<candidate> candidates;
+    for (std::size_t i = 0; i < pool.size(); ++i) {
+        if (slacks[i] < slack_limit) {
+            candidates.push_back({static_cast<int>(i), has_odd_rhs(pool[i], bounds),
+                                  slacks[i] < negligible ? 0.0 : slacks[i]});
+        }
+    }
+    return candidates;
+}
+
+column_supports find_supports(const std::vector<candidate>& candidates, row_pool pool,
+                              const substitutions& bounds) {
+    column_supports supports;
+    supports.columns.resize(bounds.size());
+    for (std::size_t c = 0; c < candidates.size(); ++c) {
+        const sparse_vector& odd = candidates[c].odd(pool);
+        for (std::int32_t k = 1; k <= odd.size(); ++k) {
+            const auto j = static_cast<std::size_t>(odd.index(k));
+            if (bounds[j].distance <= negligible) {
+                continue;
+            }
+            column_support& column = supports.columns[j];
+            if (column.rows++ == 0) {
+                supports.found.push_back(odd.index(k));
+            }
+            column.signature ^= mixed(c);
+            column.last_row = c;
+        }
+    }
+    return supports;
+}
+
+double value_of(const substitution& column) {
+    return std::min(column.distance, unbounded_distance);
+}
+
+/// Adds each column that is odd in only one candidate to the slack of that candidate.
+std::vector<candidate> absorb_singletons(std::vector<candidate> candidates,
+                                         const column_supports& supports,
+                                         const substitutions& bounds) {
+    for (const std::int32_t j : supports.found) {
+        const column_support& column = supports.columns[static_cast<std::size_t>(j)];
+        if (column.rows == 1) {
+            candidates[column.last_row].slack += value_of(bounds[static_cast<std::size_t>(j)]);
+        }
+    }
+    return candidates;
+}
+
+/// Numbers the other columns. Columns that are odd in the same candidates share one element.
+column_elements number_columns(const column_supports& supports, const substitutions& bounds) {
+    column_elements numbered;
+    numbered.of_column.assign(bounds.size(), 0);
+    numbered.values.assign(1, 0.0);
+    std::unordered_map<std::uint64_t, std::int32_t> known;
+    known.reserve(supports.found.size());
+    for (const std::int32_t j : supports.found) {
+        const column_support& column = supports.columns[static_cast<std::size_t>(j)];
+        const double value = value_of(bounds[static_cast<std::size_t>(j)]);
+        if (column.rows == 1) {
+            continue;
+        }
+        const auto [place, is_new] =
+            known.emplace(column.signature, static_cast<std::int32_t>(numbered.values.size()));
+        if (is_new) {
+            numbered.of_column[static_cast<std::size_t>(j)] = place->second;
+            numbered.values.push_back(value);
+        } else {
+            numbered.values[static_cast<std::size_t>(place->second)] += value;
+        }
+    }
+    return numbered;
+}
+
+std::uint64_t signature_of(const candidate& row, row_pool pool, const column_elements& numbered) {
+    std::uint64_t signature = row.is_odd ? mixed(0) : 0;
+    const sparse_vector& odd = row.odd(pool);
+    for (std::int32_t k = 1; k <= odd.size(); ++k) {
+        const std::int32_t element = numbered.of_column[static_cast<std::size_t>(odd.index(k))];
+        if (element != 0) {
+            signature ^= mixed(static_cast<std::uint64_t>(element));
+        }
+    }
+    return signature;
+}
+
+/// Leaves out candidates with too much slack, those that are zero modulo 2, and of candidates that
+/// are equal modulo 2 all but the one with the least slack.
+std::vector<candidate> reduced(std::vector<candidate> candidates, row_pool pool,
+                               const column_elements& numbered) {
+    std::unordered_map<std::uint64_t, std::size_t> best;
+    best.reserve(candidates.size());
+    std::size_t kept = 0;
+    for (const candidate& row : candidates) {
+        const std::uint64_t signature =
+            row.slack < slack_limit ? signature_of(row, pool, numbered) : 0;
+        if (signature == 0) {
+            continue;
+        }
+        const auto [place, is_new] = best.emplace(signature, kept);
+        if (is_new) {
+            candidates[kept++] = row;
+        } else if (row.slack < candidates[place->second].slack) {
+            candidates[place->second] = row;
+        }
+    }
+    candidates.resize(kept);
+    return candidates;
+}
+
+/// Writes the odd columns of a candidate into a row of the system; returns how many there are.
+std::int32_t fill_columns(parity_row& row, const sparse_vector& odd,
+                          const column_elements& numbered) {
+    row.clear();
+    for (std::int32_t k = 1; k <= odd.size(); ++k) {
+        const std::int32_t element = numbered.of_column[static_cast<std::size_t>(odd.index(k))];
+        if (element != 0) {
+            row.odd.include(element);
+        }
+    }
+    return row.odd.size();
+}
 
 } // namespace
 
@@ -42,160 +230,30 @@ void parity_rows::resize(std::size_t count, std::int32_t capacity) {
 
 void parity_system::build(std::span<const integral_row> pool,
                           const std::vector<substitution>& bounds, const double* point) {
-    compute_slacks(pool, point);
-    find_candidates(pool, bounds);
-    look_at_columns(pool, bounds);
-    number_columns(bounds);
-    drop_candidates(pool);
-    fill_rows(pool);
-}
+    slacks_ = slacks_at(point, pool);
+    std::vector<candidate> candidates = find_candidates(pool, bounds, slacks_);
+    const column_supports supports = find_supports(candidates, pool, bounds);
+    candidates = absorb_singletons(std::move(candidates), supports, bounds);
+    column_elements numbered = number_columns(supports, bounds);
+    candidates = reduced(std::move(candidates), pool, numbered);
 
-void parity_system::compute_slacks(std::span<const integral_row> pool, const double* point) {
-    slacks_.clear();
-    for (const integral_row& row : pool) {
-        const sparse_vector& a = row.coefficients;
-        double slack = row.right;
-        for (std::int32_t k = 1; k <= a.size(); ++k) {
-            const std::int32_t j = a.index(k);
-            slack -= a.value(j) * point[j - 1];
-        }
-        slacks_.push_back(slack);
+    columns_ = static_cast<std::int32_t>(numbered.values.size()) - 1;
+    values_ = std::move(numbered.values);
+    pool_rows_.clear();
+    for (const candidate& row : candidates) {
+        pool_rows_.push_back(row.pool_row);
+        values_.push_back(row.slack);
     }
-}
-
-/// Rows that do not give too much away by their slack alone.
-void parity_system::find_candidates(std::span<const integral_row> pool,
-                                    const std::vector<substitution>& bounds) {
-    candidates_.clear();
-    for (std::size_t i = 0; i < pool.size(); ++i) {
-        if (slacks_[i] >= too_much_to_give) {
-            continue;
-        }
-        double right = pool[i].right;
-        const sparse_vector& odd = pool[i].odd;
-        for (std::int32_t k = 1; k <= odd.size(); ++k) {
-            right += bounds[static_cast<std::size_t>(odd.index(k))].bound;
-        }
-        candidates_.push_back({static_cast<int>(i), std::fmod(right, 2.0) != 0.0,
-                               slacks_[i] < negligible ? 0.0 : slacks_[i]});
+    while (signatures_.size() < values_.size()) {
+        signatures_.push_back(mixed(signatures_.size()));
     }
-}
-
-void parity_system::look_at_columns(std::span<const integral_row> pool,
-                                    const std::vector<substitution>& bounds) {
-    looks_.assign(bounds.size(), {});
-    seen_.clear();
-    for (std::size_t c = 0; c < candidates_.size(); ++c) {
-        const sparse_vector& odd = pool[static_cast<std::size_t>(candidates_[c].pool_row)].odd;
-        for (std::int32_t k = 1; k <= odd.size(); ++k) {
-            const auto j = static_cast<std::size_t>(odd.index(k));
-            if (bounds[j].value <= negligible) {
-                continue;
-            }
-            column_look& look = looks_[j];
-            if (look.rows++ == 0) {
-                seen_.push_back(odd.index(k));
-            }
-            look.signature ^= mixed(c);
-            look.last_row = c;
-        }
-    }
-}
-
-/// A column at its bound gives nothing away; one that is in a single row goes with its slack; those
-/// that are in the same rows are as good as one.
-void parity_system::number_columns(const std::vector<substitution>& bounds) {
-    element_.assign(bounds.size(), 0);
-    values_.assign(1, 0.0);
-    std::unordered_map<std::uint64_t, std::int32_t> known;
-    known.reserve(seen_.size());
-    for (const std::int32_t j : seen_) {
-        const column_look& look = looks_[static_cast<std::size_t>(j)];
-        const double value = std::min(bounds[static_cast<std::size_t>(j)].value, far_away);
-        if (look.rows == 1) {
-            candidates_[look.last_row].slack += value;
-            continue;
-        }
-        const auto [place, is_new] =
-            known.emplace(look.signature, static_cast<std::int32_t>(values_.size()));
-        if (is_new) {
-            element_[static_cast<std::size_t>(j)] = place->second;
-            values_.push_back(value);
-        } else {
-            values_[static_cast<std::size_t>(place->second)] += value;
-        }
-    }
-    columns_ = static_cast<std::int32_t>(values_.size()) - 1;
-}
-
-/// Of rows that are alike, the one with the least slack is enough.
-void parity_system::drop_candidates(std::span<const integral_row> pool) {
-    std::unordered_map<std::uint64_t, std::size_t> best;
-    best.reserve(candidates_.size());
-    std::size_t kept = 0;
-    for (const candidate& each : candidates_) {
-        if (each.slack >= too_much_to_give) {
-            continue;
-        }
-        std::uint64_t signature = each.is_odd ? mixed(0) : 0;
-        const sparse_vector& odd = pool[static_cast<std::size_t>(each.pool_row)].odd;
-        for (std::int32_t k = 1; k <= odd.size(); ++k) {
-            const std::int32_t element = element_[static_cast<std::size_t>(odd.index(k))];
-            if (element != 0) {
-                signature ^= mixed(static_cast<std::uint64_t>(element));
-            }
-        }
-        if (signature == 0) {
-            continue;
-        }
-        const auto [place, is_new] = best.emplace(signature, kept);
-        if (is_new) {
-            candidates_[kept++] = each;
-        } else if (each.slack < candidates_[place->second].slack) {
-            candidates_[place->second] = each;
-        }
-    }
-    candidates_.resize(kept);
-}
-
-void parity_system::fill_rows(std::span<const integral_row> pool) {
-    for (const candidate& each : candidates_) {
-        values_.push_back(each.slack);
-    }
-    for (std::size_t element = signatures_.size(); element < values_.size(); ++element) {
-        signatures_.push_back(mixed(element));
-    }
-    rows_.resize(candidates_.size(), elements());
+    rows_.resize(candidates.size(), elements());
     is_graph_ = true;
-    for (std::size_t i = 0; i < candidates_.size(); ++i) {
-        parity_row& row = rows_[i];
-        row.clear();
-        const sparse_vector& odd = pool[static_cast<std::size_t>(candidates_[i].pool_row)].odd;
-        for (std::int32_t k = 1; k <= odd.size(); ++k) {
-            const std::int32_t element = element_[static_cast<std::size_t>(odd.index(k))];
-            if (element != 0) {
-                row.odd.include(element);
-            }
-        }
-        is_graph_ = is_graph_ && row.odd.size() <= 2;
-        row.odd.include(slack_of(i));
-        row.is_odd = candidates_[i].is_odd;
+    for (std::size_t i = 0; i < candidates.size(); ++i) {
+        is_graph_ &= fill_columns(rows_[i], candidates[i].odd(pool), numbered) <= 2;
+        rows_[i].odd.include(slack_of(i));
+        rows_[i].is_odd = candidates[i].is_odd;
     }
-}
-
-std::vector<substitution> nearest_bounds(const model& from, const double* point) {
-    std::vector<substitution> all(static_cast<std::size_t>(from.column_count()) + 1);
-    for (int i = 0; i < from.column_count(); ++i) {
-        const auto j = static_cast<std::size_t>(i);
-        substitution& at = all[j + 1];
-        if (from.lower[j] > -no_bound) {
-            at = {from.lower[j], std::max(0.0, point[i] - from.lower[j]), false};
-        }
-        if (from.upper[j] < no_bound && from.upper[j] - point[i] < at.value) {
-            at = {from.upper[j], std::max(0.0, from.upper[j] - point[i]), true};
-        }
-    }
-    return all;
 }
 
 } // namespace zero_half

@@ -1,24 +1,24 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <span>
 #include <vector>
 
+#include "cuts/cg_rounding.hpp"
 #include "cuts/cut_selection.hpp"
-#include "cuts/descent.hpp"
 #include "cuts/elimination.hpp"
 #include "cuts/integral_rows.hpp"
 
 namespace zero_half {
 
 struct separation_options {
-    /// Eliminations, each in another order, while the sums found are not enough.
+    /// The most eliminations; they end when `enough` sums are found.
     int restarts = 10;
     std::size_t enough = 200;
-    /// The most promising sums become cuts, up to so many.
+    /// The most sums that are made into cuts, the most promising first.
     std::size_t most_cuts = 100;
-    /// Where no cut is found otherwise, systems of up to so many rows are looked through harder.
+    /// The greedy search is used where nothing else finds a cut, in systems with at most this many
+    /// rows.
     std::size_t small_system = 300;
     double least_violation = 1e-6;
     selection_options selection = {};
@@ -27,32 +27,34 @@ struct separation_options {
 /// Finds zero-half cuts: sums of rows, halved and rounded down (Caprara and Fischetti 1996).
 class separator {
 public:
-    /// `should_stop` is asked now and then; what has been found by then is what there is.
-    separator(const model& from, zktarn::random::rng_state& random,
-              std::function<bool()> should_stop, const separation_options& options = {});
+    /// After `should_stop` returns true, `find` returns the cuts found by then. The model and the
+    /// generator have to outlive the separator.
+    separator(const model& program, zktarn::random::rng_state& random, stop_predicate should_stop,
+              const separation_options& options = {});
 
-    /// The best of the cuts found that `point` violates, of the rows of `pool`.
+    /// Cuts from rows of `pool` that `point` violates, and selected from all that were found. The
+    /// rows of the model come first in the pool.
     std::vector<cut> find(std::span<const integral_row> pool, const double* point);
-    /// How many cuts were found last, the best and the others.
+    /// The number of violated cuts that the last call found before the selection.
     std::size_t found() const { return found_; }
 
 private:
     void search();
-    /// False where the search was exact, or the system is too large for it.
     bool search_harder();
     std::vector<cut> violated_cuts(std::span<const integral_row> pool, const double* point);
-    void add_rounded_rows(std::vector<cut>& to, std::span<const integral_row> pool,
-                          const double* point);
-    void add_if_violated(std::vector<cut>& to, std::optional<cut> made, const double* point) const;
+    void add_divided_rows(std::span<const integral_row> pool, const double* point,
+                          std::vector<cut>& cuts) const;
+    void add_if_violated(std::optional<cut> candidate, const double* point,
+                         std::vector<cut>& cuts) const;
 
-    const model& from_;
+    const model& model_;
+    stop_predicate should_stop_;
     separation_options options_;
     std::vector<substitution> bounds_;
     parity_system system_;
     odd_sums sums_;
     elimination elimination_;
-    descent descent_;
-    derivation derivation_;
+    cg_rounding rounding_;
     cut_selection selection_;
     std::size_t found_ = 0;
 };

@@ -1,23 +1,23 @@
 #pragma once
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 #include <CoinPackedMatrix.hpp>
 
-/// Mixed-integer programs as they come from a file.
-
 namespace zero_half {
 
-/// What is wrong with a file or a program, in one sentence for its user.
-class trouble : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+/// Bounds and sides of rows beyond +-no_bound are infinite.
+inline constexpr double no_bound = 1e30;
 
-/// minimise objective * x + constant, row_lower <= rows * x <= row_upper, lower <= x <= upper, some
-/// columns integer, and then with integer bounds. A bound beyond +-1e30 is none.
+/// A mixed-integer program:
+///
+///     minimise    objective * x + constant
+///     subject to  row_lower <= rows * x <= row_upper
+///                 lower <= x <= upper
+///                 x[j] integer where is_integer[j]
+///
+/// Integer columns have integer bounds. Rows and columns are counted from 0.
 struct model {
     std::string file;
     std::string name;
@@ -35,11 +35,5 @@ struct model {
     int row_count() const { return static_cast<int>(row_lower.size()); }
     int column_count() const { return static_cast<int>(lower.size()); }
 };
-
-inline constexpr double no_bound = 1e30;
-
-/// Reads an MPS file, fixed or free, plain or compressed. Throws `trouble` when there is none in
-/// it, or one that has no integer column.
-model read_model(const std::string& file);
 
 } // namespace zero_half

@@ -1,26 +1,25 @@
 #pragma once
 
 #include <functional>
-#include <string>
 #include <vector>
 
 #include <ClpEventHandler.hpp>
 #include <ClpSimplex.hpp>
 
-#include "cuts/derivation.hpp"
 #include "input/model.hpp"
+#include "lp/cut.hpp"
 
 namespace zero_half {
 
-/// The linear relaxation of a program, which grows by cuts.
+/// The linear relaxation of a model, to which cuts are added.
 class relaxation {
 public:
-    enum class outcome { optimal, infeasible, unbounded, stopped, trouble };
+    enum class outcome { optimal, infeasible, unbounded, stopped, error };
 
-    /// `should_stop` is asked now and then while the simplex method runs.
-    relaxation(const model& of, std::function<bool()> should_stop);
+    /// The simplex method calls `should_stop` every few iterations and stops when it returns true.
+    relaxation(const model& program, std::function<bool()> should_stop);
 
-    /// Solves by the dual simplex method, from where it was.
+    /// Solves by the dual simplex method, starting from the last basis.
     outcome solve();
     void add(const std::vector<cut>& cuts);
 
@@ -29,19 +28,19 @@ public:
     const ClpSimplex& solver() const { return lp_; }
 
 private:
-    /// Lets the caller into the simplex method.
-    class visitor : public ClpEventHandler {
+    /// Calls the stop predicate from inside the simplex method.
+    class stop_handler : public ClpEventHandler {
     public:
-        explicit visitor(std::function<bool()> should_stop);
+        explicit stop_handler(std::function<bool()> should_stop);
         int event(Event what) override;
-        ClpEventHandler* clone() const override { return new visitor(*this); }
+        ClpEventHandler* clone() const override { return new stop_handler(*this); }
 
     private:
         std::function<bool()> should_stop_;
         int iterations_ = 0;
     };
 
-    void set_tolerance(double each);
+    void set_tolerance(double tolerance);
 
     ClpSimplex lp_;
 };

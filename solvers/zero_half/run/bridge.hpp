@@ -4,29 +4,28 @@
 #include <string>
 #include <vector>
 
+#include "run/options.hpp"
 #include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {
 
-/// What is printed; the values are the host's codes.
-enum class display : std::int32_t { off = 0, final = 1, iter = 2 };
-
-/// A solve's way to the host: lines of progress, the output function, interrupts.
+/// The connection of a run with the host: printed lines, the output function, interrupts.
 class bridge {
 public:
-    /// The host has the output function "tarnCallback" where that is told.
+    /// `has_output_function` says whether the host has the function "tarnCallback".
     bridge(display show, bool has_output_function);
     ~bridge();
     bridge(const bridge&) = delete;
     bridge& operator=(const bridge&) = delete;
 
     bool is_interrupted() const;
+    /// Whether the output function asked to stop.
     bool is_stopped() const;
 
-    /// Prints a line where rounds are shown.
+    /// Prints the line when the display shows rounds.
     void print_round(const std::string& line) const;
-    /// Tells the output function, where there is one, the phase, the round, its bound and all
-    /// bounds so far. Its answer 1 stops the run.
+    /// Calls the output function, where there is one, with the phase, the round, its bound and all
+    /// bounds so far. The run stops when it returns 1.
     void report(const char* phase, int round, double bound, const std::vector<double>& history);
 
 private:
@@ -36,7 +35,7 @@ private:
     std::int32_t status_ = 0;
 };
 
-/// A generator of the host, taken back at the end.
+/// Owns a generator of the host.
 class generator {
 public:
     explicit generator(std::int32_t seed);

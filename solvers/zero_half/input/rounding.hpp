@@ -4,9 +4,8 @@
 
 namespace zero_half {
 
-/// The greatest integer at most `x + tolerance`. The library's floor is for what a solver has in
-/// its columns: of an integer of -2147483647 or less it is one too low. So integers are found
-/// first.
+/// The greatest integer that is at most `x + tolerance`; exact for every finite `x`. Integers are
+/// recognised first, because `epsilon_floor` alone returns n - 1 for an integer n <= -2147483647.
 inline double floor_of(double x, double tolerance) {
     zktarn::flag is_integer = 0;
     double nearest = 0.0;
@@ -14,7 +13,7 @@ inline double floor_of(double x, double tolerance) {
     return is_integer != 0 ? nearest : zktarn::util::epsilon_floor(x, tolerance);
 }
 
-/// The least integer at least `x - tolerance`.
+/// The least integer that is at least `x - tolerance`; never -0.0.
 inline double ceiling_of(double x, double tolerance) {
     return 0.0 - floor_of(-x, tolerance);
 }

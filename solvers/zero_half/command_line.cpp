@@ -1,0 +1,75 @@
+#include "command_line.hpp"
+
+#include <cmath>
+#include <cstdlib>
+
+#include <CLI/CLI.hpp>
+
+namespace zero_half {
+
+namespace {
+
+/// CLI11 accepts `nan` and `inf` as numbers, and finds `nan` in every range.
+std::string check_finite(const std::string& text) {
+    return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : text + " is not finite";
+}
+
+display display_of(const std::string& level) {
+    return level == "off" ? display::off : level == "final" ? display::final : display::iter;
+}
+
+void declare_options(CLI::App& app, command_line& options, std::string& display_level) {
+    app.add_option("model", options.files, "MPS files, plain or compressed")->required();
+    app.add_option("--rounds", options.run.rounds, "Most rounds for each model")
+        ->check(CLI::Range(0, 1'000'000))
+        ->capture_default_str();
+    app.add_option("--time-limit", options.run.seconds, "Seconds for each model")
+        ->check(CLI::Range(0.0, 1e9))
+        ->check(check_finite)
+        ->capture_default_str();
+    app.add_option("--seed", options.run.seed, "Seed of the random numbers")->capture_default_str();
+    app.add_option("--display", display_level,
+                   "off, final, iter: print nothing, the table, each round")
+        ->check(CLI::IsMember({"off", "final", "iter"}).description(""))
+        ->capture_default_str();
+    app.add_option("--stop-at-gap", options.run.stop_at_gap,
+                   "Stop when this share of the gap to the optimum is closed, in per cent")
+        ->check(CLI::Range(0.0, 100.0))
+        ->check(check_finite)
+        ->capture_default_str();
+    app.add_option("--optimum", options.run.optimum,
+                   "Integer optimum of the only model; default: from optima.csv beside it")
+        ->check(check_finite);
+    app.add_option("--cuts", options.cuts_file, "Write the only model with its cuts as MPS");
+    app.add_option("--json", options.json_file, "Write all figures as JSON");
+    app.add_option("--plot", options.plot_file, "Draw the bounds as SVG, by gnuplot");
+    app.set_version_flag("--version", "zero_half " ZERO_HALF_VERSION);
+    app.failure_message([](const CLI::App*, const CLI::Error& found) {
+        return std::string("zero_half: ") + found.what() + "; see zero_half --help\n";
+    });
+    app.footer("Exit status: 0 success, 1 an error in a file or a model, 2 wrong usage,\n"
+               "130 interrupted; the results up to then are written in each case.");
+}
+
+} // namespace
+
+bool parse(int argc, char** argv, command_line& options, int& status) {
+    CLI::App app(
+        "Tightens the relaxations of integer programs by zero-half cuts, round after round.",
+        "zero_half");
+    std::string display_level = "iter";
+    declare_options(app, options, display_level);
+    try {
+        app.parse(argc, argv);
+        if (options.files.size() > 1 && (options.run.optimum || !options.cuts_file.empty())) {
+            throw CLI::ValidationError("--optimum and --cuts are for one model");
+        }
+    } catch (const CLI::ParseError& found) {
+        status = app.exit(found) == 0 ? success : wrong_usage;
+        return false;
+    }
+    options.run.show = display_of(display_level);
+    return true;
+}
+
+} // namespace zero_half

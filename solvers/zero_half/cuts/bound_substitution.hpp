@@ -1,0 +1,23 @@
+#pragma once
+
+#include <limits>
+#include <vector>
+
+#include "input/model.hpp"
+
+namespace zero_half {
+
+/// A column expressed by its distance to one of its bounds: x = bound + distance, or, for an upper
+/// bound, x = bound - distance. A column without bounds has an infinite distance.
+struct substitution {
+    double bound = 0.0;
+    double distance = std::numeric_limits<double>::infinity();
+    bool is_upper = false;
+
+    bool is_bounded() const { return distance < std::numeric_limits<double>::infinity(); }
+};
+
+/// For each column, counted from 1, the substitution of the bound that is nearest to the point.
+std::vector<substitution> nearest_bounds(const model& program, const double* point);
+
+} // namespace zero_half

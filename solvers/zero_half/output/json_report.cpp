@@ -1,0 +1,66 @@
+#include "output/json_report.hpp"
+
+#include <cmath>
+#include <fstream>
+
+#include <nlohmann/json.hpp>
+
+#include "input/error.hpp"
+
+namespace zero_half {
+
+namespace {
+
+/// Keeps the members in the order in which they are written here.
+using json = nlohmann::ordered_json;
+
+json number_or_null(const std::optional<double>& value) {
+    return value && std::isfinite(*value) ? json(*value) : json(nullptr);
+}
+
+json record_of(const round_figures& figures) {
+    return {{"round", figures.round},
+            {"bound", figures.bound},
+            {"gap_closed_percent", number_or_null(figures.gap_closed)},
+            {"cuts_found", figures.cuts_found},
+            {"cuts_kept", figures.cuts_kept},
+            {"separation_ms", figures.separation_ms},
+            {"lp_ms", figures.relaxation_ms},
+            {"seconds", figures.seconds}};
+}
+
+json record_of(const solved_model& solved) {
+    const run_result& run = solved.run;
+    json rounds = json::array();
+    for (const round_figures& figures : run.rounds) {
+        rounds.push_back(record_of(figures));
+    }
+    return {{"file", solved.program.file},
+            {"rows", solved.program.row_count()},
+            {"columns", solved.program.column_count()},
+            {"lp_bound", number_or_null(run.first_bound)},
+            {"bound", number_or_null(run.bound)},
+            {"optimum", number_or_null(run.optimum)},
+            {"gap_closed_percent", number_or_null(run.gap_closed(run.bound))},
+            {"cuts_kept", run.cuts()},
+            {"seconds", run.seconds},
+            {"status", name(run.reason)},
+            {"rounds", rounds}};
+}
+
+} // namespace
+
+void write_json(const std::deque<solved_model>& models, const std::string& file) {
+    json records = json::array();
+    for (const solved_model& solved : models) {
+        records.push_back(record_of(solved));
+    }
+    std::ofstream stream(file);
+    // A file name may not be valid UTF-8; invalid bytes are replaced.
+    stream << json{{"models", records}}.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
+    if (!stream.flush()) {
+        throw error(file + ": cannot be written");
+    }
+}
+
+} // namespace zero_half

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <deque>
+#include <string>
+
+#include "output/solved_model.hpp"
+
+namespace zero_half {
+
+/// Draws the bound against the round and against time for each model, by gnuplot, as SVG. Throws
+/// `error` when there is no bound to draw, gnuplot is missing or the file cannot be written.
+void write_plot(const std::deque<solved_model>& models, const std::string& file);
+
+} // namespace zero_half

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+namespace zero_half {
+
+/// What is printed. The values are the host's codes.
+enum class display : std::int32_t { off = 0, final = 1, iter = 2 };
+
+struct run_options {
+    int rounds = 50;
+    double seconds = 60.0;
+    /// Seed of the host's generator.
+    std::int32_t seed = 1;
+    display show = display::iter;
+    bool has_output_function = false;
+    /// The integer optimum where it is known.
+    std::optional<double> optimum = {};
+    /// The run ends when this share of the gap between relaxation and optimum is closed, in per
+    /// cent.
+    double stop_at_gap = 100.0;
+};
+
+} // namespace zero_half

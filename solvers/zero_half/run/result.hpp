@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "cuts/integral_rows.hpp"
+#include "run/ending.hpp"
+
+namespace zero_half {
+
+/// The figures of one round, as in one printed line.
+struct round_figures {
+    int round;
+    double bound;
+    /// In per cent, where the optimum is known.
+    std::optional<double> gap_closed;
+    std::size_t cuts_found;
+    std::size_t cuts_kept;
+    double separation_ms;
+    double relaxation_ms;
+    /// Since the run began.
+    double seconds;
+};
+
+struct run_result {
+    /// The bound of the relaxation without cuts, and the last bound. Nothing when the run ended
+    /// before the first relaxation was solved.
+    std::optional<double> first_bound = {};
+    std::optional<double> bound = {};
+    std::optional<double> optimum = {};
+    ending reason = ending::no_cut_found;
+    double seconds = 0.0;
+    std::vector<round_figures> rounds = {};
+    /// The rows of the model scaled to integers, followed by the cuts.
+    std::vector<integral_row> pool = {};
+    std::size_t first_cut = 0;
+
+    std::size_t cuts() const { return pool.size() - first_cut; }
+    /// The share of the gap between the first bound and the optimum that `reached` closes, in per
+    /// cent. Nothing without an optimum, or when the optimum is below the first bound and so is
+    /// not the optimum.
+    std::optional<double> gap_closed(std::optional<double> reached) const;
+};
+
+} // namespace zero_half
