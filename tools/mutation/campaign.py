@@ -9,7 +9,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 from operators import Mutant
-from workbench import call, digest, must
+from workbench import call, digest, module_of, must
 
 # The tests of a module are in the folder of its name; here is what is elsewhere.
 FOLDERS = {"": ["types"]}
@@ -34,7 +34,7 @@ class Campaign:
         self.lock = threading.Lock()
 
     def module_of(self, file):
-        return os.path.relpath(os.path.dirname(file), self.sources).replace(".", "")
+        return module_of(file, self.sources)
 
     def modules_of(self, unit):
         """The modules of the library that an object was compiled from."""

@@ -1,71 +1,108 @@
-"""The list of mutants that no test can notice, each with its reason.
+"""The list of mutants that no caller can tell from the library, each with its reason.
 
-An entry is a paragraph: the file; pairs of the lines as they are, after "- ", and as the mutant has
-them, after "+ "; then the reason. Where a change can be made in several places of a file, "@ 2"
-below it means the second of them only. Lines that begin with "#" are comments."""
+An entry is a paragraph. Its first line names the module and the procedure. Then each line names an
+operator and what it changed, and, where several such changes of the procedure are equivalent, how many:
 
+    util screen::passes
+    relational: > into >=
+    constant x2: 7 into 8
+    Why no caller can tell, in one sentence or more.
+
+So an entry stays true when code is laid out anew, moves within its module, or renames what is local. It
+becomes wrong, and the tool says so, when the procedure has fewer such changes than are listed, or when
+tests kill one that is counted. The procedure of what stands outside of all procedures is the name that is
+declared there, or a dash. Lines that begin with "#" are comments."""
+
+import collections
 import re
+from dataclasses import dataclass
 from pathlib import Path
 
-from operators import squeeze
-from workbench import Trouble
+from workbench import Trouble, module_of
+
+CHANGE = re.compile(
+    r"(relational|logical|arithmetic|assignment|negation|condition|constant|statement|arguments)"
+    r"(?: x([1-9]\d*))?: (.+)"
+)
 
 
-class Listed:
-    """Changes, each with the place in the list where it stands."""
+@dataclass
+class Entry:
+    """How many mutants of one kind are equivalent, and where the list says so."""
 
-    def __init__(self, name):
-        self.name = name
-        self.places = {}
+    place: str
+    count: int = 0
 
-    def place_of(self, mutant):
-        """Where a mutant is listed, or None."""
-        *change, occurrence = mutant.key()
-        return self.places.get((*change, occurrence)) or self.places.get((*change, None))
 
-    def stale(self, mutants):
-        """Places of entries that speak of none of the mutants."""
-        used = {self.place_of(each) for each in mutants}
-        return [place for place in self.places.values() if place not in used]
+def kind_of(mutant, sources):
+    """What an entry says of a mutant: module, procedure, operator and change."""
+    return module_of(mutant.file, sources) or "-", mutant.procedure or "-", mutant.operator, mutant.change
+
+
+class Judgement:
+    """What a list says of a run: which survivors it explains, and which entries are wrong."""
+
+    def __init__(self, listed, outcomes, mutants, sources):
+        self.explained, self.left, self.wrong = [], [], []
+        existing = collections.Counter(kind_of(each, sources) for each in mutants)
+        tried = collections.defaultdict(list)
+        for each in outcomes:
+            tried[kind_of(each.mutant, sources)].append(each)
+        for kind, entry in listed.items():
+            self._judge_entry(kind, entry, existing[kind], tried.get(kind, []))
+        for kind, group in tried.items():
+            survivors = [each.mutant for each in group if each.verdict == "survived"]
+            entry = listed.get(kind)
+            if entry and len(survivors) <= entry.count:
+                self.explained += survivors
+            else:
+                self.left += survivors
+
+    def _judge_entry(self, kind, entry, existing, group):
+        words = "{} {}: {}: {}".format(*kind)
+        if existing < entry.count:
+            self.wrong.append(f"{entry.place}: {words}: lists {entry.count}, but {existing} exist")
+            return
+        noticed = [each for each in group if each.verdict != "survived"]
+        if len(noticed) > existing - entry.count:
+            self.wrong.append(
+                f"{entry.place}: {words}: lists {entry.count} of {existing}, but {len(noticed)} "
+                f"did not survive, one of them at line {noticed[0].mutant.line} "
+                f"({noticed[0].verdict} {noticed[0].by})".replace(" )", ")")
+            )
 
 
 def read(path):
-    listed = Listed(Path(path).name)
-    number = 0
-    for paragraph in re.split(r"\n(?=[ \t]*\n)", Path(path).read_text()):
-        lines = paragraph.split("\n")
-        entry = [(number + k + 1, line.strip()) for k, line in enumerate(lines)]
-        number += len(lines)
-        entry = [(k, line) for k, line in entry if line and not line.startswith("#")]
-        if entry:
-            _read_entry(entry, listed)
+    """The entries of a list by the kind of mutant that they are about."""
+    listed = {}
+    name = Path(path).name
+    entry = []
+    for number, line in enumerate([*Path(path).read_text().splitlines(), ""], 1):
+        if line.startswith("#"):
+            continue
+        if line.strip():
+            entry.append((number, line.strip()))
+        elif entry:
+            _read_entry(entry, name, listed)
+            entry = []
     return listed
 
 
-def _read_entry(entry, listed):
-    (first, file), *rest = entry
-    place = f"{listed.name}:{first}"
-    count = 0
-    while rest and rest[0][1].startswith("- "):
-        number = rest[0][0]
-        before, rest = _take(rest, "- ")
-        after, rest = _take(rest, "+ ")
-        if not after:
-            raise Trouble(f'{listed.name}:{number}: lines with "- " need some with "+ "')
-        occurrence = None
-        if rest and rest[0][1].startswith("@ "):
-            occurrence = int(rest.pop(0)[1][2:])
-        listed.places[file, before, after, occurrence] = f"{listed.name}:{number}"
-        count += 1
-    if count == 0:
-        raise Trouble(f'{place}: an entry needs lines with "- " and with "+ "')
-    if not rest:
-        raise Trouble(f"{place}: an entry needs a reason")
-
-
-def _take(lines, mark):
-    """The lines at the front that begin with the mark, as one text, and the rest."""
-    count = 0
-    while count < len(lines) and lines[count][1].startswith(mark):
-        count += 1
-    return squeeze(" ".join(line[2:] for _, line in lines[:count])), lines[count:]
+def _read_entry(lines, name, listed):
+    (first, heading), *rest = lines
+    words = heading.split(" ", 1)
+    if len(words) != 2:
+        raise Trouble(f"{name}:{first}: an entry begins with a module and a procedure")
+    changes = 0
+    for number, line in rest:
+        found = CHANGE.fullmatch(line)
+        if not found:
+            break
+        operator, count, change = found.groups()
+        entry = listed.setdefault((*words, operator, change), Entry(f"{name}:{number}"))
+        entry.count += int(count or 1)
+        changes += 1
+    if changes == 0:
+        raise Trouble(f"{name}:{first}: an entry needs a line with an operator and its change")
+    if changes == len(rest):
+        raise Trouble(f"{name}:{first}: an entry needs a reason")

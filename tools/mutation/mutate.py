@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Puts small faults into the library, one at a time, and tells which of them no test notices."""
+"""Puts small faults into the library, one at a time, and shows which of them no test notices."""
 
 import argparse
 import collections
@@ -19,7 +19,7 @@ HERE = Path(__file__).resolve().parent
 # Folders whose programs do not call the library for its own sake.
 LEAVE_OUT = (
     "tests/unit/standin", "tests/pages", "tests/conformance", "tests/binary/abi", "tools/mutation",
-    "tests/solver", "tests/threads",
+    "tests/solver", "tests/bindings", "tests/threads",
 )  # fmt: skip
 
 
@@ -89,18 +89,18 @@ class Reporter:
 
 
 def show(mutant, out):
-    print(f"{mutant.file}:{mutant.line}: {mutant.operator}", file=out)
+    where = f"{mutant.file}:{mutant.line}: {mutant.procedure or '-'}"
+    print(f"{where}: {mutant.operator}: {mutant.change}", file=out)
     for mark, text in (("-", mutant.before), ("+", mutant.after)):
         for line in text.splitlines():
             print(f"    {mark} {line.strip()}", file=out)
 
 
-def show_table(outcomes, listed):
+def show_table(outcomes, judgement):
+    explained = {id(each) for each in judgement.explained}
     rows = collections.defaultdict(collections.Counter)
     for each in outcomes:
-        kind = each.verdict
-        if kind == "survived" and listed.place_of(each.mutant):
-            kind = "equivalent"
+        kind = "equivalent" if id(each.mutant) in explained else each.verdict
         for row in (each.mutant.file, "all"):
             rows[row][kind] += 1
     kinds = ("killed", "endless", "equivalent", "survived", "unchanged", "uncompilable")
@@ -116,19 +116,13 @@ def show_table(outcomes, listed):
     return total, counts["killed"] + counts["endless"]
 
 
-def judge(outcomes, listed, mutants):
-    """Returns the sentences that say what is wrong."""
-    wrong = [f"{each}: matches no mutant" for each in listed.stale(mutants)]
-    for each in outcomes:
-        place = listed.place_of(each.mutant)
-        if place and each.verdict in ("killed", "endless"):
-            wrong.append(f"{place}: listed as equivalent, but killed by {each.by}")
-    left = [o.mutant for o in outcomes if o.verdict == "survived" and not listed.place_of(o.mutant)]
-    for each in left:
+def complaints(judgement, name):
+    """Shows the survivors that no entry explains, and returns the sentences that say what is wrong."""
+    for each in judgement.left:
         show(each, sys.stdout)
-    if left:
-        wrong.append(f"{len(left)} mutants survived that are not listed in {listed.name}")
-    return wrong
+    if not judgement.left:
+        return judgement.wrong
+    return [*judgement.wrong, f"{len(judgement.left)} mutants survived that {name} does not explain"]
 
 
 def main():
@@ -148,8 +142,9 @@ def main():
     print(f"{len(selected)} of {len(mutants)} mutants are tried", flush=True)
     reporter = Reporter(arguments, len(selected))
     outcomes = run_all(Campaign(bench, arguments.sources), selected, arguments.jobs, reporter)
-    wrong = judge(outcomes, listed, mutants)
-    total, killed = show_table(outcomes, listed)
+    judgement = equivalents.Judgement(listed, outcomes, mutants, arguments.sources)
+    wrong = complaints(judgement, arguments.equivalents.name)
+    total, killed = show_table(outcomes, judgement)
     percent = 100.0 * killed / total if total else 0.0
     print(f"{percent:.1f} % of {total} mutants killed, in {time.monotonic() - start:.0f} s")
     if percent < arguments.least:

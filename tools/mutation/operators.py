@@ -34,15 +34,25 @@ class Mutant:
     replacement: str
     before: str
     after: str
+    procedure: str = ""
+    change: str = ""
     occurrence: int = 1
 
     def apply(self, text):
         return text[: self.start] + self.replacement + text[self.end :]
 
     def key(self):
-        """What stays the same when the file changes elsewhere: the lines as they are and as they
-        become, and which of several such places it is."""
+        """What tells it from all other mutants: the lines as they are and as they become, and which
+        of several such places it is."""
         return self.file, squeeze(self.before), squeeze(self.after), self.occurrence
+
+
+def change_of(operator, before, after):
+    """What the operator did, in words that mention no name of the source."""
+    fixed = {"condition": "negated", "statement": "deleted", "arguments": "swapped"}
+    if operator in fixed:
+        return fixed[operator]
+    return f"{before} dropped" if operator == "negation" else f"{before} into {after}"
 
 
 def squeeze(text):
@@ -61,8 +71,11 @@ def mutants_of(file, text):
         offset = start - text.rfind("\n", 0, start) - 1
         after = before[:offset] + replacement + before[offset + end - start :]
         found.append(
-            Mutant(file, source.line_of(start), operator, start, end, replacement, before, after)
-        )
+            Mutant(
+                file, source.line_of(start), operator, start, end, replacement, before, after,
+                source.procedure_at(start), change_of(operator, text[start:end], replacement),
+            )
+        )  # fmt: skip
 
     for index, token in enumerate(source.tokens):
         if token.masked:

@@ -15,12 +15,6 @@ PATTERN = re.compile(
     re.VERBOSE | re.MULTILINE | re.DOTALL,
 )
 
-# Variables that decide when a procedure takes the other of two ways to the same result, and nothing
-# else, each with the reason why no result depends on it.
-ONLY_TIME = {
-    "patience": "entries are dropped one by one or in blocks, with the same list left",
-}
-
 CLOSING = {"(": ")", "[": "]", "{": "}", "[[": "]]"}
 TYPE_HEADS = {"struct", "class", "union", "enum", "concept"}
 BODY_BEFORE = {")", "]", "]]", "noexcept", "const", "mutable", "else", "do", "try", "{", "}", ";"}
@@ -34,6 +28,7 @@ class Token:
     end: int
     in_body: bool = False
     masked: bool = False
+    procedure: str = ""  # what it belongs to: see Source._find_procedures
 
 
 class Source:
@@ -47,12 +42,19 @@ class Source:
             for match in PATTERN.finditer(text)
             if match.lastgroup not in ("skip", "space")
         ]
+        self._token_starts = [token.start for token in self.tokens]
         self.partner = self._pair_brackets()
         self._mask()
         self._find_bodies()
+        self._find_procedures()
 
     def line_of(self, offset):
         return bisect.bisect_right(self._line_starts, offset)
+
+    def procedure_at(self, offset):
+        """The name of the procedure that the token at an offset belongs to."""
+        index = bisect.bisect_right(self._token_starts, offset) - 1
+        return self.tokens[index].procedure
 
     def lines_from(self, start, end):
         """The text of the whole lines that [start, end) touches."""
@@ -120,8 +122,6 @@ class Source:
                 "decltype",
             ):
                 self._mask_through(index, self.partner[index + 1])
-            elif token.text in ONLY_TIME:
-                self._mask_through(*self._statement_around(index))
             elif token.text in ("using", "concept", "operator", "namespace"):
                 end = index
                 while self.tokens[end].text not in (";", "{", "(", "="):
@@ -130,15 +130,6 @@ class Source:
                     while self.tokens[end].text != ";":
                         end = self.partner.get(end, end) + 1
                 self._mask_through(index, end)
-
-    def _statement_around(self, index):
-        """The first and the last token of a statement, or of the condition of one."""
-        first = last = index
-        while self.tokens[first - 1].text not in (";", "{", "}", "("):
-            first -= 1
-        while self.tokens[last].text not in (";", ")"):
-            last = self.partner.get(last, last) + 1
-        return first, last
 
     def _mask_through(self, first, last):
         for token in self.tokens[first : last + 1]:
@@ -156,17 +147,91 @@ class Source:
     def _find_bodies(self):
         """Tells the code of procedures from what stands in types and namespaces."""
         scopes = ["outside"]
+        self._scopes = {}
         head = 0
         for index, token in enumerate(self.tokens):
             token.in_body = scopes[-1] == "body"
             if token.text == "{":
                 scopes.append(self._scope_at(index, head, scopes[-1]))
+                self._scopes[index] = scopes[-1]
                 head = index + 1
             elif token.text == "}":
                 scopes.pop()
                 head = index + 1
             elif token.text == ";":
                 head = index + 1
+
+    def _find_procedures(self):
+        """Gives each token the name of the procedure that it belongs to: parameters, the list of
+        initialisers and lambdas included, and preceded by the names of the types around it. Outside of
+        procedures it is the name of the variable or type that is declared."""
+        self._name_declarations(0, len(self.tokens), ())
+
+    def _name_declarations(self, first, last, types):
+        start = index = first
+        while index < last:
+            text = self.tokens[index].text
+            end = self.partner.get(index, index) if text in CLOSING else index
+            if text == "{" and self._scopes[index] == "body":
+                self._assign(start, end, (*types, self._declared(start, index)))
+                start = end + 1
+            elif text == "{" and self._declared_type(start, index):
+                name = self._declared_type(start, index)
+                self._name_declarations(index + 1, end, (*types, name))
+                start = end + 1
+            elif text == "{" and self._is_namespace(start, index):
+                self._name_declarations(index + 1, end, types)
+                start = end + 1
+            elif text == ";":
+                self._assign(start, index, (*types, self._declared(start, index)))
+                start = index + 1
+            elif text == ":" and self.tokens[index - 1].text in ("public", "protected", "private"):
+                start = index + 1
+            index = end + 1
+
+    def _is_namespace(self, head, index):
+        words = self.texts(head, index)
+        return "namespace" in words or "extern" in words and "(" not in words
+
+    def _assign(self, first, last, names):
+        for token in self.tokens[first : last + 1]:
+            token.procedure = "::".join(each for each in names if each)
+
+    def _without_attributes(self, first, last):
+        """The indices of the tokens that are part of neither attributes nor lists in angles."""
+        index = first
+        while index < last:
+            text = self.tokens[index].text
+            if text == "[[":
+                index = self.partner[index] + 1
+            elif text in ("alignas", "requires", "decltype", "__attribute__"):
+                index = self.partner.get(index + 1, index) + 1
+            elif text == "<" and self.tokens[index - 1].kind == "word":
+                index = self._end_of_angles(index) + 1
+            else:
+                yield index
+                index += 1
+
+    def _declared_type(self, first, last):
+        """The name of the type whose members follow, or nothing."""
+        words = [self.tokens[k].text for k in self._without_attributes(first, last)]
+        heads = [k for k, word in enumerate(words) if word in TYPE_HEADS]
+        return next((word for word in words[heads[-1] + 1 :] if word != "class"), "") if heads else ""
+
+    def _declared(self, first, last):
+        """The name of a procedure, which is before its parameters, or of a variable, which is before
+        its value."""
+        name = ""
+        for index in self._without_attributes(first, last):
+            token = self.tokens[index]
+            if token.text == "operator":
+                end = next(k for k in range(index + 2, last) if self.tokens[k].text == "(")
+                return "operator" + "".join(self.texts(index + 1, end))
+            if token.text in ("(", "=", "[", "{", ":"):
+                break
+            if token.kind == "word":
+                name = token.text
+        return name
 
     def _scope_at(self, index, head, around):
         words = [t.text for t in self.tokens[head:index] if not t.masked]

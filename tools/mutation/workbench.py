@@ -72,6 +72,13 @@ def digest(path):
     return hashlib.sha256(Path(path).read_bytes()).hexdigest()
 
 
+def module_of(file, sources):
+    """The folder of a source in the library, or "" for what lies beside the modules. What is in a folder
+    detail/ belongs to the module around it."""
+    folders = Path(os.path.relpath(file, sources)).parts[:-1]
+    return folders[0] if folders and folders[0] != "detail" else ""
+
+
 def without(command, *dropped):
     return [each for each in command if each not in dropped]
 
