@@ -2,8 +2,8 @@
 """Reports the coverage of a finished test run, file by file, and fails where it falls short.
 
 Reads the raw profiles of the coverage build, merges them over all test programs and libraries, and
-prints lines, branches and conditions (MC/DC) of each source file of the project. A file that needs
-not be covered is in exclusions.txt, with the reason.
+prints lines, branches and conditions (MC/DC) of each source file of the project. exclusions.txt lists
+the files and procedures that need not be covered, with the reason.
 """
 
 import argparse
@@ -17,6 +17,8 @@ from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
 MEASURES = ("lines", "branches", "mcdc")
+# A procedure in the tables of llvm-cov: its linker name, and three columns for each measure.
+PROCEDURE = re.compile(r"^(\S+)" + r" +(\d+) +(\d+) +[\d.]+%" * 4 + "$", re.MULTILINE)
 # The folders whose files are reported, and the percentage of each file that has to be covered.
 LEAST = {"src/zktarn": 100, "standin": 95}
 COMMENT = re.compile(r"//.*")
@@ -46,8 +48,8 @@ def instrumented(build):
     return sorted(libraries) + sorted(programs)
 
 
-def summary(build, compiler):
-    """Coverage of each file, merged over everything that ran."""
+def merge_profiles(build, compiler):
+    """Merges the profiles of all programs into one."""
     profiles = glob.glob(f"{build}/profiles/*.profraw")
     if not profiles:
         fail(f"no profiles in {build}/profiles; run the tests with LLVM_PROFILE_FILE set to it")
@@ -57,13 +59,28 @@ def summary(build, compiler):
         out.write("\n".join(profiles))
     subprocess.run([tool(compiler, "llvm-profdata"), "merge", "-sparse", f"--input-files={listing}",
                     "-o", merged], check=True)
+
+
+def llvm_cov(build, compiler, action, *arguments):
+    """What llvm-cov prints about everything that ran."""
     first, *others = instrumented(build)
-    command = [tool(compiler, "llvm-cov"), "export", "--summary-only", "--show-mcdc-summary",
-               f"--instr-profile={merged}", first]
+    command = [tool(compiler, "llvm-cov"), *action, "--show-mcdc-summary",
+               f"--instr-profile={build}/profiles/all.profdata", first]
     for path in others:
         command += ["-object", path]
-    text = subprocess.run(command, check=True, capture_output=True, text=True).stdout
-    return json.loads(text)["data"][0]["files"]
+    return subprocess.run([*command, *arguments], check=True, capture_output=True, text=True).stdout
+
+
+def missed_by(table, procedure):
+    """What a procedure misses of each measure, by the table of the procedures of a file; or None."""
+    linked = f"{len(procedure)}{procedure}"
+    found = None
+    for name, *columns in PROCEDURE.findall(table):
+        if name == procedure or linked in name:
+            # Of regions, lines, branches and conditions the last three are measured.
+            missed = [int(each) for each in columns[3::2]]
+            found = [a + b for a, b in zip(found or [0, 0, 0], missed)]
+    return found
 
 
 def coverage_of(files, project):
@@ -94,16 +111,32 @@ def files_with_code(project, folder):
 
 
 def read_exclusions(path):
-    """The excluded files, each a line `path: reason`."""
+    """The excluded files and procedures, each a line `file: reason` or `file procedure: reason`; of
+    each the file and the procedure, which is empty where the whole file is excluded."""
     excluded = []
     for line in path.read_text(encoding="utf-8").splitlines():
         if not line or line.startswith("#"):
             continue
-        name, _, reason = line.partition(": ")
+        names, _, reason = line.partition(": ")
         if not reason.strip():
             fail(f"{path.name} gives no reason in '{line}'")
-        excluded.append(name)
+        file, _, procedure = names.partition(" ")
+        excluded.append((file, procedure))
     return excluded
+
+
+def excuse(coverage, procedures, table_of):
+    """Takes what excluded procedures miss out of the counts of their files. Returns the exclusions
+    that excuse nothing."""
+    stale = []
+    for file, procedure in procedures:
+        missed = missed_by(table_of(file), procedure) if file in coverage else None
+        if not missed or not any(missed):
+            stale.append(f"{procedure} of {file} is excluded for nothing")
+            continue
+        coverage[file] = [{"covered": c["covered"], "count": c["count"] - less}
+                          for c, less in zip(coverage[file], missed)]
+    return stale
 
 
 def shortfall(counts, least):
@@ -134,11 +167,16 @@ def main():
 
     project = HERE.parent.parent
     excluded = read_exclusions(HERE / "exclusions.txt")
-    coverage = coverage_of(summary(arguments.build, arguments.compiler), project)
+    build, compiler = arguments.build, arguments.compiler
+    merge_profiles(build, compiler)
+    files = json.loads(llvm_cov(build, compiler, ["export", "--summary-only"]))["data"][0]["files"]
+    coverage = coverage_of(files, project)
+    wrong = excuse(coverage, [each for each in excluded if each[1]], lambda file: llvm_cov(
+        build, compiler, ["report", "--show-functions"], str(project / file)))
     print(f"{'file':<52}{'lines':^19}  {'branches':^19}  {'MC/DC':^19}")
     for name, counts in coverage.items():
         print(row(name, counts))
-    wrong = findings(coverage, project, excluded)
+    wrong += findings(coverage, project, [file for file, procedure in excluded if not procedure])
     if wrong:
         fail("; ".join(wrong))
 

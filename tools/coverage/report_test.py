@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of the gate of coverage: what its report finds fault with, and which compilations fail."""
+"""Tests of the coverage tool: what its report objects to, and which compilations fail."""
 
 import subprocess
 import tempfile
@@ -10,7 +10,7 @@ import report
 
 MEASURED = Path(__file__).resolve().parent / "measured.sh"
 FUNCTION = "inline int twice(int x) noexcept {\n    return 2 * x;\n}\n"
-DECLARATION = "// What twice(x) { would be } is told elsewhere.\nint twice(int x) noexcept;\n"
+DECLARATION = "// The body of twice(x) { ... } is elsewhere.\nint twice(int x) noexcept;\n"
 
 
 def counts(lines, branches=100, conditions=100):
@@ -66,10 +66,50 @@ class Project(unittest.TestCase):
 
     def test_an_exclusion_has_a_reason(self):
         path = self.write("exclusions.txt", "# comment\n\na.hpp: for a reason\n")
-        self.assertEqual(report.read_exclusions(path), ["a.hpp"])
+        self.assertEqual(report.read_exclusions(path), [("a.hpp", "")])
         path.write_text("a.hpp:\n", encoding="utf-8")
         with self.assertRaisesRegex(SystemExit, "no reason in 'a.hpp:'"):
             report.read_exclusions(path)
+
+
+TABLE = """File '/home/src/zktarn/code.hpp':
+Name            Regions    Miss   Cover     Lines    Miss   Cover  Branches    Miss   Cover  MC/DC Conditions    Miss   Cover
+-----------------------------------------------------------------------------------------------------------------------------
+_ZN1n5otherEi         4       0 100.00%         1       0 100.00%         2       0 100.00%                 0       0   0.00%
+_ZN1n6chooseEv        6       1  83.33%         3       1  66.67%         4       2  50.00%                 2       2   0.00%
+start                 1       0 100.00%         1       0 100.00%         0       0   0.00%                 0       0   0.00%
+-----------------------------------------------------------------------------------------------------------------------------
+TOTAL                11       1  90.91%         5       1  80.00%         6       2  66.67%                 2       2   0.00%
+"""
+
+
+class Procedures(unittest.TestCase):
+    """Procedures that are excluded, and nothing else of their files."""
+
+    def excuse(self, name, procedure):
+        coverage = {"src/zktarn/code.hpp": counts(99, 97, 98)}
+        stale = report.excuse(coverage, [(name, procedure)], lambda file: TABLE)
+        left = [c["count"] - c["covered"] for c in coverage["src/zktarn/code.hpp"]]
+        return stale, left
+
+    def test_what_an_excluded_procedure_misses_is_not_counted(self):
+        self.assertEqual(self.excuse("src/zktarn/code.hpp", "choose"), ([], [0, 1, 0]))
+
+    def test_a_procedure_that_misses_nothing_is_excluded_for_nothing(self):
+        for procedure in ("other", "start", "hoose", "gone"):
+            stale, left = self.excuse("src/zktarn/code.hpp", procedure)
+            self.assertEqual(stale, [f"{procedure} of src/zktarn/code.hpp is excluded for nothing"])
+            self.assertEqual(left, [1, 3, 2])
+
+    def test_a_procedure_of_a_file_that_is_not_counted_is_excluded_for_nothing(self):
+        stale, _ = self.excuse("src/zktarn/gone.cpp", "choose")
+        self.assertEqual(stale, ["choose of src/zktarn/gone.cpp is excluded for nothing"])
+
+    def test_an_exclusion_may_name_a_procedure(self):
+        with tempfile.TemporaryDirectory() as folder:
+            path = Path(folder) / "exclusions.txt"
+            path.write_text("a.cpp choose: for a reason\n", encoding="utf-8")
+            self.assertEqual(report.read_exclusions(path), [("a.cpp", "choose")])
 
 
 class Compilation(unittest.TestCase):
