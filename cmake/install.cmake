@@ -1,5 +1,5 @@
-# Installs the components `util` and `standin`: libraries, headers, one CMake package, pkg-config files
-# and pages. Nothing contains an absolute path, so the installed tree can be moved.
+# Installing: two components, `util` and `standin`, one CMake package and one pkg-config file, all of
+# them free of absolute paths.
 
 include(CMakePackageConfigHelpers)
 
@@ -20,9 +20,10 @@ install(EXPORT util COMPONENT util
 install(
   TARGETS
     zktarn_standin zktarn_standin_qv zktarn_standin_qvx zktarn_standin_ut
-    zktarn_standin_zkoptimutil
+    zktarn_standin_zkoptimutil zktarn_standin_records
   EXPORT standin COMPONENT standin
   LIBRARY DESTINATION "${standin_dir}"
+  ARCHIVE DESTINATION "${standin_dir}"
   FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(EXPORT standin COMPONENT standin
   DESTINATION "${package_dir}" NAMESPACE zktarn:: FILE zktarn_util-standin-targets.cmake)
@@ -40,28 +41,18 @@ install(
     "${PROJECT_BINARY_DIR}/zktarn_util-config-version.cmake"
   DESTINATION "${package_dir}" COMPONENT util)
 
-# The relative path from a pkg-config file to the prefix.
+# The way from the pkg-config file up to the prefix, so that the tree can be moved.
 file(RELATIVE_PATH pkg_config_to_prefix
   "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 string(REGEX REPLACE "/$" "" pkg_config_to_prefix "${pkg_config_to_prefix}")
 if(ZKTARN_CHECKED)
   set(pkg_config_definitions " -DZKTARN_CHECKED")
 endif()
-function(install_pkg_config name component)
+foreach(name IN ITEMS zktarn_util zktarn_standin)
   configure_file("cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
-  install(FILES "${PROJECT_BINARY_DIR}/${name}.pc"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${component})
-endfunction()
-install_pkg_config(zktarn_util util)
-install_pkg_config(zktarn_standin standin)
-if(ZKTARN_STATIC)
-  install_pkg_config(zktarn_util_static util)
-endif()
-
-# The pages keep their places relative to each other, so that their links hold.
-install(FILES README.md CHANGELOG.md SECURITY.md LICENSE
-  DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util)
-install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util
-  FILES_MATCHING PATTERN "*.md")
-install(FILES standin/README.md
-  DESTINATION "${CMAKE_INSTALL_DOCDIR}/standin" COMPONENT standin)
+endforeach()
+install(FILES "${PROJECT_BINARY_DIR}/zktarn_util.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT util)
+install(FILES "${PROJECT_BINARY_DIR}/zktarn_standin.pc"
+  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT standin)
+install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util)

@@ -1,20 +1,21 @@
 #include <algorithm>
 
-#include "core.hpp"
+#include "fault_report.hpp"
+#include "zktarn_standin/arrays.hpp"
 
 namespace zktarn::standin {
 
 namespace {
 
-void report(fault_kind kind, const char* sentence) {
-    report_fault({kind, {}, sentence});
+void report(fault_kind kind, const std::string& sentence) {
+    report_fault(fault_without_block(kind, sentence));
 }
 
 bool is_real(array_kind kind) {
     return kind == array_kind::real_matrix || kind == array_kind::real_scalar;
 }
 
-/// What is shown in place of something that is not there.
+/// The value of a field that does not exist.
 const array_value& nothing() {
     static const auto& value = *new array_value;
     return value;
@@ -24,7 +25,7 @@ const array_value& nothing() {
 
 double array_value::scalar() const {
     if (!is_real(kind) || reals_.size() != 1) {
-        report(fault_kind::wrong_kind, "an array was asked for its number, but has not just one");
+        report(fault_kind::wrong_kind, "scalar() was called for an array that is not one number");
         return 0.0;
     }
     return reals_.front();
@@ -32,21 +33,21 @@ double array_value::scalar() const {
 
 const std::vector<double>& array_value::reals() const& {
     if (!is_real(kind)) {
-        report(fault_kind::wrong_kind, "an array that is not real was asked for its numbers");
+        report(fault_kind::wrong_kind, "reals() was called for an array that is not real");
     }
     return reals_;
 }
 
 const std::string& array_value::text() const& {
     if (kind != array_kind::text) {
-        report(fault_kind::wrong_kind, "an array that is no text was asked for its characters");
+        report(fault_kind::wrong_kind, "text() was called for an array that is no text");
     }
     return text_;
 }
 
 std::vector<std::string> array_value::field_names() const {
     if (kind != array_kind::structure) {
-        report(fault_kind::wrong_kind, "an array that is no struct was asked for its fields");
+        report(fault_kind::wrong_kind, "field_names() was called for an array that is no struct");
     }
     std::vector<std::string> names;
     names.reserve(fields_.size());
@@ -58,7 +59,7 @@ std::vector<std::string> array_value::field_names() const {
 
 bool array_value::has_field(const std::string& name) const {
     if (kind != array_kind::structure) {
-        report(fault_kind::wrong_kind, "an array that is no struct was asked for its fields");
+        report(fault_kind::wrong_kind, "has_field() was called for an array that is no struct");
     }
     return std::any_of(fields_.begin(), fields_.end(),
                        [&](const auto& each) { return each.first == name; });
@@ -70,9 +71,8 @@ const array_value& array_value::field(const std::string& name) const& {
             return value;
         }
     }
-    report_fault({fault_kind::out_of_range,
-                  {},
-                  "an array was asked for its field '" + name + "', but has none of that name"});
+    report(fault_kind::out_of_range,
+           "field() was called for the field '" + name + "', which the array does not have");
     return nothing();
 }
 

@@ -1,36 +1,164 @@
 #pragma once
 
-#include <exception>
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <new>
+#include <optional>
+#include <stdexcept>
+#include <type_traits>
 
-#include "core.hpp"
+#include "call_counts.hpp"
+#include "call_observers.hpp"
+#include "fault_report.hpp"
+
+/// What every operation of the host does around its own work: it is counted, fails as planned, is
+/// logged, is answered by a script, and reports its faults with no lock held.
 
 namespace zktarn::standin {
 
-/// An operation of the host: counted, failing on demand, its faults reported with no lock held.
-///
-/// @param failed  the answer when it fails, when the work throws a fault, and when the process has
-///                no memory for it.
-template <class Result, class Work>
-Result attempt(operation what, Result failed, Work work) noexcept {
-    if (!fails(what)) {
-        try {
-            return work();
-        } catch (const fault& found) {
-            report_fault(found);
-        } catch (const std::exception&) {
-            // No memory, or no room for that many elements.
-        }
+/// The result of an operation without one.
+struct nothing {
+    bool operator==(const nothing&) const = default;
+};
+
+// Results as the log has them, and back.
+// -------------------------------------------------------------------------------------------
+
+template <class Result>
+answer answer_with(const Result& result) {
+    answer given;
+    if constexpr (std::is_pointer_v<Result>) {
+        given.address = const_cast<std::remove_const_t<std::remove_pointer_t<Result>>*>(result);
+    } else if constexpr (std::is_integral_v<Result>) {
+        given.number = result;
     }
-    note_failure(what);
-    return failed;
+    return given;
 }
 
-/// One without an answer.
-template <class Work>
-void attempt(operation what, Work work) noexcept {
-    attempt(what, 0, [&] {
+template <class Result>
+Result result_of(const answer& given) {
+    if constexpr (std::is_pointer_v<Result>) {
+        return static_cast<Result>(given.address);
+    } else if constexpr (std::is_same_v<Result, bool>) {
+        return given.number != 0;
+    } else if constexpr (std::is_integral_v<Result>) {
+        return static_cast<Result>(given.number);
+    } else {
+        return {};
+    }
+}
+
+// What an operation writes to its caller.
+// -------------------------------------------------------------------------------------------
+
+struct no_output {
+    void read(answer&) const {}
+    void write(const answer&) const {}
+};
+
+/// `count` numbers or handles that the operation writes; none for a count below 1.
+template <class T, std::vector<T> answer::*Part>
+class written_output {
+public:
+    written_output(T* data, std::int64_t count)
+        : data_(data), count_(static_cast<std::size_t>(std::max<std::int64_t>(count, 0))) {}
+
+    void read(answer& given) const { (given.*Part).assign(data_, data_ + count_); }
+    void write(const answer& given) const {
+        std::copy_n((given.*Part).begin(), std::min(count_, (given.*Part).size()), data_);
+    }
+
+private:
+    T* data_;
+    std::size_t count_;
+};
+
+using written_reals = written_output<double, &answer::reals>;
+using written_handles = written_output<std::int64_t, &answer::handles>;
+
+// The attempt
+// -------------------------------------------------------------------------------------------
+
+/// The result of the work; nothing when it throws a fault, which is reported, and when the process
+/// has no memory for it, or no room for that many elements.
+template <class Result, class Work>
+std::optional<Result> carried_out(Work& work) noexcept {
+    try {
+        return work();
+    } catch (const fault& found) {
+        report_fault(found);
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    } catch (const std::length_error&) {
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+/// The result of a call that is logged or scripted.
+template <class Result, class Arguments, class Output, class Work>
+std::optional<Result> observed(const Arguments& arguments, bool fails_now, const Output& output,
+                               Work& work) {
+    const host_call asked = arguments();
+    const std::int64_t position = log_call(asked);
+    std::optional<answer> given = fails_now ? std::nullopt : scripted_answer(asked);
+    std::optional<Result> result;
+    if (given) {
+        output.write(*given);
+        result = result_of<Result>(*given);
+    } else if (!fails_now) {
+        result = carried_out<Result>(work);
+        if (result) {
+            given = answer_with(*result);
+            output.read(*given);
+        }
+    }
+    if (given) {
+        log_result(position, *given);
+    }
+    return result;
+}
+
+/// Calls an operation of the host.
+///
+/// @param failed     its failure value
+/// @param arguments  makes the `host_call` of this call; called only when it is logged or scripted
+/// @param output     what it writes to the caller, for the log and for scripts
+/// @param work       does it
+template <class Result, class Arguments, class Output, class Work>
+Result attempt(operation what, Result failed, Arguments arguments, Output output,
+               Work work) noexcept {
+    const bool fails_now = fails(what);
+    std::optional<Result> result;
+    if (is_observed()) {
+        auto observe = [&] { return observed<Result>(arguments, fails_now, output, work); };
+        result = carried_out<std::optional<Result>>(observe).value_or(std::nullopt);
+        if (result && *result == failed) {
+            note_failure(what);
+        }
+    } else if (!fails_now) {
+        result = carried_out<Result>(work);
+    }
+    if (!result) {
+        note_failure(what);
+        return failed;
+    }
+    return *result;
+}
+
+/// An operation that writes nothing to its caller.
+template <class Result, class Arguments, class Work>
+Result attempt(operation what, Result failed, Arguments arguments, Work work) noexcept {
+    return attempt(what, failed, arguments, no_output(), work);
+}
+
+/// An operation without a result.
+template <class Arguments, class Work>
+void attempt(operation what, Arguments arguments, Work work) noexcept {
+    attempt(what, nothing(), arguments, no_output(), [&] {
         work();
-        return 0;
+        return nothing();
     });
 }
 

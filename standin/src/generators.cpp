@@ -6,54 +6,60 @@
 #include <random>
 #include <string>
 
-#include "core.hpp"
+#include "fault_report.hpp"
+#include "origin.hpp"
 
 namespace zktarn::standin {
 
 namespace {
 
-// The same numbers on every platform, and 19937 bits of state that a copy holds.
+// Draws the same numbers on every platform.
 using engine = std::mt19937_64;
 
-/// Generators or snapshots: both are an engine. What a solver has of one is its number, disguised
-/// as an address that is never used again.
+/// Generators or snapshots: both are an engine. Its handle is its number in the form of an address,
+/// which is never used again.
 class engines {
 public:
-    /// @param tag  tells the handles of one kind from those of another; less than `spacing`.
+    /// @param tag  distinguishes the handles of two kinds; less than `spacing`.
     engines(const char* what, operation made_by, std::uintptr_t tag)
         : what_(what), made_by_(made_by), tag_(tag) {}
 
     void* add(const engine& start) {
-        live_.emplace(made_ + 1, start);
+        live_.emplace(made_ + 1, live_engine{start, origin_now()});
         ++made_;
         return reinterpret_cast<void*>(static_cast<std::uintptr_t>(made_) * spacing + tag_);
     }
 
-    engine& at(operation by, const void* handle) {
+    engine& at(operation caller, const void* handle) {
         const auto found = live_.find(number_of(handle));
         if (found == live_.end()) {
-            refuse(by, handle);
+            refuse(caller, handle);
         }
-        return found->second;
+        return found->second.numbers;
     }
 
-    void remove(operation by, const void* handle) {
+    void remove(operation caller, const void* handle) {
         if (live_.erase(number_of(handle)) == 0) {
-            refuse(by, handle);
+            refuse(caller, handle);
         }
     }
 
     void list(std::vector<live_object>& all) const {
-        for (const auto& [number, numbers] : live_) {
-            all.push_back({made_by_, number, described(number)});
+        for (const auto& [number, each] : live_) {
+            all.push_back({made_by_, number, described(number), each.origin});
         }
     }
 
 private:
+    struct live_engine {
+        engine numbers;
+        call_stack origin;
+    };
+
     // Handles are aligned as addresses of engines would be.
     static constexpr std::uintptr_t spacing = 64;
 
-    /// 0 for what is no handle.
+    /// 0 for an address that is no handle.
     std::int64_t number_of(const void* handle) const {
         const auto bits = reinterpret_cast<std::uintptr_t>(handle);
         return bits % spacing == tag_ ? static_cast<std::int64_t>(bits / spacing) : 0;
@@ -64,13 +70,13 @@ private:
                ")";
     }
 
-    [[noreturn]] void refuse(operation by, const void* handle) const {
+    [[noreturn]] void refuse(operation caller, const void* handle) const {
         const std::int64_t number = number_of(handle);
         if (number >= 1 && number <= made_) {
-            standin::refuse(fault_kind::use_after_release, by,
+            standin::refuse(fault_kind::use_after_release, caller,
                             described(number) + " was used after it was deleted");
         }
-        standin::refuse(fault_kind::unknown_object, by,
+        standin::refuse(fault_kind::unknown_object, caller,
                         std::string("the address is that of no ") + what_);
     }
 
@@ -78,7 +84,7 @@ private:
     operation made_by_;
     std::uintptr_t tag_;
     std::int64_t made_ = 0;
-    std::map<std::int64_t, engine> live_;
+    std::map<std::int64_t, live_engine> live_;
 };
 
 struct all_engines {
@@ -92,7 +98,7 @@ all_engines& all() {
     return both;
 }
 
-/// Uniform in [0, 1): as many of the 64 bits as a real has digits.
+/// Uniform in [0, 1): the upper 53 of the 64 bits, as many as a double has digits.
 double uniform(engine& numbers) {
     return static_cast<double>(numbers() >> 11) * 0x1p-53;
 }
@@ -131,9 +137,9 @@ void* save_state(void* generator) {
 
 void restore_state(void* generator, void* state) {
     const std::lock_guard guard(all().lock);
-    constexpr operation by = operation::setRngStateOptim;
-    engine& numbers = all().generators.at(by, generator);
-    numbers = all().states.at(by, state);
+    constexpr operation caller = operation::setRngStateOptim;
+    engine& numbers = all().generators.at(caller, generator);
+    numbers = all().states.at(caller, state);
 }
 
 void delete_state(void* state) {

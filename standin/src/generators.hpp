@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
+
+#include "zktarn_standin/leaks.hpp"
 
 namespace zktarn::standin {
 
@@ -12,5 +15,7 @@ void delete_generator(void* generator);
 void* save_state(void* generator);
 void restore_state(void* generator, void* state);
 void delete_state(void* state);
+
+void list_generators(std::vector<live_object>& objects);
 
 } // namespace zktarn::standin

@@ -1,15 +1,17 @@
 #include "zktarn/host/libut.hpp"
 
 #include "attempt.hpp"
-#include "interrupts.hpp"
+#include "interrupt_poll.hpp"
 
 namespace zktarn::host {
 
 extern "C" {
 
 bool utIsInterruptPending() noexcept {
-    return standin::attempt(standin::operation::utIsInterruptPending, false,
-                            [] { return standin::take_interrupt(); });
+    constexpr auto what = standin::operation::utIsInterruptPending;
+    return standin::attempt(
+        what, false, [] { return standin::host_call{what}; },
+        [] { return standin::take_interrupt(); });
 }
 }
 

@@ -1,67 +1,117 @@
 #include "zktarn/host/libzkoptimutil.hpp"
 
 #include "attempt.hpp"
-#include "console.hpp"
+#include "block_table.hpp"
+#include "console_output.hpp"
 #include "generators.hpp"
-#include "memory_manager.hpp"
 
 namespace zktarn::host {
 
 using standin::attempt;
+using standin::host_call;
 using standin::operation;
 
 namespace {
 
 constexpr void* none = nullptr;
 
+/// A call that has addresses for arguments, and nothing else.
+host_call of_addresses(operation what, std::initializer_list<const void*> addresses) {
+    return {what, {}, {}, {}, addresses};
+}
+
 } // namespace
 
 extern "C" {
 
 void* qvMallocExOptim(std::int64_t nbytes) noexcept {
-    return attempt(operation::qvMallocExOptim, none, [=] { return standin::obtain(nbytes); });
+    constexpr operation what = operation::qvMallocExOptim;
+    return attempt(
+        what, none,
+        [=] {
+            return host_call{what, {nbytes}};
+        },
+        [=] { return standin::obtain(nbytes); });
 }
 
 void qvFreeExOptim(void* address) noexcept {
-    attempt(operation::qvFreeExOptim, [=] { standin::release(address); });
+    constexpr operation what = operation::qvFreeExOptim;
+    attempt(
+        what, [=] { return of_addresses(what, {address}); }, [=] { standin::release(address); });
 }
 
 void* instantiateRngOptim(std::int32_t seed) noexcept {
-    return attempt(operation::instantiateRngOptim, none,
-                   [=] { return standin::make_generator(seed); });
+    constexpr operation what = operation::instantiateRngOptim;
+    return attempt(
+        what, none,
+        [=] {
+            return host_call{what, {seed}};
+        },
+        [=] { return standin::make_generator(seed); });
 }
 
 void deleteRngOptim(void* generator) noexcept {
-    attempt(operation::deleteRngOptim, [=] { standin::delete_generator(generator); });
+    constexpr operation what = operation::deleteRngOptim;
+    attempt(
+        what, [=] { return of_addresses(what, {generator}); },
+        [=] { standin::delete_generator(generator); });
 }
 
 void getRandUniformOptim(void* generator, double* values, const std::int64_t* count) noexcept {
-    attempt(operation::getRandUniformOptim, [=] { standin::draw(generator, values, *count); });
+    constexpr operation what = operation::getRandUniformOptim;
+    attempt(
+        what, standin::nothing(),
+        [=] {
+            return host_call{what, {*count}, {}, {}, {generator}};
+        },
+        standin::written_reals(values, *count),
+        [=] {
+            standin::draw(generator, values, *count);
+            return standin::nothing();
+        });
 }
 
 void* getRngStateOptim(void* generator) noexcept {
-    return attempt(operation::getRngStateOptim, none,
-                   [=] { return standin::save_state(generator); });
+    constexpr operation what = operation::getRngStateOptim;
+    return attempt(
+        what, none, [=] { return of_addresses(what, {generator}); },
+        [=] { return standin::save_state(generator); });
 }
 
 void setRngStateOptim(void* generator, void* state) noexcept {
-    attempt(operation::setRngStateOptim, [=] { standin::restore_state(generator, state); });
+    constexpr operation what = operation::setRngStateOptim;
+    attempt(
+        what,
+        [=] {
+            return of_addresses(what, {generator, state});
+        },
+        [=] { standin::restore_state(generator, state); });
 }
 
 void deleteRngStateOptim(void* state) noexcept {
-    attempt(operation::deleteRngStateOptim, [=] { standin::delete_state(state); });
+    constexpr operation what = operation::deleteRngStateOptim;
+    attempt(
+        what, [=] { return of_addresses(what, {state}); }, [=] { standin::delete_state(state); });
 }
 
 void assertOptim(bool condition) noexcept {
-    attempt(operation::assertOptim, [=] {
-        if (!condition) {
-            standin::report_failed_assertion();
-        }
-    });
+    constexpr operation what = operation::assertOptim;
+    attempt(
+        what,
+        [=] {
+            return host_call{what, {condition ? 1 : 0}};
+        },
+        [=] {
+            if (!condition) {
+                standin::report_failed_assertion();
+            }
+        });
 }
 
 void ioFlushOptim() noexcept {
-    attempt(operation::ioFlushOptim, [] { standin::flush_console(); });
+    constexpr operation what = operation::ioFlushOptim;
+    attempt(
+        what, [] { return host_call{what}; }, [] { standin::flush_console(); });
 }
 }
 

@@ -34,7 +34,7 @@ SCHEMA = json.loads((HERE / "report.schema.json").read_text(encoding="utf-8"))
 TABLE = ["model", "rows", "columns", "lp_bound", "bound", "optimum", "gap", "cuts", "seconds",
          "end"]
 ROUND = ["round", "bound", "gap", "found", "kept", "separation_ms", "lp_ms"]
-NO_LEAK = re.compile(r"host memory: \d+ requests, 0 refused, 0 blocks not given back")
+NO_LEAK = re.compile(r"host memory: \d+ requests, 0 refused, 0 blocks not released")
 CALL_TIMEOUT = 60  # seconds
 
 # CoinMpsIO leaks memory on some invalid files. A leak checker has to ignore that.

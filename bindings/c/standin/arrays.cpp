@@ -1,6 +1,6 @@
 /// Arrays of the stand-in host, and functions of its language, in C.
 
-#include "zktarn_standin/arrays.hpp"
+#include "zktarn_standin/functions.hpp"
 
 #include <string>
 #include <utility>

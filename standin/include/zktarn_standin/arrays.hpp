@@ -1,31 +1,27 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
-#include <type_traits>
 #include <utility>
-#include <variant>
 #include <vector>
 
-/// Arrays of the stand-in host, and functions of its language.
+/// Arrays of the stand-in host.
 
 namespace zktarn::standin {
 
 enum class array_kind { structure, real_matrix, real_scalar, text };
 
-/// An array of the host as it was when it was looked at, with everything that it owns. It can be
-/// kept: it is a copy.
+/// A copy of a host array and of everything that it owns, made when the array was inspected.
 ///
-/// What is asked of an array that is of another kind, or of a field that is not there, is a fault
-/// (`wrong_kind`, `out_of_range`), and the answer is then 0.0, no numbers, no text, no fields.
+/// Reading a value of another kind, or a field that is not there, is a fault (`wrong_kind`,
+/// `out_of_range`); the result is then 0.0, no numbers, no text or no fields.
 class array_value {
 public:
     array_kind kind = array_kind::real_matrix;
     std::int64_t rows = 0;
     std::int64_t columns = 0;
 
-    /// The number in a real array that has just one.
+    /// The number in a real array of one element.
     [[nodiscard]] double scalar() const;
     /// The numbers of a real array, column by column.
     [[nodiscard]] const std::vector<double>& reals() const&;
@@ -51,36 +47,8 @@ private:
     std::vector<std::pair<std::string, array_value>> fields_;
 };
 
-/// A live array, by its handle. An unknown handle is a fault, and the answer an empty real array.
+/// A copy of the live array with that handle. An unknown handle is a fault; the result is then an
+/// empty real array.
 [[nodiscard]] array_value inspect(std::int64_t handle);
-
-/// What a function of the host's language returns: a real scalar, a real column (an empty one is
-/// allowed) or a text.
-class reply {
-public:
-    using content = std::variant<double, std::vector<double>, std::string>;
-
-    /// Any number, and a truth as 1 or 0.
-    template <class Number>
-    reply(Number scalar) requires std::is_arithmetic_v<Number>
-        : content_(static_cast<double>(scalar)) {}
-    reply(std::vector<double> column) : content_(std::move(column)) {}
-    reply(std::string text) : content_(std::move(text)) {}
-    reply(const char* text) : content_(std::string(text)) {}
-
-    [[nodiscard]] const content& contents() const { return content_; }
-
-private:
-    content content_;
-};
-
-/// A function of the host's language, written in C++: one input, one output. It runs on the thread
-/// that calls it, with no lock of the stand-in held. One that throws is a fault, and its call
-/// fails.
-using host_function = std::function<reply(const array_value& input)>;
-
-/// Registers a function under a name and returns the one that had it before, if any. An empty one
-/// takes the name out. A bridge calls "tarnCallback".
-host_function set_function(const std::string& name, host_function function);
 
 } // namespace zktarn::standin

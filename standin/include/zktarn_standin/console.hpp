@@ -9,23 +9,24 @@ namespace zktarn::standin {
 enum class console {
     /// Text goes to standard output.
     show,
-    /// Text is kept.
+    /// Text is captured.
     capture,
     /// Both.
     mirror,
 };
 
-/// Chooses where text of the console goes and returns the previous choice. `show` at the beginning.
-/// What has been kept stays.
-console set_console(console where);
+/// Chooses the destination of console text and returns the previous one. Initially `show`. Text
+/// captured so far stays; `reset` forgets the text and keeps the choice.
+console set_console(console destination);
 
-/// The text kept so far.
+/// The text captured so far.
 [[nodiscard]] std::string console_text();
 
-/// The part of that text that was there at the last flush. The console itself is flushed then.
+/// The part of that text that had been captured at the last flush. A flush also flushes standard
+/// output.
 [[nodiscard]] std::string flushed_console_text();
 
-/// Forgets the text.
+/// Forgets the captured text.
 void clear_console();
 
 } // namespace zktarn::standin

@@ -4,24 +4,25 @@
 
 /// Interrupts of the computation by the user.
 ///
-/// A poll (`utIsInterruptPending`) answers true once for an interrupt, whatever it came from, and
-/// false until there is another one.
+/// A poll (`utIsInterruptPending`) returns true once for each interrupt, whatever caused it.
 
 namespace zktarn::standin {
 
-/// Asks for an interrupt, as a user would. Callable from a signal handler.
+/// Requests an interrupt, as a user would. Callable from a signal handler.
 void raise_interrupt() noexcept;
 
-/// Makes the k-th poll from now answer true: 1 is the next one. Replaces what was planned before;
-/// k < 1 plans none.
+/// Makes the k-th poll from now return true: 1 is the next one. Replaces an earlier plan; k < 1
+/// plans no interrupt.
 void interrupt_at_poll(std::int64_t k) noexcept;
 
-/// Whether Ctrl-C (SIGINT) asks for an interrupt instead of ending the process. The first poll
-/// turns it on, unless it has been turned off or on before or SIGINT is ignored. Turning it off
-/// restores the handler that was there, unless the program has installed another one since. Returns
-/// the previous setting.
+/// Chooses whether Ctrl-C (SIGINT) requests an interrupt instead of ending the process. Returns the
+/// previous setting.
 ///
-/// A second SIGINT within two seconds restores that handler and goes to it: by default it ends the
+/// The first poll switches it on, unless this procedure was called before or SIGINT is ignored.
+/// Switching it off restores the previous handler of SIGINT, unless the program has installed
+/// another one since.
+///
+/// A second SIGINT within two seconds restores that handler and runs it: by default it ends the
 /// process.
 bool listen_for_sigint(bool on) noexcept;
 

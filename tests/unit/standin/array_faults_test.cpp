@@ -268,7 +268,7 @@ TEST_F(ArrayFaults, OnlyRealMatricesAreKnown) {
     for (const std::int32_t complexity : {1, -1}) {
         EXPECT_EQ(make_matrix(1, 1, complexity), 0);
         expect_fault(fault_kind::bad_request,
-                     "qvcreatedoublematrix800_: only real matrices are known here");
+                     "qvcreatedoublematrix800_: the stand-in has real matrices only");
     }
 }
 

@@ -32,33 +32,33 @@ protected:
     void expect_no_number(const array_value& value) {
         EXPECT_EQ(value.scalar(), 0.0);
         expect_fault(fault_kind::wrong_kind,
-                     "an array was asked for its number, but has not just one");
+                     "scalar() was called for an array that is not one number");
     }
 
     void expect_no_numbers(const array_value& value) {
         EXPECT_TRUE(value.reals().empty());
-        expect_fault(fault_kind::wrong_kind, "an array that is not real was asked for its numbers");
+        expect_fault(fault_kind::wrong_kind, "reals() was called for an array that is not real");
     }
 
     void expect_no_characters(const array_value& value) {
         EXPECT_EQ(value.text(), "");
-        expect_fault(fault_kind::wrong_kind,
-                     "an array that is no text was asked for its characters");
+        expect_fault(fault_kind::wrong_kind, "text() was called for an array that is no text");
     }
 
     void expect_no_fields(const array_value& value) {
-        const std::string sentence = "an array that is no struct was asked for its fields";
         EXPECT_TRUE(value.field_names().empty());
-        expect_fault(fault_kind::wrong_kind, sentence);
+        expect_fault(fault_kind::wrong_kind,
+                     "field_names() was called for an array that is no struct");
         EXPECT_FALSE(value.has_field("x"));
-        expect_fault(fault_kind::wrong_kind, sentence);
+        expect_fault(fault_kind::wrong_kind,
+                     "has_field() was called for an array that is no struct");
         expect_no_field(value, "x");
     }
 
     void expect_no_field(const array_value& value, const std::string& name) {
         const array_value& none = value.field(name);
-        expect_fault(fault_kind::out_of_range,
-                     "an array was asked for its field '" + name + "', but has none of that name");
+        expect_fault(fault_kind::out_of_range, "field() was called for the field '" + name +
+                                                   "', which the array does not have");
         EXPECT_EQ(none.kind, array_kind::real_matrix);
         EXPECT_EQ(none.rows, 0);
         EXPECT_EQ(none.columns, 0);

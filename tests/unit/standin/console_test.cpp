@@ -103,15 +103,16 @@ TEST_F(Console, KnowsWhatWasThereAtTheLastFlush) {
     EXPECT_EQ(flushed_console_text(), "abc");
 }
 
-TEST_F(Console, ResetShowsAgainAndForgets) {
+TEST_F(Console, ResetForgetsTheTextAndKeepsTheChoice) {
     set_console(console::capture);
     print_text("a");
     host::ioFlushOptim();
     reset();
     EXPECT_EQ(console_text(), "");
     EXPECT_EQ(flushed_console_text(), "");
-    EXPECT_EQ(shown_by([] { print_text("b"); }), "b");
-    EXPECT_EQ(console_text(), "");
+    EXPECT_EQ(shown_by([] { print_text("b"); }), "");
+    EXPECT_EQ(console_text(), "b");
+    EXPECT_EQ(set_console(console::show), console::capture);
 }
 
 /// What comes out of a pipe until nobody can write into it any more.

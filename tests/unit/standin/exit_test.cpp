@@ -34,7 +34,7 @@ void print(const std::string& text) {
 
 TEST_F(ExitDeathTest, TheMemoryReportOfAFreshProcess) {
     EXPECT_EXIT((print(memory_report()), end()), testing::ExitedWithCode(status),
-                exactly("host memory: 0 requests, 0 refused, 0 blocks not given back\n"));
+                exactly("host memory: 0 requests, 0 refused, 0 blocks not released\n"));
 }
 
 TEST_F(ExitDeathTest, TheMemoryReportCountsAndListsLiveBlocksByOrderNumber) {
@@ -52,7 +52,7 @@ TEST_F(ExitDeathTest, TheMemoryReportCountsAndListsLiveBlocksByOrderNumber) {
             end();
         },
         testing::ExitedWithCode(status),
-        exactly("host memory: 5 requests, 2 refused, 2 blocks not given back\n"
+        exactly("host memory: 5 requests, 2 refused, 2 blocks not released\n"
                 "  block 1: 1 byte\n"
                 "  block 4: 4096 bytes\n"));
 }
@@ -65,7 +65,7 @@ TEST_F(ExitDeathTest, ALeakIsReportedAndTheExitStatusKept) {
             end();
         },
         testing::ExitedWithCode(status),
-        exactly("host memory: 2 requests, 0 refused, 1 block not given back\n"
+        exactly("host memory: 2 requests, 0 refused, 1 block not released\n"
                 "  block 2: 24 bytes\n"));
 }
 
@@ -97,7 +97,7 @@ TEST_F(ExitDeathTest, ResetTurnsTheReportOn) {
             end();
         },
         testing::ExitedWithCode(status),
-        exactly("host memory: 1 request, 0 refused, 1 block not given back\n"
+        exactly("host memory: 1 request, 0 refused, 1 block not released\n"
                 "  block 1: 8 bytes\n"));
 }
 
@@ -119,7 +119,7 @@ TEST_F(ExitDeathTest, DamageFoundAtExitIsToldToTheHandlerBeforeTheReport) {
         },
         testing::ExitedWithCode(status),
         exactly("block 1 (8 bytes) was written past its end\n"
-                "host memory: 1 request, 0 refused, 1 block not given back\n"
+                "host memory: 1 request, 0 refused, 1 block not released\n"
                 "  block 1: 8 bytes\n"));
 }
 

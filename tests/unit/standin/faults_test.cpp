@@ -47,10 +47,10 @@ TEST_F(Faults, ARequestForLessThanOneByteIsBad) {
     const std::int64_t before = requests();
     EXPECT_EQ(qvMallocExOptim(0), nullptr);
     expect_fault(fault_kind::bad_request, {},
-                 "a block of 0 bytes was asked for; at least 1 is needed");
+                 "a block of 0 bytes was requested; at least 1 is needed");
     EXPECT_EQ(qvMallocExOptim(-8), nullptr);
     expect_fault(fault_kind::bad_request, {},
-                 "a block of -8 bytes was asked for; at least 1 is needed");
+                 "a block of -8 bytes was requested; at least 1 is needed");
     EXPECT_EQ(requests(), before);
 }
 
@@ -69,10 +69,10 @@ TEST_F(Faults, ABlockGivenBackTwiceIsNamedWithSizeAndNumber) {
     EXPECT_TRUE(faults.empty());
     qvFreeExOptim(address);
     expect_fault(fault_kind::double_free, {address, 24, order},
-                 last("24 bytes") + " was given back twice");
+                 last("24 bytes") + " was released twice");
     qvFreeExOptim(address);
     expect_fault(fault_kind::double_free, {address, 24, order},
-                 last("24 bytes") + " was given back twice");
+                 last("24 bytes") + " was released twice");
 }
 
 TEST_F(Faults, ABlockGivenBackTwiceIsSeenAfterOtherRequestsToo) {
@@ -84,7 +84,7 @@ TEST_F(Faults, ABlockGivenBackTwiceIsSeenAfterOtherRequestsToo) {
     void* const other = take(large);
     ASSERT_NE(other, address);
     qvFreeExOptim(address);
-    expect_fault(fault_kind::double_free, first, first_name + " was given back twice");
+    expect_fault(fault_kind::double_free, first, first_name + " was released twice");
     qvFreeExOptim(other);
     EXPECT_TRUE(faults.empty());
 }
@@ -95,7 +95,7 @@ TEST_F(Faults, ABlockOfOneByteIsNamedInTheSingular) {
     qvFreeExOptim(address);
     qvFreeExOptim(address);
     expect_fault(fault_kind::double_free, {address, 1, order},
-                 last("1 byte") + " was given back twice");
+                 last("1 byte") + " was released twice");
 }
 
 /// A new block at `address`, where a block of the same size has been given back; null when there is
@@ -126,14 +126,14 @@ TEST_F(Faults, AnAddressHandedOutAgainCanBeGivenBackAgain) {
     EXPECT_TRUE(faults.empty());
     qvFreeExOptim(address);
     expect_fault(fault_kind::double_free, {address, large, order},
-                 "block " + std::to_string(order) + " (100000000 bytes) was given back twice");
+                 "block " + std::to_string(order) + " (100000000 bytes) was released twice");
 }
 
 TEST_F(Faults, AnAddressOfTheStackIsForeign) {
     int local = 0;
     qvFreeExOptim(&local);
     expect_fault(fault_kind::foreign_free, {&local, 0, 0},
-                 "an address that the memory manager never handed out was given back");
+                 "an address that the memory manager never handed out was released");
 }
 
 // Blocks begin at multiples of 64 bytes. The addresses in the next two tests are none, so none of
@@ -146,7 +146,7 @@ TEST_F(Faults, AnAddressInsideABlockIsForeignAndNamesTheBlock) {
     for (const int offset : {1, 63, 99}) {
         qvFreeExOptim(bytes + offset);
         expect_fault(fault_kind::foreign_free, whole,
-                     "an address inside " + last("100 bytes") + " was given back");
+                     "an address inside " + last("100 bytes") + " was released");
     }
     EXPECT_EQ(live_blocks().size(), 2u);
     qvFreeExOptim(bytes);
@@ -159,7 +159,7 @@ TEST_F(Faults, AnAddressJustOutsideABlockIsForeignAndNamesNone) {
     for (const int offset : {-63, -1, 100, 163}) {
         qvFreeExOptim(bytes + offset);
         expect_fault(fault_kind::foreign_free, {bytes + offset, 0, 0},
-                     "an address that the memory manager never handed out was given back");
+                     "an address that the memory manager never handed out was released");
     }
     qvFreeExOptim(bytes);
     EXPECT_TRUE(faults.empty());

@@ -51,8 +51,7 @@ protected:
         EXPECT_EQ(call_function(name, input, output), 1);
         EXPECT_EQ(output, unwritten);
         expect_fault(fault_kind::unknown_function,
-                     "the host-language function '" + name +
-                         "' was called, but nobody has registered it");
+                     "the host-language function '" + name + "' was called, but is not registered");
     }
 
     array_handle input = 0;
@@ -198,7 +197,7 @@ TEST_F(Functions, OneInputAndOneOutputAreNeeded) {
         EXPECT_EQ(host::qvxcallquarn800_(noutputs, outputs, ninputs, inputs, "f", 1), 1);
         EXPECT_EQ(outputs[0], unwritten);
         expect_fault(fault_kind::bad_request,
-                     "qvxcallquarn800_: functions have one input and one output here");
+                     "qvxcallquarn800_: functions of the stand-in have one input and one output");
     }
 }
 

@@ -104,7 +104,7 @@ TEST_F(LiveObjectsAtExitDeathTest, AreReportedWithoutAnyBlock) {
             std::exit(status);
         },
         testing::ExitedWithCode(status),
-        exactly("host memory: 0 requests, 0 refused, 0 blocks not given back\n"
+        exactly("host memory: 0 requests, 0 refused, 0 blocks not released\n"
                 "  generator 1 (made by instantiateRngOptim)\n"
                 "  snapshot 1 (made by getRngStateOptim)\n"
                 "  array 2 (a real matrix made by qvcreatedoublematrix800_)\n"));
@@ -118,7 +118,7 @@ TEST_F(LiveObjectsAtExitDeathTest, AreReportedBehindTheBlocks) {
             std::exit(status);
         },
         testing::ExitedWithCode(status),
-        exactly("host memory: 1 request, 0 refused, 1 block not given back\n"
+        exactly("host memory: 1 request, 0 refused, 1 block not released\n"
                 "  block 1: 1 byte\n"
                 "  array 1 (a struct made by qvcreatestructarray800_)\n"));
 }

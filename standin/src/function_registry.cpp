@@ -1,10 +1,14 @@
-#include "functions.hpp"
+#include "function_registry.hpp"
 
 #include <exception>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <utility>
+
+#include "fault_report.hpp"
+#include "origin.hpp"
+#include "zktarn_standin/functions.hpp"
 
 namespace zktarn::standin {
 
@@ -20,19 +24,19 @@ registry& registered() {
     return all;
 }
 
-constexpr operation by = operation::qvxcallquarn800_;
+constexpr operation caller = operation::qvxcallquarn800_;
 
 struct make_array {
     array_handle operator()(double value) const {
-        return array_table::instance().add_real(by, 1, 1, {value}, array_kind::real_scalar);
+        return array_table::instance().add_real(caller, 1, 1, {value}, array_kind::real_scalar);
     }
     array_handle operator()(std::vector<double> column) const {
         const auto rows = static_cast<std::int64_t>(column.size());
-        return array_table::instance().add_real(by, rows, 1, std::move(column),
+        return array_table::instance().add_real(caller, rows, 1, std::move(column),
                                                 array_kind::real_matrix);
     }
     array_handle operator()(std::string text) const {
-        stored_array made{array_kind::text, by, 1, static_cast<std::int64_t>(text.size())};
+        stored_array made{array_kind::text, caller, 1, static_cast<std::int64_t>(text.size())};
         made.text = std::move(text);
         return array_table::instance().add(std::move(made));
     }
@@ -49,12 +53,12 @@ reply call(const host_function& function, const std::string& name, const array_v
     try {
         return function(argument);
     } catch (const std::exception& thrown) {
-        throw fault{fault_kind::function_threw,
-                    {},
-                    "the host-language function '" + name + "' threw: " + thrown.what()};
+        throw fault_without_block(fault_kind::function_threw, "the host-language function '" +
+                                                                  name +
+                                                                  "' threw: " + thrown.what());
     } catch (...) {
-        throw fault{
-            fault_kind::function_threw, {}, "the host-language function '" + name + "' threw"};
+        throw fault_without_block(fault_kind::function_threw,
+                                  "the host-language function '" + name + "' threw");
     }
 }
 
@@ -70,21 +74,20 @@ host_function set_function(const std::string& name, host_function function) {
 }
 
 void reset_functions() {
-    // What they hold goes with no lock held.
-    std::map<std::string, std::shared_ptr<host_function>> gone;
+    // Destroyed behind the lock: a function may own anything.
+    std::map<std::string, std::shared_ptr<host_function>> removed;
     const std::lock_guard guard(registered().lock);
-    registered().functions.swap(gone);
+    registered().functions.swap(removed);
 }
 
 array_handle call_function(const std::string& name, array_handle input) {
     const std::shared_ptr<host_function> function = find(name);
     if (!function) {
-        throw fault{fault_kind::unknown_function,
-                    {},
-                    "the host-language function '" + name +
-                        "' was called, but nobody has registered it"};
+        throw fault_without_block(fault_kind::unknown_function,
+                                  "the host-language function '" + name +
+                                      "' was called, but is not registered");
     }
-    const array_value argument = array_table::instance().value_of(standin::name(by), input);
+    const array_value argument = array_table::instance().value_of(standin::name(caller), input);
     return std::visit(make_array{}, call(*function, name, argument).contents());
 }
 

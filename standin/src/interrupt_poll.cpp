@@ -1,4 +1,4 @@
-#include "interrupts.hpp"
+#include "interrupt_poll.hpp"
 
 #include <atomic>
 #include <cerrno>
@@ -7,7 +7,7 @@
 #include <signal.h>
 #include <time.h>
 
-#include "core.hpp"
+#include "zktarn_standin/interrupts.hpp"
 
 namespace zktarn::standin {
 
@@ -21,8 +21,8 @@ static_assert(std::atomic<std::int64_t>::is_always_lock_free);
 
 std::atomic<std::int64_t> polls_to_interrupt = 0;
 
-/// Polls and settings change the handler; the signal itself does not take the lock. Never
-/// destroyed, since a solver may poll while the process winds down.
+/// Held by polls and settings, which change the handler; the signal handler does not take it. Never
+/// destroyed, because a solver may poll while the process winds down.
 std::mutex& handler_lock() {
     static auto& lock = *new std::mutex;
     return lock;
@@ -30,7 +30,7 @@ std::mutex& handler_lock() {
 
 struct sigaction previous_handler;
 std::atomic<bool> listening = false;
-// Whether it has been decided, by a call or by the first poll, who gets SIGINT.
+// Whether a call or the first poll has decided who receives SIGINT.
 bool settled = false;
 
 std::int64_t nanoseconds_now() noexcept {
@@ -46,7 +46,7 @@ void on_sigint(int) {
     const std::int64_t now = nanoseconds_now();
     const std::int64_t before = last_signal.exchange(now);
     if (before != 0 && now - before < two_seconds) {
-        // Blocked until this handler returns, and then it goes where it went before.
+        // Blocked until this handler returns; the previous handler receives it then.
         sigaction(SIGINT, &previous_handler, nullptr);
         listening = false;
         raise(SIGINT);
@@ -66,7 +66,7 @@ void start_listening() noexcept {
     ours.sa_flags = SA_RESTART;
     sigemptyset(&ours.sa_mask);
     last_signal = 0;
-    // Known before it is needed: a signal may come at once.
+    // First, because a signal may arrive as soon as the handler is installed.
     sigaction(SIGINT, nullptr, &previous_handler);
     sigaction(SIGINT, &ours, nullptr);
     listening = true;
@@ -88,14 +88,14 @@ void set_listening(bool on) noexcept {
     }
 }
 
-/// A program that was started with SIGINT ignored, in the background, keeps it so.
+/// A program that was started with SIGINT ignored, as in the background, goes on ignoring it.
 bool is_ignored() noexcept {
     struct sigaction installed = {};
     sigaction(SIGINT, nullptr, &installed);
     return installed.sa_handler == SIG_IGN;
 }
 
-/// Counts a poll, and tells whether it is the one that was to find an interrupt.
+/// Counts a poll and returns whether an interrupt was planned for it.
 bool is_planned_poll() noexcept {
     return polls_to_interrupt > 0 && polls_to_interrupt.fetch_sub(1) == 1;
 }

@@ -1,8 +1,7 @@
-#include "memory_manager.hpp"
+#include "block_table.hpp"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <limits>
@@ -15,7 +14,10 @@
 #include <sys/mman.h>
 #endif
 
-#include "core.hpp"
+#include "fault_report.hpp"
+#include "origin.hpp"
+#include "wording.hpp"
+#include "zktarn_standin/blocks.hpp"
 
 namespace zktarn::standin {
 
@@ -35,10 +37,10 @@ constexpr std::size_t huge_page = std::size_t{2} << 20;
 constexpr std::int64_t largest_block = std::numeric_limits<std::int64_t>::max() -
                                        static_cast<std::int64_t>(2 * guard_size + huge_page);
 
-struct memory {
+struct block_table {
     std::mutex lock;
     std::unordered_map<const void*, block> live;
-    // Blocks given back whose address has not been handed out again.
+    // Released blocks whose address has not been handed out again.
     std::unordered_map<const void*, block> freed;
     std::int64_t requests = 0;
     std::int64_t refusals = 0;
@@ -47,12 +49,11 @@ struct memory {
     std::int64_t last_failing = -1;
     int fill = -1;
     bool huge_pages = true;
-    bool report_at_exit = true;
 };
 
-/// Never destroyed, so that blocks given back late are still known.
-memory& manager() {
-    static memory& all = *new memory;
+/// Never destroyed, so that blocks released late are still known.
+block_table& table() {
+    static block_table& all = *new block_table;
     return all;
 }
 
@@ -115,41 +116,42 @@ void* allocate(std::int64_t nbytes, bool huge_pages) {
     return start + guard_size;
 }
 
-/// The fault of a block whose guards have been written; the guards are mended, so that it is told
-/// once.
+/// The fault of a block whose guards were written. Restores the guards, so that the damage is
+/// reported once.
 std::optional<fault> damage(const block& b) {
     unsigned char* const before = raw(b);
     unsigned char* const behind = before + guard_size + b.nbytes;
     std::optional<fault> found;
     if (!intact(behind)) {
-        found = fault{fault_kind::write_past_end, b, describe(b) + " was written past its end"};
+        found = fault{fault_kind::write_past_end, b, describe(b) + " was written past its end",
+                      b.origin};
     } else if (!intact(before)) {
-        found =
-            fault{fault_kind::write_before_start, b, describe(b) + " was written before its start"};
+        found = fault{fault_kind::write_before_start, b,
+                      describe(b) + " was written before its start", b.origin};
     }
     set_guard(before);
     set_guard(behind);
     return found;
 }
 
-/// The fault of giving back an address at which no live block begins.
-fault bad_release(const memory& m, const void* address) {
+/// The fault of releasing an address at which no live block starts.
+fault bad_release(const block_table& m, const void* address) {
     if (const auto old = m.freed.find(address); old != m.freed.end()) {
-        return {fault_kind::double_free, old->second,
-                describe(old->second) + " was given back twice"};
+        return {fault_kind::double_free, old->second, describe(old->second) + " was released twice",
+                old->second.origin};
     }
     for (const auto& [start, b] : m.live) {
         const auto* const first = static_cast<const unsigned char*>(start);
         if (std::less<>{}(first, address) && std::less<>{}(address, first + b.nbytes)) {
             return {fault_kind::foreign_free, b,
-                    "an address inside " + describe(b) + " was given back"};
+                    "an address inside " + describe(b) + " was released", b.origin};
         }
     }
     return {fault_kind::foreign_free, block{address, 0, 0},
-            "an address that the memory manager never handed out was given back"};
+            "an address that the memory manager never handed out was released"};
 }
 
-std::vector<block> sorted_blocks(const memory& m) {
+std::vector<block> sorted_blocks(const block_table& m) {
     std::vector<block> all;
     all.reserve(m.live.size());
     for (const auto& [address, b] : m.live) {
@@ -160,19 +162,8 @@ std::vector<block> sorted_blocks(const memory& m) {
     return all;
 }
 
-/// Runs when the process unloads this library, after every destructor of the program.
-[[gnu::destructor]] void report_leaks() {
-    if (!report_at_exit(false)) {
-        return;
-    }
-    check_blocks();
-    if (!live_blocks().empty() || !live_objects().empty()) {
-        std::fputs(report().c_str(), stderr);
-    }
-}
-
 void plan_failures(std::int64_t k, bool lasting) noexcept {
-    memory& m = manager();
+    block_table& m = table();
     const std::lock_guard guard(m.lock);
     // A sum beyond the largest order number is a request that is never made.
     constexpr std::int64_t never = std::numeric_limits<std::int64_t>::max();
@@ -182,18 +173,14 @@ void plan_failures(std::int64_t k, bool lasting) noexcept {
 
 } // namespace
 
-std::string counted(std::int64_t n, const char* what) {
-    return std::to_string(n) + " " + what + (n == 1 ? "" : "s");
-}
-
 void* obtain(std::int64_t nbytes) {
     if (nbytes < 1) {
-        report_fault({fault_kind::bad_request,
-                      {},
-                      "a block of " + bytes(nbytes) + " was asked for; at least 1 is needed"});
+        report_fault(fault_without_block(fault_kind::bad_request,
+                                         "a block of " + bytes(nbytes) +
+                                             " was requested; at least 1 is needed"));
         return nullptr;
     }
-    memory& m = manager();
+    block_table& m = table();
     const std::lock_guard guard(m.lock);
     const std::int64_t order = ++m.requests;
     const bool planned = order >= m.first_failing && order <= m.last_failing;
@@ -206,7 +193,7 @@ void* obtain(std::int64_t nbytes) {
         std::memset(address, m.fill, static_cast<std::size_t>(nbytes));
     }
     m.freed.erase(address);
-    m.live.emplace(address, block{address, nbytes, order});
+    m.live.emplace(address, block{address, nbytes, order, origin_now()});
     return address;
 }
 
@@ -214,7 +201,7 @@ void release(void* address) {
     if (address == nullptr) {
         return;
     }
-    memory& m = manager();
+    block_table& m = table();
     std::optional<fault> found;
     {
         const std::lock_guard guard(m.lock);
@@ -233,15 +220,14 @@ void release(void* address) {
     }
 }
 
-void reset_memory_manager() noexcept {
+void reset_block_table() noexcept {
     fail_request(0);
     fill_new_blocks(-1);
     huge_pages(true);
-    report_at_exit(true);
 }
 
 std::int64_t requests() noexcept {
-    memory& m = manager();
+    block_table& m = table();
     const std::lock_guard guard(m.lock);
     return m.requests;
 }
@@ -255,25 +241,25 @@ void fail_requests_from(std::int64_t k) noexcept {
 }
 
 void fill_new_blocks(int byte) noexcept {
-    memory& m = manager();
+    block_table& m = table();
     const std::lock_guard guard(m.lock);
     m.fill = byte;
 }
 
 bool huge_pages(bool on) noexcept {
-    memory& m = manager();
+    block_table& m = table();
     const std::lock_guard guard(m.lock);
     return std::exchange(m.huge_pages, on);
 }
 
 std::vector<block> live_blocks() {
-    memory& m = manager();
+    block_table& m = table();
     const std::lock_guard guard(m.lock);
     return sorted_blocks(m);
 }
 
 std::int64_t check_blocks() {
-    memory& m = manager();
+    block_table& m = table();
     std::vector<fault> damaged;
     {
         const std::lock_guard guard(m.lock);
@@ -290,23 +276,17 @@ std::int64_t check_blocks() {
 }
 
 std::string memory_report() {
-    memory& m = manager();
+    block_table& m = table();
     const std::lock_guard guard(m.lock);
     const std::vector<block> live = sorted_blocks(m);
     std::string text = "host memory: " + counted(m.requests, "request") + ", " +
                        std::to_string(m.refusals) + " refused, " +
-                       counted(static_cast<std::int64_t>(live.size()), "block") +
-                       " not given back\n";
+                       counted(static_cast<std::int64_t>(live.size()), "block") + " not released\n";
     for (const block& b : live) {
-        text += "  block " + std::to_string(b.order) + ": " + bytes(b.nbytes) + "\n";
+        text += "  block " + std::to_string(b.order) + ": " + bytes(b.nbytes) + "\n" +
+                indented("made by", b.origin);
     }
     return text;
-}
-
-bool report_at_exit(bool on) noexcept {
-    memory& m = manager();
-    const std::lock_guard guard(m.lock);
-    return std::exchange(m.report_at_exit, on);
 }
 
 } // namespace zktarn::standin

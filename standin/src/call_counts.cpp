@@ -1,8 +1,10 @@
+#include "call_counts.hpp"
+
 #include <array>
 #include <atomic>
 #include <cstddef>
 
-#include "core.hpp"
+#include "zktarn_standin/blocks.hpp"
 
 namespace zktarn::standin {
 
@@ -40,7 +42,7 @@ std::array<std::atomic<std::int64_t>, operation_count> counts;
 std::array<std::atomic<std::int64_t>, operation_count> calls_to_failure;
 std::atomic<bool> failed = false;
 
-/// Whether an operation answers with a handle, a number or an address that others are given.
+/// Whether an operation returns a handle, a number or an address that the caller passes on.
 bool hands_out(operation what) noexcept {
     switch (what) {
     case operation::qvcreatestructarray800_:
@@ -56,38 +58,38 @@ bool hands_out(operation what) noexcept {
     }
 }
 
-/// Whether an operation has an answer, or leaves something unwritten, that says it failed.
+/// Whether an operation has a failure value, or leaves something unwritten when it fails.
 bool can_fail(operation what) noexcept {
     return hands_out(what) || what == operation::instantiateRngOptim ||
            what == operation::getRandUniformOptim || what == operation::getRngStateOptim ||
            what == operation::qvxprintf800_;
 }
 
-std::size_t at(operation what) noexcept {
+std::size_t position(operation what) noexcept {
     return static_cast<std::size_t>(what);
 }
 
 } // namespace
 
 const char* name(operation what) noexcept {
-    return names[at(what)];
+    return names[position(what)];
 }
 
 std::int64_t calls(operation what) noexcept {
-    return counts[at(what)].load(std::memory_order_relaxed);
+    return counts[position(what)].load(std::memory_order_relaxed);
 }
 
 void fail_call(operation what, std::int64_t k) noexcept {
     if (what == operation::qvMallocExOptim) {
         fail_request(k);
     } else {
-        calls_to_failure[at(what)].store(k, std::memory_order_relaxed);
+        calls_to_failure[position(what)].store(k, std::memory_order_relaxed);
     }
 }
 
 bool fails(operation what) noexcept {
-    counts[at(what)].fetch_add(1, std::memory_order_relaxed);
-    auto& left = calls_to_failure[at(what)];
+    counts[position(what)].fetch_add(1, std::memory_order_relaxed);
+    auto& left = calls_to_failure[position(what)];
     return left.load(std::memory_order_relaxed) >= 1 && can_fail(what) &&
            left.fetch_sub(1, std::memory_order_relaxed) == 1;
 }
@@ -102,37 +104,12 @@ bool has_failed() noexcept {
     return failed.load(std::memory_order_relaxed);
 }
 
-void reset_operations() noexcept {
+void reset_call_counts() noexcept {
     for (std::size_t i = 0; i < counts.size(); ++i) {
         counts[i].store(0, std::memory_order_relaxed);
         calls_to_failure[i].store(0, std::memory_order_relaxed);
     }
     failed.store(false, std::memory_order_relaxed);
-}
-
-std::vector<live_object> live_objects() {
-    std::vector<live_object> all;
-    list_generators(all);
-    list_arrays(all);
-    return all;
-}
-
-std::string report() {
-    std::string text = memory_report();
-    for (const live_object& each : live_objects()) {
-        text += "  " + each.description + "\n";
-    }
-    return text;
-}
-
-void reset() {
-    reset_operations();
-    reset_memory_manager();
-    reset_functions();
-    reset_console();
-    reset_interrupts();
-    set_fault_handler({});
-    set_assertion_handler({});
 }
 
 } // namespace zktarn::standin

@@ -1,10 +1,10 @@
-#include "console.hpp"
+#include "console_output.hpp"
 
 #include <cstdio>
 #include <mutex>
 #include <utility>
 
-#include "core.hpp"
+#include "zktarn_standin/console.hpp"
 
 namespace zktarn::standin {
 
@@ -12,7 +12,7 @@ namespace {
 
 struct kept_console {
     std::mutex lock;
-    console where = console::show;
+    console destination = console::show;
     std::string text;
     std::size_t flushed = 0;
 };
@@ -27,10 +27,10 @@ kept_console& kept() {
 void write_to_console(std::string_view text) {
     kept_console& k = kept();
     const std::lock_guard guard(k.lock);
-    if (k.where != console::capture) {
+    if (k.destination != console::capture) {
         std::fwrite(text.data(), 1, text.size(), stdout);
     }
-    if (k.where != console::show) {
+    if (k.destination != console::show) {
         k.text += text;
     }
 }
@@ -42,10 +42,10 @@ void flush_console() {
     k.flushed = k.text.size();
 }
 
-console set_console(console where) {
+console set_console(console destination) {
     kept_console& k = kept();
     const std::lock_guard guard(k.lock);
-    return std::exchange(k.where, where);
+    return std::exchange(k.destination, destination);
 }
 
 std::string console_text() {
@@ -65,11 +65,6 @@ void clear_console() {
     const std::lock_guard guard(k.lock);
     k.text.clear();
     k.flushed = 0;
-}
-
-void reset_console() {
-    set_console(console::show);
-    clear_console();
 }
 
 } // namespace zktarn::standin

@@ -4,7 +4,8 @@
 #include <mutex>
 #include <utility>
 
-#include "core.hpp"
+#include "fault_report.hpp"
+#include "wording.hpp"
 
 namespace zktarn::standin {
 
@@ -40,25 +41,37 @@ std::shared_ptr<Handler> current(std::shared_ptr<Handler> handlers::*which) {
     return installed().*which;
 }
 
-} // namespace
-
-void stop(const std::string& sentence) noexcept {
+/// Ends the process with a sentence, and the call stacks that belong to it, on standard error.
+[[noreturn]] void stop(const std::string& sentence, const std::string& stacks) noexcept {
     std::fflush(stdout);
-    std::fprintf(stderr, "zktarn stand-in host: %s\n", sentence.c_str());
+    std::fprintf(stderr, "zktarn stand-in host: %s\n%s", sentence.c_str(), stacks.c_str());
     std::abort();
 }
 
-void refuse(fault_kind kind, const char* by, const std::string& why) {
-    throw fault{kind, {}, std::string(by) + ": " + why};
+} // namespace
+
+fault fault_without_block(fault_kind kind, std::string sentence, const call_stack& origin) {
+    fault found;
+    found.kind = kind;
+    found.sentence = std::move(sentence);
+    found.origin = origin;
+    return found;
 }
 
-void refuse(fault_kind kind, operation by, const std::string& why) {
-    refuse(kind, name(by), why);
+void refuse(fault_kind kind, const char* caller, const std::string& reason,
+            const call_stack& origin) {
+    throw fault_without_block(kind, std::string(caller) + ": " + reason, origin);
 }
 
-std::string_view text_of(operation by, const char* text, std::int64_t length) {
+void refuse(fault_kind kind, operation caller, const std::string& reason,
+            const call_stack& origin) {
+    refuse(kind, name(caller), reason, origin);
+}
+
+std::string_view text_argument(operation caller, const char* text, std::int64_t length) {
     if (length < 0) {
-        refuse(fault_kind::bad_request, by, "the length of a text is " + std::to_string(length));
+        refuse(fault_kind::bad_request, caller,
+               "the length of a text is " + std::to_string(length));
     }
     return {text, static_cast<std::size_t>(length)};
 }
@@ -67,11 +80,13 @@ fault_handler set_fault_handler(fault_handler handler) {
     return replace(&handlers::on_fault, std::move(handler));
 }
 
-void report_fault(const fault& found) noexcept {
+void report_fault(fault found) noexcept {
+    found.place = call_stack::current();
     if (const auto handler = current(&handlers::on_fault)) {
         (*handler)(found);
     } else {
-        stop(found.sentence);
+        stop(found.sentence,
+             indented("called from", found.place) + indented("made by", found.origin));
     }
 }
 
@@ -84,7 +99,8 @@ void report_failed_assertion() noexcept {
         (*handler)();
     } else {
         stop("an assertion of the solver failed (number " +
-             std::to_string(calls(operation::assertOptim)) + ")");
+                 std::to_string(calls(operation::assertOptim)) + ")",
+             indented("called from", call_stack::current()));
     }
 }
 

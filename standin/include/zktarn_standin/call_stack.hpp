@@ -1,0 +1,42 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// Call stacks: where a fault happened, and where the block or object it concerns was made.
+
+namespace zktarn::standin {
+
+/// The calls that were active at one moment, innermost first. Empty on systems without a
+/// `backtrace`. Cheap to copy.
+class call_stack {
+public:
+    call_stack() noexcept = default;
+
+    /// The calls that are active now, without those inside of the stand-in that are innermost.
+    [[nodiscard]] static call_stack current() noexcept;
+
+    [[nodiscard]] bool empty() const noexcept { return addresses_ == nullptr; }
+
+    /// One line a call: the function, where the loader knows its name, and the file it is in. A
+    /// program shows the names of its own functions when it is linked with `-rdynamic` (CMake:
+    /// ENABLE_EXPORTS); else its lines have the offset that `addr2line` understands.
+    [[nodiscard]] std::vector<std::string> lines() const;
+
+private:
+    std::shared_ptr<const std::vector<void*>> addresses_;
+};
+
+/// Chooses whether the call stack is recorded for every new block, array, generator and snapshot,
+/// for reports of leaks and of faults that concern them. Returns the previous setting.
+///
+/// Initially off, unless the environment variable ZKTARN_STANDIN_ORIGINS is 1 when the process
+/// starts. Off, it costs nothing. On, each of these objects costs one walk of the stack, which
+/// takes many times as long as making a small block does, and up to 32 addresses of memory.
+///
+/// The place of a fault or a failed assertion itself is always found, because it is looked for only
+/// when that happens.
+bool record_origins(bool on) noexcept;
+
+} // namespace zktarn::standin

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <optional>
+
+#include "zktarn_standin/call_log.hpp"
+
+/// The log and the scripts, as the operations use them.
+
+namespace zktarn::standin {
+
+/// How many observers there are: the log, when it is on, and each script.
+extern std::atomic<int> observers;
+
+/// Whether a call needs its arguments collected.
+inline bool is_observed() noexcept {
+    return observers.load(std::memory_order_relaxed) != 0;
+}
+
+/// Logs a call when the log is on, and returns its position in the log; -1 when it is not logged.
+std::int64_t log_call(const host_call& asked);
+
+/// Adds the result to a call at a position of the log.
+void log_result(std::int64_t position, const answer& result);
+
+/// What the script of the operation answers; nothing without a script, or when it leaves the call
+/// to the stand-in.
+std::optional<answer> scripted_answer(const host_call& asked);
+
+void reset_call_observers();
+
+} // namespace zktarn::standin
