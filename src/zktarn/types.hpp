@@ -1,7 +1,5 @@
 #pragma once
 
-#include "zktarn/detail/require_cpp20.hpp"
-
 #include <cstddef>
 #include <cstdint>
 #include <memory>

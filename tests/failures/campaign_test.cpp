@@ -1,5 +1,5 @@
-// Every scenario that asks for something is run again and again, with its 1st, 2nd, ... request
-// refused, until none is refused any more. After each run nothing is left behind.
+// Runs every scenario again and again, with its first, second, ... request refused, until no
+// request is refused. After each run, everything is released.
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -13,27 +13,27 @@
 
 #include <gtest/gtest.h>
 
-#include "support/failing_new.hpp"
 #include "zktarn/host/libqv.hpp"
 #include "zktarn/zktarn_util.hpp"
 #include "zktarn_standin/control.hpp"
+#include "zktarn_standin/records.hpp"
 
 namespace {
 
 using namespace zktarn;
 using standin::operation;
 
-/// A way for a request to fail: the k-th from now, none for 0.
+/// A way to make the k-th request from now fail, or none for k = 0.
 struct injector {
     std::string name;
     std::function<void(std::int64_t)> plan;
-    /// Whether the planned one has come.
-    std::function<bool(std::int64_t)> met;
+    /// The number of requests so far.
+    std::function<std::int64_t()> requests;
 };
 
 std::vector<injector> injectors() {
-    std::vector<injector> all = {{"record", [](std::int64_t k) { zktarn::testing::refuse_new(k); },
-                                  [](std::int64_t) { return !zktarn::testing::refusal_is_due(); }}};
+    std::vector<injector> all = {
+        {"record", [](std::int64_t k) { standin::fail_record(k); }, standin::record_requests}};
     for (const operation what :
          {operation::qvMallocExOptim, operation::instantiateRngOptim,
           operation::getRandUniformOptim, operation::getRngStateOptim,
@@ -42,20 +42,19 @@ std::vector<injector> injectors() {
           operation::qvaddfield800_, operation::qvgetpr800_, operation::qvxcallquarn800_,
           operation::qvxprintf800_}) {
         all.push_back({name(what), [what](std::int64_t k) { standin::fail_call(what, k); },
-                       [what](std::int64_t k) { return standin::calls(what) >= k; }});
+                       [what] { return standin::calls(what); }});
     }
     return all;
 }
 
-/// Something that asks, checks the answers, and gives back what it has got. Returns whether it met
-/// with a failure.
+/// Allocates, checks the results, and releases. Returns whether a request failed.
 struct scenario {
     const char* name;
     bool (*run)();
-    /// How many of its requests can fail, each of which is made to.
+    /// The number of its requests that can fail.
     std::int64_t requests;
-    /// Whether there are failures that the library gets by, or passes on without a word.
-    bool gets_by = false;
+    /// Whether the library handles some of the failures without reporting them.
+    bool hides_failures = false;
 };
 
 void PrintTo(const scenario& what, std::ostream* out) {
@@ -173,7 +172,7 @@ bool values_in_slots() {
     return failed || copied == nullptr;
 }
 
-bool slots_that_are_taken() {
+bool slots_that_are_occupied() {
     using namespace callbacks_type_util;
     using numbers = std::array<double, 3>;
     cbdatalist slot;
@@ -187,7 +186,7 @@ bool slots_that_are_taken() {
     return failed || copied == nullptr;
 }
 
-/// Four entries: what every block has, and one length.
+/// Four entries: the header of every block, and one length.
 callbacks_type_util::parameter_block* parameters_of_16_bytes() {
     constexpr std::int64_t entries[] = {1, 4, 16, 16};
     void* const block = ::operator new(sizeof entries, std::nothrow);
@@ -245,7 +244,7 @@ constexpr scenario scenarios[] = {
     {"random numbers and a snapshot", random_numbers_and_a_snapshot, 4},
     {"the record of a solve", the_record_of_a_solve, 1},
     {"values in slots", values_in_slots, 6},
-    {"slots that are taken", slots_that_are_taken, 6},
+    {"slots that are occupied", slots_that_are_occupied, 6},
     {"a value with parameters", a_value_with_parameters, 4},
     {"a report to the output function", a_report_to_the_output_function, 9, true},
     {"short and long lines", short_and_long_lines, 3, true},
@@ -256,33 +255,34 @@ class Campaign : public ::testing::TestWithParam<scenario> {
 protected:
     void TearDown() override { standin::reset(); }
 
-    /// Runs the scenario with a failure planned. Returns whether it came to that.
-    static bool meets(const injector& by, std::int64_t k) {
-        SCOPED_TRACE("failing " + by.name + " " + std::to_string(k));
+    /// Runs the scenario with a failure planned. Returns whether it happened.
+    static bool meets(const injector& failing, std::int64_t k) {
+        SCOPED_TRACE("failing " + failing.name + " " + std::to_string(k));
         standin::reset();
         standin::set_console(standin::console::capture);
         standin::set_fault_handler(
             [](const standin::fault& found) { ADD_FAILURE() << found.sentence; });
-        by.plan(k);
+        const std::int64_t before = failing.requests();
+        failing.plan(k);
         const bool failed = GetParam().run();
-        const bool met = by.met(k);
-        by.plan(0);
-        if (!met || !GetParam().gets_by) {
+        const bool met = failing.requests() - before >= k;
+        failing.plan(0);
+        if (!met || !GetParam().hides_failures) {
             EXPECT_EQ(failed, met);
         }
         EXPECT_TRUE(standin::live_blocks().empty()) << standin::report();
         EXPECT_TRUE(standin::live_objects().empty()) << standin::report();
-        EXPECT_EQ(zktarn::testing::live_objects(), 0);
+        EXPECT_EQ(standin::live_records(), 0);
         return met;
     }
 };
 
 TEST_P(Campaign, LeavesNothingBehindWhateverFails) {
     std::int64_t injected = 0;
-    for (const injector& by : injectors()) {
+    for (const injector& failing : injectors()) {
         std::int64_t k = 1;
-        while (meets(by, k)) {
-            ASSERT_LT(k, 1000) << by.name << " fails without end";
+        while (meets(failing, k)) {
+            ASSERT_LT(k, 1000) << failing.name << " fails without end";
             ++k;
         }
         injected += k - 1;

@@ -1,11 +1,11 @@
 #include "refusal.h"
 
-#include "support/failing_new.hpp"
+#include "zktarn_standin/records.hpp"
 
 void refuse_record(int64_t k) {
-    zktarn::testing::refuse_new(k);
+    zktarn::standin::fail_record(k);
 }
 
 int64_t live_records() {
-    return zktarn::testing::live_objects();
+    return zktarn::standin::live_records();
 }

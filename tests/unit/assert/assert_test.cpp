@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/recording_host.hpp"
+#include "support/host_log.hpp"
 
 namespace {
 
@@ -11,12 +11,13 @@ using testing::ElementsAre;
 using zktarn::flag;
 using zktarn::assert_mod::tarnassert;
 using zktarn::testing::assert_of;
-using zktarn::testing::recording_host;
+using zktarn::testing::host_log;
 
-std::vector<zktarn::testing::call> calls_for(flag condition) {
-    recording_host host;
+std::vector<zktarn::testing::host_call> calls_for(flag condition) {
+    const host_log host;
+    zktarn::standin::set_assertion_handler([] {});
     tarnassert(condition);
-    return host.calls;
+    return host.calls();
 }
 
 TEST(Tarnassert, HandsATrueConditionToTheHostOnce) {

@@ -1,16 +1,18 @@
 #include "zktarn/callbacks/callbacks_util.hpp"
 
+#include <cmath>
 #include <cstdint>
 #include <limits>
-#include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/failing_new.hpp"
-#include "support/recording_host.hpp"
+#include "support/host_log.hpp"
+#include "zktarn/host/libqv.hpp"
+#include "zktarn_standin/records.hpp"
 
 namespace {
 
@@ -18,10 +20,13 @@ using namespace zktarn::callbacks_util;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zktarn::flag;
-using zktarn::testing::call;
-using zktarn::testing::live_objects;
-using zktarn::testing::recording_host;
-using zktarn::testing::refuse_new;
+using zktarn::standin::answer;
+using zktarn::standin::fail_record;
+using zktarn::standin::live_records;
+using zktarn::standin::operation;
+using zktarn::testing::host_call;
+using zktarn::testing::host_log;
+namespace standin = zktarn::standin;
 
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -31,25 +36,24 @@ constexpr std::int32_t stopped = 3;
 constexpr std::int32_t no_poll = 0;
 constexpr std::int32_t polling = 1;
 
-const call poll = {"utIsInterruptPending"};
-const call flush = {"ioFlushOptim"};
+const host_call poll = {operation::utIsInterruptPending};
+const host_call flush = {operation::ioFlushOptim};
 
-call printf_of(const std::string& text) {
-    return {"qvxprintf800_", {}, {text}};
+host_call printf_of(const std::string& text) {
+    return {operation::qvxprintf800_, {}, {text}};
 }
 
 class Bridge : public testing::Test {
 protected:
     void SetUp() override {
+        standin::set_console(standin::console::capture);
         begin_solve();
-        host.answer = [this](const call& c) {
-            const auto scripted = answers.find(c.operation);
-            return scripted == answers.end() ? 0.0 : scripted->second;
-        };
     }
     void TearDown() override {
         begin_solve();
-        EXPECT_EQ(live_objects(), 0);
+        standin::set_console(standin::console::show);
+        EXPECT_EQ(live_records(), 0);
+        EXPECT_THAT(standin::live_objects(), IsEmpty());
     }
 
     static void begin_solve() {
@@ -59,32 +63,46 @@ protected:
     }
 
     /// What has been called since the last time, without addresses.
-    std::vector<call> calls() {
-        std::vector<call> all;
-        all.swap(host.calls);
-        for (call& each : all) {
-            each.address = nullptr;
+    static std::vector<host_call> calls() {
+        std::vector<host_call> all = standin::logged_calls();
+        standin::clear_call_log();
+        for (host_call& each : all) {
+            each.addresses.clear();
         }
         return all;
     }
 
     /// Makes a poll see an interrupt.
-    void see_interrupt() {
-        host.interrupts = {true};
+    static void see_interrupt() {
+        standin::raise_interrupt();
         EXPECT_EQ(cbhasinterrupt(running, polling), 1);
         EXPECT_THAT(calls(), ElementsAre(poll));
     }
 
-    /// Whether an output function that answers so stops the solver.
-    flag stop_for(double answer) {
-        answers["qvgetpr800_"] = answer;
+    /// Whether an output function that returns `reply` stops the solver.
+    static flag stop_for(double reply) {
+        standin::set_function("tarnCallback", [=](const standin::array_value&) { return reply; });
+        const array_handle structure = qvinitcbarray("root");
         flag stop = -1;
-        qvcalloutputfcn(7, stop, running, no_poll);
+        qvcalloutputfcn(structure, stop, running, no_poll);
+        zktarn::host::qvdestroyarray800_(structure);
         return stop;
     }
 
-    recording_host host;
-    std::map<std::string, double> answers;
+    host_log host;
+};
+
+/// A struct for the tests, destroyed at the end. The log is empty when it has been made.
+class sample_struct {
+public:
+    explicit sample_struct(std::string_view phase = "root") : handle(qvinitcbarray(phase)) {
+        standin::clear_call_log();
+    }
+    ~sample_struct() { zktarn::host::qvdestroyarray800_(handle); }
+    sample_struct(const sample_struct&) = delete;
+    sample_struct& operator=(const sample_struct&) = delete;
+
+    const array_handle handle;
 };
 
 // cbinit
@@ -106,7 +124,7 @@ TEST_F(Bridge, CbinitMakesARecordWithItsDefaults) {
     EXPECT_EQ(cb->incumbent_node, -1);
     EXPECT_EQ(cb->cuts, 0);
     EXPECT_EQ(cb->restarts, 0);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
     delete cb;
 }
 
@@ -116,7 +134,7 @@ TEST_F(Bridge, CbinitDoesNotReleaseAnEarlierRecord) {
     cbdata* const earlier = cb;
     cbinit(cb);
     EXPECT_NE(cb, earlier);
-    EXPECT_EQ(live_objects(), 2);
+    EXPECT_EQ(live_records(), 2);
     delete cb;
     delete earlier;
 }
@@ -124,9 +142,9 @@ TEST_F(Bridge, CbinitDoesNotReleaseAnEarlierRecord) {
 TEST_F(Bridge, CbinitLeavesANullHandleWithoutMemory) {
     cbdata here;
     cbdata* cb = &here;
-    refuse_new(1);
+    fail_record(1);
     cbinit(cb);
-    refuse_new(0);
+    fail_record(0);
     EXPECT_EQ(cb, nullptr);
 }
 
@@ -139,9 +157,9 @@ TEST_F(Bridge, CbinitForgetsAnInterrupt) {
 TEST_F(Bridge, CbinitForgetsAnInterruptWithoutMemoryToo) {
     see_interrupt();
     cbdata* cb = nullptr;
-    refuse_new(1);
+    fail_record(1);
     cbinit(cb);
-    refuse_new(0);
+    fail_record(0);
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 0);
 }
 
@@ -149,106 +167,149 @@ TEST_F(Bridge, CbinitForgetsAnInterruptWithoutMemoryToo) {
 // ---------------------------------------------------------------------------------------
 
 TEST_F(Bridge, QvinitcbarrayMakesAStructWithThePhase) {
-    answers = {{"qvcreatestructarray800_", 201}, {"qvcreatestring800_", 202}};
-    EXPECT_EQ(qvinitcbarray("cutting  "), 201);
-    EXPECT_THAT(calls(),
-                ElementsAre(call{"qvcreatestructarray800_", {1, 1, 1, 1, 10}, {"phase     "}},
-                            call{"qvcreatestring800_", {}, {"cutting  "}},
-                            call{"qvsetfield800_", {201, 1, 202}, {"phase"}}));
-}
-
-TEST_F(Bridge, QvinitcbarrayTakesAnEmptyPhase) {
-    answers = {{"qvcreatestructarray800_", 201}, {"qvcreatestring800_", 202}};
-    EXPECT_EQ(qvinitcbarray(""), 201);
-    EXPECT_EQ(calls()[1], (call{"qvcreatestring800_", {}, {""}}));
+    for (const std::string phase : {"cutting  ", ""}) {
+        const array_handle structure = qvinitcbarray(phase);
+        const std::vector<host_call> made = calls();
+        ASSERT_EQ(made.size(), 3U);
+        const array_handle text = made[1].result.number;
+        EXPECT_EQ(made[0],
+                  (host_call{operation::qvcreatestructarray800_, {1, 1, 1, 10}, {"phase     "}}));
+        EXPECT_EQ(made[0].result.number, structure);
+        EXPECT_EQ(made[1], (host_call{operation::qvcreatestring800_, {}, {phase}}));
+        EXPECT_EQ(made[2], (host_call{operation::qvsetfield800_, {structure, 1, text}, {"phase"}}));
+        EXPECT_EQ(standin::inspect(structure).field("phase").text(), phase);
+        zktarn::host::qvdestroyarray800_(structure);
+        standin::clear_call_log();
+    }
 }
 
 TEST_F(Bridge, QvinitcbarrayPassesFailuresOfTheHostOn) {
+    standin::fail_call(operation::qvcreatestructarray800_, 1);
+    standin::fail_call(operation::qvcreatestring800_, 1);
     EXPECT_EQ(qvinitcbarray("root"), 0);
-    EXPECT_EQ(calls()[2], (call{"qvsetfield800_", {0, 1, 0}, {"phase"}}));
+    EXPECT_EQ(calls()[2], (host_call{operation::qvsetfield800_, {0, 1, 0}, {"phase"}}));
 }
 
 TEST_F(Bridge, AScalarGoesIntoANewField) {
-    answers = {{"qvaddfield800_", 4}, {"qvcreatedoublescalar800_", 203}};
-    addrealscalartoqvstruct(7, "gap ", 0.125);
-    EXPECT_THAT(calls(), ElementsAre(call{"qvgetfieldnumber800_", {7}, {"gap "}},
-                                     call{"qvaddfield800_", {7}, {"gap "}},
-                                     call{"qvcreatedoublescalar800_", {}, {}, {0.125}},
-                                     call{"qvsetfieldbynumber800_", {7, 1, 4, 203}}));
+    const sample_struct info;
+    addrealscalartoqvstruct(info.handle, "gap ", 0.125);
+    const std::vector<host_call> made = calls();
+    ASSERT_EQ(made.size(), 4U);
+    EXPECT_EQ(made[0], (host_call{operation::qvgetfieldnumber800_, {info.handle}, {"gap "}}));
+    EXPECT_EQ(made[1], (host_call{operation::qvaddfield800_, {info.handle}, {"gap "}}));
+    EXPECT_EQ(made[2], (host_call{operation::qvcreatedoublescalar800_, {}, {}, {0.125}}));
+    EXPECT_EQ(made[3], (host_call{operation::qvsetfieldbynumber800_,
+                                  {info.handle, 1, made[1].result.number, made[2].result.number}}));
+    EXPECT_EQ(standin::inspect(info.handle).field("gap").scalar(), 0.125);
 }
 
 TEST_F(Bridge, AScalarGoesIntoAFieldThatIsThere) {
-    answers = {{"qvgetfieldnumber800_", 3}, {"qvcreatedoublescalar800_", 203}};
-    addrealscalartoqvstruct(7, "gap", -0.0);
-    EXPECT_THAT(calls(), ElementsAre(call{"qvgetfieldnumber800_", {7}, {"gap"}},
-                                     call{"qvcreatedoublescalar800_", {}, {}, {-0.0}},
-                                     call{"qvsetfieldbynumber800_", {7, 1, 3, 203}}));
+    const sample_struct info;
+    addrealscalartoqvstruct(info.handle, "gap", 1.0);
+    calls();
+    addrealscalartoqvstruct(info.handle, "gap", -0.0);
+    const std::vector<host_call> made = calls();
+    ASSERT_EQ(made.size(), 3U);
+    EXPECT_EQ(made[0], (host_call{operation::qvgetfieldnumber800_, {info.handle}, {"gap"}}));
+    EXPECT_EQ(made[1], (host_call{operation::qvcreatedoublescalar800_, {}, {}, {-0.0}}));
+    EXPECT_TRUE(std::signbit(made[1].reals[0]));
+    EXPECT_EQ(made[2], (host_call{operation::qvsetfieldbynumber800_,
+                                  {info.handle, 1, 2, made[1].result.number}}));
 }
 
 TEST_F(Bridge, AColumnGoesIntoANewField) {
-    answers = {{"qvaddfield800_", 4}, {"qvcreatedoublematrix800_", 204}};
+    const sample_struct info;
     const double values[] = {1.5, -2.5, 3.5};
-    addrealvectoqvstruct(7, "x", values, 2);
-    EXPECT_THAT(calls(),
-                ElementsAre(call{"qvgetfieldnumber800_", {7}, {"x"}},
-                            call{"qvaddfield800_", {7}, {"x"}},
-                            call{"qvcreatedoublematrix800_", {2, 1, 0}}, call{"qvgetpr800_", {204}},
-                            call{"qvcopyreal8toptr800_", {2}, {}, {1.5, -2.5}},
-                            call{"qvsetfieldbynumber800_", {7, 1, 4, 204}}));
+    addrealvectoqvstruct(info.handle, "x", values, 2);
+    const std::vector<host_call> made = calls();
+    ASSERT_EQ(made.size(), 6U);
+    const array_handle column = made[2].result.number;
+    EXPECT_THAT(made, ElementsAre(host_call{operation::qvgetfieldnumber800_, {info.handle}, {"x"}},
+                                  host_call{operation::qvaddfield800_, {info.handle}, {"x"}},
+                                  host_call{operation::qvcreatedoublematrix800_, {2, 1, 0}},
+                                  host_call{operation::qvgetpr800_, {column}},
+                                  host_call{operation::qvcopyreal8toptr800_, {2}, {}, {1.5, -2.5}},
+                                  host_call{operation::qvsetfieldbynumber800_,
+                                            {info.handle, 1, made[1].result.number, column}}));
+    EXPECT_THAT(standin::inspect(info.handle).field("x").reals(), ElementsAre(1.5, -2.5));
 }
 
 TEST_F(Bridge, AColumnGoesIntoAFieldThatIsThere) {
-    answers = {{"qvgetfieldnumber800_", 3}, {"qvcreatedoublematrix800_", 204}};
+    const sample_struct info;
     const double value = 8.0;
-    addrealvectoqvstruct(7, "x", &value, 1);
-    EXPECT_THAT(calls(),
-                ElementsAre(call{"qvgetfieldnumber800_", {7}, {"x"}},
-                            call{"qvcreatedoublematrix800_", {1, 1, 0}}, call{"qvgetpr800_", {204}},
-                            call{"qvcopyreal8toptr800_", {1}, {}, {8.0}},
-                            call{"qvsetfieldbynumber800_", {7, 1, 3, 204}}));
+    addrealvectoqvstruct(info.handle, "x", nullptr, 0);
+    calls();
+    addrealvectoqvstruct(info.handle, "x", &value, 1);
+    const std::vector<host_call> made = calls();
+    ASSERT_EQ(made.size(), 5U);
+    const array_handle column = made[1].result.number;
+    EXPECT_THAT(made, ElementsAre(host_call{operation::qvgetfieldnumber800_, {info.handle}, {"x"}},
+                                  host_call{operation::qvcreatedoublematrix800_, {1, 1, 0}},
+                                  host_call{operation::qvgetpr800_, {column}},
+                                  host_call{operation::qvcopyreal8toptr800_, {1}, {}, {8.0}},
+                                  host_call{operation::qvsetfieldbynumber800_,
+                                            {info.handle, 1, 2, column}}));
 }
 
-TEST_F(Bridge, AnEmptyColumnIsMadeAllTheSame) {
-    answers = {{"qvgetfieldnumber800_", 3}, {"qvcreatedoublematrix800_", 204}};
-    addrealvectoqvstruct(7, "x", nullptr, 0);
-    EXPECT_THAT(calls(), ElementsAre(call{"qvgetfieldnumber800_", {7}, {"x"}},
-                                     call{"qvcreatedoublematrix800_", {0, 1, 0}},
-                                     call{"qvgetpr800_", {204}}, call{"qvcopyreal8toptr800_", {0}},
-                                     call{"qvsetfieldbynumber800_", {7, 1, 3, 204}}));
+TEST_F(Bridge, AnEmptyColumnIsMadeLikeAnyOther) {
+    const sample_struct info;
+    addrealvectoqvstruct(info.handle, "x", nullptr, 0);
+    const std::vector<host_call> made = calls();
+    ASSERT_EQ(made.size(), 6U);
+    const array_handle column = made[2].result.number;
+    EXPECT_EQ(made[2], (host_call{operation::qvcreatedoublematrix800_, {0, 1, 0}}));
+    EXPECT_EQ(made[3], (host_call{operation::qvgetpr800_, {column}}));
+    EXPECT_EQ(made[4], (host_call{operation::qvcopyreal8toptr800_, {0}}));
+    EXPECT_EQ(standin::inspect(info.handle).field("x").rows, 0);
 }
 
 // The output function
 // ------------------------------------------------------------------------------
 
 TEST_F(Bridge, TheOutputFunctionIsCalledWithTheStruct) {
-    answers = {{"qvgetpr800_", 1.0}};
+    standin::set_function("tarnCallback", [](const standin::array_value&) { return 1.0; });
+    const sample_struct info;
     flag stop = -1;
-    qvcalloutputfcn(7, stop, running, no_poll);
+    qvcalloutputfcn(info.handle, stop, running, no_poll);
     EXPECT_EQ(stop, 1);
-    EXPECT_THAT(calls(), ElementsAre(call{"qvxcallquarn800_", {1, 1, 7}, {"tarnCallback"}},
-                                     call{"qvgetpr800_", {101}}, call{"qvcopyptrtoreal8800_", {1}},
-                                     call{"qvdestroyarray800_", {101}}));
+    const std::vector<host_call> made = calls();
+    ASSERT_EQ(made.size(), 4U);
+    ASSERT_EQ(made[0].result.handles.size(), 1U);
+    const array_handle output = made[0].result.handles[0];
+    EXPECT_THAT(
+        made,
+        ElementsAre(host_call{operation::qvxcallquarn800_, {1, 1, info.handle}, {"tarnCallback"}},
+                    host_call{operation::qvgetpr800_, {output}},
+                    host_call{operation::qvcopyptrtoreal8800_, {1}},
+                    host_call{operation::qvdestroyarray800_, {output}}));
 }
 
 TEST_F(Bridge, StopMayBeTheStructItself) {
-    answers = {{"qvgetpr800_", 1.0}};
-    std::int64_t word = 7;
+    standin::set_function("tarnCallback", [](const standin::array_value&) { return 1.0; });
+    const sample_struct info;
+    std::int64_t word = info.handle;
     qvcalloutputfcn(word, word, running, no_poll);
     EXPECT_EQ(word, 1);
-    EXPECT_EQ(calls()[0], (call{"qvxcallquarn800_", {1, 1, 7}, {"tarnCallback"}}));
+    EXPECT_EQ(calls()[0],
+              (host_call{operation::qvxcallquarn800_, {1, 1, info.handle}, {"tarnCallback"}}));
 }
 
 TEST_F(Bridge, ANumberOfRowsGoesToTheHostAsItIs) {
+    standin::set_fault_handler([](const standin::fault&) {});
     for (const std::int64_t n : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::min()}) {
-        addrealvectoqvstruct(7, "x", nullptr, n);
-        EXPECT_EQ(calls()[2], (call{"qvcreatedoublematrix800_", {n, 1, 0}})) << n;
+        const sample_struct info;
+        addrealvectoqvstruct(info.handle, "x", nullptr, n);
+        EXPECT_EQ(calls()[2], (host_call{operation::qvcreatedoublematrix800_, {n, 1, 0}})) << n;
     }
 }
 
 TEST_F(Bridge, AStatusOfTheCallIsIgnored) {
-    answers = {{"qvxcallquarn800_", 5.0}, {"qvgetpr800_", 1.0}};
+    const array_handle one = zktarn::host::qvcreatedoublescalar800_(1.0);
+    standin::answer_calls(operation::qvxcallquarn800_,
+                          [=](const host_call&) { return answer{.number = 5, .handles = {one}}; });
+    const sample_struct info;
     flag stop = -1;
-    qvcalloutputfcn(7, stop, running, no_poll);
+    qvcalloutputfcn(info.handle, stop, running, no_poll);
     EXPECT_EQ(stop, 1);
 }
 
@@ -270,7 +331,7 @@ TEST_F(Bridge, EveryRealIsAnAnswer) {
 
 TEST_F(Bridge, TheOutputFunctionIsNotCalledOnceItHasStopped) {
     flag stop = -1;
-    qvcalloutputfcn(7, stop, stopped, polling);
+    qvcalloutputfcn(0, stop, stopped, polling);
     EXPECT_EQ(stop, 0);
     EXPECT_THAT(calls(), IsEmpty());
 }
@@ -278,38 +339,41 @@ TEST_F(Bridge, TheOutputFunctionIsNotCalledOnceItHasStopped) {
 TEST_F(Bridge, TheOutputFunctionIsNotCalledAfterAnInterrupt) {
     see_interrupt();
     flag stop = -1;
-    qvcalloutputfcn(7, stop, running, polling);
+    qvcalloutputfcn(0, stop, running, polling);
     EXPECT_EQ(stop, 0);
     EXPECT_THAT(calls(), IsEmpty());
 }
 
 TEST_F(Bridge, TheOutputFunctionIsNotCalledWhenThePollSeesAnInterrupt) {
-    host.interrupts = {true};
+    standin::raise_interrupt();
     flag stop = -1;
-    qvcalloutputfcn(7, stop, running, polling);
+    qvcalloutputfcn(0, stop, running, polling);
     EXPECT_EQ(stop, 0);
     EXPECT_THAT(calls(), ElementsAre(poll));
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 1);
 }
 
 TEST_F(Bridge, TheOutputFunctionIsCalledWhenThePollSeesNone) {
-    answers = {{"qvgetpr800_", 1.0}};
+    standin::set_function("tarnCallback", [](const standin::array_value&) { return 1.0; });
+    const sample_struct info;
     flag stop = -1;
-    qvcalloutputfcn(7, stop, running, polling);
+    qvcalloutputfcn(info.handle, stop, running, polling);
     EXPECT_EQ(stop, 1);
-    const std::vector<call> all = calls();
+    const std::vector<host_call> all = calls();
     ASSERT_EQ(all.size(), 5u);
     EXPECT_EQ(all[0], poll);
-    EXPECT_EQ(all[1].operation, "qvxcallquarn800_");
+    EXPECT_EQ(all[1].what, operation::qvxcallquarn800_);
 }
 
 TEST_F(Bridge, SwitchesOtherThanOneNeverPoll) {
+    standin::set_function("tarnCallback", [](const standin::array_value&) { return 0.0; });
+    const sample_struct info;
     for (const std::int32_t other : {0, 2, -1, 257}) {
         flag stop = -1;
-        qvcalloutputfcn(7, stop, running, other);
+        qvcalloutputfcn(info.handle, stop, running, other);
         cbprintdisplay(running, other, 2, "line");
         EXPECT_EQ(cbhasinterrupt(running, other), 0);
-        for (const call& each : calls()) {
+        for (const host_call& each : calls()) {
             EXPECT_NE(each, poll) << other;
         }
     }
@@ -336,7 +400,7 @@ TEST_F(Bridge, AnEmptyLineIsALineFeed) {
 }
 
 TEST_F(Bridge, WithDisplayOffThereIsNoPollEither) {
-    host.interrupts = {true};
+    standin::raise_interrupt();
     cbprintdisplay(running, polling, 0, "x");
     EXPECT_THAT(calls(), IsEmpty());
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 0);
@@ -354,7 +418,7 @@ TEST_F(Bridge, NothingIsPrintedOnceTheOutputFunctionHasStopped) {
 }
 
 TEST_F(Bridge, NothingIsPrintedWhenThePollSeesAnInterrupt) {
-    host.interrupts = {true};
+    standin::raise_interrupt();
     cbprintdisplay(running, polling, 2, "x");
     EXPECT_THAT(calls(), ElementsAre(poll));
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 1);
@@ -370,7 +434,7 @@ TEST_F(Bridge, LinesOfAnyLengthArePrintedInOnePiece) {
         const std::string line(length, 'x');
         cbprintdisplay(running, no_poll, 2, line);
         EXPECT_THAT(calls(), ElementsAre(printf_of(line + "\n"), flush)) << length;
-        EXPECT_EQ(live_objects(), 0);
+        EXPECT_EQ(live_records(), 0);
     }
 }
 
@@ -380,14 +444,14 @@ TEST_F(Bridge, ALongLineIsPrintedInPiecesWhenThereIsNoMemory) {
         for (std::size_t i = 0; i < length; ++i) {
             line[i] = static_cast<char>('a' + i % 26);
         }
-        refuse_new(1);
+        fail_record(1);
         cbprintdisplay(running, no_poll, 2, line);
-        refuse_new(0);
-        const std::vector<call> all = calls();
+        fail_record(0);
+        const std::vector<host_call> all = calls();
         std::string printed;
-        for (const call& each : all) {
+        for (const host_call& each : all) {
             if (&each != &all.back()) {
-                ASSERT_EQ(each.operation, "qvxprintf800_");
+                ASSERT_EQ(each.what, operation::qvxprintf800_);
                 EXPECT_LE(each.texts.at(0).size(), 512u);
                 printed += each.texts.at(0);
             }
@@ -400,9 +464,9 @@ TEST_F(Bridge, ALongLineIsPrintedInPiecesWhenThereIsNoMemory) {
 
 TEST_F(Bridge, AShortLineNeedsNoMemory) {
     const std::string line(511, 'x');
-    refuse_new(1);
+    fail_record(1);
     cbprintdisplay(running, no_poll, 2, line);
-    refuse_new(0);
+    fail_record(0);
     EXPECT_THAT(calls(), ElementsAre(printf_of(line + "\n"), flush));
 }
 
@@ -424,7 +488,6 @@ TEST_F(Bridge, APollThatSeesNoneAnswersSo) {
 
 TEST_F(Bridge, AnInterruptIsRememberedUntilTheNextSolve) {
     see_interrupt();
-    host.interrupts = {false, false};
     for (const std::int32_t ctrlc : {polling, no_poll}) {
         EXPECT_EQ(cbhasinterrupt(running, ctrlc), 1);
         EXPECT_EQ(cbhasinterrupt(stopped, ctrlc), 1);

@@ -13,16 +13,16 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/failing_new.hpp"
-#include "support/recording_host.hpp"
+#include "support/host_log.hpp"
+#include "zktarn_standin/records.hpp"
 
 namespace {
 
 using namespace zktarn::callbacks_type_util;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using zktarn::testing::live_objects;
-using zktarn::testing::refuse_new;
+using zktarn::standin::fail_record;
+using zktarn::standin::live_records;
 
 constexpr std::int32_t none[] = {0, -1, std::numeric_limits<std::int32_t>::min()};
 
@@ -178,9 +178,9 @@ int number_in(cbdatalist& list) {
 class Cbdatalist : public testing::Test {
 protected:
     void SetUp() override { events.clear(); }
-    void TearDown() override { EXPECT_EQ(live_objects(), 0); }
+    void TearDown() override { EXPECT_EQ(live_records(), 0); }
 
-    zktarn::testing::recording_host host;
+    zktarn::testing::host_log host;
 };
 
 TEST_F(Cbdatalist, InitialisesTheEmptyMarkAndTheHandlesOnly) {
@@ -196,7 +196,7 @@ TEST_F(Cbdatalist, InitialisesTheEmptyMarkAndTheHandlesOnly) {
     EXPECT_EQ(lists[0]->first_handle, 0);
     EXPECT_EQ(lists[0]->second_handle, 0);
     EXPECT_NE(lists[1]->slot.value, nullptr);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Cbdatalist, InitialisesARun) {
@@ -230,13 +230,13 @@ TEST_F(Cbdatalist, CopiesAnEmptySlotWithoutAllocating) {
     _cbdatalistinitialise(*list, 1);
     list->first_handle = 5;
     list->second_handle = -6;
-    refuse_new(1);
+    fail_record(1);
     _cbdatalistcopy(*list, 1);
-    refuse_new(0);
+    fail_record(0);
     EXPECT_EQ(list->slot.value, nullptr);
     EXPECT_EQ(list->first_handle, 5);
     EXPECT_EQ(list->second_handle, -6);
-    EXPECT_EQ(live_objects(), 0);
+    EXPECT_EQ(live_records(), 0);
 }
 
 TEST_F(Cbdatalist, CopiesTheBytesOfAValueIntoStorageOfItsOwn) {
@@ -359,11 +359,11 @@ TEST_F(Cbdatalist, LeavesACopyEmptyWhenThereIsNoStorage) {
         original->slot.parameters = make_block(16, 1);
         raw_list copy;
         copy.copy_bits(original);
-        refuse_new(refused);
+        fail_record(refused);
         _cbdatalistcopy(*copy, 1);
-        refuse_new(0);
+        fail_record(0);
         EXPECT_EQ(copy->slot.value, nullptr);
-        EXPECT_EQ(live_objects(), 2) << "of the original";
+        EXPECT_EQ(live_records(), 2) << "of the original";
         _cbdatalistfinalise(*copy, 1);
         EXPECT_EQ(static_cast<unsigned char*>(original->slot.value)[15], 15);
         _cbdatalistfinalise(*original, 1);
@@ -377,7 +377,7 @@ TEST_F(Cbdatalist, LeavesASharedBlockAloneWhenThereIsNoStorage) {
     original->slot.parameters = shared;
     raw_list copy;
     copy.copy_bits(original);
-    refuse_new(1);
+    fail_record(1);
     _cbdatalistcopy(*copy, 1);
     EXPECT_EQ(copy->slot.value, nullptr);
     EXPECT_EQ(shared->value_size, 16);

@@ -10,13 +10,13 @@
 
 #include <gtest/gtest.h>
 
-#include "support/failing_new.hpp"
+#include "zktarn_standin/records.hpp"
 
 namespace {
 
 using namespace zktarn::callbacks_type_util;
-using zktarn::testing::live_objects;
-using zktarn::testing::refuse_new;
+using zktarn::standin::fail_record;
+using zktarn::standin::live_records;
 
 /// Its bits are all there is to it.
 struct progress {
@@ -33,7 +33,7 @@ struct alignas(64) wide {
 
 class ValueSlot : public testing::Test {
 protected:
-    void TearDown() override { EXPECT_EQ(live_objects(), 0); }
+    void TearDown() override { EXPECT_EQ(live_records(), 0); }
 };
 
 TEST_F(ValueSlot, HoldsAPlainObject) {
@@ -88,24 +88,24 @@ TEST_F(ValueSlot, ReplacesItsObjectAndKeepsTheHandles) {
 TEST_F(ValueSlot, KeepsWhatItHasWhenThereIsNoMemory) {
     cbdatalist list;
     store(list, progress{0.5, 7});
-    refuse_new(1);
+    fail_record(1);
     EXPECT_FALSE(store(list, progress{0.75, 8}));
     for (const std::int64_t refused : {1, 2}) {
-        refuse_new(refused);
+        fail_record(refused);
         EXPECT_FALSE(store(list, names{"cut"})) << refused;
     }
-    refuse_new(0);
+    fail_record(0);
     EXPECT_EQ(stored<progress>(list)->done, 0.5);
-    EXPECT_EQ(live_objects(), 1);
+    EXPECT_EQ(live_records(), 1);
 }
 
 TEST_F(ValueSlot, ACopyForWhichThereIsNoMemoryHoldsNothing) {
     cbdatalist list;
     store(list, names{"cut"});
     for (const std::int64_t refused : {1, 2}) {
-        refuse_new(refused);
+        fail_record(refused);
         cbdatalist copy = list;
-        refuse_new(0);
+        fail_record(0);
         EXPECT_EQ(stored<names>(copy), nullptr) << refused;
         const cbdatalist copy_of_copy = copy;
         EXPECT_EQ(stored<names>(copy_of_copy), nullptr) << refused;
@@ -136,9 +136,9 @@ TEST_F(ValueSlot, AssigningToItselfNeedsNoMemory) {
     cbdatalist list;
     store(list, names{"cut"});
     const cbdatalist& same = list;
-    refuse_new(1);
+    fail_record(1);
     list = same;
-    refuse_new(0);
+    fail_record(0);
     EXPECT_EQ(*stored<names>(list), (names{"cut"}));
 }
 
@@ -147,9 +147,9 @@ TEST_F(ValueSlot, AssigningWithoutMemoryLeavesTheSlotEmpty) {
     cbdatalist other;
     store(list, progress{0.5, 7});
     store(other, progress{0.75, 8});
-    refuse_new(1);
+    fail_record(1);
     list = other;
-    refuse_new(0);
+    fail_record(0);
     EXPECT_EQ(list.slot.value, nullptr);
     EXPECT_EQ(stored<progress>(other)->done, 0.75);
 }

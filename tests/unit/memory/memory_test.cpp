@@ -7,20 +7,21 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/recording_host.hpp"
+#include "support/host_log.hpp"
 
 namespace {
 
 using namespace zktarn::memory_mod;
 using testing::ElementsAre;
 using testing::IsEmpty;
+namespace standin = zktarn::standin;
 using zktarn::array_1d;
 using zktarn::array_2d;
 using zktarn::flag;
 using zktarn::matrix_shape;
 using zktarn::testing::free_of;
+using zktarn::testing::host_log;
 using zktarn::testing::malloc_of;
-using zktarn::testing::recording_host;
 
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
@@ -61,7 +62,7 @@ class Allocmem1d : public testing::Test {
 protected:
     // Whatever an array held before shows where it is not overwritten.
     static typename Procedures::array stale() { return {nullptr, {77}, {66}}; }
-    recording_host host;
+    host_log host;
 };
 TYPED_TEST_SUITE(Allocmem1d, one_dimension);
 
@@ -69,15 +70,15 @@ template <class Procedures>
 class Allocmem2d : public testing::Test {
 protected:
     static typename Procedures::array stale() { return {nullptr, {77, 78}, {66, 67}}; }
-    recording_host host;
+    host_log host;
 };
 TYPED_TEST_SUITE(Allocmem2d, two_dimensions);
 
 TYPED_TEST(Allocmem1d, AttachesABlockOfTheElements) {
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, 5), 1);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(5 * TypeParam::width)));
-    EXPECT_EQ(array.data, this->host.blocks[0]);
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(5 * TypeParam::width)));
+    EXPECT_EQ(array.data, this->host.blocks()[0]);
     EXPECT_EQ(array.extent[0], 5);
     EXPECT_EQ(array.lower_bound[0], 1);
 }
@@ -85,7 +86,7 @@ TYPED_TEST(Allocmem1d, AttachesABlockOfTheElements) {
 TYPED_TEST(Allocmem1d, AttachesOneElement) {
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, 1), 1);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(TypeParam::width)));
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(TypeParam::width)));
     EXPECT_EQ(array.extent[0], 1);
 }
 
@@ -106,14 +107,14 @@ TYPED_TEST(Allocmem1d, SucceedsWithoutTheHostWhenNothingIsAskedFor) {
         EXPECT_EQ(array.extent[0], 77);
         EXPECT_EQ(array.lower_bound[0], 66);
     }
-    EXPECT_THAT(this->host.calls, IsEmpty());
+    EXPECT_THAT(this->host.calls(), IsEmpty());
 }
 
 TYPED_TEST(Allocmem1d, FailsWhenTheHostHasNoMemory) {
     auto array = this->stale();
-    this->host.refuse_request = 1;
+    standin::fail_request(1);
     EXPECT_EQ(TypeParam::alloc(array, 4), 0);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(4 * TypeParam::width)));
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(4 * TypeParam::width)));
     EXPECT_FALSE(array.present());
     EXPECT_EQ(array.extent[0], 77);
     EXPECT_EQ(array.lower_bound[0], 66);
@@ -123,11 +124,11 @@ TYPED_TEST(Allocmem1d, FailsWithoutTheHostWhenTheBytesDoNotFit) {
     const std::int64_t most = largest / TypeParam::width;
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, most), 0);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(most * TypeParam::width)));
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(most * TypeParam::width)));
     if constexpr (TypeParam::width > 1) {
         EXPECT_EQ(TypeParam::alloc(array, most + 1), 0);
         EXPECT_EQ(TypeParam::alloc(array, largest), 0);
-        EXPECT_EQ(this->host.calls.size(), 1U);
+        EXPECT_EQ(this->host.calls().size(), 1U);
     }
     EXPECT_FALSE(array.present());
 }
@@ -136,9 +137,9 @@ TYPED_TEST(Allocmem1d, DropsABlockThatItHeldWithoutReleasingIt) {
     auto array = this->stale();
     TypeParam::alloc(array, 2);
     TypeParam::alloc(array, 3);
-    EXPECT_THAT(this->host.calls,
+    EXPECT_THAT(this->host.calls(),
                 ElementsAre(malloc_of(2 * TypeParam::width), malloc_of(3 * TypeParam::width)));
-    EXPECT_EQ(array.data, this->host.blocks[1]);
+    EXPECT_EQ(array.data, this->host.blocks()[1]);
     EXPECT_EQ(array.extent[0], 3);
     TypeParam::alloc(array, 0);
     EXPECT_FALSE(array.present());
@@ -148,7 +149,7 @@ TYPED_TEST(Allocmem1d, DropsABlockThatItHeldWithoutReleasingIt) {
 TYPED_TEST(Allocmem1d, FailureDropsABlockThatItHeld) {
     auto array = this->stale();
     TypeParam::alloc(array, 2);
-    this->host.refuse_request = 2;
+    standin::fail_request(1);
     EXPECT_EQ(TypeParam::alloc(array, 3), 0);
     EXPECT_FALSE(array.present());
     TypeParam::alloc(array, 2);
@@ -161,8 +162,8 @@ TYPED_TEST(Allocmem1d, FreememGivesTheBlockBackAndKeepsTheExtents) {
     auto array = this->stale();
     TypeParam::alloc(array, 5);
     TypeParam::free(array);
-    EXPECT_THAT(this->host.calls,
-                ElementsAre(malloc_of(5 * TypeParam::width), free_of(this->host.blocks[0])));
+    EXPECT_THAT(this->host.calls(),
+                ElementsAre(malloc_of(5 * TypeParam::width), free_of(this->host.blocks()[0])));
     EXPECT_FALSE(array.present());
     EXPECT_EQ(array.extent[0], 5);
     EXPECT_EQ(array.lower_bound[0], 1);
@@ -173,21 +174,21 @@ TYPED_TEST(Allocmem1d, FreememTwiceGivesTheBlockBackOnce) {
     TypeParam::alloc(array, 5);
     TypeParam::free(array);
     TypeParam::free(array);
-    EXPECT_EQ(this->host.calls.size(), 2U);
+    EXPECT_EQ(this->host.calls().size(), 2U);
 }
 
 TYPED_TEST(Allocmem1d, FreememOnAnAbsentArrayMakesNoHostCall) {
     auto array = this->stale();
     TypeParam::free(array);
-    EXPECT_THAT(this->host.calls, IsEmpty());
+    EXPECT_THAT(this->host.calls(), IsEmpty());
     EXPECT_EQ(array.extent[0], 77);
 }
 
 TYPED_TEST(Allocmem2d, AttachesABlockOfTheElements) {
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, {3, 4}), 1);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(12 * TypeParam::width)));
-    EXPECT_EQ(array.data, this->host.blocks[0]);
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(12 * TypeParam::width)));
+    EXPECT_EQ(array.data, this->host.blocks()[0]);
     EXPECT_EQ(array.extent[0], 3);
     EXPECT_EQ(array.extent[1], 4);
     EXPECT_EQ(array.lower_bound[0], 1);
@@ -198,7 +199,7 @@ TYPED_TEST(Allocmem2d, AttachesABlockOfTheElements) {
 TYPED_TEST(Allocmem2d, AttachesOneElement) {
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, {1, 1}), 1);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(TypeParam::width)));
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(TypeParam::width)));
 }
 
 TYPED_TEST(Allocmem2d, SucceedsWithoutTheHostWhenTheProductIsBelowOne) {
@@ -215,13 +216,13 @@ TYPED_TEST(Allocmem2d, SucceedsWithoutTheHostWhenTheProductIsBelowOne) {
         EXPECT_EQ(array.lower_bound[0], 66);
         EXPECT_EQ(array.lower_bound[1], 67);
     }
-    EXPECT_THAT(this->host.calls, IsEmpty());
+    EXPECT_THAT(this->host.calls(), IsEmpty());
 }
 
 TYPED_TEST(Allocmem2d, TwoNegativeExtentsAskForTheirProduct) {
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, {-2, -3}), 1);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(6 * TypeParam::width)));
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(6 * TypeParam::width)));
     EXPECT_TRUE(array.present());
     EXPECT_EQ(array.extent[0], -2);
     EXPECT_EQ(array.extent[1], -3);
@@ -232,7 +233,7 @@ TYPED_TEST(Allocmem2d, TwoNegativeExtentsAskForTheirProduct) {
 TYPED_TEST(Allocmem2d, FailsWhenTheHostHasNoMemory) {
     auto array = this->stale();
     TypeParam::alloc(array, {2, 2});
-    this->host.refuse_request = 2;
+    standin::fail_request(1);
     EXPECT_EQ(TypeParam::alloc(array, {3, 5}), 0);
     EXPECT_FALSE(array.present());
     EXPECT_EQ(array.extent[0], 2);
@@ -250,11 +251,11 @@ TYPED_TEST(Allocmem2d, FailsWithoutTheHostWhenTheBytesDoNotFit) {
         EXPECT_EQ(TypeParam::alloc(array, shape), 0);
         EXPECT_FALSE(array.present());
     }
-    EXPECT_THAT(this->host.calls, IsEmpty());
+    EXPECT_THAT(this->host.calls(), IsEmpty());
     auto array = this->stale();
     const std::int64_t most = largest / TypeParam::width;
     EXPECT_EQ(TypeParam::alloc(array, {1, most}), 0);
-    EXPECT_THAT(this->host.calls, ElementsAre(malloc_of(most * TypeParam::width)));
+    EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(most * TypeParam::width)));
 }
 
 TYPED_TEST(Allocmem2d, DropsABlockThatItHeldWhereNoneIsAttached) {
@@ -275,8 +276,8 @@ TYPED_TEST(Allocmem2d, FreememKeepsRowsAndColumns) {
     TypeParam::alloc(array, {3, 4});
     TypeParam::free(array);
     TypeParam::free(array);
-    EXPECT_THAT(this->host.calls,
-                ElementsAre(malloc_of(12 * TypeParam::width), free_of(this->host.blocks[0])));
+    EXPECT_THAT(this->host.calls(),
+                ElementsAre(malloc_of(12 * TypeParam::width), free_of(this->host.blocks()[0])));
     EXPECT_FALSE(array.present());
     EXPECT_EQ(array.extent[0], 3);
     EXPECT_EQ(array.extent[1], 4);
@@ -284,7 +285,7 @@ TYPED_TEST(Allocmem2d, FreememKeepsRowsAndColumns) {
 
 class Memory : public testing::Test {
 protected:
-    recording_host host;
+    host_log host;
 };
 
 TEST_F(Memory, AnEmptyRealArrayIsASuccessWithoutAHostCall) {
@@ -292,15 +293,40 @@ TEST_F(Memory, AnEmptyRealArrayIsASuccessWithoutAHostCall) {
     EXPECT_EQ(allocmem_r8_1d_array(array, 0), 1);
     EXPECT_EQ(allocmem_r8_1d_array(array, -5), 1);
     EXPECT_FALSE(array.present());
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Memory, ARefusedIntegerArrayIsAbsentEvenIfItWasPresent) {
     array_1d<std::int32_t> array;
     ASSERT_EQ(allocmem_i4_1d_array(array, 2), 1);
-    host.refuse_request = 2;
+    standin::fail_request(1);
     EXPECT_EQ(allocmem_i4_1d_array(array, 2), 0);
     EXPECT_FALSE(array.present());
+}
+
+TEST_F(Memory, EveryElementOfAMatrixCanBeWritten) {
+    array_2d<double> array;
+    ASSERT_EQ(allocmem_r8_2d_array(array, {3, 5}), 1);
+    for (int j = 1; j <= 5; ++j) {
+        for (int i = 1; i <= 3; ++i) {
+            array(i, j) = 10.0 * i + j;
+        }
+    }
+    EXPECT_EQ(array.data[3], 12.0);
+    EXPECT_EQ(array.data[14], 35.0);
+    EXPECT_EQ(standin::check_blocks(), 0);
+    freemem_r8_2d_array(array);
+    EXPECT_EQ(host.live(), 0U);
+}
+
+TEST_F(Memory, AHostOutOfMemoryIsAFailureUntilItHasSomeAgain) {
+    array_1d<std::int8_t> array;
+    standin::fail_requests_from(1);
+    EXPECT_EQ(allocmem_i1_1d_array(array, 3), 0);
+    EXPECT_EQ(mallocate(3), nullptr);
+    standin::fail_requests_from(0);
+    EXPECT_EQ(allocmem_i1_1d_array(array, 3), 1);
+    freemem_i1_1d_array(array);
 }
 
 TEST_F(Memory, ThreeSmallIntegersTakeThreeAndSixBytes) {
@@ -308,13 +334,13 @@ TEST_F(Memory, ThreeSmallIntegersTakeThreeAndSixBytes) {
     array_1d<std::int16_t> halves;
     EXPECT_EQ(allocmem_i1_1d_array(bytes, 3), 1);
     EXPECT_EQ(allocmem_i2_1d_array(halves, 3), 1);
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(3), malloc_of(6)));
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(3), malloc_of(6)));
 }
 
 TEST_F(Memory, AnExtentOfTheArrayItselfServesAsTheCount) {
     array_1d<std::int64_t> array{nullptr, {4}, {1}};
     EXPECT_EQ(allocmem_i8_1d_array(array, array.extent[0]), 1);
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(32)));
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(32)));
     EXPECT_EQ(allocmem_i8_1d_array(array, array.lower_bound[0]), 1);
     EXPECT_EQ(array.extent[0], 1);
 }
@@ -322,11 +348,11 @@ TEST_F(Memory, AnExtentOfTheArrayItselfServesAsTheCount) {
 TEST_F(Memory, MallocateAnswersWhatTheHostAnswers) {
     const void* const first = mallocate(1);
     const void* const second = mallocate(100);
-    EXPECT_THAT(host.blocks, ElementsAre(first, second));
-    host.refuse_request = 3;
+    EXPECT_THAT(host.blocks(), ElementsAre(first, second));
+    standin::fail_request(1);
     EXPECT_EQ(mallocate(8), nullptr);
     EXPECT_EQ(mallocate(largest), nullptr);
-    EXPECT_THAT(host.calls,
+    EXPECT_THAT(host.calls(),
                 ElementsAre(malloc_of(1), malloc_of(100), malloc_of(8), malloc_of(largest)));
 }
 
@@ -334,7 +360,7 @@ TEST_F(Memory, MallocateOfNothingIsNullWithoutAHostCall) {
     EXPECT_EQ(mallocate(0), nullptr);
     EXPECT_EQ(mallocate(-1), nullptr);
     EXPECT_EQ(mallocate(smallest), nullptr);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Memory, MdeallocateHandsTheAddressOnAndDoesNotClearIt) {
@@ -342,12 +368,12 @@ TEST_F(Memory, MdeallocateHandsTheAddressOnAndDoesNotClearIt) {
     void* address = block;
     mdeallocate(address);
     EXPECT_EQ(address, block);
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(16), free_of(block)));
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(16), free_of(block)));
 }
 
 TEST_F(Memory, MdeallocateHandsNullOnToo) {
     mdeallocate(nullptr);
-    EXPECT_THAT(host.calls, ElementsAre(free_of(nullptr)));
+    EXPECT_THAT(host.calls(), ElementsAre(free_of(nullptr)));
 }
 
 } // namespace

@@ -8,31 +8,48 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/recording_host.hpp"
+#include "support/host_log.hpp"
 
 namespace {
 
 using namespace zktarn::random;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using zktarn::testing::call;
-using zktarn::testing::recording_host;
+using zktarn::standin::answer;
+using zktarn::standin::operation;
+using zktarn::testing::host_call;
+using zktarn::testing::host_log;
+namespace standin = zktarn::standin;
 
 constexpr double largest = 1.7976931348623157e308;
 
-/// Handles as the recording host knows them: by number.
+/// Handles of scripted answers, which the library only passes on.
 void* handle(std::uintptr_t number) {
     return reinterpret_cast<void*>(number);
 }
 
+host_call call_with(operation what, std::uintptr_t number) {
+    return {what, {}, {}, {}, {handle(number)}};
+}
+
+/// What the library asks of the host and makes of its answers: every operation is scripted, because
+/// the handles are made up.
 class Random : public testing::Test {
 protected:
-    /// The host answers every operation of that name with the number.
-    void answer(const std::string& operation, double number) {
-        host.answer = [=](const call& c) { return c.operation == operation ? number : 0.5; };
+    Random() {
+        for (const operation what : {operation::instantiateRngOptim, operation::deleteRngOptim,
+                                     operation::getRandUniformOptim, operation::getRngStateOptim,
+                                     operation::setRngStateOptim, operation::deleteRngStateOptim}) {
+            standin::answer_calls(what, [](const host_call&) { return answer{}; });
+        }
     }
 
-    recording_host host;
+    static void answer_handle(operation what, std::uintptr_t number) {
+        standin::answer_calls(what,
+                              [=](const host_call&) { return answer{.address = handle(number)}; });
+    }
+
+    host_log host;
 };
 
 TEST_F(Random, ANewRecordHasNoGenerator) {
@@ -41,15 +58,15 @@ TEST_F(Random, ANewRecordHasNoGenerator) {
     for (const rng_state& each : several) {
         EXPECT_EQ(each.generator, nullptr);
     }
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Random, InstantiatesAGeneratorFromTheSeed) {
     rng_state rng;
-    answer("instantiateRngOptim", 7);
+    answer_handle(operation::instantiateRngOptim, 7);
     EXPECT_EQ(instantiaterng(rng, -5), 1);
     EXPECT_EQ(rng.generator, handle(7));
-    EXPECT_THAT(host.calls, ElementsAre(call{"instantiateRngOptim", {-5}}));
+    EXPECT_THAT(host.calls(), ElementsAre(host_call{operation::instantiateRngOptim, {-5}}));
 }
 
 TEST_F(Random, PassesEverySeedOn) {
@@ -57,32 +74,32 @@ TEST_F(Random, PassesEverySeedOn) {
     for (const std::int32_t seed : {0, 1, std::numeric_limits<std::int32_t>::min(),
                                     std::numeric_limits<std::int32_t>::max()}) {
         instantiaterng(rng, seed);
-        EXPECT_EQ(host.calls.back(), (call{"instantiateRngOptim", {seed}}));
+        EXPECT_EQ(host.calls().back(), (host_call{operation::instantiateRngOptim, {seed}}));
     }
 }
 
 TEST_F(Random, ReportsAHostThatCanMakeNoGenerator) {
     rng_state rng{handle(3)};
-    answer("instantiateRngOptim", 0);
+    answer_handle(operation::instantiateRngOptim, 0);
     EXPECT_EQ(instantiaterng(rng, 1), 0);
     EXPECT_EQ(rng.generator, nullptr);
 }
 
 TEST_F(Random, ReplacesAGeneratorWithoutDeletingIt) {
     rng_state rng{handle(3)};
-    answer("instantiateRngOptim", 8);
+    answer_handle(operation::instantiateRngOptim, 8);
     EXPECT_EQ(instantiaterng(rng, 1), 1);
     EXPECT_EQ(rng.generator, handle(8));
-    EXPECT_THAT(host.calls, ElementsAre(call{"instantiateRngOptim", {1}}));
+    EXPECT_THAT(host.calls(), ElementsAre(host_call{operation::instantiateRngOptim, {1}}));
 }
 
 TEST_F(Random, HasNoHandleWhileTheHostMakesAGenerator) {
     rng_state rng{handle(3)};
     void* seen = handle(99);
-    host.answer = [&](const call&) {
+    standin::answer_calls(operation::instantiateRngOptim, [&](const host_call&) {
         seen = rng.generator;
-        return 4.0;
-    };
+        return answer{.address = handle(4)};
+    });
     instantiaterng(rng, 1);
     EXPECT_EQ(seen, nullptr);
     EXPECT_EQ(rng.generator, handle(4));
@@ -93,67 +110,74 @@ TEST_F(Random, DeletesAGeneratorOnce) {
     deleterng(rng);
     EXPECT_EQ(rng.generator, nullptr);
     deleterng(rng);
-    EXPECT_THAT(host.calls, ElementsAre(call{"deleteRngOptim", {3}}));
+    EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::deleteRngOptim, 3)));
 }
 
-TEST_F(Random, DrawsOneNumberAtATimeIntoASlotThatHoldsTheLargestReal) {
+TEST_F(Random, DrawsOneNumberAtATime) {
     const rng_state rng{handle(3)};
-    answer("getRandUniformOptim", 0.25);
+    standin::answer_calls(operation::getRandUniformOptim,
+                          [](const host_call&) { return answer{.reals = {0.25}}; });
     EXPECT_EQ(rand_number(rng), 0.25);
-    EXPECT_THAT(host.calls, ElementsAre(call{"getRandUniformOptim", {3, 1}, {}, {largest}}));
+    EXPECT_THAT(host.calls(),
+                ElementsAre(host_call{operation::getRandUniformOptim, {1}, {}, {}, {handle(3)}}));
+}
+
+TEST_F(Random, DrawsTheLargestRealWhenTheHostWritesNone) {
+    EXPECT_EQ(rand_number(rng_state{handle(3)}), largest);
+    EXPECT_EQ(host.calls().size(), 1U);
 }
 
 TEST_F(Random, DrawsTheLargestRealWithoutAGenerator) {
     EXPECT_EQ(rand_number(rng_state{}), largest);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Random, TakesASnapshot) {
     const rng_state rng{handle(3)};
     saved_state state = handle(99);
-    answer("getRngStateOptim", 6);
+    answer_handle(operation::getRngStateOptim, 6);
     EXPECT_EQ(getrngstate(rng, state), 1);
     EXPECT_EQ(state, handle(6));
-    EXPECT_THAT(host.calls, ElementsAre(call{"getRngStateOptim", {3}}));
+    EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::getRngStateOptim, 3)));
 }
 
 TEST_F(Random, ReportsAHostThatDeliversNoSnapshot) {
     const rng_state rng{handle(3)};
     saved_state state = handle(99);
-    answer("getRngStateOptim", 0);
+    answer_handle(operation::getRngStateOptim, 0);
     EXPECT_EQ(getrngstate(rng, state), 0);
     EXPECT_EQ(state, nullptr);
 }
 
 TEST_F(Random, AsksForASnapshotWithoutAGeneratorToo) {
     saved_state state = handle(99);
-    answer("getRngStateOptim", 0);
+    answer_handle(operation::getRngStateOptim, 0);
     EXPECT_EQ(getrngstate(rng_state{}, state), 0);
     EXPECT_EQ(state, nullptr);
-    answer("getRngStateOptim", 5);
+    answer_handle(operation::getRngStateOptim, 5);
     EXPECT_EQ(getrngstate(rng_state{}, state), 1);
     EXPECT_EQ(state, handle(5));
-    EXPECT_THAT(host.calls,
-                ElementsAre(call{"getRngStateOptim", {0}}, call{"getRngStateOptim", {0}}));
+    EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::getRngStateOptim, 0),
+                                          call_with(operation::getRngStateOptim, 0)));
 }
 
 TEST_F(Random, HasNoSnapshotWhileTheHostTakesOne) {
     saved_state state = handle(99);
     void* seen = handle(99);
-    host.answer = [&](const call&) {
+    standin::answer_calls(operation::getRngStateOptim, [&](const host_call&) {
         seen = state;
-        return 4.0;
-    };
+        return answer{.address = handle(4)};
+    });
     getrngstate(rng_state{handle(1)}, state);
     EXPECT_EQ(seen, nullptr);
 }
 
 TEST_F(Random, TakesASnapshotIntoTheHandleOfTheGeneratorItself) {
     rng_state rng{handle(3)};
-    answer("getRngStateOptim", 6);
+    answer_handle(operation::getRngStateOptim, 6);
     EXPECT_EQ(getrngstate(rng, rng.generator), 1);
     EXPECT_EQ(rng.generator, handle(6));
-    EXPECT_THAT(host.calls, ElementsAre(call{"getRngStateOptim", {3}}));
+    EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::getRngStateOptim, 3)));
 }
 
 TEST_F(Random, RestoresASnapshotAsOftenAsWanted) {
@@ -162,15 +186,15 @@ TEST_F(Random, RestoresASnapshotAsOftenAsWanted) {
     setrngstate(rng, state);
     setrngstate(rng, state);
     EXPECT_EQ(state, handle(6));
-    EXPECT_THAT(host.calls,
-                ElementsAre(call{"setRngStateOptim", {3, 6}}, call{"setRngStateOptim", {3, 6}}));
+    const host_call restored = {operation::setRngStateOptim, {}, {}, {}, {handle(3), handle(6)}};
+    EXPECT_THAT(host.calls(), ElementsAre(restored, restored));
 }
 
 TEST_F(Random, RestoresNothingWithoutAGeneratorOrASnapshot) {
     setrngstate(rng_state{}, handle(6));
     setrngstate(rng_state{handle(3)}, nullptr);
     setrngstate(rng_state{}, nullptr);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Random, DeletesASnapshotAndKeepsTheStaleHandle) {
@@ -178,13 +202,13 @@ TEST_F(Random, DeletesASnapshotAndKeepsTheStaleHandle) {
     deleterngstate(state);
     EXPECT_EQ(state, handle(6));
     deleterngstate(state);
-    EXPECT_THAT(host.calls,
-                ElementsAre(call{"deleteRngStateOptim", {6}}, call{"deleteRngStateOptim", {6}}));
+    EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::deleteRngStateOptim, 6),
+                                          call_with(operation::deleteRngStateOptim, 6)));
 }
 
 TEST_F(Random, DeletesNoSnapshotWhereThereIsNone) {
     deleterngstate(nullptr);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Random, InitialisesARunOfRecordsAndNoOther) {
@@ -194,7 +218,7 @@ TEST_F(Random, InitialisesARunOfRecordsAndNoOther) {
     EXPECT_EQ(records[1].generator, nullptr);
     EXPECT_EQ(records[2].generator, nullptr);
     EXPECT_EQ(records[3].generator, handle(4));
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(Random, InitialisesNothingBelowOneRecord) {
@@ -203,6 +227,74 @@ TEST_F(Random, InitialisesNothingBelowOneRecord) {
         _rng_stateinitialise(record, count);
         EXPECT_EQ(record.generator, handle(1));
     }
+}
+
+std::vector<double> draws(const rng_state& rng, int n) {
+    std::vector<double> numbers;
+    for (int i = 0; i < n; ++i) {
+        numbers.push_back(rand_number(rng));
+    }
+    return numbers;
+}
+
+/// Generators of the stand-in, from the first draw to the last snapshot.
+class RandomNumbers : public testing::Test {
+protected:
+    void SetUp() override { standin::reset(); }
+    void TearDown() override {
+        EXPECT_THAT(standin::live_objects(), IsEmpty());
+        standin::reset();
+    }
+};
+
+TEST_F(RandomNumbers, ComeBackWithASnapshot) {
+    rng_state rng;
+    ASSERT_EQ(instantiaterng(rng, 42), 1);
+    draws(rng, 5);
+    saved_state state = nullptr;
+    ASSERT_EQ(getrngstate(rng, state), 1);
+    const std::vector<double> first = draws(rng, 20);
+    for (int again = 0; again < 2; ++again) {
+        setrngstate(rng, state);
+        EXPECT_EQ(draws(rng, 20), first);
+    }
+    deleterngstate(state);
+    deleterng(rng);
+    EXPECT_EQ(rand_number(rng), largest);
+}
+
+TEST_F(RandomNumbers, DependOnTheSeed) {
+    rng_state a;
+    rng_state b;
+    rng_state other;
+    ASSERT_EQ(instantiaterng(a, 7), 1);
+    ASSERT_EQ(instantiaterng(b, 7), 1);
+    ASSERT_EQ(instantiaterng(other, -7), 1);
+    const std::vector<double> numbers = draws(a, 10);
+    EXPECT_EQ(draws(b, 10), numbers);
+    EXPECT_NE(draws(other, 10), numbers);
+    for (rng_state* each : {&a, &b, &other}) {
+        deleterng(*each);
+    }
+}
+
+TEST_F(RandomNumbers, ReportFailuresOfTheHost) {
+    rng_state rng;
+    standin::fail_call(operation::instantiateRngOptim, 1);
+    EXPECT_EQ(instantiaterng(rng, 1), 0);
+    EXPECT_EQ(rng.generator, nullptr);
+
+    ASSERT_EQ(instantiaterng(rng, 1), 1);
+    saved_state state = nullptr;
+    standin::fail_call(operation::getRngStateOptim, 1);
+    EXPECT_EQ(getrngstate(rng, state), 0);
+    EXPECT_EQ(state, nullptr);
+
+    standin::fail_call(operation::getRandUniformOptim, 2);
+    EXPECT_LT(rand_number(rng), 1.0);
+    EXPECT_EQ(rand_number(rng), largest);
+    EXPECT_LT(rand_number(rng), 1.0);
+    deleterng(rng);
 }
 
 } // namespace

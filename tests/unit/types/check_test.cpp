@@ -4,14 +4,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/recording_host.hpp"
+#include "support/host_log.hpp"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 using zktarn::testing::assert_of;
-using zktarn::testing::recording_host;
+using zktarn::testing::host_log;
 
 #ifdef ZKTARN_CHECKED
 constexpr bool checked = true;
@@ -21,10 +21,11 @@ constexpr bool checked = false;
 
 /// What an access reported.
 template <class Access>
-std::vector<zktarn::testing::call> reports(Access access) {
-    recording_host host;
+std::vector<zktarn::testing::host_call> reports(Access access) {
+    const host_log host;
+    zktarn::standin::set_assertion_handler([] {});
     access();
-    return host.calls;
+    return host.calls();
 }
 
 #define EXPECT_REPORTED(access)                                                                    \

@@ -8,8 +8,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "support/failing_new.hpp"
-#include "support/recording_host.hpp"
+#include "support/host_log.hpp"
+#include "zktarn_standin/records.hpp"
 
 namespace {
 
@@ -17,12 +17,12 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using zktarn::flag;
 using zktarn::optional_ref;
-using zktarn::testing::call;
+using zktarn::standin::fail_record;
+using zktarn::standin::live_records;
 using zktarn::testing::free_of;
-using zktarn::testing::live_objects;
+using zktarn::testing::host_call;
+using zktarn::testing::host_log;
 using zktarn::testing::malloc_of;
-using zktarn::testing::recording_host;
-using zktarn::testing::refuse_new;
 using zktarn::vector_type::vector;
 using zktarn::vector_type::vector_alloc;
 using zktarn::vector_type::vector_free;
@@ -32,10 +32,10 @@ protected:
     void TearDown() override {
         vector_free(vec);
         EXPECT_EQ(host.live(), 0U);
-        EXPECT_EQ(live_objects(), 0);
+        EXPECT_EQ(live_records(), 0);
     }
 
-    recording_host host;
+    host_log host;
     vector* vec = nullptr;
 };
 
@@ -47,19 +47,19 @@ TEST_F(VectorType, AnEmptyVectorHasNoArrays) {
         EXPECT_FALSE(vec->ind.present());
         EXPECT_FALSE(vec->elm.present());
         EXPECT_EQ(vec->nz, 0);
-        EXPECT_THAT(host.calls, IsEmpty());
+        EXPECT_THAT(host.calls(), IsEmpty());
         vector_free(vec);
-        EXPECT_THAT(host.calls, IsEmpty());
+        EXPECT_THAT(host.calls(), IsEmpty());
     }
 }
 
 TEST_F(VectorType, WithoutFlagsAllThreeArraysExistAndOnlyTheMarksAreZeroed) {
     constexpr std::int32_t n = 7;
     ASSERT_EQ(vector_alloc(vec, n), 1);
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(8 * n), malloc_of(4 * n), malloc_of(4 * n)));
-    EXPECT_EQ(vec->coef.data, host.blocks[0]);
-    EXPECT_EQ(vec->ind.data, host.blocks[1]);
-    EXPECT_EQ(vec->elm.data, host.blocks[2]);
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(8 * n), malloc_of(4 * n), malloc_of(4 * n)));
+    EXPECT_EQ(vec->coef.data, host.blocks()[0]);
+    EXPECT_EQ(vec->ind.data, host.blocks()[1]);
+    EXPECT_EQ(vec->elm.data, host.blocks()[2]);
     for (const auto* array : {&vec->ind, &vec->elm}) {
         EXPECT_EQ(array->extent[0], n);
         EXPECT_EQ(array->lower_bound[0], 1);
@@ -79,7 +79,7 @@ TEST_F(VectorType, WithoutFlagsAllThreeArraysExistAndOnlyTheMarksAreZeroed) {
 
 TEST_F(VectorType, OneElementIsEnough) {
     ASSERT_EQ(vector_alloc(vec, 1), 1);
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(8), malloc_of(4), malloc_of(4)));
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(8), malloc_of(4), malloc_of(4)));
     EXPECT_EQ(vec->elm(1), 0);
 }
 
@@ -88,7 +88,7 @@ TEST_F(VectorType, NoCoefMakesAnIndexSet) {
     EXPECT_FALSE(vec->coef.present());
     EXPECT_TRUE(vec->ind.present());
     EXPECT_TRUE(vec->elm.present());
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(12), malloc_of(12)));
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(12), malloc_of(12)));
 }
 
 TEST_F(VectorType, NoElmMakesAListVectorAndZeroesNothing) {
@@ -96,7 +96,7 @@ TEST_F(VectorType, NoElmMakesAListVectorAndZeroesNothing) {
     EXPECT_TRUE(vec->coef.present());
     EXPECT_TRUE(vec->ind.present());
     EXPECT_FALSE(vec->elm.present());
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(24), malloc_of(12)));
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(24), malloc_of(12)));
     EXPECT_EQ(vec->ind(1), static_cast<std::int32_t>(0xA5A5A5A5));
 }
 
@@ -128,37 +128,38 @@ TEST_F(VectorType, TheCapacityMayBeAComponentOfTheOldRecord) {
 TEST_F(VectorType, FailureOfTheRecordLeavesNull) {
     vector other;
     vec = &other;
-    refuse_new(1);
+    fail_record(1);
     EXPECT_EQ(vector_alloc(vec, 4), 0);
     EXPECT_EQ(vec, nullptr);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(VectorType, FailureOfTheSecondArrayReleasesTheFirstAndTheRecord) {
-    host.refuse_request = 2;
+    zktarn::standin::fail_request(2);
     EXPECT_EQ(vector_alloc(vec, 4), 0);
     EXPECT_EQ(vec, nullptr);
-    EXPECT_EQ(live_objects(), 0);
-    EXPECT_THAT(host.calls, ElementsAre(malloc_of(32), malloc_of(16), free_of(host.blocks[0])));
+    EXPECT_EQ(live_records(), 0);
+    EXPECT_THAT(host.calls(), ElementsAre(malloc_of(32), malloc_of(16), free_of(host.blocks()[0])));
 }
 
 TEST_F(VectorType, VectorFreeOfNullDoesNothing) {
     vector_free(vec);
     EXPECT_EQ(vec, nullptr);
-    EXPECT_THAT(host.calls, IsEmpty());
+    EXPECT_THAT(host.calls(), IsEmpty());
 }
 
 TEST_F(VectorType, VectorFreeReleasesInOrderAndTwiceIsHarmless) {
     ASSERT_EQ(vector_alloc(vec, 2), 1);
-    EXPECT_EQ(live_objects(), 1);
-    host.calls.clear();
+    EXPECT_EQ(live_records(), 1);
+    const std::vector<void*> blocks = host.blocks();
+    host.clear();
     vector_free(vec);
     EXPECT_EQ(vec, nullptr);
-    EXPECT_EQ(live_objects(), 0);
-    EXPECT_THAT(host.calls, ElementsAre(free_of(host.blocks[0]), free_of(host.blocks[1]),
-                                        free_of(host.blocks[2])));
+    EXPECT_EQ(live_records(), 0);
+    EXPECT_THAT(host.calls(),
+                ElementsAre(free_of(blocks[0]), free_of(blocks[1]), free_of(blocks[2])));
     vector_free(vec);
-    EXPECT_EQ(host.calls.size(), 3U);
+    EXPECT_EQ(host.calls().size(), 3U);
 }
 
 /// How a flag is passed: absent, or present with a value.
@@ -194,8 +195,8 @@ constexpr std::int32_t capacity = 6;
 constexpr std::int64_t widths[] = {8, 4, 4};
 
 /// The requests of a call with these flags.
-std::vector<call> requests(const flags& given) {
-    std::vector<call> expected;
+std::vector<host_call> requests(const flags& given) {
+    std::vector<host_call> expected;
     for (std::size_t which = 0; which < 3; ++which) {
         if (given.wants(which)) {
             expected.push_back(malloc_of(widths[which] * capacity));
@@ -206,48 +207,49 @@ std::vector<call> requests(const flags& given) {
 
 TEST(VectorTypeFlags, DecideWhichArraysExistAndAPresentFalseCountsAsAbsent) {
     for (const flags& given : all_flags()) {
-        recording_host host;
+        host_log host;
         vector* vec = nullptr;
         ASSERT_EQ(given.alloc(vec, capacity), 1);
         EXPECT_EQ(vec->coef.present(), given.wants(0));
         EXPECT_EQ(vec->ind.present(), given.wants(1));
         EXPECT_EQ(vec->elm.present(), given.wants(2));
         EXPECT_EQ(vec->nz, 0);
-        EXPECT_EQ(host.calls, requests(given));
+        EXPECT_EQ(host.calls(), requests(given));
         if (given.wants(2)) {
             for (std::int32_t j = 1; j <= capacity; ++j) {
                 EXPECT_EQ(vec->elm(j), 0);
             }
         }
-        host.calls.clear();
+        const std::vector<void*> blocks = host.blocks();
+        host.clear();
         vector_free(vec);
-        std::vector<call> releases;
-        for (void* const block : host.blocks) {
+        std::vector<host_call> releases;
+        for (void* const block : blocks) {
             releases.push_back(free_of(block));
         }
-        EXPECT_EQ(host.calls, releases);
+        EXPECT_EQ(host.calls(), releases);
         EXPECT_EQ(host.live(), 0U);
     }
 }
 
 TEST(VectorTypeFlags, FailureOfAnyArrayReleasesTheOnesBeforeIt) {
     for (const flags& given : all_flags()) {
-        const std::vector<call> wanted = requests(given);
+        const std::vector<host_call> wanted = requests(given);
         for (std::size_t k = 1; k <= wanted.size(); ++k) {
-            recording_host host;
-            host.refuse_request = static_cast<std::int64_t>(k);
+            host_log host;
+            zktarn::standin::fail_request(static_cast<std::int64_t>(k));
             vector other;
             vector* vec = &other;
             EXPECT_EQ(given.alloc(vec, capacity), 0);
             EXPECT_EQ(vec, nullptr);
-            std::vector<call> expected(wanted.begin(),
-                                       wanted.begin() + static_cast<std::ptrdiff_t>(k));
+            std::vector<host_call> expected(wanted.begin(),
+                                            wanted.begin() + static_cast<std::ptrdiff_t>(k));
             for (std::size_t i = 0; i + 1 < k; ++i) {
-                expected.push_back(free_of(host.blocks[i]));
+                expected.push_back(free_of(host.blocks()[i]));
             }
-            EXPECT_EQ(host.calls, expected);
+            EXPECT_EQ(host.calls(), expected);
             EXPECT_EQ(host.live(), 0U);
-            EXPECT_EQ(live_objects(), 0);
+            EXPECT_EQ(live_records(), 0);
         }
     }
 }
