@@ -3,6 +3,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 
 #include <boost/multiprecision/cpp_int.hpp>
 #include <gtest/gtest.h>
@@ -16,6 +17,7 @@ namespace {
 
 using boost::multiprecision::cpp_rational;
 using zktarn::flag;
+using zktarn::testing::inf;
 using zktarn::testing::number_draws;
 using zktarn::testing::same_bits;
 using zktarn::testing::scaled;
@@ -89,6 +91,24 @@ TEST(RationalProperty, AgreesWithTheRulesWhereRoundingDecides) {
             draw.sign() * draw.uniform() * std::ldexp(1.0, static_cast<int>(draw.below(9)));
         const double eps = draw.chance(2) ? 0.0 : std::ldexp(draw.uniform(), -52);
         return {x, eps, std::ldexp(1.0 + draw.uniform(), 45 + static_cast<int>(draw.below(9)))};
+    });
+}
+
+// Bounds about the largest one that is searched by table, equal to a denominator or just below it,
+// and tolerances about the one that the table has room for.
+TEST(RationalProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
+    expect_agreement_on_many(20261208, [](number_draws& draw) -> question {
+        static constexpr double bases[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 13, 15, 17, 19, 23};
+        const double base = bases[draw.below(std::size(bases))];
+        const double den = base * std::pow(10.0, static_cast<double>(draw.below(8)));
+        const double bound = draw.chance(3)   ? std::nextafter(den, draw.chance(2) ? inf : 0.0)
+                             : draw.chance(2) ? den
+                                              : 1e7 + draw.whole(3) - 1.0;
+        const double widest = 0x1.8p-10 / bound;
+        const double eps = draw.chance(2) ? widest * (1.0 + (draw.whole(9) - 4.0) * 0x1p-40)
+                                          : widest * draw.uniform();
+        const double x = draw.sign() * draw.whole(1 + draw.below(1'000'000)) / den;
+        return {draw.chance(2) ? x : x + (draw.uniform() - 0.5) * 2.5 * eps, eps, bound};
     });
 }
 

@@ -3,28 +3,38 @@
 #include "zktarn/export.hpp"
 #include "zktarn/types.hpp"
 
-/// Fractions with a bounded denominator that represent a real within a tolerance.
+/// Fractions with a bounded denominator that are within a tolerance of a real.
+///
+/// Assumes the default floating-point environment: rounding to nearest, subnormals neither flushed
+/// to zero nor read as zero. In another one results may differ, but every call ends.
 
 namespace zktarn::util {
 
-/// A fraction num/den within eps of x, its denominator at most max_den.
+/// Finds a fraction num/den within eps of x whose denominator is at most a bound.
 ///
 /// @param x        in. Any real.
 /// @param eps      in. Tolerance, inclusive.
-/// @param max_den  in. Denominator bound; the larger of its magnitude and 1 counts, and 1 when it
-///                 is not a number.
-/// @param found    out. 1 when there is one, else 0.
-/// @param num      out. Its numerator, integral; 0.0 when found is 0.
-/// @param den      out. Its denominator, integral and positive; 0.0 when found is 0.
+/// @param max_den  in. The bound is max(|max_den|, 1), and 1 if max_den is NaN.
+/// @param found    out. 1 if a fraction was found, else 0.
+/// @param num      out. Its numerator, integral; 0.0 if found is 0.
+/// @param den      out. Its denominator, integral and positive; 0.0 if found is 0.
 ///
-/// Denominators that are friendly to decimals come first: for k = 1, 2, ..., 9, 11, 13, 15, 17, 19,
-/// 23 in turn, k, 10 k, 100 k, ... up to the bound. The first that fits wins, with the lower
-/// numerator where two fit, though a smaller denominator might fit as well: 0.25 is 25/100. Where
-/// none fits, the convergents of the continued fraction of x are tried, each with its numerator and
-/// with the ones beside it.
+/// Two searches, of which the second runs if the first finds nothing:
 ///
-/// Found is 0 for an x or an eps that is not a number; and, with an infinite bound, when none of
-/// 1, 10, 100, ... fits. Pure, and callable from any thread.
+///  1. Denominators that are common in decimal data: for k = 1, 2, ..., 9, 11, 13, 15, 17, 19, 23
+///  in
+///     turn, k, 10 k, 100 k, ... up to the bound. The first that fits wins, with the lower
+///     numerator where two fit. The fraction need not be reduced: 0.25 is 25/100 if the bound is
+///     100 or more.
+///  2. The convergents p/q of the continued fraction of x with q up to the bound, each with p and
+///     with the neighbour p - 1 or p + 1 on the side of x.
+///
+/// Found is 0 if x or eps is NaN. With an infinite bound only the powers of ten are tried, and
+/// found is 0 if none fits.
+///
+/// Source of the second search: the recurrence of convergents, for example Hardy and Wright, An
+/// Introduction to the Theory of Numbers, chapter X. The cost grows with the logarithm of the
+/// bound. A pure function, callable from any thread.
 ZKTARN_API void get_rational_rep(const double& x, const double& eps, const double& max_den,
                                  flag& found, double& num, double& den) noexcept;
 

@@ -1,13 +1,16 @@
 #include "zktarn/util/scalar_search.hpp"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 
 #include "zktarn/util/detail/binary_gcd.hpp"
 #include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/detail/near_multiples.hpp"
 #include "zktarn/util/detail/nearest.hpp"
 #include "zktarn/util/detail/rational.hpp"
 
@@ -15,25 +18,25 @@ namespace zktarn::util {
 
 namespace {
 
-/// What a supplier says of an element; 0 is what it leaves alone.
+/// An element as its supplier gives it; what the supplier does not write is 0.
 struct element {
     double value;
     flag marked;
     flag selected;
 };
 
-/// The elements as the search sees them: supplied one by one, and filtered.
+/// The set of elements, read one by one.
 struct elements {
-    std::int32_t count;
+    // Wider than the count, so that a loop over all of 2147483647 elements ends.
+    std::int64_t count;
     element_supplier supply;
     double eps;
     bool skip_marked;
     bool selected_only;
 
-    /// The supplier gets an index of its own.
-    element get(std::int32_t i) const noexcept {
+    element get(std::int64_t i) const noexcept {
         element each{};
-        supply(i, each.value, each.marked, each.selected);
+        supply(static_cast<std::int32_t>(i), each.value, each.marked, each.selected);
         return each;
     }
 
@@ -41,137 +44,171 @@ struct elements {
         return (!skip_marked || each.marked == 0) && (!selected_only || each.selected != 0) &&
                std::fabs(each.value) > eps;
     }
-
-    /// The smallest magnitude above eps of all elements, whether they take part or not.
-    ///
-    /// Bits of magnitudes are ordered as the magnitudes are; and unlike reals, integers stay in a
-    /// register while the supplier is called.
-    double smallest_magnitude() const noexcept {
-        auto smallest = std::bit_cast<std::int64_t>(std::numeric_limits<double>::max());
-        for (std::int32_t i = 1; i <= count; ++i) {
-            const double magnitude = std::fabs(get(i).value);
-            if (magnitude > eps) {
-                smallest = std::min(smallest, std::bit_cast<std::int64_t>(magnitude));
-            }
-        }
-        return std::bit_cast<double>(smallest);
-    }
 };
 
-enum class verdict { found, failed, endless };
+/// The smallest magnitude above eps of all elements, whether they take part or not.
+///
+/// The bit patterns of magnitudes are ordered as the magnitudes are. Unlike a real, an integer
+/// stays in a register while the supplier is called.
+double smallest_magnitude(const elements& set) noexcept {
+    auto smallest = std::bit_cast<std::int64_t>(std::numeric_limits<double>::max());
+    for (std::int64_t i = 1; i <= set.count; ++i) {
+        const double magnitude = std::fabs(set.get(i).value);
+        if (magnitude > set.eps) {
+            smallest = std::min(smallest, std::bit_cast<std::int64_t>(magnitude));
+        }
+    }
+    return std::bit_cast<double>(smallest);
+}
+
+enum class verdict { found, too_large, endless, no_fraction };
 
 struct trial {
     verdict outcome;
     double scalar;
 };
 
-constexpr trial failed = {verdict::failed, 0.0};
-
-bool is_integral_by_rule(double value, double eps) noexcept {
-    return detail::decide_integer(value, eps, 0.0).is_integer;
-}
-
-// Below 2^31 - 1 the guarded floor is a plain one, and a value is integral when the nearer of floor
-// and ceiling is near enough: the distance to it, at most one half, is a real and not rounded, and
-// rounding takes the distance to the other one to nothing below one half.
+// Below 2^31 - 1 the guarded floor is the plain floor.
 constexpr double plain_below = 2147483647.0;
 
-bool is_integral(double value, double eps) noexcept {
-    if (std::fabs(value) < plain_below) [[likely]] {
-        return std::fabs(value - detail::nearest(value)) <= eps;
+/// The decision of `epsilon_is_int_scalar` on a product.
+///
+/// The distance to the nearest integer is exact. The distance to the integer on the other side is
+/// at least 1/2, rounded or not, so the nearer one decides.
+bool is_integral(double product, double eps) noexcept {
+    if (std::fabs(product) < plain_below) [[likely]] {
+        return std::fabs(detail::offset_from_nearest(product)) <= eps;
     }
-    return is_integral_by_rule(value, eps);
+    return detail::decide_integer(product, eps, 0.0).is_integer;
 }
 
-/// The first of 3, 5, ..., 19 by which value * (scalar * factor) is integral; 0 when none is.
-double first_factor_by_rule(double value, double scalar, double eps) noexcept {
-    for (double factor = 3.0; factor <= 19.0; factor += 2.0) {
-        if (is_integral_by_rule(value * (scalar * factor), eps)) {
-            return factor;
+constexpr std::array<double, 9> factors = {3, 5, 7, 9, 11, 13, 15, 17, 19};
+constexpr std::uint32_t all_factors = (1U << factors.size()) - 1;
+constexpr detail::near_multiples multiples_by_factors(factors);
+
+/// The first of some factors, one bit each, that makes value * scalar integral; 2 if none does.
+double grown(double scalar, double value, double eps, std::uint32_t candidates) noexcept {
+    for (; candidates != 0; candidates &= candidates - 1) {
+        const auto first = static_cast<std::size_t>(std::countr_zero(candidates));
+        const double next = scalar * factors[first];
+        if (is_integral(value * next, eps)) {
+            return next;
         }
     }
-    return 0.0;
+    return scalar + scalar;
 }
 
-/// The same, two factors at a time, for products that all stay below the limit.
-double first_factor(double value, double scalar, double eps) noexcept {
-    using pair = double __attribute__((vector_size(16)));
-    using pair_of_masks = std::int64_t __attribute__((vector_size(16)));
-    constexpr double beyond = 21.0; // completes the last pair, and is left out of the answer
-    pair factors = {3.0, 5.0};
-    pair_of_masks bits = {1, 2};
-    pair_of_masks integral = {0, 0};
-    for (; factors[0] < beyond; factors += 4.0, bits <<= 2) {
-        const pair product = value * (scalar * factors);
-        const pair above = product - detail::nearest(product);
-        integral |= (above <= eps) & (-above <= eps) & bits;
+/// What bounds the growth of a scalar.
+struct limits {
+    double eps;
+    /// At most the largest real, so that a scalar that becomes infinite exceeds it.
+    double largest;
+    /// Why a trial ends whose scalar exceeds `largest`.
+    verdict when_exceeded;
+    /// Products below this have their factors looked up in the table. Times 19 they are below
+    /// 2^31 - 1. A quarter of the margin is for eps, so that the table lists the factor 3 for a
+    /// product that is integral itself; the rest covers rounding errors.
+    double tabled_below;
+
+    limits(double tolerance, double max_scalar) noexcept
+        : eps(tolerance), largest(std::min(max_scalar, std::numeric_limits<double>::max())),
+          when_exceeded(std::isinf(max_scalar) ? verdict::endless : verdict::too_large),
+          tabled_below(tolerance <= multiples_by_factors.margin * 0.25 ? plain_below / 22.0 : 0.0) {
     }
-    const auto found = static_cast<std::uint32_t>((integral[0] | integral[1]) & 0x1FF);
-    return found == 0 ? 0.0 : 3.0 + 2.0 * std::countr_zero(found);
+};
+
+/// Doubles a scalar until it needs a closer look: until the table lists a factor, or the scalar or
+/// the magnitude of its product with the value exceeds its limit.
+///
+/// Doubling a real is exact, so the fraction of the product is doubled by a shift.
+double doubled(double scalar, double magnitude, detail::fixed_fraction fraction,
+               const limits& within) noexcept {
+    do {
+        scalar += scalar;
+        magnitude += magnitude;
+        fraction <<= 1;
+    } while (multiples_by_factors(fraction) == 0 && scalar <= within.largest &&
+             magnitude < within.tabled_below);
+    return scalar;
 }
 
-/// The next scalar to try on a value that `scalar` does not make integral.
-double next_scalar(double value, double scalar, double eps) noexcept {
-    // Larger than all products, rounding included.
-    const bool plain = std::fabs(value * scalar) * 22.0 < plain_below;
-    const double factor =
-        plain ? first_factor(value, scalar, eps) : first_factor_by_rule(value, scalar, eps);
-    return factor != 0.0 ? scalar * factor : scalar + scalar;
+/// Grows a scalar until it makes one value integral.
+///
+/// A product below 1/2 does not count as the integer 0. Each step at least doubles a positive
+/// scalar, which therefore exceeds its limit in the end. A scalar of 0 would never grow; it comes
+/// from a processor that flushes subnormals to zero.
+///
+/// Not inlined: the caller then keeps no reals in registers, which each call of the supplier would
+/// make it save and restore.
+[[gnu::noinline]] trial make_integral(double value, double scalar, const limits& within) noexcept {
+    if (!(scalar > 0.0)) {
+        return {verdict::endless, 0.0};
+    }
+    while (scalar <= within.largest) {
+        const double product = value * scalar;
+        const double magnitude = std::fabs(product);
+        if (magnitude < within.tabled_below) [[likely]] {
+            const double offset = detail::offset_from_nearest(product);
+            if (std::fabs(offset) <= within.eps && magnitude >= 0.5) {
+                return {verdict::found, scalar};
+            }
+            const detail::fixed_fraction fraction = detail::to_fixed_fraction(offset);
+            const std::uint32_t listed = multiples_by_factors(fraction);
+            scalar = listed == 0 ? doubled(scalar, magnitude, fraction, within)
+                                 : grown(scalar, value, within.eps, listed);
+        } else {
+            if (magnitude >= 0.5 && is_integral(product, within.eps)) {
+                return {verdict::found, scalar};
+            }
+            scalar = grown(scalar, value, within.eps, all_factors);
+        }
+    }
+    return {within.when_exceeded, 0.0};
 }
 
 /// Grows a scalar from `start` until it has made each element integral once.
-///
-/// It grows at least by a factor of 2 at each step, so it passes any finite bound; one that has
-/// become infinite below an infinite bound would stay so for ever.
 trial scale_to_integral(const elements& set, double start, double max_scalar) noexcept {
-    double scalar = std::fabs(start);
-    if (!(scalar <= max_scalar)) {
-        return failed;
+    trial last = {verdict::found, std::fabs(start)};
+    if (!(last.scalar <= max_scalar)) {
+        return {verdict::too_large, 0.0};
     }
-    for (std::int32_t i = 1; i <= set.count; ++i) {
+    const limits within(set.eps, max_scalar);
+    for (std::int64_t i = 1; i <= set.count; ++i) {
         const element each = set.get(i);
         if (!set.takes_part(each)) {
             continue;
         }
-        const double value = each.value;
-        // A product below one half would pass as an integral zero.
-        while (!(std::fabs(value) * scalar >= 0.5 && is_integral(value * scalar, set.eps))) {
-            if (std::isinf(scalar)) {
-                return {verdict::endless, 0.0};
-            }
-            scalar = next_scalar(value, scalar, set.eps);
-            if (scalar > max_scalar) {
-                return failed;
-            }
+        last = make_integral(each.value, last.scalar, within);
+        if (last.outcome != verdict::found) {
+            return last;
         }
     }
-    return {verdict::found, scalar};
+    return last;
 }
 
 /// The common multiple of the denominators over the common divisor of the numerators.
 trial construct(const elements& set, double max_den, double max_scalar) noexcept {
-    double divisor = 1.0;
     double multiple = 1.0;
+    double divisor = 1.0;
     bool first = true;
-    for (std::int32_t i = 1; i <= set.count; ++i) {
+    for (std::int64_t i = 1; i <= set.count; ++i) {
         const element each = set.get(i);
         if (!set.takes_part(each)) {
             continue;
         }
-        const detail::fraction represented = detail::rational_rep(each.value, set.eps, max_den);
-        if (!represented.found) {
-            return failed;
+        const detail::fraction value = detail::rational_rep(each.value, set.eps, max_den);
+        if (!value.found()) {
+            return {verdict::no_fraction, 0.0};
         }
         if (first) {
-            divisor = std::fabs(represented.num);
-            multiple = represented.den;
+            multiple = value.den;
+            divisor = std::fabs(value.num);
         } else {
-            divisor = detail::real_gcd(divisor, represented.num, set.eps);
-            const double common = detail::real_gcd(multiple, represented.den, set.eps);
-            multiple *= represented.den / common;
+            divisor = detail::real_gcd(divisor, value.num, set.eps);
+            multiple *= value.den / detail::real_gcd(multiple, value.den, set.eps);
         }
         if (multiple / divisor > max_scalar) {
-            return failed;
+            return {verdict::too_large, 0.0};
         }
         first = false;
     }
@@ -179,9 +216,9 @@ trial construct(const elements& set, double max_den, double max_scalar) noexcept
 }
 
 trial search(const elements& set, double max_den, double max_scalar) noexcept {
-    for (const double start : {1.0 / set.smallest_magnitude(), 1.0}) {
+    for (const double start : {1.0 / smallest_magnitude(set), 1.0}) {
         const trial quick = scale_to_integral(set, start, max_scalar);
-        if (quick.outcome != verdict::failed) {
+        if (quick.outcome != verdict::too_large) {
             return quick;
         }
     }

@@ -2,12 +2,18 @@
 
 namespace zktarn::util::detail {
 
-/// The integer nearest to a value below 2^51 in magnitude, an even one where two are: behind the
-/// largest of such values there are no more digits for a fraction. Takes vectors of reals as well.
-template <class Real>
-[[gnu::always_inline]] inline Real nearest(Real value) noexcept {
-    constexpr double digits_end = 0x1.8p52;
-    return (value + digits_end) - digits_end;
+/// The integer nearest to a real below 2^51 in magnitude; of two, the even one.
+///
+/// Between 2^52 and 2^53 the doubles are the integers, so adding 3 * 2^51 rounds to an integer and
+/// subtracting it again is exact.
+[[gnu::always_inline]] inline double nearest(double value) noexcept {
+    constexpr double integers_only = 0x1.8p52;
+    return (value + integers_only) - integers_only;
+}
+
+/// Such a real less its nearest integer. The difference is exact.
+[[gnu::always_inline]] inline double offset_from_nearest(double value) noexcept {
+    return value - nearest(value);
 }
 
 } // namespace zktarn::util::detail

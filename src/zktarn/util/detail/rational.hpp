@@ -2,14 +2,16 @@
 
 namespace zktarn::util::detail {
 
-/// A fraction, or none.
+/// A fraction, or none. Two reals, so that it is returned in registers.
 struct fraction {
-    bool found = false;
     double num = 0.0;
+    /// Positive; 0.0 in place of a fraction.
     double den = 0.0;
+
+    [[nodiscard]] bool found() const noexcept { return den != 0.0; }
 };
 
-/// `get_rational_rep` for arguments that are passed on in registers.
+/// `get_rational_rep` with arguments in registers.
 fraction rational_rep(double x, double eps, double max_den) noexcept;
 
 } // namespace zktarn::util::detail
