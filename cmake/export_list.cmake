@@ -1,35 +1,16 @@
-# Turns exports.txt into the linker's list of visible symbols: a version script on ELF, a list of
-# exported symbols on Mach-O.
-#
-# A symbol is matched by its mangled qualified name and any parameter list, because the platforms
-# spell 64-bit integers differently. The test of the exported names pins the parameters.
-
-function(zktarn_restrict_exports target list_file)
-  file(STRINGS "${list_file}" lines REGEX "^[a-z]")
-  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list_file}")
-
-  if(APPLE)
-    set(underscore "_")
-  endif()
-  set(patterns "")
-  foreach(line IN LISTS lines)
-    string(REPLACE " " ";" parts "${line}")
-    set(mangled "${underscore}_ZN6zktarn")
-    foreach(part IN LISTS parts)
-      string(LENGTH "${part}" length)
-      string(APPEND mangled "${length}${part}")
-    endforeach()
-    list(APPEND patterns "${mangled}E*")
-  endforeach()
-
+# zktarn_restrict_exports(TARGET): hides what the linker would export beside the procedures that are marked
+# ZKTARN_API: templates and inline functions of the standard library, whose visibility is not ours to set.
+# Everything else in namespace zktarn is hidden already, by the compiler. The test of the exported names
+# compares the result with its list.
+function(zktarn_restrict_exports target)
   set(script "${CMAKE_CURRENT_BINARY_DIR}/${target}.exports")
   if(APPLE)
-    list(JOIN patterns "\n" text)
-    file(CONFIGURE OUTPUT "${script}" CONTENT "${text}\n" @ONLY)
-    target_link_options(${target} PRIVATE "LINKER:-exported_symbols_list,${script}")
+    # The linker exports again what a list of exported names matches in another library, and the stand-in
+    # is in namespace zktarn. So this list has what is not exported: functions of std, and new and delete.
+    file(CONFIGURE OUTPUT "${script}" CONTENT "__ZNSt*\n__ZNKSt*\n__ZSt*\n__Zn*\n__Zd*\n" @ONLY)
+    target_link_options(${target} PRIVATE "LINKER:-unexported_symbols_list,${script}")
   else()
-    list(JOIN patterns "; " text)
-    file(CONFIGURE OUTPUT "${script}" CONTENT "{ global: ${text}; local: *; };\n" @ONLY)
+    file(CONFIGURE OUTPUT "${script}" CONTENT "{ global: _ZN6zktarn*; local: *; };\n" @ONLY)
     target_link_options(${target} PRIVATE "LINKER:--version-script,${script}")
   endif()
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")

@@ -75,7 +75,9 @@ def marks(page):
 def modules(page, exports):
     """The table of modules has a row for each module that exports something, and no other row."""
     shown = set(re.findall(r"^\| `(\w+)` \| `zktarn/", read(page), re.MULTILINE))
-    exported = set(re.findall(r"^([a-z]\w*) \w+$", read(exports), re.MULTILINE))
+    # A mangled name has the namespace and the module, each after the number of its characters.
+    mangled = re.findall(r"^_ZN6zktarn(\d+)(\w+)$", read(exports), re.MULTILINE)
+    exported = {rest[:int(length)] for length, rest in mangled}
     if shown != exported:
         fail(f"{page} and {exports} differ in {', '.join(sorted(shown ^ exported))}")
 
