@@ -12,7 +12,6 @@
 #include "cuts/separation.hpp"
 #include "input/read_model.hpp"
 #include "lp/relaxation.hpp"
-#include "run/bridge.hpp"
 #include "solver/instances.hpp"
 #include "support/compare.hpp"
 
@@ -38,11 +37,10 @@ bool never() {
 class stages_of_run {
 public:
     explicit stages_of_run(const std::string& file)
-        : model_(read_model(file)), own_(model_, random_.state(), never),
-          pool_(integral_rows_of(model_)) {
+        : model_(read_model(file)), own_(model_, *random_, never), pool_(integral_rows_of(model_)) {
         constexpr int most_stages = 20;
         relaxation lp(model_, never);
-        separator guide(model_, random_.state(), never);
+        separator guide(model_, *random_, never);
         while (static_cast<int>(stages_.size()) < most_stages &&
                lp.solve() == relaxation::outcome::optimal) {
             keep(lp);
@@ -100,7 +98,7 @@ private:
     }
 
     model model_;
-    generator random_{1};
+    zktarn::owned_generator random_{1};
     separator own_;
     std::vector<integral_row> pool_;
     std::vector<stage> stages_;

@@ -1,9 +1,13 @@
 #include "command_line.hpp"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 
 #include <CLI/CLI.hpp>
+
+#include "run/ending.hpp"
 
 namespace zero_half {
 
@@ -12,6 +16,22 @@ namespace {
 /// CLI11 accepts `nan` and `inf` as numbers, and finds `nan` in every range.
 std::string check_finite(const std::string& text) {
     return std::isfinite(std::strtod(text.c_str(), nullptr)) ? "" : text + " is not finite";
+}
+
+std::string check_picture(const std::string& file) {
+    const std::string suffix = std::filesystem::path(file).extension().string();
+    return suffix == ".svg" || suffix == ".png" ? "" : "the name of a picture ends in .svg or .png";
+}
+
+/// What the words in the last column of the table mean.
+std::string legend() {
+    std::string text = "The column `end` of the table says why a run ended:\n";
+    for (const ending_text& each : ending_texts) {
+        char row[120];
+        std::snprintf(row, sizeof row, "  %-12s%s\n", each.word, each.description);
+        text += row;
+    }
+    return text;
 }
 
 display display_of(const std::string& level) {
@@ -42,12 +62,14 @@ void declare_options(CLI::App& app, command_line& options, std::string& display_
         ->check(check_finite);
     app.add_option("--cuts", options.cuts_file, "Write the only model with its cuts as MPS");
     app.add_option("--json", options.json_file, "Write all figures as JSON");
-    app.add_option("--plot", options.plot_file, "Draw the bounds as SVG, by gnuplot");
+    app.add_option("--plot", options.plot_file, "Draw the bounds as .svg or .png, by gnuplot")
+        ->check(check_picture);
     app.set_version_flag("--version", "zero_half " ZERO_HALF_VERSION);
     app.failure_message([](const CLI::App*, const CLI::Error& found) {
         return std::string("zero_half: ") + found.what() + "; see zero_half --help\n";
     });
-    app.footer("Exit status: 0 success, 1 an error in a file or a model, 2 wrong usage,\n"
+    app.footer(legend() +
+               "\nExit status: 0 success, 1 an error in a file or a model, 2 wrong usage,\n"
                "130 interrupted; the results up to then are written in each case.");
 }
 

@@ -1,6 +1,5 @@
 /// The command line program: reads models, tightens their relaxations, writes the results.
 
-#include <cmath>
 #include <cstdio>
 #include <deque>
 #include <exception>
@@ -60,12 +59,19 @@ std::string fault_of(const run_result& run) {
         return "the relaxation with the cuts cannot be solved, its numbers are too far apart; the "
                "bound is the last one that was reached";
     }
-    if (run.optimum && run.reason == ending::no_integer_point) {
-        return "there is no integer point, but an optimum was given";
-    }
-    if (run.optimum && run.bound &&
-        *run.bound > *run.optimum + 1e-6 * (1.0 + std::fabs(*run.optimum))) {
-        return "the bound is above the optimum that was given, which cannot be";
+    if (run.is_optimum_wrong()) {
+        char sentence[160];
+        if (run.reason == ending::no_integer_point) {
+            std::snprintf(sentence, sizeof sentence,
+                          "the given optimum %.12g is wrong: there is no integer point",
+                          *run.optimum);
+        } else {
+            std::snprintf(sentence, sizeof sentence,
+                          "the given optimum %.12g is wrong: no point has a value below the bound "
+                          "%.12g",
+                          *run.optimum, *run.bound);
+        }
+        return sentence;
     }
     return "";
 }
@@ -137,7 +143,7 @@ int write_all(const command_line& options, const std::deque<solved_model>& model
     }
     if (options.run.show != display::off) {
         std::printf("%s", options.run.show == display::iter ? "\n" : "");
-        print_table(models);
+        std::printf("%s", table_of(models, output_width()).c_str());
     }
     status = write_to(options.cuts_file, status,
                       [&](const std::string& file) { write_model(models.front(), file); });

@@ -31,9 +31,9 @@ sys.dont_write_bytecode = True
 import instances  # noqa: E402
 
 SCHEMA = json.loads((HERE / "report.schema.json").read_text(encoding="utf-8"))
-TABLE = ["model", "rows", "columns", "lp_bound", "bound", "optimum", "gap", "cuts", "seconds",
+TABLE = ["model", "rows", "columns", "lp_bound", "bound", "optimum", "closed", "cuts", "seconds",
          "end"]
-ROUND = ["round", "bound", "gap", "found", "kept", "separation_ms", "lp_ms"]
+ROUND = ["round", "bound", "closed", "found", "kept", "separation_ms", "lp_ms"]
 NO_LEAK = re.compile(r"host memory: \d+ requests, 0 refused, 0 blocks not released")
 CALL_TIMEOUT = 60  # seconds
 
@@ -130,11 +130,9 @@ class Call:
     def table(self):
         lines = self.out.splitlines()
         start = next(i for i, line in enumerate(lines) if line.startswith("model "))
-        rows = []
-        for line in lines[start + 1:]:
-            if not line.startswith("host memory"):
-                rows.append(dict(zip(TABLE, line.split(None, len(TABLE) - 1))))
-        return rows
+        names = TABLE if " rows " in lines[start] else TABLE[:1] + TABLE[3:]
+        return [dict(zip(names, line.split())) for line in lines[start + 1:]
+                if not line.startswith("host memory")]
 
     def rounds(self):
         """The printed rounds, one list for each model."""
@@ -153,6 +151,7 @@ class CommandLine(unittest.TestCase):
         cls.own = FOLDER / "instances"
         subprocess.run([sys.executable, str(MODELS / "instances.py"), str(cls.own)], check=True)
         cls.names = [name for name, _, _ in instances.INSTANCES]
+        cls.labels = [name.removesuffix(".mps") for name in cls.names]
         cls.optima = {name: optimum for name, _, optimum in instances.INSTANCES}
 
     def setUp(self):
@@ -198,7 +197,7 @@ class CommandLine(unittest.TestCase):
         self.assert_one_sentence(call, file)
         self.assertIn(saying, call.err)
         self.assertEqual([model["file"] for model in models], [str(self.cover)])
-        self.assertEqual([row["model"] for row in call.table()], [self.cover.name])
+        self.assertEqual([row["model"] for row in call.table()], [self.cover.stem])
         self.assertEqual(models[0]["gap_closed_percent"], 100.0)
         self.assertRegex(call.out, NO_LEAK)
 
@@ -210,13 +209,13 @@ class CommandLine(unittest.TestCase):
     def test_every_own_instance_closes_its_gap(self):
         call = self.call(*(self.own / name for name in self.names))
         table = call.table()
-        self.assertEqual([row["model"] for row in table], self.names)
-        for row in table:
-            with self.subTest(row["model"]):
-                self.assertEqual(float(row["optimum"]), self.optima[row["model"]])
-                self.assertEqual(float(row["bound"]), self.optima[row["model"]])
-                self.assertLess(float(row["lp_bound"]), self.optima[row["model"]])
-                self.assertEqual(row["gap"], "100.00")
+        self.assertEqual([row["model"] for row in table], self.labels)
+        for row, name in zip(table, self.names):
+            with self.subTest(name):
+                self.assertEqual(float(row["optimum"]), self.optima[name])
+                self.assertEqual(float(row["bound"]), self.optima[name])
+                self.assertLess(float(row["lp_bound"]), self.optima[name])
+                self.assertEqual(row["closed"], "100.00")
                 self.assertGreater(int(row["cuts"]), 0)
         self.assertRegex(call.out.splitlines()[-1], NO_LEAK)
 
@@ -232,12 +231,13 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual(model["file"], str(self.own / name))
 
     def assert_row_says(self, row, model):
-        self.assertEqual(row["model"], pathlib.Path(model["file"]).name)
+        self.assertEqual(row["model"], pathlib.Path(model["file"]).stem)
         for key in ("rows", "columns"):
-            self.assertEqual(int(row[key]), model[key])
+            if key in row:
+                self.assertEqual(int(row[key]), model[key])
         self.assertEqual(int(row["cuts"]), model["cuts_kept"])
         for key, member in (("lp_bound", "lp_bound"), ("bound", "bound"), ("optimum", "optimum"),
-                            ("gap", "gap_closed_percent")):
+                            ("closed", "gap_closed_percent")):
             self.assert_printed(row[key], model[member])
         self.assertAlmostEqual(float(row["seconds"]), model["seconds"], delta=0.006)
 
@@ -251,7 +251,7 @@ class CommandLine(unittest.TestCase):
             self.assertEqual(int(line["kept"]), figures["cuts_kept"])
             self.assertLessEqual(figures["cuts_kept"], figures["cuts_found"])
             self.assert_printed(line["bound"], figures["bound"])
-            self.assert_printed(line["gap"], figures["gap_closed_percent"])
+            self.assert_printed(line["closed"], figures["gap_closed_percent"])
             self.assertAlmostEqual(float(line["lp_ms"]), figures["lp_ms"], delta=0.06)
         bounds = [model["lp_bound"]] + [figures["bound"] for figures in model["rounds"]]
         self.assertEqual(bounds, sorted(bounds))
@@ -267,12 +267,20 @@ class CommandLine(unittest.TestCase):
 
     def test_unknown_optimum_is_null_in_json_and_a_dash_in_the_table(self):
         file = self.write("cover.mps", self.cover.read_bytes())
-        call, (model,) = self.report(file)
+        call, (model,) = self.report(file, "--rounds", "1")
         self.assertIsNone(model["optimum"])
         self.assertIsNone(model["gap_closed_percent"])
         self.assertEqual({figures["gap_closed_percent"] for figures in model["rounds"]}, {None})
-        self.assertEqual((call.table()[0]["optimum"], call.table()[0]["gap"]), ("-", "-"))
-        self.assertEqual(model["bound"], 6.0)
+        self.assertEqual((call.table()[0]["optimum"], call.table()[0]["closed"]), ("-", "-"))
+        self.assertEqual(model["bound"], 5.5)
+
+    def test_integral_relaxation_gives_the_unknown_optimum(self):
+        file = self.write("cover.mps", self.cover.read_bytes())
+        call, (model,) = self.report(file)
+        self.assertEqual((model["status"], model["optimum"]), ("integral", 6.0))
+        self.assertEqual([figures["gap_closed_percent"] for figures in model["rounds"]],
+                         [50.0, 100.0])
+        self.assertEqual((call.table()[0]["optimum"], call.table()[0]["closed"]), ("6", "100.00"))
 
     def test_optimum_from_the_command_line(self):
         file = self.write("cover.mps", self.cover.read_bytes())
@@ -280,16 +288,15 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(model["optimum"], 7.0)
         self.assertAlmostEqual(model["gap_closed_percent"], 50.0)
 
-    def test_optimum_that_a_bound_disproves(self):
-        for optimum, gap in (("5.25", 100.0), ("4", None)):
-            with self.subTest(optimum):
-                call, (model,) = self.report(self.cover, "--optimum", optimum, status=1)
-                self.assertEqual(call.err, f"zero_half: {self.cover}: the bound is above the optimum "
-                                 "that was given, which cannot be\n")
-                if gap is None:
-                    self.assertIsNone(model["gap_closed_percent"])
-                else:
-                    self.assertGreaterEqual(model["gap_closed_percent"], gap)
+    def test_optimum_that_a_bound_disproves_is_wrong(self):
+        for optimum, rounds, bound in (("5.25", 1, "5.5"), ("5.25", 9, "6"), ("4", 0, "5")):
+            with self.subTest((optimum, rounds)):
+                call, (model,) = self.report(self.cover, "--optimum", optimum, "--rounds", rounds,
+                                             status=1)
+                self.assertEqual(call.err, f"zero_half: {self.cover}: the given optimum {optimum} is "
+                                 f"wrong: no point has a value below the bound {bound}\n")
+                self.assertIsNone(model["gap_closed_percent"])
+                self.assertEqual(call.table()[0]["closed"], "-")
 
     def test_command_line_overrides_the_table_of_optima(self):
         _, (model,) = self.report(self.cover, "--optimum", "7")
@@ -307,7 +314,7 @@ class CommandLine(unittest.TestCase):
         for text in ("", "many", "nan", "inf", "1e999"):
             with self.subTest(text):
                 self.write("optima.csv", f"cover.mps,{text}\n")
-                call, (model,) = self.report(file)
+                call, (model,) = self.report(file, "--rounds", "1")
                 self.assertIsNone(model["optimum"])
                 self.assertEqual(call.table()[0]["optimum"], "-")
 
@@ -341,7 +348,7 @@ class CommandLine(unittest.TestCase):
         call, (model,) = self.report(self.cover, "--rounds", "0")
         self.assertEqual((model["status"], model["rounds"]), ("rounds_used", []))
         self.assertEqual((model["bound"], model["gap_closed_percent"]), (5.0, 0.0))
-        self.assertEqual(call.table()[0]["end"], "all rounds were used")
+        self.assertEqual(call.table()[0]["end"], "rounds")
 
     def test_no_time(self):
         _, (model,) = self.report(self.cover, "--time-limit", "0")
@@ -373,7 +380,7 @@ class CommandLine(unittest.TestCase):
         for content in (alone, pair):
             call, (model,) = self.report(self.write("odd.mps", content))
             self.assertEqual(model["status"], "no_integer_point")
-            self.assertIn("there is no integer one", call.table()[0]["end"])
+            self.assertEqual(call.table()[0]["end"], "infeasible")
 
     def test_optimum_of_a_model_without_integer_points_is_an_error(self):
         file = self.write("odd.mps", one_column(cost=1, coefficient=2).replace(" L r", " E r"))
@@ -425,7 +432,7 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(model["bound"], model["rounds"][-1]["bound"])
         (row,) = call.table()
         self.assert_printed(row["bound"], model["bound"])
-        self.assertEqual(row["end"], "it was interrupted")
+        self.assertEqual(row["end"], "interrupt")
         self.assertEqual(len(call.rounds()[0]), len(model["rounds"]))
         self.assertRegex(call.out.splitlines()[-1], NO_LEAK)
 
@@ -616,8 +623,10 @@ class CommandLine(unittest.TestCase):
         self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
 
     def test_files_that_cannot_be_written(self):
+        folder = self.folder / "folder.svg"
+        folder.mkdir()
         for option in ("--json", "--cuts", "--plot"):
-            for place in (self.folder / "none" / "out", self.folder):
+            for place in (self.folder / "none" / "out.svg", folder):
                 with self.subTest(option=option, place=place):
                     call = self.call(self.cover, option, place, "--display", "final", status=1)
                     self.assert_one_sentence(call, place)
@@ -629,9 +638,23 @@ class CommandLine(unittest.TestCase):
         root = xml.etree.ElementTree.parse(picture).getroot()
         self.assertEqual(root.tag, "{http://www.w3.org/2000/svg}svg")
         text = [each.strip() for each in root.itertext()]
-        for title in ("petersen_cover.mps", "frucht_stable.mps", "round", "seconds", "bound",
-                      "optimum"):
+        for title in ("petersen_cover", "frucht_stable", "round", "bound", "LP bound",
+                      "bound with cuts", "optimum"):
             self.assertIn(title, text)
+        self.assertEqual(text.count("optimum"), 1, "one legend")
+        self.assertTrue(any(re.fullmatch(r"time \((µs|ms|s)\)", each) for each in text), text)
+
+    def test_plot_counts_rounds_in_whole_numbers(self):
+        picture = self.folder / "picture.svg"
+        self.call(self.cover, "--plot", picture)
+        text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
+        axis = [each for each in text[:text.index("round")] if re.fullmatch(r"[\d.]+", each)]
+        self.assertEqual([each for each in axis if float(each) < 4], ["0", "1", "2"])
+
+    def test_plot_as_png(self):
+        picture = self.folder / "picture.png"
+        self.call(self.cover, "--plot", picture)
+        self.assertEqual(picture.read_bytes()[:8], b"\x89PNG\r\n\x1a\n")
 
     def test_plot_without_gnuplot(self):
         picture = self.folder / "picture.svg"
@@ -651,15 +674,15 @@ class CommandLine(unittest.TestCase):
         self.assertFalse(picture.exists())
         self.call(file, self.cover, "--time-limit", "0", "--plot", picture)
         text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
-        self.assertIn("petersen_cover.mps", text)
-        self.assertNotIn("long.mps", text)
+        self.assertIn("petersen_cover", text)
+        self.assertNotIn("long", text)
 
     def test_file_names_are_not_run_as_gnuplot_commands(self):
         trace = self.folder / "trace"
         name = "x\nsystem 'touch trace'\n.mps"
         self.call(self.write(name, self.cover.read_bytes()), "--plot", "picture.svg",
                   folder=self.folder)
-        call = self.call(self.cover, "--plot", "|touch trace", status=1, folder=self.folder)
+        call = self.call(self.cover, "--plot", "|touch trace; .svg", status=1, folder=self.folder)
         self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
         self.assertFalse(trace.exists())
 
@@ -679,7 +702,7 @@ class CommandLine(unittest.TestCase):
     def test_display_final_prints_the_table(self):
         call = self.call(self.cover, "--display", "final")
         self.assertEqual(len(call.out.splitlines()), 2)
-        self.assertEqual(call.table()[0]["bound"], "6.0000")
+        self.assertEqual(call.table()[0]["bound"], "6")
 
     def test_display_iter_prints_lines_and_is_the_default(self):
         for arguments in ([], ["--display", "iter"]):
@@ -734,6 +757,7 @@ class CommandLine(unittest.TestCase):
                           [self.cover, "--stop-at-gap", "nan"],
                           [self.cover, "--optimum", "nan"], [self.cover, "--optimum", "inf"],
                           [self.cover, "--seed", "x"], [self.cover, "--json"],
+                          [self.cover, "--plot", self.folder / "picture.jpg"],
                           [self.cover, self.cover, "--optimum", "6"],
                           [self.cover, self.cover, "--cuts", self.folder / "cuts.mps"]):
             with self.subTest(arguments):
@@ -741,6 +765,29 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual(call.out, "")
                 self.assertRegex(call.err, r"\Azero_half: [^\n]+; see zero_half --help\n\Z")
         self.assertEqual(list(self.folder.iterdir()), [])
+
+    def test_table_is_at_most_80_columns_wide(self):
+        models = [*(self.own / name for name in self.names),
+                  *sorted(MODELS.glob("*.mps")),
+                  self.write("a_model_with_a_very_long_name_indeed.mps", self.cover.read_bytes())]
+        call = self.call(*models, "--display", "final", "--rounds", "3")
+        self.assertLessEqual(max(map(len, call.out.splitlines())), 80)
+        self.assertEqual(len(call.table()), len(models))
+        self.assertRegex(call.out, r"\na_mode\S*\.\.\S*indeed ")
+
+    def test_files_of_one_name_have_different_labels(self):
+        for folder in ("one", "other"):
+            (self.folder / folder).mkdir()
+            self.write(f"{folder}/cover.mps", self.cover.read_bytes())
+        call = self.call(self.folder / "one/cover.mps", self.folder / "other/cover.mps", self.cover)
+        self.assertEqual([row["model"] for row in call.table()],
+                         ["one/cover", "other/cover", "petersen_cover"])
+
+    def test_help_explains_every_ending(self):
+        text = self.call("--help").out
+        for word in ("integral", "closed", "no-cut", "infeasible", "rounds", "time", "interrupt",
+                     "stopped", "numeric"):
+            self.assertRegex(text, rf"\n  {word} +[a-z]")
 
     def test_help_names_every_option(self):
         text = self.call("--help").out

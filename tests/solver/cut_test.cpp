@@ -21,10 +21,11 @@ model binary_columns(int n) {
 }
 
 integral_row row(const std::vector<double>& coefficients, double rhs) {
-    sparse_vector a(static_cast<std::int32_t>(coefficients.size()));
+    zktarn::owned_vector a = new_vector(static_cast<std::int32_t>(coefficients.size()));
     for (std::size_t j = 0; j < coefficients.size(); ++j) {
         if (coefficients[j] != 0.0) {
-            a.set(static_cast<std::int32_t>(j) + 1, coefficients[j]);
+            zktarn::vector_mod::vector_add_nz(*a, static_cast<std::int32_t>(j) + 1,
+                                              coefficients[j]);
         }
     }
     return integral_row(std::move(a), rhs, row_origin{0});

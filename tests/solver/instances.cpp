@@ -1,22 +1,34 @@
-#include "instances.hpp"
+#include "solver/instances.hpp"
 
-#include <algorithm>
 #include <filesystem>
+#include <map>
 
 namespace zero_half::testing {
 
 std::vector<std::string> instances() {
-    std::vector<std::string> all;
-    for (const char* folder : {ZERO_HALF_OWN_INSTANCES, ZERO_HALF_MORE_INSTANCES}) {
+    std::map<std::string, std::string> by_name;
+    for (const char* folder :
+         {ZERO_HALF_GRAPH_INSTANCES, ZERO_HALF_MODELS, ZERO_HALF_MORE_INSTANCES}) {
         std::error_code missing;
-        for (const auto& each : std::filesystem::directory_iterator(folder, missing)) {
-            if (each.path().extension() == ".mps") {
-                all.push_back(each.path().string());
+        for (const auto& file : std::filesystem::directory_iterator(folder, missing)) {
+            const std::string name = file.path().filename().string();
+            const bool is_compressed =
+                name.ends_with(".mps.gz") && folder == std::string(ZERO_HALF_MODELS);
+            if (name.ends_with(".mps") || is_compressed) {
+                by_name.emplace(name, file.path().string());
             }
         }
     }
-    std::sort(all.begin(), all.end());
-    return all;
+    std::vector<std::string> files;
+    for (const auto& [name, file] : by_name) {
+        files.push_back(file);
+    }
+    return files;
+}
+
+std::string stem_of(const std::string& file) {
+    const std::string name = std::filesystem::path(file).filename().string();
+    return name.substr(0, name.find('.'));
 }
 
 } // namespace zero_half::testing

@@ -1,4 +1,4 @@
-#include "integer_solver.hpp"
+#include "solver/integer_solver.hpp"
 
 #include <stdexcept>
 

@@ -1,4 +1,4 @@
-#include "replay.hpp"
+#include "solver/replay.hpp"
 
 #include <algorithm>
 #include <map>
@@ -28,9 +28,8 @@ struct exact_row {
 
 exact_row claimed(const integral_row& row) {
     exact_row made;
-    for (std::int32_t k = 1; k <= row.coefficients.size(); ++k) {
-        const std::int32_t j = row.coefficients.index(k);
-        made.a[j] = cpp_rational(row.coefficients.value(j));
+    for (const auto [j, coefficient] : zktarn::entries(row.coefficients)) {
+        made.a[j] = cpp_rational(coefficient);
     }
     made.rhs = cpp_rational(row.rhs);
     return made;

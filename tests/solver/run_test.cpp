@@ -54,7 +54,7 @@ protected:
         return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     }
 
-    model model_ = read_model(ZERO_HALF_OWN_INSTANCES "/petersen_stable.mps");
+    model model_ = read_model(ZERO_HALF_GRAPH_INSTANCES "/petersen_stable.mps");
     run_options options_;
     std::vector<standin::array_value> seen_;
     std::optional<double> bound_;

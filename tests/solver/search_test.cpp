@@ -13,11 +13,12 @@
 #include "cuts/odd_cycles.hpp"
 #include "cuts/odd_sums.hpp"
 #include "cuts/parity_system.hpp"
-#include "run/bridge.hpp"
 
 namespace zero_half::testing {
 
 namespace {
+
+using zktarn::vector_mod::vector_add_nz;
 
 constexpr std::size_t no_limit = 1'000'000;
 
@@ -40,14 +41,14 @@ problem random_problem(std::mt19937& random, int columns, int rows, int most_ent
         made.point.push_back(is_upper ? 1.0 - value : value);
     }
     for (int i = 0; i < rows; ++i) {
-        sparse_vector a(columns);
+        zktarn::owned_vector a = new_vector(columns);
         double activity = 0.0;
         for (int k = below(most_entries) + 1; k > 0; --k) {
             const int j = below(columns) + 1;
-            a.set(j, 1.0 + below(4));
+            vector_add_nz(*a, j, 1.0 + below(4));
         }
-        for (std::int32_t k = 1; k <= a.size(); ++k) {
-            activity += a.value(a.index(k)) * made.point[static_cast<std::size_t>(a.index(k)) - 1];
+        for (const auto [j, value] : zktarn::entries(a)) {
+            activity += value * made.point[static_cast<std::size_t>(j) - 1];
         }
         made.pool.emplace_back(std::move(a), std::ceil(activity - 1e-9), row_origin{i});
     }
@@ -63,9 +64,8 @@ std::optional<double> slack_of_sum(const problem& instance, const std::vector<in
     for (const int i : members) {
         const integral_row& row = instance.pool[static_cast<std::size_t>(i)];
         double activity = 0.0;
-        for (std::int32_t k = 1; k <= row.coefficients.size(); ++k) {
-            const auto j = static_cast<std::size_t>(row.coefficients.index(k));
-            const double value = row.coefficients.value(row.coefficients.index(k));
+        for (const auto [index, value] : zktarn::entries(row.coefficients)) {
+            const auto j = static_cast<std::size_t>(index);
             sum[j] += value;
             rhs -= value * instance.bounds[j].bound;
             activity += value * instance.point[j - 1];
@@ -149,8 +149,8 @@ TEST(OddCycles, FindTheLeastSlackWhereEveryRowHasAtMostTwoColumns) {
 
 TEST(Elimination, FindsOnlyViolatedSums) {
     std::mt19937 random(8);
-    generator own(3);
-    elimination gauss(own.state());
+    const zktarn::owned_generator own(3);
+    elimination gauss(*own);
     int best_found = 0;
     int with_cut = 0;
     for (int trial = 0; trial < 1000; ++trial) {
@@ -187,8 +187,8 @@ TEST(GreedySearch, FindsOnlyViolatedSums) {
 
 TEST(OddSums, KeepEachSumOnceSortedByPrice) {
     std::mt19937 random(10);
-    generator own(3);
-    elimination gauss(own.state());
+    const zktarn::owned_generator own(3);
+    elimination gauss(*own);
     const problem instance = random_problem(random, 10, 14, 4);
     const parity_system system = system_of(instance);
     odd_sums found(no_limit);
@@ -233,9 +233,9 @@ TEST(ParitySystem, KeepsOnlyWhatCanBePartOfACut) {
         bounds[j] = {0.0, point[j - 1], false};
     }
     const auto row = [](std::vector<std::pair<int, double>> entries, double rhs) {
-        sparse_vector a(5);
+        zktarn::owned_vector a = new_vector(5);
         for (const auto& [j, value] : entries) {
-            a.set(j, value);
+            vector_add_nz(*a, j, value);
         }
         return integral_row(std::move(a), rhs, row_origin{0});
     };

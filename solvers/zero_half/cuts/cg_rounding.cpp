@@ -41,15 +41,14 @@ struct distance_row {
 };
 
 /// Replaces each column by its distance to the bound.
-distance_row substitute(const sparse_vector& sum, exact_sum rhs,
+distance_row substitute(const zktarn::owned_vector& sum, exact_sum rhs,
                         const std::vector<substitution>& bounds) {
     distance_row row{{}, rhs};
-    row.terms.reserve(static_cast<std::size_t>(sum.size()));
-    for (std::int32_t k = 1; k <= sum.size(); ++k) {
-        const std::int32_t j = sum.index(k);
+    row.terms.reserve(static_cast<std::size_t>(size(sum)));
+    for (const auto [j, coefficient] : zktarn::entries(sum)) {
         const substitution& at = bounds[static_cast<std::size_t>(j)];
-        row.terms.push_back({j, at.is_upper ? -sum.value(j) : sum.value(j), &at});
-        row.rhs.add(-sum.value(j) * at.bound);
+        row.terms.push_back({j, at.is_upper ? -coefficient : coefficient, &at});
+        row.rhs.add(-coefficient * at.bound);
     }
     return row;
 }
@@ -121,7 +120,7 @@ std::optional<cut> cg_rounding::halved_sum(std::span<const int> rows,
                                            std::span<const integral_row> pool,
                                            const std::vector<substitution>& bounds) {
     exact_sum rhs;
-    sum_.clear();
+    zktarn::vector_mod::vector_clear(*sum_);
     for (const int i : rows) {
         const integral_row& row = pool[static_cast<std::size_t>(i)];
         zktarn::vector_mod::vectors_combine(*sum_, *row.coefficients, 1.0, 1.0, no_tolerance);
@@ -141,14 +140,13 @@ std::optional<cut> cg_rounding::halved_sum(std::span<const int> rows,
 
 std::optional<cut> cg_rounding::divided_row(int row, std::span<const integral_row> pool) {
     const integral_row& undivided = pool[static_cast<std::size_t>(row)];
-    const sparse_vector& a = undivided.coefficients;
-    if (a.size() == 0) {
+    if (size(undivided.coefficients) == 0) {
         return std::nullopt;
     }
     cut made;
-    for (std::int32_t k = 1; k <= a.size(); ++k) {
-        made.columns.push_back(a.index(k));
-        made.coefficients.push_back(a.value(a.index(k)));
+    for (const auto [j, coefficient] : zktarn::entries(undivided.coefficients)) {
+        made.columns.push_back(j);
+        made.coefficients.push_back(coefficient);
     }
     made.rhs = undivided.rhs;
     // Half the sum of the row and itself is the row.

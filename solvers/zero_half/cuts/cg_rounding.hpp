@@ -14,7 +14,7 @@ namespace zero_half {
 /// divisor of its coefficients, and its right-hand side is rounded down once more.
 class cg_rounding {
 public:
-    explicit cg_rounding(const model& program) : sum_(program.column_count()) {}
+    explicit cg_rounding(const model& program) : sum_(new_vector(program.column_count())) {}
 
     /// The sum of the rows, each column substituted by its bound, halved, rounded down, and the
     /// bounds substituted back. Nothing when a number is too large to be exact, when rounding needs
@@ -26,7 +26,7 @@ public:
     static std::optional<cut> divided_row(int row, std::span<const integral_row> pool);
 
 private:
-    sparse_vector sum_;
+    zktarn::owned_vector sum_;
 };
 
 } // namespace zero_half

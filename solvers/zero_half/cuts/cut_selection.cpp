@@ -9,6 +9,8 @@ namespace zero_half {
 
 namespace {
 
+using namespace zktarn::vector_mod;
+
 /// The ratio of the largest to the smallest coefficient exceeds the limit.
 bool is_dynamic(const cut& candidate, double max_dynamism) {
     const auto [least, most] =
@@ -22,21 +24,21 @@ bool is_dynamic(const cut& candidate, double max_dynamism) {
 bool cut_selection::is_dense(const cut& candidate, double max_density) const {
     constexpr std::size_t always_sparse = 50;
     const std::size_t size = candidate.columns.size();
-    return size > always_sparse && static_cast<double>(size) > max_density * candidate_.capacity();
+    return size > always_sparse && static_cast<double>(size) > max_density * capacity(candidate_);
 }
 
 void cut_selection::load(const cut& candidate) {
-    candidate_.clear();
+    vector_clear(*candidate_);
     for (std::size_t k = 0; k < candidate.columns.size(); ++k) {
-        candidate_.set(candidate.columns[k], candidate.coefficients[k]);
+        vector_add_nz(*candidate_, candidate.columns[k], candidate.coefficients[k]);
     }
 }
 
 bool cut_selection::is_parallel_to(const cut& selected, double norm, double max_cosine) const {
     double product = 0.0;
     for (std::size_t k = 0; k < selected.columns.size(); ++k) {
-        if (candidate_.has(selected.columns[k])) {
-            product += selected.coefficients[k] * candidate_.value(selected.columns[k]);
+        if (vector_is_elm(*candidate_, selected.columns[k]) != 0) {
+            product += selected.coefficients[k] * vector_get_coef(*candidate_, selected.columns[k]);
         }
     }
     return product > max_cosine * norm * selected.norm;
@@ -48,8 +50,9 @@ bool cut_selection::is_dominated_by(const cut& selected, const cut& candidate) c
     std::size_t shared = 0;
     for (std::size_t k = 0; k < selected.columns.size(); ++k) {
         const std::int32_t j = selected.columns[k];
-        const bool is_shared = candidate_.has(j);
-        const double excess = selected.coefficients[k] - (is_shared ? candidate_.value(j) : 0.0);
+        const bool is_shared = vector_is_elm(*candidate_, j) != 0;
+        const double excess =
+            selected.coefficients[k] - (is_shared ? vector_get_coef(*candidate_, j) : 0.0);
         if (excess < 0.0 || (excess > 0.0 && model_.lower[static_cast<std::size_t>(j) - 1] < 0.0)) {
             return false;
         }

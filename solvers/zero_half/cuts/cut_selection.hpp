@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "cuts/sparse_vector.hpp"
+#include "cuts/vectors.hpp"
 #include "input/model.hpp"
 #include "lp/cut.hpp"
 
@@ -32,7 +32,7 @@ struct selection_options {
 class cut_selection {
 public:
     cut_selection(const model& program, const selection_options& options)
-        : model_(program), options_(options), candidate_(program.column_count()) {}
+        : model_(program), options_(options), candidate_(new_vector(program.column_count())) {}
 
     std::vector<cut> select(std::vector<cut> cuts);
 
@@ -46,7 +46,7 @@ private:
     const model& model_;
     selection_options options_;
     /// The coefficients of the cut that is compared with the selected ones.
-    sparse_vector candidate_;
+    zktarn::owned_vector candidate_;
     std::vector<cut> selected_;
     /// The indices of the cuts, the greatest efficacy first.
     std::vector<std::size_t> order_;

@@ -67,7 +67,7 @@ std::size_t elimination::best_pivot() {
 void elimination::eliminate(std::int32_t column, odd_sums& sums) {
     rows_with_column_.clear();
     for (std::size_t i = 0; i < remaining_; ++i) {
-        if (rows_[i].odd.has(column)) {
+        if (zktarn::vector_mod::vector_is_elm(*rows_[i].odd, column) != 0) {
             rows_with_column_.push_back(i);
         }
     }

@@ -8,7 +8,7 @@ namespace zero_half {
 /// remaining rows are sums of rows of the system.
 class elimination {
 public:
-    explicit elimination(zktarn::random::rng_state& random) : random_(random) {}
+    explicit elimination(const zktarn::random::rng_state& random) : random_(random) {}
 
     /// Adds the violated ones of all sums that occur. Columns are eliminated in the order of their
     /// values, the least first, and the pivot is a row with little slack. The order and the pivot
@@ -21,7 +21,7 @@ private:
     void eliminate(std::int32_t column, odd_sums& sums);
     std::size_t best_pivot();
 
-    zktarn::random::rng_state& random_;
+    const zktarn::random::rng_state& random_;
     parity_rows rows_;
     /// For each row the total slack of the rows of which it is the sum.
     std::vector<double> slack_;

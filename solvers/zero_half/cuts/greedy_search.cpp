@@ -9,8 +9,10 @@ namespace {
 class greedy_search {
 public:
     greedy_search(const parity_system& system, odd_sums& sums)
-        : system_(system), sums_(sums), current_{sparse_vector(system.elements(), false)},
-          trial_{sparse_vector(system.elements(), false)}, is_used_(system.rows().size()) {}
+        : system_(system),
+          sums_(sums), current_{new_index_set(system.elements())}, trial_{new_index_set(
+                                                                       system.elements())},
+          is_used_(system.rows().size()) {}
 
     /// The current sum becomes the row alone.
     void start(std::size_t row);
@@ -33,10 +35,9 @@ private:
 /// The slack that the current sum would have with the row added.
 double greedy_search::slack_with(const parity_row& row) const {
     double slack = slack_;
-    for (std::int32_t k = 1; k <= row.odd.size(); ++k) {
-        const std::int32_t element = row.odd.index(k);
+    for (const auto [element, unused] : zktarn::entries(row.odd)) {
         const double value = system_.value(element);
-        slack += current_.odd.has(element) ? -value : value;
+        slack += zktarn::vector_mod::vector_is_elm(*current_.odd, element) != 0 ? -value : value;
     }
     return slack;
 }

@@ -18,8 +18,8 @@ using zktarn::flag;
 constexpr double integrality_tolerance = 1e-9;
 constexpr double no_tolerance = 0.0;
 
-sparse_vector odd_support(const sparse_vector& coefficients) {
-    sparse_vector odd(coefficients.capacity());
+zktarn::owned_vector odd_support(const zktarn::owned_vector& coefficients) {
+    zktarn::owned_vector odd = new_vector(capacity(coefficients));
     zktarn::vector_mod::vectors_combine(*odd, *coefficients, 1.0, 1.0, no_tolerance);
     zktarn::vector_mod::vector_mod2(*odd, no_tolerance);
     return odd;
@@ -83,7 +83,7 @@ std::optional<integral_row> scaled_row(const model& program, int i, double scale
     /// With the tolerance 0.5 the floor is the nearest integer.
     constexpr double to_nearest = 0.5;
     const row_view row = view_row(program, i);
-    sparse_vector coefficients(program.column_count());
+    zktarn::owned_vector coefficients = new_vector(program.column_count());
     double row_error = 0.0;
     for (std::size_t k = 0; k < row.values.size(); ++k) {
         const double exact = row.values[k] * scale;
@@ -93,7 +93,7 @@ std::optional<integral_row> scaled_row(const model& program, int i, double scale
         }
         row_error += activity_error(program, row.columns[k], exact, rounded);
         if (rounded != 0.0) {
-            coefficients.set(row.columns[k] + 1, rounded);
+            zktarn::vector_mod::vector_add_nz(*coefficients, row.columns[k] + 1, rounded);
         }
     }
     const double scaled_rhs = rhs * scale;
@@ -108,7 +108,7 @@ std::optional<integral_row> scaled_row(const model& program, int i, double scale
 
 } // namespace
 
-integral_row::integral_row(sparse_vector a, double b, row_origin source)
+integral_row::integral_row(zktarn::owned_vector a, double b, row_origin source)
     : coefficients(std::move(a)), odd(odd_support(coefficients)), rhs(b),
       origin(std::move(source)) {}
 
@@ -141,9 +141,10 @@ std::vector<integral_row> integral_rows_of(const model& program) {
 }
 
 integral_row integral_row_of(const cut& inequality, std::int32_t columns) {
-    sparse_vector coefficients(columns);
+    zktarn::owned_vector coefficients = new_vector(columns);
     for (std::size_t k = 0; k < inequality.columns.size(); ++k) {
-        coefficients.set(inequality.columns[k], inequality.coefficients[k]);
+        zktarn::vector_mod::vector_add_nz(*coefficients, inequality.columns[k],
+                                          inequality.coefficients[k]);
     }
     return {std::move(coefficients), inequality.rhs, inequality.origin};
 }

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "cuts/sparse_vector.hpp"
+#include "cuts/vectors.hpp"
 #include "input/model.hpp"
 #include "lp/cut.hpp"
 
@@ -12,11 +12,11 @@ namespace zero_half {
 /// columns counted from 1. Every point of the model with integer values in these columns satisfies
 /// it.
 struct integral_row {
-    integral_row(sparse_vector coefficients, double rhs, row_origin origin);
+    integral_row(zktarn::owned_vector coefficients, double rhs, row_origin origin);
 
-    sparse_vector coefficients;
+    zktarn::owned_vector coefficients;
     /// The columns with odd coefficients.
-    sparse_vector odd;
+    zktarn::owned_vector odd;
     double rhs;
     row_origin origin;
 };

@@ -8,6 +8,8 @@ namespace zero_half {
 
 namespace {
 
+using zktarn::vector_mod::vector_get_ind;
+
 /// The graph. A node is a column, or 0 for the other end of rows with fewer than two odd columns.
 /// An edge between a column and node 0 stands for leaving the column odd in the sum. A state is a
 /// node together with the parity of the walk to it.
@@ -51,7 +53,7 @@ private:
 
 parity_graph::parity_graph(const parity_system& system)
     : system_(system), edges_(static_cast<std::size_t>(system.columns()) + 1),
-      best_(2 * edges_.size()), sum_{sparse_vector(system.elements(), false)} {
+      best_(2 * edges_.size()), sum_{new_index_set(system.elements())} {
     for (std::size_t i = 0; i < system.rows().size(); ++i) {
         add_row(static_cast<std::int32_t>(i));
     }
@@ -71,9 +73,10 @@ void parity_graph::connect(std::int32_t a, std::int32_t b, bool is_odd, double l
 /// In the list of a row its slack comes after its columns.
 void parity_graph::add_row(std::int32_t number) {
     const parity_row& row = system_.rows()[static_cast<std::size_t>(number)];
-    const std::int32_t columns = row.odd.size() - 1;
-    connect(columns >= 1 ? row.odd.index(1) : 0, columns == 2 ? row.odd.index(2) : 0, row.is_odd,
-            system_.value(row.odd.index(columns + 1)), number);
+    const std::int32_t columns = size(row.odd) - 1;
+    connect(columns >= 1 ? vector_get_ind(*row.odd, 1) : 0,
+            columns == 2 ? vector_get_ind(*row.odd, 2) : 0, row.is_odd,
+            system_.value(vector_get_ind(*row.odd, columns + 1)), number);
 }
 
 /// Dijkstra's method from the node to itself with odd parity. Returns whether there is a walk that

@@ -10,8 +10,11 @@ namespace {
 /// The slack of a sum; or, when that reaches the limit, some value that is not below the limit.
 double limited_slack(const parity_system& system, const parity_row& sum) {
     double slack = 0.0;
-    for (std::int32_t k = 1; k <= sum.odd.size() && slack < slack_limit; ++k) {
-        slack += system.value(sum.odd.index(k));
+    for (const auto [element, unused] : zktarn::entries(sum.odd)) {
+        slack += system.value(element);
+        if (slack >= slack_limit) {
+            break;
+        }
     }
     return slack;
 }
@@ -34,16 +37,14 @@ void odd_sums::add_if_violated(const parity_row& sum) {
         return;
     }
     std::uint64_t signature = 0;
-    for (std::int32_t k = 1; k <= sum.odd.size(); ++k) {
-        const std::int32_t element = sum.odd.index(k);
+    for (const auto [element, unused] : zktarn::entries(sum.odd)) {
         signature ^= system_->is_slack(element) ? system_->signature(element) : 0;
     }
     if (!signatures_.insert(signature).second) {
         return;
     }
     const std::size_t first = members_.size();
-    for (std::int32_t k = 1; k <= sum.odd.size(); ++k) {
-        const std::int32_t element = sum.odd.index(k);
+    for (const auto [element, unused] : zktarn::entries(sum.odd)) {
         if (system_->is_slack(element)) {
             members_.push_back(system_->pool_row(element));
         }

@@ -28,7 +28,7 @@ struct candidate {
     bool is_odd;
     double slack;
 
-    const sparse_vector& odd(row_pool pool) const {
+    const zktarn::owned_vector& odd(row_pool pool) const {
         return pool[static_cast<std::size_t>(pool_row)].odd;
     }
 };
@@ -59,11 +59,9 @@ std::vector<double> slacks_at(const double* point, row_pool pool) {
     std::vector<double> slacks;
     slacks.reserve(pool.size());
     for (const integral_row& row : pool) {
-        const sparse_vector& a = row.coefficients;
         double slack = row.rhs;
-        for (std::int32_t k = 1; k <= a.size(); ++k) {
-            const std::int32_t j = a.index(k);
-            slack -= a.value(j) * point[j - 1];
+        for (const auto [j, coefficient] : zktarn::entries(row.coefficients)) {
+            slack -= coefficient * point[j - 1];
         }
         slacks.push_back(slack);
     }
@@ -73,8 +71,8 @@ std::vector<double> slacks_at(const double* point, row_pool pool) {
 /// Right-hand side of the row modulo 2 after the bounds were substituted.
 bool has_odd_rhs(const integral_row& row, const substitutions& bounds) {
     double rhs = row.rhs;
-    for (std::int32_t k = 1; k <= row.odd.size(); ++k) {
-        rhs += bounds[static_cast<std::size_t>(row.odd.index(k))].bound;
+    for (const auto [j, unused] : zktarn::entries(row.odd)) {
+        rhs += bounds[static_cast<std::size_t>(j)].bound;
     }
     return std::fmod(rhs, 2.0) != 0.0;
 }
@@ -97,15 +95,13 @@ column_supports find_supports(const std::vector<candidate>& candidates, row_pool
     column_supports supports;
     supports.columns.resize(bounds.size());
     for (std::size_t c = 0; c < candidates.size(); ++c) {
-        const sparse_vector& odd = candidates[c].odd(pool);
-        for (std::int32_t k = 1; k <= odd.size(); ++k) {
-            const auto j = static_cast<std::size_t>(odd.index(k));
-            if (bounds[j].distance <= negligible) {
+        for (const auto [j, unused] : zktarn::entries(candidates[c].odd(pool))) {
+            if (bounds[static_cast<std::size_t>(j)].distance <= negligible) {
                 continue;
             }
-            column_support& column = supports.columns[j];
+            column_support& column = supports.columns[static_cast<std::size_t>(j)];
             if (column.rows++ == 0) {
-                supports.found.push_back(odd.index(k));
+                supports.found.push_back(j);
             }
             column.signature ^= mixed(c);
             column.last_row = c;
@@ -158,9 +154,8 @@ column_elements number_columns(const column_supports& supports, const substituti
 
 std::uint64_t signature_of(const candidate& row, row_pool pool, const column_elements& numbered) {
     std::uint64_t signature = row.is_odd ? mixed(0) : 0;
-    const sparse_vector& odd = row.odd(pool);
-    for (std::int32_t k = 1; k <= odd.size(); ++k) {
-        const std::int32_t element = numbered.of_column[static_cast<std::size_t>(odd.index(k))];
+    for (const auto [j, unused] : zktarn::entries(row.odd(pool))) {
+        const std::int32_t element = numbered.of_column[static_cast<std::size_t>(j)];
         if (element != 0) {
             signature ^= mixed(static_cast<std::uint64_t>(element));
         }
@@ -193,22 +188,22 @@ std::vector<candidate> reduced(std::vector<candidate> candidates, row_pool pool,
 }
 
 /// Writes the odd columns of a candidate into a row of the system; returns how many there are.
-std::int32_t fill_columns(parity_row& row, const sparse_vector& odd,
+std::int32_t fill_columns(parity_row& row, const zktarn::owned_vector& odd,
                           const column_elements& numbered) {
     row.clear();
-    for (std::int32_t k = 1; k <= odd.size(); ++k) {
-        const std::int32_t element = numbered.of_column[static_cast<std::size_t>(odd.index(k))];
+    for (const auto [j, unused] : zktarn::entries(odd)) {
+        const std::int32_t element = numbered.of_column[static_cast<std::size_t>(j)];
         if (element != 0) {
-            row.odd.include(element);
+            vector_add_nz(*row.odd, element);
         }
     }
-    return row.odd.size();
+    return size(row.odd);
 }
 
 } // namespace
 
 void parity_row::clear() {
-    odd.clear();
+    vector_clear(*odd);
     is_odd = false;
 }
 
@@ -223,7 +218,7 @@ void parity_rows::resize(std::size_t count, std::int32_t capacity) {
         capacity_ = capacity + capacity / 2;
     }
     while (rows_.size() < count) {
-        rows_.push_back({sparse_vector(capacity_, false)});
+        rows_.push_back({new_index_set(capacity_)});
     }
     size_ = count;
 }
@@ -251,7 +246,7 @@ void parity_system::build(std::span<const integral_row> pool,
     is_graph_ = true;
     for (std::size_t i = 0; i < candidates.size(); ++i) {
         is_graph_ &= fill_columns(rows_[i], candidates[i].odd(pool), numbered) <= 2;
-        rows_[i].odd.include(slack_of(i));
+        vector_add_nz(*rows_[i].odd, slack_of(i));
         rows_[i].is_odd = candidates[i].is_odd;
     }
 }

@@ -16,7 +16,7 @@ constexpr double slack_limit = 1.0 - 2e-6;
 
 /// A row modulo 2: the elements in which it is odd.
 struct parity_row {
-    sparse_vector odd;
+    zktarn::owned_vector odd;
     /// Whether the right-hand side is odd.
     bool is_odd = false;
 

@@ -23,7 +23,7 @@ void set_efficacy(cut& candidate, const double* point) {
 
 } // namespace
 
-separator::separator(const model& program, zktarn::random::rng_state& random,
+separator::separator(const model& program, const zktarn::random::rng_state& random,
                      stop_predicate should_stop, const separation_options& options)
     : model_(program), should_stop_(std::move(should_stop)), options_(options),
       sums_(options.enough), elimination_(random), rounding_(program),

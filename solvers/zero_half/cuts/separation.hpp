@@ -29,8 +29,8 @@ class separator {
 public:
     /// After `should_stop` returns true, `find` returns the cuts found by then. The model and the
     /// generator have to outlive the separator.
-    separator(const model& program, zktarn::random::rng_state& random, stop_predicate should_stop,
-              const separation_options& options = {});
+    separator(const model& program, const zktarn::random::rng_state& random,
+              stop_predicate should_stop, const separation_options& options = {});
 
     /// Cuts from rows of `pool` that `point` violates, and selected from all that were found. The
     /// rows of the model come first in the pool.

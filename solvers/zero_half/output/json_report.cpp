@@ -18,10 +18,10 @@ json number_or_null(const std::optional<double>& value) {
     return value && std::isfinite(*value) ? json(*value) : json(nullptr);
 }
 
-json record_of(const round_figures& figures) {
+json record_of(const round_figures& figures, const run_result& run) {
     return {{"round", figures.round},
             {"bound", figures.bound},
-            {"gap_closed_percent", number_or_null(figures.gap_closed)},
+            {"gap_closed_percent", number_or_null(run.gap_closed(figures.bound))},
             {"cuts_found", figures.cuts_found},
             {"cuts_kept", figures.cuts_kept},
             {"separation_ms", figures.separation_ms},
@@ -33,7 +33,7 @@ json record_of(const solved_model& solved) {
     const run_result& run = solved.run;
     json rounds = json::array();
     for (const round_figures& figures : run.rounds) {
-        rounds.push_back(record_of(figures));
+        rounds.push_back(record_of(figures, run));
     }
     return {{"file", solved.program.file},
             {"rows", solved.program.row_count()},
@@ -44,7 +44,7 @@ json record_of(const solved_model& solved) {
             {"gap_closed_percent", number_or_null(run.gap_closed(run.bound))},
             {"cuts_kept", run.cuts()},
             {"seconds", run.seconds},
-            {"status", name(run.reason)},
+            {"status", text_of(run.reason).name},
             {"rounds", rounds}};
 }
 

@@ -98,10 +98,9 @@ void mps_writer::add_model_rows() {
 
 void mps_writer::add_cuts() {
     for (std::size_t i = run_.first_cut; i < run_.pool.size(); ++i) {
-        const sparse_vector& a = run_.pool[i].coefficients;
-        for (std::int32_t k = 1; k <= a.size(); ++k) {
-            const auto j = static_cast<std::size_t>(a.index(k)) - 1;
-            entries_[j].push_back({&rows_[lower_.size()], a.value(a.index(k))});
+        for (const auto [j, coefficient] : zktarn::entries(run_.pool[i].coefficients)) {
+            entries_[static_cast<std::size_t>(j) - 1].push_back(
+                {&rows_[lower_.size()], coefficient});
         }
         lower_.push_back(-no_bound);
         upper_.push_back(run_.pool[i].rhs);

@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "zktarn/owners.hpp"
+
 namespace zero_half {
 
 using namespace zktarn::callbacks_util;
@@ -37,22 +39,15 @@ void bridge::report(const char* phase, int round, double bound,
     if (cbhasoutputfcn(indicator_) == 0) {
         return;
     }
-    const array_handle info = qvinitcbarray(phase);
-    addrealscalartoqvstruct(info, "round", round);
-    addrealscalartoqvstruct(info, "bound", bound);
-    addrealvectoqvstruct(info, "history", history.data(),
+    const zktarn::owned_struct info(phase);
+    addrealscalartoqvstruct(*info, "round", round);
+    addrealscalartoqvstruct(*info, "bound", bound);
+    addrealvectoqvstruct(*info, "history", history.data(),
                          static_cast<std::int64_t>(history.size()));
     zktarn::flag stop = 0;
-    qvcalloutputfcn(info, stop, status_, code::poll_for_interrupts);
-    zktarn::host::qvdestroyarray800_(info);
+    qvcalloutputfcn(*info, stop, status_, code::poll_for_interrupts);
     if (stop != 0) {
         status_ = code::stopped_by_output_function;
-    }
-}
-
-generator::generator(std::int32_t seed) {
-    if (zktarn::random::instantiaterng(state_, seed) == 0) {
-        throw std::bad_alloc();
     }
 }
 

@@ -35,18 +35,4 @@ private:
     std::int32_t status_ = 0;
 };
 
-/// Owns a generator of the host.
-class generator {
-public:
-    explicit generator(std::int32_t seed);
-    ~generator() { zktarn::random::deleterng(state_); }
-    generator(const generator&) = delete;
-    generator& operator=(const generator&) = delete;
-
-    zktarn::random::rng_state& state() { return state_; }
-
-private:
-    zktarn::random::rng_state state_;
-};
-
 } // namespace zero_half

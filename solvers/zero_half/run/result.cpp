@@ -1,19 +1,31 @@
 #include "run/result.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zero_half {
 
+namespace {
+
+/// Differences up to this are rounding errors of the simplex method.
+double tolerance_at(double optimum) {
+    return 1e-6 * (1.0 + std::fabs(optimum));
+}
+
+} // namespace
+
+bool run_result::is_optimum_wrong() const {
+    return optimum && (reason == ending::no_integer_point ||
+                       (bound && *bound > *optimum + tolerance_at(*optimum)));
+}
+
 std::optional<double> run_result::gap_closed(std::optional<double> reached) const {
-    if (!optimum || !first_bound || !reached) {
+    if (!optimum || !first_bound || !reached || is_optimum_wrong()) {
         return std::nullopt;
     }
     const double gap = *optimum - *first_bound;
     const double negligible = 1e-9 * (1.0 + std::fabs(*optimum));
-    if (gap < -negligible) {
-        return std::nullopt;
-    }
-    return gap <= negligible ? 100.0 : 100.0 * (*reached - *first_bound) / gap;
+    return gap <= negligible ? 100.0 : std::min(100.0, 100.0 * (*reached - *first_bound) / gap);
 }
 
 } // namespace zero_half

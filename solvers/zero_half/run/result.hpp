@@ -13,8 +13,6 @@ namespace zero_half {
 struct round_figures {
     int round;
     double bound;
-    /// In per cent, where the optimum is known.
-    std::optional<double> gap_closed;
     std::size_t cuts_found;
     std::size_t cuts_kept;
     double separation_ms;
@@ -28,6 +26,8 @@ struct run_result {
     /// before the first relaxation was solved.
     std::optional<double> first_bound = {};
     std::optional<double> bound = {};
+    /// The integer optimum: as the caller gave it, or the bound when the optimum of the relaxation
+    /// is integral. Nothing when it is unknown.
     std::optional<double> optimum = {};
     ending reason = ending::no_cut_found;
     double seconds = 0.0;
@@ -38,9 +38,11 @@ struct run_result {
 
     std::size_t cuts() const { return pool.size() - first_cut; }
     /// The share of the gap between the first bound and the optimum that `reached` closes, in per
-    /// cent. Nothing without an optimum, or when the optimum is below the first bound and so is
-    /// not the optimum.
+    /// cent, at most 100. Nothing without an optimum, or when `is_optimum_wrong`.
     std::optional<double> gap_closed(std::optional<double> reached) const;
+    /// Whether the run disproves the optimum that the caller gave: a bound is above it, or there is
+    /// no integer point.
+    bool is_optimum_wrong() const;
 };
 
 } // namespace zero_half

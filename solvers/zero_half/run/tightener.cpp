@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <new>
 
 #include "cuts/separation.hpp"
 #include "input/error.hpp"
@@ -35,17 +36,17 @@ bool is_integral(const model& program, const double* point) {
 }
 
 constexpr const char* heading =
-    "round             bound    gap %   found   kept  separation ms     LP ms";
+    "round             bound  closed %   found   kept  separation ms     LP ms";
 
-std::string line_of(const round_figures& figures) {
-    char gap[16] = "      -";
-    if (figures.gap_closed) {
-        std::snprintf(gap, sizeof gap, "%7.2f", *figures.gap_closed);
+std::string line_of(const round_figures& figures, std::optional<double> gap_closed) {
+    char closed[16] = "       -";
+    if (gap_closed) {
+        std::snprintf(closed, sizeof closed, "%8.2f", *gap_closed);
     }
     char line[160];
     std::snprintf(line, sizeof line, "%5d  %16.4f  %s  %6zu  %5zu  %13.1f  %8.1f", figures.round,
-                  figures.bound, gap, figures.cuts_found, figures.cuts_kept, figures.separation_ms,
-                  figures.relaxation_ms);
+                  figures.bound, closed, figures.cuts_found, figures.cuts_kept,
+                  figures.separation_ms, figures.relaxation_ms);
     return line;
 }
 
@@ -79,7 +80,7 @@ private:
     const run_options& options_;
     clock::time_point start_ = clock::now();
     bridge host_;
-    generator random_;
+    zktarn::owned_generator random_;
     relaxation relaxation_;
     separator separator_;
     run_result result_;
@@ -90,7 +91,10 @@ private:
 run::run(const model& program, const run_options& options)
     : model_(program), options_(options), host_(options.show, options.has_output_function),
       random_(options.seed), relaxation_(program, [this] { return should_stop(); }),
-      separator_(program, random_.state(), [this] { return should_stop(); }) {
+      separator_(program, *random_, [this] { return should_stop(); }) {
+    if (!random_) {
+        throw std::bad_alloc();
+    }
     result_.optimum = options.optimum;
 }
 
@@ -105,6 +109,9 @@ run_result run::execute() {
         reason = reason_to_end(last);
     }
     result_.reason = *reason;
+    if (*reason == ending::integral && !result_.optimum) {
+        result_.optimum = result_.bound;
+    }
     host_.report("done", static_cast<int>(result_.rounds.size()), result_.bound.value_or(0.0),
                  history_);
     result_.seconds = seconds_since(start_);
@@ -202,10 +209,9 @@ void run::take_bound() {
 
 void run::record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms) {
     const int round = static_cast<int>(result_.rounds.size()) + 1;
-    result_.rounds.push_back({round, *result_.bound, result_.gap_closed(result_.bound),
-                              separator_.found(), cuts_kept, separation_ms, relaxation_ms,
-                              seconds_since(start_)});
-    host_.print_round(line_of(result_.rounds.back()));
+    result_.rounds.push_back({round, *result_.bound, separator_.found(), cuts_kept, separation_ms,
+                              relaxation_ms, seconds_since(start_)});
+    host_.print_round(line_of(result_.rounds.back(), result_.gap_closed(result_.bound)));
     host_.report("cutting", round, *result_.bound, history_);
 }
 
