@@ -81,7 +81,11 @@ private:
 
 class Violations : public ::testing::Test {
 protected:
-    void SetUp() override { standin::reset(); }
+    // What a violation prints is kept from the console of the tests.
+    void SetUp() override {
+        standin::reset();
+        standin::set_console(standin::console::capture);
+    }
     void TearDown() override { standin::reset(); }
 
     /// The number of reports that a call makes.

@@ -1,17 +1,24 @@
 // Built twice: with the checks, and without.
 #include "zktarn/types.hpp"
 
+#include <string>
+#include <vector>
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "support/host_log.hpp"
+#include "zktarn/callbacks/callbacks_util.hpp"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using zktarn::testing::assert_of;
+using zktarn::testing::host_call;
 using zktarn::testing::host_log;
+using zktarn::testing::operation;
 
 #ifdef ZKTARN_CHECKED
 constexpr bool checked = true;
@@ -19,20 +26,35 @@ constexpr bool checked = true;
 constexpr bool checked = false;
 #endif
 
-/// What an access reported.
+/// What an access makes the library call.
 template <class Access>
-std::vector<zktarn::testing::host_call> reports(Access access) {
+std::vector<host_call> calls_of(Access access) {
     const host_log host;
+    zktarn::standin::set_console(zktarn::standin::console::capture);
     zktarn::standin::set_assertion_handler([] {});
     access();
-    return host.calls();
+    zktarn::standin::set_console(zktarn::standin::console::show);
+    return host_log::calls();
 }
+
+/// The line that a violation prints here: procedure and condition; its own line number stands for
+/// any.
+auto prints(const std::string& condition, const std::string& procedure, const std::string& file) {
+    return testing::ResultOf(
+        [](const host_call& call) { return call.texts.empty() ? "" : call.texts[0]; },
+        MatchesRegex("violated: " + condition + ", in " + procedure + " \\(zktarn/" + file +
+                     ":[0-9]+\\)\n"));
+}
+
+const host_call flushes{operation::ioFlushOptim};
 
 #define EXPECT_REPORTED(access)                                                                    \
     if (checked) {                                                                                 \
-        EXPECT_THAT(reports([&] { access; }), ElementsAre(assert_of(false)));                      \
+        EXPECT_THAT(calls_of([&] { access; }), ElementsAre(prints("present\\(\\) && .*extent.*",   \
+                                                                  "operator\\(\\)", "types.hpp"),  \
+                                                           flushes, assert_of(false)));            \
     } else {                                                                                       \
-        EXPECT_THAT(reports([&] { access; }), IsEmpty());                                          \
+        EXPECT_THAT(calls_of([&] { access; }), IsEmpty());                                         \
     }
 
 // Room around the arrays, so that an access out of range is one all the same.
@@ -42,7 +64,7 @@ TEST(Check, ReportsAPositionOutsideOfAnArray) {
     const zktarn::array_1d<double> array{room + 8, {3}, {1}};
     EXPECT_REPORTED(static_cast<void>(array(0)));
     EXPECT_REPORTED(static_cast<void>(array(4)));
-    EXPECT_THAT(reports([&] { array(1) = array(3); }), IsEmpty());
+    EXPECT_THAT(calls_of([&] { array(1) = array(3); }), IsEmpty());
 }
 
 TEST(Check, ReportsAPositionOutsideOfAMatrix) {
@@ -51,8 +73,52 @@ TEST(Check, ReportsAPositionOutsideOfAMatrix) {
     EXPECT_REPORTED(static_cast<void>(array(3, 1)));
     EXPECT_REPORTED(static_cast<void>(array(1, 0)));
     EXPECT_REPORTED(static_cast<void>(array(1, 4)));
-    EXPECT_THAT(reports([&] { array(1, 1) = array(2, 3); }), IsEmpty());
+    EXPECT_THAT(calls_of([&] { array(1, 1) = array(2, 3); }), IsEmpty());
 }
+
+#ifdef ZKTARN_CHECKED
+
+/// The text of the line that a violation prints.
+template <class Violation>
+std::string line_of(Violation violation) {
+    const std::vector<host_call> all = calls_of(violation);
+    return all.empty() || all[0].texts.empty() ? "" : all[0].texts[0];
+}
+
+TEST(Check, SaysWhatWasViolatedAndWhere) {
+    const auto procedure = [] {
+        ZKTARN_CHECK(1 + 1 == 3);
+        return __LINE__ - 1;
+    };
+    int line = 0;
+    EXPECT_THAT(line_of([&] { line = procedure(); }),
+                testing::HasSubstr("violated: 1 + 1 == 3, in "));
+    EXPECT_THAT(line_of([&] { procedure(); }),
+                testing::EndsWith("check_test.cpp:" + std::to_string(line) + ")\n"));
+}
+
+TEST(Check, CutsALineThatIsTooLong) {
+    const std::string procedure(1000, 'p');
+    const auto violate = [&] {
+        zktarn::detail::report_violation("k <= n", procedure.c_str(), "/usr/zktarn/x.hpp", 7);
+    };
+    EXPECT_EQ(line_of(violate), "violated: k <= n, in " + procedure.substr(0, 490) + "\n");
+}
+
+TEST(Check, ReportsToTarnassertAfterAnInterruptToo) {
+    const auto violate = [] {
+        zktarn::standin::raise_interrupt();
+        EXPECT_EQ(zktarn::callbacks_util::cbhasinterrupt(0, 1), 1);
+        zktarn::standin::clear_call_log();
+        ZKTARN_CHECK(false);
+    };
+    EXPECT_THAT(calls_of(violate), ElementsAre(assert_of(false)));
+    zktarn::callbacks_util::cbdata* cb = nullptr;
+    zktarn::callbacks_util::cbinit(cb);
+    delete cb;
+}
+
+#endif
 
 TEST(Check, EvaluatesItsConditionInACheckedBuildOnly) {
     int evaluations = 0;
