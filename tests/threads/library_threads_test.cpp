@@ -128,7 +128,7 @@ TEST(LibraryThreads, DISABLED_ASlotIsShared) {
     callbacks_type_util::cbdatalist slot;
     on_two_threads([&](int t) {
         for (int round = 0; round < 100; ++round) {
-            callbacks_type_util::store(slot, t);
+            EXPECT_TRUE(callbacks_type_util::store(slot, t));
         }
     });
 }

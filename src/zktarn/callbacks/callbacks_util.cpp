@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstring>
 #include <new>
 
 #include "zktarn/host/libqvx.hpp"
@@ -17,7 +16,7 @@ namespace {
 
 flag interrupt_seen = 0;
 
-/// Polls the host where that is wanted. Returns whether it answered that there is an interrupt.
+/// Polls the host if ctrlc says so. Returns whether the host reported an interrupt.
 bool poll(std::int32_t ctrlc) noexcept {
     if (cbisctrlcon(ctrlc) == 0) {
         return false;
@@ -26,7 +25,7 @@ bool poll(std::int32_t ctrlc) noexcept {
     return interrupt_seen != 0;
 }
 
-/// Whether nothing more is to be said to the host, neither by a call nor by a line.
+/// Whether the solve ends, so that the host gets neither calls nor lines any more.
 bool is_over(std::int32_t status, std::int32_t ctrlc) noexcept {
     return interrupt_seen != 0 || cbstopfromoutputfcn(status) != 0 || poll(ctrlc);
 }
@@ -35,7 +34,7 @@ std::int64_t length(std::string_view text) noexcept {
     return static_cast<std::int64_t>(text.size());
 }
 
-// The first element of a host array, as it counts them.
+// Elements of host arrays are counted from 1.
 constexpr std::int64_t first_element = 1;
 
 /// Stores a new array in a field, which is added when it is missing. The field is looked up before
@@ -54,37 +53,37 @@ void print(const char* text, std::size_t size) noexcept {
     host::qvxprintf800_(text, static_cast<std::int64_t>(size));
 }
 
-/// What fits is a line of a terminal; it takes no memory from anybody.
-using short_line = std::array<char, 512>;
+// The longest piece of a line that is printed without memory for a copy.
+constexpr std::size_t piece_size = 512;
 
-/// Prints a line in pieces.
+/// Prints a line in pieces of at most `piece_size` characters, the line feed included.
 void print_by_pieces(std::string_view line) noexcept {
-    short_line piece;
-    for (; line.size() >= piece.size(); line.remove_prefix(piece.size())) {
-        std::memcpy(piece.data(), line.data(), piece.size());
-        print(piece.data(), piece.size());
+    std::array<char, piece_size> piece;
+    while (line.size() >= piece.size()) {
+        print(line.data(), piece.size());
+        line.remove_prefix(piece.size());
     }
-    std::copy(line.begin(), line.end(), piece.begin());
-    piece[line.size()] = '\n';
+    *std::copy(line.begin(), line.end(), piece.begin()) = '\n';
     print(piece.data(), line.size() + 1);
 }
 
-void print_line(std::string_view line) noexcept {
-    if (line.size() < short_line{}.size()) {
-        print_by_pieces(line);
-        return;
-    }
+/// Prints a line in one piece. Returns false, and prints nothing, without memory for it.
+bool print_whole(std::string_view line) noexcept {
     const std::size_t size = line.size() + 1;
-    void* const storage = ::operator new(size, std::nothrow);
-    if (storage == nullptr) {
-        print_by_pieces(line);
-        return;
+    auto* const text = static_cast<char*>(::operator new(size, std::nothrow));
+    if (text == nullptr) {
+        return false;
     }
-    char* const buffer = static_cast<char*>(storage);
-    std::memcpy(buffer, line.data(), line.size());
-    buffer[line.size()] = '\n';
-    print(buffer, size);
-    ::operator delete(storage);
+    *std::copy(line.begin(), line.end(), text) = '\n';
+    print(text, size);
+    ::operator delete(text);
+    return true;
+}
+
+void print_line(std::string_view line) noexcept {
+    if (line.size() < piece_size || !print_whole(line)) {
+        print_by_pieces(line);
+    }
 }
 
 } // namespace
@@ -140,7 +139,7 @@ void qvcalloutputfcn(const array_handle& structure, flag& stop, const std::int32
     array_handle output = 0;
     host::qvxcallquarn800_(noutputs, &output, ninputs, &structure, function.data(),
                            length(function));
-    // Stays where the host copies nothing.
+    // The result when the host copies nothing.
     double answer = 0.0;
     host::qvcopyptrtoreal8800_(host::qvgetpr800_(output), &answer, count);
     host::qvdestroyarray800_(output);

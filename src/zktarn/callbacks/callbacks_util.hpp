@@ -11,23 +11,25 @@
 
 /// The bridge between a running solver and its host.
 ///
-/// A solve begins with `cbinit`. Where `cbhasoutputfcn` says that there is an output function, the
-/// solver reports to it: `qvinitcbarray` makes a host struct, `addrealscalartoqvstruct` and
-/// `addrealvectoqvstruct` fill it, `qvcalloutputfcn` hands it over and tells whether to stop; the
-/// solver then records status 3 itself. Lines of progress go through `cbprintdisplay`, and
-/// `cbhasinterrupt` tells whether to end the solve.
+/// A solve begins with `cbinit`. If there is an output function (`cbhasoutputfcn`), the solver
+/// reports to it: `qvinitcbarray` makes a host struct, `addrealscalartoqvstruct` and
+/// `addrealvectoqvstruct` fill it, `qvcalloutputfcn` passes it to the function and returns whether
+/// to stop; the solver itself then sets status 3. `cbprintdisplay` prints lines of progress, and
+/// `cbhasinterrupt` returns whether to end the solve.
 ///
 /// Codes, each a 32-bit integer of the solver's own:
 ///
 ///     status      3: stopped by the output function. Any other value: not stopped
 ///     ctrlc       1: poll the host for interrupts. Any other value: never poll
-///     display     0: print nothing. 1: final output only. Any other value: more of it
-///     indicator   above 0: there is an output function
+///     display     0: print nothing. 1: print the final output only. Any other value: print every
+///     line indicator   above 0: there is an output function
 ///
-/// There is one flag for the whole process, one in each copy of the library: an interrupt, once a
-/// poll has answered true, is remembered until the next `cbinit`. It is neither locked nor atomic,
-/// so the bridge serves one solve at a time, from the solver's thread. What the host's operations
-/// answer to failures is passed on, not judged; nothing here reports an error.
+/// Each loaded copy of the library has one process-wide flag for interrupts. A poll that reports an
+/// interrupt sets it; the next `cbinit` clears it. The flag is neither locked nor atomic, so the
+/// bridge serves one solve at a time, from the solver's thread.
+///
+/// Nothing here reports an error: failure values of the host are passed on to its next operation,
+/// as the host's headers (host/libqv.hpp, host/libqvx.hpp) say.
 
 namespace zktarn::callbacks_util {
 
@@ -36,56 +38,63 @@ using host::array_handle;
 
 namespace code {
 
+/// Of a status.
 inline constexpr std::int32_t stopped_by_output_function = 3;
+/// Of the ctrlc switch.
 inline constexpr std::int32_t poll_for_interrupts = 1;
+/// Of a display.
 inline constexpr std::int32_t display_off = 0;
 inline constexpr std::int32_t display_final = 1;
 
 } // namespace code
 
-/// Begins a solve: makes a new record with the defaults of `cbdata` but `nodes_explored` 0, and
-/// forgets an interrupt that an earlier solve has seen.
+/// Begins a solve: makes a new record and clears the interrupt flag.
 ///
-/// @param cb  out. The record, to be released by `delete`; null when there is no memory for it. A
-///            record that it referred to before is not released.
+/// @param cb  out. The record, with the defaults of `cbdata` except `nodes_explored` 0; release it
+///            by `delete`. Null without memory for it. The previous record is not released.
 ZKTARN_API void cbinit(cbdata*& cb) noexcept;
 
 /// Makes a 1-by-1 host struct with the field "phase".
 ///
-/// @param phase  in. What the field holds, trailing blanks included.
+/// @param phase  in. The value of the field, trailing blanks included.
 ///
-/// Returns its handle. The struct is the caller's, who destroys it, with what it owns, by the
-/// host's `qvdestroyarray800_`.
+/// Returns its handle; 0 when the host could not make it. The caller destroys the struct, and all
+/// it owns, by the host's `qvdestroyarray800_`.
 [[nodiscard]] ZKTARN_API array_handle qvinitcbarray(std::string_view phase) noexcept;
 
-/// Sets a field of a struct to a real scalar. The field is added when there is none of that name.
+/// Sets a field of a struct to a real scalar. Adds the field when there is none of that name.
 ///
 /// @param structure  in. Made by `qvinitcbarray`.
 /// @param name       in. Name of the field.
-/// @param value      in.
+/// @param value      in. Any real.
 ZKTARN_API void addrealscalartoqvstruct(const array_handle& structure, std::string_view name,
                                         const double& value) noexcept;
 
-/// Sets a field of a struct to a real column. The field is added when there is none of that name.
+/// Sets a field of a struct to a real column. Adds the field when there is none of that name.
 ///
 /// @param structure  in. Made by `qvinitcbarray`.
 /// @param name       in. Name of the field.
 /// @param values     in. At least n reals.
-/// @param n          in. Number of rows, 0 or more; goes to the host as it is.
+/// @param n          in. Number of rows, 0 or more; passed to the host unchanged.
 ZKTARN_API void addrealvectoqvstruct(const array_handle& structure, std::string_view name,
                                      const double* values, const std::int64_t& n) noexcept;
 
-/// Calls the host function "tarnCallback" with a struct and learns whether it asks to stop.
+/// Calls the host-language function "tarnCallback" with a struct and returns whether to stop.
 ///
-/// @param structure  in. Stays the caller's.
-/// @param stop       out. 1 when the answer, truncated toward zero, is 1; else 0. An interrupt
-///                   never sets it.
+/// @param structure  in. The caller keeps it.
+/// @param stop       out. 1 when the first element of the result, truncated toward zero, is 1; else
+///                   0, for NaN too. An interrupt never sets it.
 /// @param status     in. See the codes above.
 /// @param ctrlc      in. See the codes above.
 ///
-/// The function is not called, and stop is 0, when an interrupt has been seen, when the status is
-/// 3, and when a poll sees an interrupt now; in this order. It must return a real array with at
-/// least one element; the first one is its answer, and one that is not a number counts as 0.
+/// The function must return a real array of at least one element. It is not called, and stop is 0,
+/// in these cases, which are tested in this order:
+///
+///   1. the interrupt flag is set;
+///   2. the status is 3;
+///   3. a poll reports an interrupt.
+///
+/// When the call fails, stop is 0 and the solve goes on.
 ZKTARN_API void qvcalloutputfcn(const array_handle& structure, flag& stop,
                                 const std::int32_t& status, const std::int32_t& ctrlc) noexcept;
 
@@ -96,14 +105,14 @@ ZKTARN_API void qvcalloutputfcn(const array_handle& structure, flag& stop,
 /// @param display  in. See the codes above.
 /// @param line     in. Of any length, trailing blanks included; a line feed is added.
 ///
-/// Nothing is printed when display is 0, when an interrupt has been seen, when the status is 3, and
-/// when a poll sees an interrupt now; in this order. The line goes to the host in one piece; only a
-/// long one for which there is no memory goes in several, one after the other.
+/// Prints nothing when display is 0, and then in the three cases of `qvcalloutputfcn`, in that
+/// order. The line goes to the host in one piece. A line of 512 characters and more needs memory
+/// for that; without it, the line goes in several pieces, one after the other.
 ZKTARN_API void cbprintdisplay(const std::int32_t& status, const std::int32_t& ctrlc,
                                const std::int32_t& display, std::string_view line) noexcept;
 
-/// Whether to end the solve: 1 when an interrupt has been seen, when the status is 3, or when a
-/// poll sees an interrupt now; in this order. Status 3 is not remembered.
+/// Whether to end the solve: 1 in the three cases of `qvcalloutputfcn`, tested in that order; else
+/// 0. Status 3 does not set the interrupt flag.
 ///
 /// @param status  in. See the codes above.
 /// @param ctrlc   in. See the codes above.
@@ -135,9 +144,9 @@ ZKTARN_API void cbprintdisplay(const std::int32_t& status, const std::int32_t& c
     return ctrlc == code::poll_for_interrupts ? 1 : 0;
 }
 
-/// Makes every "E" of a text an "e", be it of an exponent or not, and leaves every other character.
+/// Replaces every "E" of a text by "e", in exponents and elsewhere. Other characters stay.
 ///
-/// @param text  in/out.
+/// @param text  in/out. Of any length.
 ZKTARN_API_INLINE void lowercasee(std::span<char> text) noexcept {
     for (char& each : text) {
         if (each == 'E') {

@@ -8,29 +8,30 @@
 
 /// C++ objects in the value slot of a `cbdatalist`.
 ///
-///     store(list, progress{0.5, "cutting"});          // any copyable type
-///     if (progress* p = stored<progress>(list)) ...   // null for an empty slot and any other type
+///     const bool kept = store(list, progress{0.5, "cutting"});   // any copyable type
+///     if (progress* p = stored<progress>(list)) ...              // null for any other type
 ///
-/// The type is known by the address of its descriptor, so ask for a value in the program or shared
-/// library that stored it.
+/// The address of a descriptor identifies the type, so only the program or shared library that
+/// stored a value can retrieve it.
 
 namespace zktarn::callbacks_type_util {
 
 namespace detail {
 
-/// Whether an object lies in the slot's storage itself: its bits are all there is to it. Any other
-/// may know its own address, so the slot holds a pointer to it.
+/// Whether the slot's storage holds the object itself, which is possible when a copy of its bits is
+/// a copy of the object. For any other type the slot holds a pointer to it, because the object may
+/// depend on its own address.
 template <class T>
-inline constexpr bool lies_in_slot = std::is_trivially_copyable_v<T> &&
-                                     alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
+inline constexpr bool is_held_directly = std::is_trivially_copyable_v<T> &&
+                                         alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
-/// A new object; null when there is no memory for it, or when its constructor throws.
-template <class T, class From>
-T* make(From&& from) noexcept {
+/// A new object; null without memory for it, or when its constructor throws.
+template <class T, class Source>
+T* make(Source&& source) noexcept {
 #ifdef __cpp_exceptions
     try {
 #endif
-        return ::new (std::nothrow) T(std::forward<From>(from));
+        return ::new (std::nothrow) T(std::forward<Source>(source));
 #ifdef __cpp_exceptions
     } catch (...) {
         return nullptr;
@@ -40,7 +41,7 @@ T* make(From&& from) noexcept {
 
 template <class T>
 struct descriptor {
-    using held = std::conditional_t<lies_in_slot<T>, T, T*>;
+    using held = std::conditional_t<is_held_directly<T>, T, T*>;
 
     static void copy(void* first, const std::int32_t& count) noexcept {
         T** const objects = static_cast<T**>(first);
@@ -50,20 +51,20 @@ struct descriptor {
     }
     static void destroy(void* value) noexcept { ::delete *static_cast<T**>(value); }
 
-    static constexpr value_type type = {sizeof(held), 0, lies_in_slot<T> ? nullptr : copy,
-                                        lies_in_slot<T> ? nullptr : destroy, nullptr};
+    static constexpr value_type type = {sizeof(held), 0, is_held_directly<T> ? nullptr : copy,
+                                        is_held_directly<T> ? nullptr : destroy, nullptr};
 };
 
 } // namespace detail
 
-/// Stores an object in the slot, in place of the value it had. Returns false, and changes nothing,
-/// when there is no memory for it or its move constructor throws.
+/// Stores an object in the slot and destroys the value that it had. Returns false, and changes
+/// nothing, without memory for it or when its move constructor throws.
 template <class T>
-bool store(cbdatalist& list, T object) noexcept {
+[[nodiscard]] bool store(cbdatalist& list, T object) noexcept {
     using held = typename detail::descriptor<T>::held;
     cbdatalist made;
     made.slot.type = &detail::descriptor<T>::type;
-    if constexpr (detail::lies_in_slot<T>) {
+    if constexpr (detail::is_held_directly<T>) {
         made.slot.value = detail::make<held>(object);
     } else {
         T* const boxed = detail::make<T>(std::move(object));
@@ -79,14 +80,14 @@ bool store(cbdatalist& list, T object) noexcept {
     return true;
 }
 
-/// The object in the slot; null when the slot is empty, holds a value of another type, or is a copy
-/// for whose object there was no memory.
+/// The object in the slot; null when the slot is empty, when its value is of another type, and in a
+/// copy that was made without memory for the object.
 template <class T>
-T* stored(cbdatalist& list) noexcept {
+[[nodiscard]] T* stored(cbdatalist& list) noexcept {
     if (list.slot.value == nullptr || list.slot.type != &detail::descriptor<T>::type) {
         return nullptr;
     }
-    if constexpr (detail::lies_in_slot<T>) {
+    if constexpr (detail::is_held_directly<T>) {
         return static_cast<T*>(list.slot.value);
     } else {
         return *static_cast<T**>(list.slot.value);
@@ -94,7 +95,7 @@ T* stored(cbdatalist& list) noexcept {
 }
 
 template <class T>
-const T* stored(const cbdatalist& list) noexcept {
+[[nodiscard]] const T* stored(const cbdatalist& list) noexcept {
     return stored<T>(const_cast<cbdatalist&>(list));
 }
 

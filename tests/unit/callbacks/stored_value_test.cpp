@@ -68,7 +68,7 @@ TEST_F(ValueSlot, HoldsAnObjectOfHighAlignment) {
 TEST_F(ValueSlot, IsEmptyOrOfAnotherType) {
     cbdatalist list;
     EXPECT_EQ(stored<progress>(list), nullptr);
-    store(list, progress{0.5, 7});
+    ASSERT_TRUE(store(list, progress{0.5, 7}));
     EXPECT_EQ(stored<names>(list), nullptr);
     EXPECT_EQ(stored<int>(list), nullptr);
 }
@@ -77,8 +77,8 @@ TEST_F(ValueSlot, ReplacesItsObjectAndKeepsTheHandles) {
     cbdatalist list;
     list.first_handle = 5;
     list.second_handle = 6;
-    store(list, names{"cut"});
-    store(list, progress{0.25, 1});
+    ASSERT_TRUE(store(list, names{"cut"}));
+    ASSERT_TRUE(store(list, progress{0.25, 1}));
     EXPECT_EQ(stored<names>(list), nullptr);
     EXPECT_EQ(stored<progress>(list)->done, 0.25);
     EXPECT_EQ(list.first_handle, 5);
@@ -87,7 +87,7 @@ TEST_F(ValueSlot, ReplacesItsObjectAndKeepsTheHandles) {
 
 TEST_F(ValueSlot, KeepsWhatItHasWhenThereIsNoMemory) {
     cbdatalist list;
-    store(list, progress{0.5, 7});
+    ASSERT_TRUE(store(list, progress{0.5, 7}));
     fail_record(1);
     EXPECT_FALSE(store(list, progress{0.75, 8}));
     for (const std::int64_t refused : {1, 2}) {
@@ -101,7 +101,7 @@ TEST_F(ValueSlot, KeepsWhatItHasWhenThereIsNoMemory) {
 
 TEST_F(ValueSlot, ACopyForWhichThereIsNoMemoryHoldsNothing) {
     cbdatalist list;
-    store(list, names{"cut"});
+    ASSERT_TRUE(store(list, names{"cut"}));
     for (const std::int64_t refused : {1, 2}) {
         fail_record(refused);
         cbdatalist copy = list;
@@ -134,7 +134,7 @@ TEST_F(ValueSlot, AllocatesByNoOperatorOfTheClass) {
 
 TEST_F(ValueSlot, AssigningToItselfNeedsNoMemory) {
     cbdatalist list;
-    store(list, names{"cut"});
+    ASSERT_TRUE(store(list, names{"cut"}));
     const cbdatalist& same = list;
     fail_record(1);
     list = same;
@@ -145,8 +145,8 @@ TEST_F(ValueSlot, AssigningToItselfNeedsNoMemory) {
 TEST_F(ValueSlot, AssigningWithoutMemoryLeavesTheSlotEmpty) {
     cbdatalist list;
     cbdatalist other;
-    store(list, progress{0.5, 7});
-    store(other, progress{0.75, 8});
+    ASSERT_TRUE(store(list, progress{0.5, 7}));
+    ASSERT_TRUE(store(other, progress{0.75, 8}));
     fail_record(1);
     list = other;
     fail_record(0);
@@ -172,7 +172,7 @@ TEST_F(ValueSlot, ACopyThatThrowsHoldsNothing) {
 TEST_F(ValueSlot, LivesInAVector) {
     std::vector<cbdatalist> lists(3);
     for (std::size_t i = 0; i < lists.size(); ++i) {
-        store(lists[i], names(i, "x"));
+        ASSERT_TRUE(store(lists[i], names(i, "x")));
     }
     std::vector<cbdatalist> copies = lists;
     lists.clear();
