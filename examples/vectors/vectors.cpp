@@ -1,9 +1,8 @@
 /// One row of a constraint matrix, 3 x2 + 2 x5 - x7, as a sparse vector in each of its three modes,
-/// on the stand-in host; and what a solver sees when the host has no memory for it.
+/// on the stand-in host; and what a program sees when the host refuses the memory.
 
 #include <cstdint>
 #include <cstdio>
-#include <string>
 
 #include "zktarn/zktarn_util.hpp"
 #include "zktarn_standin/control.hpp"
@@ -11,17 +10,14 @@
 namespace {
 
 namespace standin = zktarn::standin;
-using zktarn::flag;
 using namespace zktarn::vector_mod;
-using zktarn::vector_type::vector_alloc;
-using zktarn::vector_type::vector_free;
 
 constexpr std::int32_t columns = 8;
 
 struct mode {
     const char* name;
-    flag no_ind;
-    flag no_elm;
+    zktarn::flag no_ind;
+    zktarn::flag no_elm;
     const char* membership;
 };
 
@@ -31,66 +27,30 @@ constexpr mode modes[] = {
     {"dense", 1, 1, "every j, a zero included"},
 };
 
-/// Writes the row into a new vector.
-void fill(vector& row) {
-    if (!row.ind.present()) {
-        // A dense vector has no list that says which coefficients count, so it needs all of them.
-        zktarn::util::xzero_r8(row.coef.data, columns);
-    }
-    vector_add_nz(row, 2, 3.0);
-    vector_add_nz(row, 5, 2.0);
-    vector_add_nz(row, 7, -1.0);
-}
-
-std::string arrays(const vector& v) {
-    return std::string(v.coef.present() ? "coef" : "") + (v.ind.present() ? " ind" : "") +
-           (v.elm.present() ? " elm" : "");
-}
-
-std::string list(const vector& v) {
-    if (!v.ind.present()) {
-        return "none";
-    }
-    std::string text;
-    for (std::int32_t k = 1; k <= vector_get_nz(v); ++k) {
-        text += (k == 1 ? "" : " ") + std::to_string(vector_get_ind(v, k));
-    }
-    return text;
-}
-
-std::string coefficients(const vector& v) {
-    std::string text;
-    for (std::int32_t j = 1; j <= columns; ++j) {
-        char cell[32];
-        std::snprintf(cell, sizeof cell, "%4g", vector_get_coef(v, j));
-        text += cell;
-    }
-    return text;
-}
-
-/// Makes, fills, prints and frees the row in one mode. Returns false when there is no memory.
+/// Creates, fills, prints and releases the row in one mode. Returns false without memory for it.
 bool show(const mode& m) {
-    vector* row = nullptr;
-    if (vector_alloc(row, columns, {}, m.no_ind, m.no_elm) == 0) {
+    const zktarn::owned_vector row(columns, {}, m.no_ind, m.no_elm);
+    if (!row) {
         return false;
     }
-    fill(*row);
-    std::printf("%-5s  %-12s  %-5s  %-24s  %s\n", m.name, arrays(*row).c_str(), list(*row).c_str(),
-                m.membership, coefficients(*row).c_str());
-    vector_free(row);
-    return true;
-}
+    if (!row->ind.present()) {
+        zktarn::util::xzero_r8(row->coef.data, columns); // without a list every coefficient counts
+    }
+    vector_add_nz(*row, 2, 3.0);
+    vector_add_nz(*row, 5, 2.0);
+    vector_add_nz(*row, 7, -1.0);
 
-/// Asks for the row while the host refuses the second array.
-void show_refusal() {
-    standin::fail_request(2);
-    vector* row = nullptr;
-    const flag made = vector_alloc(row, columns);
-    std::printf("When the host refuses the second array, vector_alloc returns %d, the reference is "
-                "%s,\nand %d blocks are left behind.\n",
-                static_cast<int>(made), row == nullptr ? "null" : "not null",
-                static_cast<int>(standin::live_blocks().size()));
-    vector_free(row); // harmless: the reference is null
+    std::printf("%-5s  coef %-3s %-3s  %-24s ", m.name, row->ind.present() ? "ind" : "",
+                row->elm.present() ? "elm" : "", m.membership);
+    for (std::int32_t j = 1; j <= columns; ++j) {
+        std::printf("%3g", vector_get_coef(*row, j));
+    }
+    std::printf("  ");
+    for (auto [j, a] : entries(row)) {
+        std::printf(" %d:%g", j, a);
+    }
+    std::printf("\n");
+    return true;
 }
 
 } // namespace
@@ -101,16 +61,18 @@ int main(int argc, char** argv) {
         return 2;
     }
     std::printf("The row 3 x2 + 2 x5 - x7 over %d columns, in each mode of a vector:\n\n", columns);
-    std::printf("mode   arrays        list   members                     x1  x2  x3  x4  x5  x6  x7"
-                "  x8\n");
+    std::printf(
+        "mode   arrays        members                   x1 x2 x3 x4 x5 x6 x7 x8   entries\n");
     for (const mode& m : modes) {
         if (!show(m)) {
             std::fprintf(stderr, "vectors: the host has no memory for a vector\n");
             return 1;
         }
     }
-    std::printf("\n");
-    show_refusal();
+    standin::fail_request(2);
+    const zktarn::owned_vector refused(columns);
+    std::printf("\nThe host refuses the second array: the owner is %s, %d blocks are left.\n",
+                refused ? "true" : "false", static_cast<int>(standin::live_blocks().size()));
     std::printf("\n%s", standin::memory_report().c_str());
     return standin::live_blocks().empty() ? 0 : 1;
 }
