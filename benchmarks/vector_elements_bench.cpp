@@ -39,7 +39,7 @@ std::vector<contender> adding(const shape& like, const pool& problems) {
 } // namespace
 
 void register_comparisons() {
-    for (const shape& like : all_shapes()) {
+    for (const shape& like : all_shapes(listing::shuffled)) {
         const pool problems = make_pool(like, relation::overlapping);
         compare("get_coef_loop/" + like.name(), getting(like, problems), like.most_repetitions());
         compare("add_nz_loop/" + like.name(), adding(like, problems), like.most_repetitions());

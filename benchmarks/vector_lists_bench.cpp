@@ -19,7 +19,7 @@ std::vector<contender> combining(const shape& like, const pool& problems) {
 void register_comparisons() {
     for (const listing order : {listing::shuffled, listing::sorted}) {
         for (const bool trained : {false, true}) {
-            const shape like{100'000, 1, order, trained};
+            const shape like{100'000, 10, order, trained};
             compare("list_combine/" + like.name(),
                     combining(like, make_pool(like, relation::overlapping)),
                     like.most_repetitions());

@@ -11,16 +11,18 @@ constexpr double tolerance = 1e-9;
 std::vector<contender> reducing(const shape& like, const pool& problems) {
     return {on<library_pair>("library", like, problems,
                              [](library_pair& p) { vector_mod::vector_mod2(*p.x, tolerance); }),
+            on<raw_pair>("limit", like, problems, [](raw_pair& p) { limit_mod2(p.x); }),
             on<raw_pair>("ideal", like, problems, [](raw_pair& p) { raw_mod2(p.x); }),
             on<raw_pair>("fmod", like, problems, [](raw_pair& p) { raw_mod2_by_fmod(p.x); })};
 }
 
 std::vector<contender> dropping_zeros(const shape& like, const pool& problems) {
-    return {on<library_pair>("library", like, problems,
-                             [](library_pair& p) { vector_mod::vector_rem_zeros(*p.x); }),
-            on<raw_pair>("ideal", like, problems, [](raw_pair& p) { raw_drop_zeros(p.x); }),
-            on<raw_pair>("ideal_reading_marks", like, problems,
-                         [](raw_pair& p) { raw_drop_zeros_reading_marks(p.x); })};
+    return {
+        on<library_pair>("library", like, problems,
+                         [](library_pair& p) { vector_mod::vector_rem_zeros(*p.x); }),
+        on<raw_pair>("limit", like, problems, [](raw_pair& p) { limit_drop_zeros(p.x); }),
+        on<raw_pair>("ideal", like, problems, [](raw_pair& p) { raw_drop_zeros(p.x); }),
+        on<raw_pair>("ideal_marks", like, problems, [](raw_pair& p) { marked_drop_zeros(p.x); })};
 }
 
 /// They are identical: the answer that takes longest to find.
@@ -30,18 +32,22 @@ std::vector<contender> comparing(const shape& like, const pool& problems) {
                                  benchmark::DoNotOptimize(
                                      vector_mod::vectors_are_identical(*p.x, *p.y, tolerance));
                              }),
+            on<raw_pair>("limit", like, problems,
+                         [](raw_pair& p) {
+                             benchmark::DoNotOptimize(limit_identical(p.x, p.y, tolerance));
+                         }),
             on<raw_pair>(
                 "ideal", like, problems,
                 [](raw_pair& p) { benchmark::DoNotOptimize(raw_identical(p.x, p.y, tolerance)); }),
-            on<raw_pair>("ideal_reading_marks", like, problems, [](raw_pair& p) {
-                benchmark::DoNotOptimize(raw_identical_reading_marks(p.x, p.y, tolerance));
+            on<raw_pair>("ideal_marks", like, problems, [](raw_pair& p) {
+                benchmark::DoNotOptimize(marked_identical(p.x, p.y, tolerance));
             })};
 }
 
 } // namespace
 
 void register_comparisons() {
-    for (const shape& like : all_shapes()) {
+    for (const shape& like : all_shapes(listing::shuffled)) {
         const pool integers = make_pool(like, relation::overlapping);
         compare("mod2/" + like.name(), reducing(like, integers), like.most_repetitions());
         const pool with_zeros = make_pool(like, relation::with_zeros);

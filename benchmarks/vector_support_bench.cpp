@@ -42,6 +42,8 @@ std::vector<contender> differing(const shape& like, const pool& problems) {
         vector_mod::vectors_calc_sym_diff(*p.x, *p.y);
     }));
     contenders.push_back(
+        on<raw_pair>("limit", like, problems, [](raw_pair& p) { limit_sym_diff(p.x, p.y); }));
+    contenders.push_back(
         on<raw_pair>("ideal", like, problems, [](raw_pair& p) { raw_sym_diff(p.x, p.y); }));
     if (like.order == listing::sorted) {
         contenders.push_back(
@@ -59,10 +61,16 @@ std::vector<contender> clearing(const shape& like, const pool& problems) {
 } // namespace
 
 void register_comparisons() {
-    for (const shape& like : all_shapes()) {
-        const pool problems = make_pool(like, relation::overlapping);
-        compare("sym_diff/" + like.name(), differing(like, problems), like.most_repetitions());
-        compare("clear/" + like.name(), clearing(like, problems), like.most_repetitions());
+    for (const listing order : {listing::shuffled, listing::sorted}) {
+        for (const shape& like : all_shapes(order)) {
+            compare("sym_diff/" + like.name(),
+                    differing(like, make_pool(like, relation::overlapping)),
+                    like.most_repetitions());
+        }
+    }
+    for (const shape& like : all_shapes(listing::shuffled)) {
+        compare("clear/" + like.name(), clearing(like, make_pool(like, relation::overlapping)),
+                like.most_repetitions());
     }
 }
 

@@ -1,8 +1,10 @@
 #include "support/compare.hpp"
 
 #include <algorithm>
-#include <chrono>
 #include <cstddef>
+#include <cstdlib>
+#include <ctime>
+#include <functional>
 #include <memory>
 #include <numeric>
 #include <random>
@@ -11,7 +13,19 @@ namespace zktarn::bench {
 
 namespace {
 
-using nanoseconds = std::chrono::duration<double, std::nano>;
+/// Processor time of this thread in nanoseconds: what other processes take does not count.
+double processor_time() {
+    std::timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) * 1e9 + static_cast<double>(now.tv_nsec);
+}
+
+/// The rounds that every comparison takes at least. ZKTARN_BENCH_ROUNDS=1 only shows that a program
+/// runs.
+std::size_t least_rounds() {
+    const char* const rounds = std::getenv("ZKTARN_BENCH_ROUNDS");
+    return rounds == nullptr ? 15 : std::strtoul(rounds, nullptr, 10);
+}
 
 /// Long beside the resolution of the clock, short beside the time slices of the system.
 constexpr double round_target = 20'000.0;
@@ -27,9 +41,9 @@ double timed(const contender& each, std::int64_t repetitions) {
     if (each.prepare) {
         each.prepare(repetitions);
     }
-    const auto start = std::chrono::steady_clock::now();
+    const double start = processor_time();
     each.run(repetitions);
-    return nanoseconds(std::chrono::steady_clock::now() - start).count();
+    return processor_time() - start;
 }
 
 class comparison {
@@ -47,6 +61,9 @@ public:
         std::vector<std::vector<double>> times(contenders_.size());
         for ([[maybe_unused]] auto _ : state) {
             state.SetIterationTime(round(times) * 1e-9);
+        }
+        while (times.front().size() < least_rounds()) {
+            round(times);
         }
         report(times, state);
     }
@@ -82,6 +99,7 @@ private:
     }
 
     void report(const std::vector<std::vector<double>>& times, benchmark::State& state) const {
+        state.counters["rounds"] = static_cast<double>(times.front().size());
         for (std::size_t i = 0; i < contenders_.size(); ++i) {
             state.counters[contenders_[i].name + "_ns"] = median(times[i]);
             if (i > 0) {

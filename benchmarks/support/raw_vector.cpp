@@ -27,11 +27,33 @@ constexpr bool machine_is_fused = true;
     return std::bit_cast<double>(std::bit_cast<std::uint64_t>(value) & mask);
 }
 
-/// Whether a loop looks at marks whose value the invariants settle: those of listed entries.
+/// Whether a loop reads marks that the invariants settle: those of listed entries.
 enum class marks { trusted, read };
 
-/// @param ahead  how many entries ahead to prefetch; 0 for no prefetch.
-template <std::int32_t ahead, marks listed>
+/// How a job is done: which marks it reads, and how many entries ahead it prefetches; 0 for none.
+struct manner {
+    marks listed = marks::trusted;
+    std::int32_t ahead = 0;
+};
+
+constexpr manner ideal{};
+constexpr manner reading_marks{marks::read, 0};
+constexpr manner limit{marks::read, 16};
+
+template <manner how>
+[[gnu::always_inline]] inline void prefetch(const std::int32_t* marks, const double* coef,
+                                            std::int32_t j) {
+    if (how.ahead != 0) {
+        if (marks != nullptr) {
+            __builtin_prefetch(marks + j, 1);
+        }
+        if (coef != nullptr) {
+            __builtin_prefetch(coef + j, 1);
+        }
+    }
+}
+
+template <manner how>
 [[gnu::always_inline]] inline void add(raw_vector& x, const raw_vector& y, double beta) {
     double* const coef = x.coef;
     std::int32_t* const ind = x.ind;
@@ -42,15 +64,14 @@ template <std::int32_t ahead, marks listed>
     const std::int32_t count = y.nz;
     std::int32_t nz = x.nz;
     for (std::int32_t k = 0; k < count; ++k) {
-        if (ahead != 0 && k + ahead < count) {
-            const std::int32_t next = y_ind[k + ahead];
-            __builtin_prefetch(elm + next, 1);
-            __builtin_prefetch(coef + next, 1);
-            __builtin_prefetch(y_coef + next);
+        if (how.ahead != 0 && k + how.ahead < count) {
+            const std::int32_t next = y_ind[k + how.ahead];
+            prefetch<how>(elm, coef, next);
+            prefetch<how>(y_elm, y_coef, next);
         }
         const std::int32_t j = y_ind[k];
         const std::int32_t member = elm[j];
-        const double added = listed == marks::trusted || y_elm[j] != 0 ? y_coef[j] : 0.0;
+        const double added = how.listed == marks::trusted || y_elm[j] != 0 ? y_coef[j] : 0.0;
         coef[j] = __builtin_fma(beta, added, kept_if(member, coef[j]));
         ind[nz] = j;
         nz += 1 - member;
@@ -59,31 +80,26 @@ template <std::int32_t ahead, marks listed>
     x.nz = nz;
 }
 
-template <std::int32_t ahead, marks listed>
+template <manner how>
 void add_anywhere(raw_vector& x, const raw_vector& y, double beta) {
-    add<ahead, listed>(x, y, beta);
+    add<how>(x, y, beta);
 }
 
-template <std::int32_t ahead, marks listed>
+template <manner how>
 ZKTARN_FUSED void add_fused(raw_vector& x, const raw_vector& y, double beta) {
-    add<ahead, listed>(x, y, beta);
+    add<how>(x, y, beta);
 }
 
-std::int32_t position_of(const raw_vector& v, std::int32_t j) {
-    for (std::int32_t k = 0; k < v.nz; ++k) {
-        if (v.ind[k] == j) {
-            return k;
-        }
-    }
-    return -1;
-}
-
-/// Drops the entries that `dead` picks and tells `unmark` of each.
-template <class Dead, class Unmark>
-[[gnu::always_inline]] inline void drop(raw_vector& v, Dead dead, Unmark unmark) {
+/// Drops the entries that `dead` picks and calls `unmark` for each.
+template <manner how, class Dead, class Unmark>
+[[gnu::always_inline]] inline void drop(raw_vector& v, const double* coef, Dead dead,
+                                        Unmark unmark) {
     std::int32_t* const ind = v.ind;
     std::int32_t nz = v.nz;
     for (std::int32_t k = 0; k < nz;) {
+        if (how.ahead != 0 && k + how.ahead < nz) {
+            prefetch<how>(v.elm, coef, ind[k + how.ahead]);
+        }
         const std::int32_t j = ind[k];
         if (dead(j)) {
             ind[k] = ind[--nz];
@@ -97,75 +113,56 @@ template <class Dead, class Unmark>
 
 constexpr auto unmarked_already = [](std::int32_t) {};
 
-template <marks listed>
+template <manner how>
 void drop_zeros(raw_vector& v) {
     const double* const coef = v.coef;
     std::int32_t* const elm = v.elm;
-    drop(
-        v, [=](std::int32_t j) { return (listed == marks::read && elm[j] == 0) || coef[j] == 0.0; },
+    drop<how>(
+        v, coef,
+        [=](std::int32_t j) {
+            return (how.listed == marks::read && elm[j] == 0) || coef[j] == 0.0;
+        },
         [=](std::int32_t j) { elm[j] = 0; });
 }
 
-template <std::int32_t ahead, marks listed>
-void combine(raw_vector& x, const raw_vector& y, double beta) {
-    machine_is_fused ? add_fused<ahead, listed>(x, y, beta)
-                     : add_anywhere<ahead, listed>(x, y, beta);
-    drop_zeros<listed>(x);
-}
-
-template <marks listed>
-bool identical(const raw_vector& a, const raw_vector& b, double tol) {
-    if (a.nz != b.nz) {
-        return false;
-    }
-    for (std::int32_t k = 0; k < a.nz; ++k) {
-        const std::int32_t j = a.ind[k];
-        const double ours = listed == marks::trusted || a.elm[j] != 0 ? a.coef[j] : 0.0;
-        if (b.elm[j] == 0 || std::fabs(ours - b.coef[j]) > tol) {
-            return false;
+/// Calls `visit(j)` for each entry of a list.
+template <manner how, class Visit>
+[[gnu::always_inline]] inline void walk(const raw_vector& v, Visit visit) {
+    const std::int32_t* const ind = v.ind;
+    const std::int32_t count = v.nz;
+    for (std::int32_t k = 0; k < count; ++k) {
+        if (how.ahead != 0 && k + how.ahead < count) {
+            prefetch<how>(how.listed == marks::read ? v.elm : nullptr, v.coef, ind[k + how.ahead]);
         }
+        visit(ind[k]);
     }
-    return true;
 }
 
-} // namespace
-
-void raw_drop_zeros(raw_vector& v) {
-    drop_zeros<marks::trusted>(v);
-}
-
-void raw_drop_zeros_reading_marks(raw_vector& v) {
-    drop_zeros<marks::read>(v);
-}
-
-void raw_combine(raw_vector& x, const raw_vector& y, double beta) {
-    combine<0, marks::trusted>(x, y, beta);
-}
-
-void raw_combine_prefetching(raw_vector& x, const raw_vector& y, double beta) {
-    combine<16, marks::trusted>(x, y, beta);
-}
-
-void raw_combine_reading_marks(raw_vector& x, const raw_vector& y, double beta) {
-    combine<0, marks::read>(x, y, beta);
-}
-
-void raw_scale_and_combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
-    double* const coef = x.coef;
-    const std::int32_t* const ind = x.ind;
-    for (std::int32_t k = 0, count = x.nz; k < count; ++k) {
-        coef[ind[k]] *= alpha;
+template <manner how>
+void combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
+    if (alpha != 1.0) {
+        double* const coef = x.coef;
+        const std::int32_t* const elm = x.elm;
+        walk<how>(x, [=](std::int32_t j) {
+            coef[j] = alpha * (how.listed == marks::trusted || elm[j] != 0 ? coef[j] : 0.0);
+        });
     }
-    raw_combine(x, y, beta);
+    machine_is_fused ? add_fused<how>(x, y, beta) : add_anywhere<how>(x, y, beta);
+    drop_zeros<how>(x);
 }
 
-void raw_sym_diff(raw_vector& x, const raw_vector& y) {
+template <manner how>
+void sym_diff(raw_vector& x, const raw_vector& y) {
     std::int32_t* const ind = x.ind;
     std::int32_t* const elm = x.elm;
     const std::int32_t* const y_ind = y.ind;
+    const std::int32_t count = y.nz;
     std::int32_t nz = x.nz;
     std::int32_t common = 0;
-    for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
+    for (std::int32_t k = 0; k < count; ++k) {
+        if (how.ahead != 0 && k + how.ahead < count) {
+            prefetch<how>(elm, nullptr, y_ind[k + how.ahead]);
+        }
         const std::int32_t j = y_ind[k];
         const std::int32_t member = elm[j];
         ind[nz] = j;
@@ -175,9 +172,71 @@ void raw_sym_diff(raw_vector& x, const raw_vector& y) {
     }
     x.nz = nz;
     if (common != 0) {
-        drop(
-            x, [=](std::int32_t j) { return elm[j] == 0; }, unmarked_already);
+        drop<how>(
+            x, nullptr, [=](std::int32_t j) { return elm[j] == 0; }, unmarked_already);
     }
+}
+
+template <manner how>
+void mod2(raw_vector& v) {
+    double* const coef = v.coef;
+    const std::int32_t* const elm = v.elm;
+    walk<how>(v, [=](std::int32_t j) {
+        const double value = how.listed == marks::trusted || elm[j] != 0 ? coef[j] : 0.0;
+        coef[j] = static_cast<double>(static_cast<std::int64_t>(value) & 1);
+    });
+    drop_zeros<how>(v);
+}
+
+template <manner how>
+bool identical(const raw_vector& a, const raw_vector& b, double tol) {
+    if (a.nz != b.nz) {
+        return false;
+    }
+    const std::int32_t count = a.nz;
+    for (std::int32_t k = 0; k < count; ++k) {
+        if (how.ahead != 0 && k + how.ahead < count) {
+            prefetch<how>(a.elm, a.coef, a.ind[k + how.ahead]);
+            prefetch<how>(b.elm, b.coef, a.ind[k + how.ahead]);
+        }
+        const std::int32_t j = a.ind[k];
+        const double ours = how.listed == marks::trusted || a.elm[j] != 0 ? a.coef[j] : 0.0;
+        if (b.elm[j] == 0 || std::fabs(ours - b.coef[j]) > tol) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::int32_t position_of(const raw_vector& v, std::int32_t j) {
+    for (std::int32_t k = 0; k < v.nz; ++k) {
+        if (v.ind[k] == j) {
+            return k;
+        }
+    }
+    return -1;
+}
+
+} // namespace
+
+void raw_combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
+    combine<ideal>(x, y, alpha, beta);
+}
+
+void marked_combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
+    combine<reading_marks>(x, y, alpha, beta);
+}
+
+void limit_combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
+    combine<limit>(x, y, alpha, beta);
+}
+
+void raw_sym_diff(raw_vector& x, const raw_vector& y) {
+    sym_diff<ideal>(x, y);
+}
+
+void limit_sym_diff(raw_vector& x, const raw_vector& y) {
+    sym_diff<limit>(x, y);
 }
 
 void raw_clear(raw_vector& v) {
@@ -190,13 +249,11 @@ void raw_clear(raw_vector& v) {
 }
 
 void raw_mod2(raw_vector& v) {
-    double* const coef = v.coef;
-    const std::int32_t* const ind = v.ind;
-    for (std::int32_t k = 0, count = v.nz; k < count; ++k) {
-        const auto integer = static_cast<std::int64_t>(coef[ind[k]]);
-        coef[ind[k]] = static_cast<double>(integer & 1);
-    }
-    raw_drop_zeros(v);
+    mod2<ideal>(v);
+}
+
+void limit_mod2(raw_vector& v) {
+    mod2<limit>(v);
 }
 
 void raw_mod2_by_fmod(raw_vector& v) {
@@ -208,12 +265,28 @@ void raw_mod2_by_fmod(raw_vector& v) {
     raw_drop_zeros(v);
 }
 
-bool raw_identical(const raw_vector& a, const raw_vector& b, double tol) {
-    return identical<marks::trusted>(a, b, tol);
+void raw_drop_zeros(raw_vector& v) {
+    drop_zeros<ideal>(v);
 }
 
-bool raw_identical_reading_marks(const raw_vector& a, const raw_vector& b, double tol) {
-    return identical<marks::read>(a, b, tol);
+void marked_drop_zeros(raw_vector& v) {
+    drop_zeros<reading_marks>(v);
+}
+
+void limit_drop_zeros(raw_vector& v) {
+    drop_zeros<limit>(v);
+}
+
+bool raw_identical(const raw_vector& a, const raw_vector& b, double tol) {
+    return identical<ideal>(a, b, tol);
+}
+
+bool marked_identical(const raw_vector& a, const raw_vector& b, double tol) {
+    return identical<reading_marks>(a, b, tol);
+}
+
+bool limit_identical(const raw_vector& a, const raw_vector& b, double tol) {
+    return identical<limit>(a, b, tol);
 }
 
 double raw_sum_at(const raw_vector& x, const raw_vector& y) {
@@ -256,8 +329,8 @@ void raw_combine_lists(raw_vector& x, const raw_vector& y, double beta) {
         }
     }
     const double* const coef = x.coef;
-    drop(
-        x, [=](std::int32_t j) { return coef[j] == 0.0; }, unmarked_already);
+    drop<ideal>(
+        x, coef, [=](std::int32_t j) { return coef[j] == 0.0; }, unmarked_already);
 }
 
 } // namespace zktarn::bench

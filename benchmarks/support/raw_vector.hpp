@@ -6,8 +6,8 @@
 
 #include "support/sparse_problem.hpp"
 
-/// Sparse vectors as three raw arrays and a count, with every invariant taken for granted. The
-/// loops over them do the library's work and nothing else; they stand for the limit.
+/// Sparse vectors as three raw arrays and a count. The loops over them do the library's work for
+/// vectors that keep their invariants, and nothing else.
 
 namespace zktarn::bench {
 
@@ -49,45 +49,41 @@ struct raw_pair {
 };
 
 // The jobs, out of line as the library's procedures are.
+//
+// `raw_` is the ideal: it trusts the marks of listed entries and reads none of them. `marked_` is
+// the same loop and reads them, as the library's rules require. `limit_` is that loop with every
+// pass prefetched: what the rules allow.
 
-/// x += beta * y, with a fused multiply-add for each entry of y and no branch on membership; then
-/// a pass that drops zeros.
-void raw_combine(raw_vector& x, const raw_vector& y, double beta);
-
-/// The same, asking for what it will touch some entries ahead.
-void raw_combine_prefetching(raw_vector& x, const raw_vector& y, double beta);
-
-/// The same, but taking no listed entry for a member before it has looked at its mark, as the
-/// library must.
-void raw_combine_reading_marks(raw_vector& x, const raw_vector& y, double beta);
-
-/// A pass that multiplies x by alpha, then `raw_combine`.
-void raw_scale_and_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
+/// x := alpha * x + beta * y, with one fused multiply-add for each entry of y and no branch on
+/// membership; then a pass that drops zeros. There is no scaling pass when alpha is 1.
+void raw_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
+void marked_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
+void limit_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
 
 /// Appends what only y has and unmarks what both have, with no branch on membership; then a pass
 /// that drops what is unmarked. No coefficients.
 void raw_sym_diff(raw_vector& x, const raw_vector& y);
+void limit_sym_diff(raw_vector& x, const raw_vector& y);
 
 /// Unmarks every listed index and empties the list.
 void raw_clear(raw_vector& v);
 
-/// Converts each coefficient to an integer and stores the low bit; then a pass that drops zeros.
+/// Converts each coefficient to an integer and stores its lowest bit; then a pass that drops zeros.
 void raw_mod2(raw_vector& v);
+void limit_mod2(raw_vector& v);
 
 /// The same with the remainder from `std::fmod`, which needs no range.
 void raw_mod2_by_fmod(raw_vector& v);
 
-/// Drops entries that are zero, the last one moving into each hole.
+/// Drops entries that are zero; the last one moves into each hole.
 void raw_drop_zeros(raw_vector& v);
-
-/// The same, dropping what is listed without a mark as well.
-void raw_drop_zeros_reading_marks(raw_vector& v);
+void marked_drop_zeros(raw_vector& v);
+void limit_drop_zeros(raw_vector& v);
 
 /// Looks up each index of a among the marks of b and compares coefficients, until one differs.
 bool raw_identical(const raw_vector& a, const raw_vector& b, double tol);
-
-/// The same, looking at the marks of a as well.
-bool raw_identical_reading_marks(const raw_vector& a, const raw_vector& b, double tol);
+bool marked_identical(const raw_vector& a, const raw_vector& b, double tol);
+bool limit_identical(const raw_vector& a, const raw_vector& b, double tol);
 
 /// The sum of x's coefficients at the indices of y.
 double raw_sum_at(const raw_vector& x, const raw_vector& y);

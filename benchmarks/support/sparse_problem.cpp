@@ -17,7 +17,7 @@ public:
 
     sparse_problem make() {
         const auto count = static_cast<std::size_t>(like_.entries());
-        shuffle_front(count + count / 2);
+        shuffle_front(std::min(count + count / 2, indices_.size()));
         sparse_problem made;
         for (std::size_t k = 0; k < count; ++k) {
             made.x.push_back({indices_[k], small_integer()});
@@ -49,11 +49,12 @@ private:
 
     void add_overlapping(sparse_problem& made) {
         const std::size_t count = made.x.size();
-        for (std::size_t k = count / 2; k < count; ++k) {
+        const std::size_t others = std::min(count / 2, indices_.size() - count);
+        for (std::size_t k = others; k < count; ++k) {
             made.y.push_back({made.x[k].index, one_in(10) ? made.x[k].value : small_integer()});
         }
-        for (std::size_t k = count; made.y.size() < count; ++k) {
-            made.y.push_back({indices_[k], small_integer()});
+        for (std::size_t k = 0; k < others; ++k) {
+            made.y.push_back({indices_[count + k], small_integer()});
         }
     }
 
@@ -82,28 +83,37 @@ private:
 } // namespace
 
 std::string shape::name() const {
-    return std::to_string(capacity) + "/" + std::to_string(percent) + "%/" +
+    const std::string fill =
+        permille < 10 ? "0." + std::to_string(permille) : std::to_string(permille / 10);
+    return std::to_string(capacity) + "/" + fill + "%/" +
            (order == listing::sorted ? "sorted" : "shuffled") + (trained ? "/trained" : "");
+}
+
+std::int64_t shape::entries() const {
+    return std::max(std::int64_t{capacity} * permille / 1000, std::int64_t{1});
 }
 
 std::int64_t shape::most_repetitions() const {
     return std::clamp(std::int64_t{640} / entries(), std::int64_t{1}, std::int64_t{64});
 }
 
-std::vector<shape> all_shapes() {
+std::vector<shape> all_shapes(listing order, std::int64_t most_entries) {
     std::vector<shape> shapes;
-    for (const std::int32_t capacity : {1'000, 100'000, 10'000'000}) {
-        for (const std::int32_t percent : {1, 10}) {
-            for (const listing order : {listing::shuffled, listing::sorted}) {
-                const shape fresh{capacity, percent, order};
-                shapes.push_back(fresh);
-                if (!fresh.beyond_cache()) {
-                    shapes.push_back({capacity, percent, order, true});
-                }
+    for (std::int32_t capacity = 10; capacity <= 10'000'000; capacity *= 10) {
+        std::int64_t before = 0;
+        for (const std::int32_t permille : {1000, 100, 10, 1}) {
+            const shape next{capacity, permille, order};
+            if (next.entries() <= most_entries && next.entries() != before) {
+                before = next.entries();
+                shapes.push_back(next);
             }
         }
     }
     return shapes;
+}
+
+shape trained_shape(listing order) {
+    return {1'000, 100, order, true};
 }
 
 const sparse_problem& problem_pool::next() {

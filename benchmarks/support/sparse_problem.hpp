@@ -38,12 +38,14 @@ enum class listing { shuffled, sorted };
 
 struct shape {
     std::int32_t capacity;
-    std::int32_t percent;
+    /// Listed entries of each vector in thousandths of the capacity; at least one entry.
+    std::int32_t permille;
     listing order;
     bool trained = false;
 
+    /// capacity/fill/order.
     std::string name() const;
-    std::int64_t entries() const { return std::int64_t{capacity} * percent / 100; }
+    std::int64_t entries() const;
     bool beyond_cache() const { return capacity > 1'000'000; }
 
     /// A round does short jobs several times, each on vectors of their own; all of them fit the
@@ -51,9 +53,12 @@ struct shape {
     std::int64_t most_repetitions() const;
 };
 
-/// Capacities of 10^3, 10^5 and 10^7, densities of 1 % and 10 %, shuffled and sorted, each fresh
-/// and trained; only fresh where one problem alone is more than can be learnt.
-std::vector<shape> all_shapes();
+/// Capacities of 10 to 10^7 by tens, each filled to 0.1, 1, 10 and 100 %, where that is another
+/// number of entries than the fill before. `most_entries` leaves larger vectors out.
+std::vector<shape> all_shapes(listing order, std::int64_t most_entries = 1'000'000);
+
+/// A shape whose inputs the branch predictor has learnt.
+shape trained_shape(listing order);
 
 class problem_pool {
 public:

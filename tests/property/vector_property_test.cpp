@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <initializer_list>
 #include <iterator>
 #include <limits>
 #include <memory>
@@ -122,6 +123,75 @@ TEST(SameRecord, CountsAsACopyTakenBefore) {
     }
 }
 
+// Every way of the combination at every size that its vectors allow: lists around the room that
+// blocks need, nearly full lists, and lists long enough for each to prefetch.
+class CombineWays : public ::testing::TestWithParam<state> {};
+
+TEST_P(CombineWays, AgreeWithTheReference) {
+    const std::int64_t seeds = scaled(20'000);
+    for (std::int64_t seed = 0; seed < seeds; ++seed) {
+        generator draw(4'000'000 + seed);
+        const std::int32_t n = draw.chance(2) ? draw.between(1, 20) : draw.between(20, 400);
+        mirrored_vector x(n, form_of(0));
+        mirrored_vector y(n, form_of(draw.below(2)));
+        const std::int32_t x_nz = draw.chance(2) ? draw.below(n + 1) : draw.below(n / 6 + 1);
+        // About 3.5 positions an entry make room for blocks.
+        const std::int32_t most = draw.chance(4) ? n : std::max(n / 4 - x_nz + 3, 0);
+        fill(draw, x, x_nz, GetParam());
+        fill(draw, y, std::min(draw.below(most + 1), n), GetParam());
+        if (!has_room(x, y)) {
+            continue;
+        }
+        const double alpha = draw.factor();
+        const double beta = draw.factor();
+        const double tol = draw.chance(2) ? 0.0 : draw.tolerance();
+        const auto how = static_cast<way>(draw.below(ways));
+        combine(how, x.record, y.record, alpha, beta, tol);
+        reference::vectors_combine(x.mirror, y.mirror, alpha, beta, tol);
+        ASSERT_TRUE(x.agrees() && y.agrees())
+            << "seed " << seed << ", way " << static_cast<int>(how) << ", alpha " << alpha
+            << ", beta " << beta << ", capacity " << n << ", nz " << x_nz << " and " << y.mirror.nz;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, CombineWays, ::testing::Values(state::consistent, state::inconsistent),
+                         [](const auto& parameter) {
+                             return parameter.param == state::consistent ? "Consistent"
+                                                                         : "Inconsistent";
+                         });
+
+// The sizes at which the procedure itself changes its way, and one less.
+TEST(CombineSizes, AgreeWithTheReferenceAroundEachChange) {
+    struct sizes_of_pair {
+        std::int32_t capacity;
+        std::int32_t x_nz;
+        std::int32_t y_nz;
+    };
+    constexpr auto cache = static_cast<std::int32_t>(vector_mod::detail::prefetch_from);
+    constexpr vector_mod::detail::block_limits least;
+    constexpr auto blocks = static_cast<std::int32_t>(least.capacity);
+    constexpr auto y_nz = static_cast<std::int32_t>(least.y_nz);
+    for (const auto& [capacity, x_count, y_count] :
+         std::initializer_list<sizes_of_pair>{{cache - 1, 500, 600},
+                                              {cache, 500, 600},
+                                              {blocks - 1, 3000, y_nz},
+                                              {blocks, 3000, y_nz},
+                                              {blocks, 3000, y_nz - 1},
+                                              {blocks, 3000, blocks / 3},
+                                              {blocks, 3000, blocks / 2}}) {
+        for (const double alpha : {1.0, 3.0}) {
+            generator draw(capacity + y_count);
+            mirrored_vector x(capacity, form_of(0));
+            mirrored_vector y(capacity, form_of(0));
+            fill(draw, x, x_count, state::consistent);
+            fill(draw, y, y_count, state::consistent);
+            vector_mod::vectors_combine(x.record, y.record, alpha, -1.0, 1e-9);
+            reference::vectors_combine(x.mirror, y.mirror, alpha, -1.0, 1e-9);
+            ASSERT_TRUE(x.agrees()) << capacity << ": " << x_count << " and " << y_count;
+        }
+    }
+}
+
 #ifdef ZKTARN_COMBINE_DISPATCHES
 TEST(CombineVariants, GiveTheSameBits) {
     if (!__builtin_cpu_supports("fma") || !__builtin_cpu_supports("avx2")) {
@@ -137,8 +207,9 @@ TEST(CombineVariants, GiveTheSameBits) {
             mirrored_vector y(n, form_of(forms % 3));
             fill(draw, *x, draw.below(n + 1), state::consistent);
             fill(draw, y, draw.below(n + 1), state::consistent);
-            const vector_mod::detail::combination by{draw.factor(), draw.factor(), true, true};
-            variant(x->record, y.record, by);
+            const double alpha = draw.factor();
+            const double beta = draw.factor();
+            variant(x->record, y.record, alpha, beta, draw.chance(2));
             // The mirror only carries the other variant's result to the comparison.
             return x;
         };

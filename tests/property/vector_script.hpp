@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "property/combine_ways.hpp"
 #include "property/mirrored_vector.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 
@@ -79,6 +80,12 @@ struct outcome {
 /// How far a vector is from what its invariants promise.
 enum class state { consistent, inconsistent };
 
+/// A mark that the library never writes, or 0, 1; the largest have the highest bits set.
+inline std::int32_t odd_mark(choices& draw) {
+    const std::int32_t mark = draw.between(-2, 4);
+    return mark < 3 ? mark : mark == 3 ? (1 << 30) : std::numeric_limits<std::int32_t>::max();
+}
+
 /// Fills a vector with `count` listed entries. An inconsistent one may list an index without a mark
 /// or twice, and may have marks of any value.
 inline void fill(choices& draw, mirrored_vector& v, std::int32_t count, state how) {
@@ -91,7 +98,7 @@ inline void fill(choices& draw, mirrored_vector& v, std::int32_t count, state ho
     const bool marks = v.record.elm.present();
     if (marks) {
         for (std::int32_t j = 1; j <= n; ++j) {
-            v.set_elm(j, how == state::inconsistent && draw.chance(20) ? draw.between(-3, 0) : 0);
+            v.set_elm(j, how == state::inconsistent && draw.chance(20) ? odd_mark(draw) : 0);
         }
     }
     if (!v.record.ind.present()) {
@@ -110,7 +117,7 @@ inline void fill(choices& draw, mirrored_vector& v, std::int32_t count, state ho
         v.set_ind(k, j);
         if (marks) {
             const bool odd = how == state::inconsistent && draw.chance(10);
-            v.set_elm(j, odd ? draw.between(-2, 3) : 1);
+            v.set_elm(j, odd ? odd_mark(draw) : 1);
         }
     }
     v.set_nz(count);
@@ -138,6 +145,17 @@ inline bool has_room(const mirrored_vector& x, const mirrored_vector& y) {
 inline bool distinct(const mirrored_vector& v) {
     for (std::int32_t k = 1; k <= v.mirror.nz; ++k) {
         if (reference::search(v.mirror, v.mirror.i(k)) != k) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// Whether every member is listed. Without it the compaction of a symmetric difference may start
+/// with an empty list, for which the steps have no meaning.
+inline bool lists_its_members(const mirrored_vector& v) {
+    for (std::int32_t j = 1; j <= v.capacity; ++j) {
+        if (v.mirror.m(j) >= 1 && reference::search(v.mirror, j) == 0) {
             return false;
         }
     }
@@ -200,7 +218,7 @@ inline outcome step(choices& draw, mirrored_vector& x, mirrored_vector& y, state
         return {"vector_mod2"};
     case 7:
         // What y lists twice is appended twice, and would need room twice.
-        if (marks && has_room(x, y) && distinct(y)) {
+        if (marks && has_room(x, y) && distinct(y) && lists_its_members(x)) {
             vectors_calc_sym_diff(x.record, y.record);
             reference::vectors_calc_sym_diff(x.mirror, y.mirror);
         }
@@ -223,7 +241,7 @@ inline outcome step(choices& draw, mirrored_vector& x, mirrored_vector& y, state
         if (has_room(x, y)) {
             const double alpha = draw.factor();
             const double beta = draw.factor();
-            vectors_combine(x.record, y.record, alpha, beta, tol);
+            combine(static_cast<way>(draw.below(ways)), x.record, y.record, alpha, beta, tol);
             reference::vectors_combine(x.mirror, y.mirror, alpha, beta, tol);
         }
         return {"vectors_combine"};

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "zktarn/vector/detail/prefetch.hpp"
+
 namespace zktarn::vector_mod {
 
 flag vectors_are_identical(const vector& a, const vector& b, const double& tol) noexcept {
@@ -12,11 +14,31 @@ flag vectors_are_identical(const vector& a, const vector& b, const double& tol) 
     ZKTARN_CHECK(a.nz < 1 || (b.coef.present() && b.elm.present() && detail::is_sound(b) &&
                               detail::lists_elements(a, b)));
     const double eps = tol;
+    const std::int32_t* const list = a.ind.data;
     const std::int32_t* const marks = a.elm.data;
-    for (std::int32_t k = 0; k < a.nz; ++k) {
-        const std::int64_t i = std::int64_t{a.ind.data[k]} - 1;
-        const double ours = marks == nullptr || marks[i] >= 1 ? a.coef.data[i] : 0.0;
-        if (b.elm.data[i] < 1 || std::fabs(ours - b.coef.data[i]) > eps) {
+    const double* const coef = a.coef.data;
+    const std::int32_t* const b_marks = b.elm.data;
+    const double* const b_coef = b.coef.data;
+    const auto differs = [=](std::int64_t j) __attribute__((always_inline)) {
+        const double value = marks == nullptr || marks[j - 1] >= 1 ? coef[j - 1] : 0.0;
+        return b_marks[j - 1] < 1 || std::fabs(value - b_coef[j - 1]) > eps;
+    };
+    const std::int64_t count = a.nz;
+    std::int64_t k = 0;
+    for (; k < count - detail::lookahead; ++k) {
+        const std::int64_t ahead = list[k + detail::lookahead];
+        if (marks != nullptr) {
+            detail::prefetch_read(marks, ahead);
+        }
+        detail::prefetch_read(coef, ahead);
+        detail::prefetch_read(b_marks, ahead);
+        detail::prefetch_read(b_coef, ahead);
+        if (differs(list[k])) {
+            return 0;
+        }
+    }
+    for (; k < count; ++k) {
+        if (differs(list[k])) {
             return 0;
         }
     }

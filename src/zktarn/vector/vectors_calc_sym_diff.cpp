@@ -2,28 +2,31 @@
 
 #include <algorithm>
 
-#include "zktarn/vector/detail/append.hpp"
-#include "zktarn/vector/detail/compact.hpp"
+#include "zktarn/vector/detail/append_if_new.hpp"
+#include "zktarn/vector/detail/compaction.hpp"
 
 namespace zktarn::vector_mod {
 
 namespace {
 
-/// An entry is dead when it is not marked, and a dead one that is removed ends with mark 0. It has
-/// that already, unless somebody else wrote a negative one.
-struct support_judge {
+/// Drops the entries without a mark. An entry that is dropped ends with mark 0: it has that mark
+/// already, unless the caller wrote a negative one.
+struct unmarked_entries {
     std::int32_t* elm = nullptr;
-    std::int32_t marks_seen = 0;
+    std::int32_t all_marks = 0;
 
-    std::uint64_t dead(const std::int32_t* block, std::int64_t count) noexcept {
-        return detail::answers(block, count, [this](std::int64_t j) {
-            const std::int32_t mark = elm[j - 1];
-            marks_seen |= mark;
-            return mark <= 0;
-        });
+    [[gnu::always_inline]] void prefetch(std::int64_t j) const noexcept {
+        detail::prefetch_read(elm, j);
     }
-    void removed(const std::int32_t* first, const std::int32_t* last) const noexcept {
-        if (marks_seen < 0) [[unlikely]] {
+    [[gnu::always_inline]] bool drops(std::int64_t j) noexcept {
+        const std::int32_t mark = elm[j - 1];
+        all_marks |= mark;
+        return mark <= 0;
+    }
+    [[gnu::always_inline]] static void tested(const std::int32_t*, std::uint64_t) noexcept {}
+    [[gnu::always_inline]] void removed(const std::int32_t* first,
+                                        const std::int32_t* last) const noexcept {
+        if (all_marks < 0) [[unlikely]] {
             std::for_each(first, last, [this](std::int64_t j) { elm[j - 1] = 0; });
         }
     }
@@ -39,22 +42,30 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     ZKTARN_CHECK(detail::lists_elements(y, x));
     ZKTARN_CHECK(detail::has_room_for(x, y));
     std::int32_t* const elm = x.elm.data;
+    const std::int64_t old_nz = x.nz;
     std::int64_t common = 0;
+    std::int64_t previous = 0;
+    bool ascending = true;
     // Indices of both vectors lose their mark and stay listed until the compaction; the others of y
     // are marked and listed.
-    detail::append_where(
+    detail::append_if_new<true>(
         x, y.ind.data, y.nz,
-        [&](std::int64_t j) {
-            const std::int32_t fresh = elm[j - 1] < 1;
-            elm[j - 1] = fresh;
-            common += 1 - fresh;
-            return fresh;
-        },
-        [=](std::int64_t j) { __builtin_prefetch(elm + j - 1, 1); });
+        [=](std::int64_t j) __attribute__((always_inline)) { detail::prefetch_write(elm, j); },
+        [&](std::int64_t j) __attribute__((always_inline)) {
+            const std::int32_t is_new = elm[j - 1] < 1;
+            elm[j - 1] = is_new;
+            common += 1 - is_new;
+            ascending &= j > previous;
+            previous = j;
+            return is_new;
+        });
     if (common < 1) {
         return;
     }
-    x.nz = detail::compact(x.ind.data, x.nz, common, support_judge{elm});
+    // Indices that ascend are distinct, so that none of those appended has lost its mark again.
+    const std::int64_t kept_from = ascending ? old_nz : x.nz;
+    x.nz = static_cast<std::int32_t>(
+        detail::compact(x.ind.data, {x.nz, kept_from, common}, unmarked_entries{elm}));
 }
 
 } // namespace zktarn::vector_mod

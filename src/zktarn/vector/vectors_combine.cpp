@@ -1,48 +1,110 @@
+#include "zktarn/vector/vector_mod.hpp"
+
 #include <algorithm>
 #include <cmath>
 
-#include "zktarn/vector/detail/vectors_combine.hpp"
+#include "zktarn/vector/detail/combine_marked.hpp"
+#include "zktarn/vector/detail/combine_unmarked.hpp"
 #include "zktarn/vector/detail/vectors_combine_variants.hpp"
+
+// That header can be deleted; large vectors are then combined in list order as well.
+#if __has_include("zktarn/vector/detail/combine_in_blocks.hpp")
+#include "zktarn/vector/detail/combine_in_blocks.hpp"
+#else
+namespace zktarn::vector_mod::detail {
+struct block_limits {};
+constexpr bool suits_blocks(const vector&, const vector&, const block_limits&) {
+    return false;
+}
+constexpr void combine_in_blocks(vector&, const vector&, const factors&) {}
+} // namespace zktarn::vector_mod::detail
+#endif
 
 namespace zktarn::vector_mod {
 
 namespace detail {
 
-bool combine_portable(vector& x, const vector& y, const combination& by) noexcept {
-    return combine_coefficients(x, y, by);
+namespace {
+
+/// Every way except the one for arrays that stay in the cache.
+[[gnu::always_inline]] inline void combine_in_other_ways(vector& x, const vector& y,
+                                                         const factors& by) noexcept {
+    if (&x == &y) {
+        combine_with_itself(x, by);
+    } else if (!x.elm.present()) {
+        combine_unmarked(x, y, by);
+    } else if (suits_blocks(x, y, {})) {
+        combine_in_blocks(x, y, by);
+    } else {
+        combine_in_list_order(x, y, by);
+    }
+}
+
+/// Whether x has marks, is another record than y, and has arrays that stay in the cache.
+[[gnu::always_inline]] inline bool is_in_cache(const vector& x, const vector& y) noexcept {
+    return x.elm.present() && &x != &y && x.elm.extent[0] < prefetch_from;
+}
+
+// Not inlined, so that short calls save few registers.
+[[gnu::noinline]] void combine_otherwise_portable(vector& x, const vector& y, double alpha,
+                                                  double beta, bool scales) noexcept {
+    combine_in_other_ways(x, y, {alpha, beta, scales});
+}
+
+} // namespace
+
+void combine_portable(vector& x, const vector& y, double alpha, double beta, bool scales) noexcept {
+    if (!is_in_cache(x, y)) {
+        combine_otherwise_portable(x, y, alpha, beta, scales);
+        return;
+    }
+    combine_in_cache(x, y, {alpha, beta, scales});
 }
 
 #ifdef ZKTARN_COMBINE_DISPATCHES
 
-[[gnu::target("avx2,fma")]] bool combine_fused(vector& x, const vector& y,
-                                               const combination& by) noexcept {
-    return combine_coefficients(x, y, by);
+namespace {
+
+[[gnu::noinline, gnu::target("avx2,fma")]] void combine_otherwise_fused(vector& x, const vector& y,
+                                                                        double alpha, double beta,
+                                                                        bool scales) noexcept {
+    combine_in_other_ways(x, y, {alpha, beta, scales});
+}
+
+} // namespace
+
+[[gnu::target("avx2,fma")]] void combine_fused(vector& x, const vector& y, double alpha,
+                                               double beta, bool scales) noexcept {
+    if (!is_in_cache(x, y)) {
+        combine_otherwise_fused(x, y, alpha, beta, scales);
+        return;
+    }
+    combine_in_cache(x, y, {alpha, beta, scales});
 }
 
 namespace {
 
-using combine_function = bool (*)(vector&, const vector&, const combination&) noexcept;
+using combine_function = void (*)(vector&, const vector&, double, double, bool) noexcept;
 
 // Runs while the library is being loaded, before anything of the process is ready, sanitizers
 // included.
 extern "C" __attribute__((no_sanitize("address", "undefined"), used)) combine_function
 zktarn_resolve_combine() noexcept {
     __builtin_cpu_init();
-    constexpr combine_function variants[] = {combine_portable, combine_fused};
     const bool avx2 = __builtin_cpu_supports("avx2") != 0;
     const bool fma = __builtin_cpu_supports("fma") != 0;
-    return variants[avx2 & fma];
+    return avx2 && fma ? combine_fused : combine_portable;
 }
 
 } // namespace
 
-bool combine(vector& x, const vector& y, const combination& by) noexcept
+void combine(vector& x, const vector& y, double alpha, double beta, bool scales) noexcept
     __attribute__((ifunc("zktarn_resolve_combine")));
 
 #else
 
-bool combine(vector& x, const vector& y, const combination& by) noexcept {
-    return combine_portable(x, y, by);
+void combine(vector& x, const vector& y, double alpha, double beta, bool scales) noexcept {
+    combine_portable(x, y, alpha, beta, scales);
 }
 
 #endif
@@ -52,33 +114,36 @@ namespace {
 /// Lists the indices of y that x does not have.
 void merge_support(vector& x, const vector& y) noexcept {
     if (x.elm.present()) {
-        std::int32_t* const marks = x.elm.data;
-        append_where(
-            x, y.ind.data, y.nz,
-            [=](std::int64_t j) {
-                const std::int32_t mark = marks[j - 1];
-                marks[j - 1] = std::max(mark, 1);
-                return std::int32_t{mark < 1};
-            },
-            [=](std::int64_t j) { __builtin_prefetch(marks + j - 1, 1); });
+        std::int32_t* const elm = x.elm.data;
+        append_if_new<true>(
+            x, y.ind.data,
+            y.nz, [=](std::int64_t j) __attribute__((always_inline)) { prefetch_write(elm, j); },
+            [=](std::int64_t j) __attribute__((always_inline)) {
+                const membership known(elm[j - 1]);
+                elm[j - 1] = known.after_add();
+                return known.is_new;
+            });
     } else if (x.ind.present()) {
-        for (std::int32_t k = 0, count = y.nz; k < count; ++k) {
+        for (std::int64_t k = 0, count = y.nz; k < count; ++k) {
             vector_add_nz(x, y.ind.data[k]);
         }
     }
 }
 
-/// What is left of a combination when there is nothing to add up.
-[[gnu::noinline]] void combine_supports(vector& x, const vector& y,
-                                        const combination& by) noexcept {
-    if (x.coef.present() && by.scales) {
-        scale_entries(x, by.alpha);
+/// A combination in which no sums are formed: y is not added, or coefficients are missing.
+[[gnu::noinline]] void combine_without_sums(vector& x, const vector& y, const factors& by,
+                                            bool merges) noexcept {
+    // Entries that no scaling pass has looked at may have been zero before.
+    bool drop = x.coef.present();
+    if (drop && by.scales) {
+        drop = scale_entries(x, by.alpha);
     }
-    if (by.adds) {
+    if (merges) {
         merge_support(x, y);
+        drop = x.coef.present();
     }
-    if (x.coef.present()) {
-        vector_rem_zeros(x);
+    if (drop && x.nz >= 1) {
+        drop_zeros(x, x.nz);
     }
 }
 
@@ -91,11 +156,12 @@ void vectors_combine(vector& x, const vector& y, const double& alpha, const doub
     ZKTARN_CHECK(detail::is_sound(x));
     ZKTARN_CHECK(detail::is_sound(y) && detail::lists_elements(y, x));
     ZKTARN_CHECK(!(std::fabs(beta) > tol) || detail::has_room_for(x, y));
-    const detail::combination by{alpha, beta, std::fabs(alpha - 1.0) > tol, std::fabs(beta) > tol};
-    if (!x.coef.present() || !y.coef.present()) {
-        detail::combine_supports(x, y, by);
-    } else if (detail::combine(x, y, by)) {
-        vector_rem_zeros(x);
+    const bool scales = std::fabs(alpha - 1.0) > tol;
+    const bool adds = std::fabs(beta) > tol;
+    if (adds && x.coef.present() && y.coef.present()) {
+        detail::combine(x, y, alpha, beta, scales);
+    } else {
+        detail::combine_without_sums(x, y, {alpha, beta, scales}, adds);
     }
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "zktarn/vector/detail/vectors_combine.hpp"
+#include "zktarn/vector/detail/combine_marked.hpp"
 
-/// One fused multiply-add is an instruction where the machine has it and a slow call where it does
-/// not, with the same result. Processors of 64-bit Arm all have it. Those of x86-64 that have it
-/// are told apart when the library is loaded, on systems whose loader can do that, so that a build
-/// for every x86-64 processor is neither slow nor different.
+/// One fused multiply-add is an instruction on machines that have it and a slow call on others,
+/// with the same result. Every 64-bit Arm processor has it. For x86-64 the library has two
+/// variants; where the system's loader supports it, a resolver picks one when the library is
+/// loaded, so that a build for every x86-64 processor is neither slow nor different.
 
 #if defined(__x86_64__) && defined(__linux__)
 #define ZKTARN_COMBINE_DISPATCHES
@@ -13,15 +13,15 @@
 
 namespace zktarn::vector_mod::detail {
 
-/// Whatever this machine runs best.
-bool combine(vector& x, const vector& y, const combination& by) noexcept;
+/// x := alpha * x + beta * y for vectors with coefficients, by the best variant for this machine.
+void combine(vector& x, const vector& y, double alpha, double beta, bool scales) noexcept;
 
 /// For any machine.
-bool combine_portable(vector& x, const vector& y, const combination& by) noexcept;
+void combine_portable(vector& x, const vector& y, double alpha, double beta, bool scales) noexcept;
 
 #ifdef ZKTARN_COMBINE_DISPATCHES
 /// For machines with fused multiply-add and 256-bit integer instructions.
-bool combine_fused(vector& x, const vector& y, const combination& by) noexcept;
+void combine_fused(vector& x, const vector& y, double alpha, double beta, bool scales) noexcept;
 #endif
 
 } // namespace zktarn::vector_mod::detail

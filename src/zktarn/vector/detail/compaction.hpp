@@ -1,0 +1,194 @@
+#pragma once
+
+#include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <limits>
+
+/// Drops entries from an index list; the last entry moves into each hole.
+///
+/// The rule, entry by entry: look at position k. An entry that is kept stays there, and k advances.
+/// An entry that is dropped is replaced by the last entry, the list is shortened by one, and
+/// position k is looked at again. Followed literally, this mispredicts a branch at most drops.
+///
+/// The result has a simple form: the holes of the front are filled, in order, with the kept entries
+/// of the back, in reverse order. So entries are tested in blocks of up to 64, one bit an entry,
+/// from both ends, until the two blocks meet:
+///
+///     position  0         front.first  front.end()   back.first            length
+///               | all kept | k - k - k | not tested   | k k - k | moved or dropped |
+///                              ^ first hole                   ^ last kept entry
+///
+/// The last kept entry of the back block moves into the first hole of the front block, and the list
+/// ends before the position that it leaves. After each move the list is the one that the rule has
+/// at that point.
+
+namespace zktarn::vector_mod::detail {
+
+/// Decides which entries are dropped.
+///
+/// - `prefetch(j)` prefetches what the test of index j reads.
+/// - `drops(j)` is the test; its result for an index does not depend on what was dropped before.
+/// - `tested(block, word)` is called after the tests of a block, with a bit for each drop.
+/// - `removed(first, last)` is called for dropped entries, before they are overwritten.
+template <class Judge>
+concept entry_judge = requires(Judge& judge, std::int64_t j, const std::int32_t* entries) {
+    { judge.prefetch(j) }
+    noexcept;
+    { judge.drops(j) }
+    noexcept;
+    { judge.tested(entries, std::uint64_t{}) }
+    noexcept;
+    { judge.removed(entries, entries) }
+    noexcept;
+};
+
+inline constexpr std::int64_t block_size = 64;
+
+/// Clears the marks of those entries of a block that have a bit in `word`.
+[[gnu::always_inline]] inline void clear_marks(std::int32_t* elm, const std::int32_t* block,
+                                               std::uint64_t word) noexcept {
+    for (; word != 0; word &= word - 1) {
+        elm[block[std::countr_zero(word)] - 1] = 0;
+    }
+}
+
+/// A word whose lowest `count` bits are 1, 0 <= count <= 64.
+[[gnu::always_inline]] inline std::uint64_t low_bits(std::int64_t count) noexcept {
+    return count == block_size ? ~std::uint64_t{0} : (std::uint64_t{1} << count) - 1;
+}
+
+/// Which part of a list a compaction tests, and when it stops.
+struct extent {
+    std::int64_t length;
+    /// Entries from this position on are known to be kept.
+    std::int64_t kept_from;
+    /// Stops at the first kept entry that it finds after exactly this many drops.
+    std::int64_t most_drops = std::numeric_limits<std::int64_t>::max();
+};
+
+template <entry_judge Judge>
+class compaction {
+public:
+    compaction(std::int32_t* list, const extent& part, Judge& judge) noexcept
+        : list_(list), length_(part.length), end_(part.length), kept_from_(part.kept_from),
+          most_drops_(part.most_drops), judge_(judge) {}
+
+    /// Drops entries and returns how many are left.
+    [[gnu::always_inline]] std::int64_t run() noexcept {
+        block front{0, 0, 0};      // bits: holes
+        block back{length_, 0, 0}; // bits: kept entries
+        for (;;) {
+            while (front.bits == 0 && front.end() < std::min(back.first, kept_from_)) {
+                const std::int64_t left = std::min(back.first, kept_from_) - front.end();
+                front = {front.end(), std::min(block_size, left), 0};
+                front.bits = test(front, block_size);
+            }
+            while (front.bits != 0 && back.bits == 0 && front.end() < back.first) {
+                const std::int64_t count = std::min(block_size, back.first - front.end());
+                back = {back.first - count, count, low_bits(count)};
+                if (back.first < kept_from_) {
+                    back.bits ^= test(back, -block_size);
+                }
+            }
+            if (front.bits == 0 || back.bits == 0) {
+                break;
+            }
+            const std::int64_t last = back.highest();
+            if (move(last, front.lowest())) {
+                return length_;
+            }
+            front.bits &= front.bits - 1;
+            back.bits ^= std::uint64_t{1} << (last - back.first);
+        }
+        // Now holes and kept entries to fill them are in one block only, or there are no holes.
+        if (front.bits == 0) {
+            // Bits behind the last entry count as holes that nothing fills.
+            return finish({back.first, back.count, ~back.bits}, back.bits);
+        }
+        return finish(front, front.bits ^ low_bits(front.count));
+    }
+
+private:
+    /// `count` entries from position `first`, and a bit for each.
+    struct block {
+        std::int64_t first;
+        std::int64_t count;
+        std::uint64_t bits;
+
+        std::int64_t end() const noexcept { return first + count; }
+        std::int64_t lowest() const noexcept { return first + std::countr_zero(bits); }
+        std::int64_t highest() const noexcept {
+            return first + block_size - 1 - std::countl_zero(bits);
+        }
+    };
+
+    /// A bit for each entry of a block that is dropped. Prefetches the block that lies `ahead`
+    /// positions on, which is tested next from this end.
+    [[gnu::always_inline]] std::uint64_t test(const block& tested, std::int64_t ahead) noexcept {
+        const std::int32_t* const entries = list_ + tested.first;
+        const std::int64_t next = tested.first + ahead;
+        std::uint64_t word = 0;
+        // From the last entry to the first, so that each result enters at the low end.
+        if (next >= 0 && next + tested.count <= end_) {
+            for (std::int64_t i = tested.count - 1; i >= 0; --i) {
+                judge_.prefetch(std::int64_t{list_[next + i]});
+                word =
+                    word * 2 + static_cast<std::uint64_t>(judge_.drops(std::int64_t{entries[i]}));
+            }
+        } else {
+            for (std::int64_t i = tested.count - 1; i >= 0; --i) {
+                word =
+                    word * 2 + static_cast<std::uint64_t>(judge_.drops(std::int64_t{entries[i]}));
+            }
+        }
+        judge_.tested(entries, word);
+        return word;
+    }
+
+    /// Moves the last kept entry into a hole. Returns true when the rule would stop here: it finds
+    /// that entry to be kept after `most_drops` drops.
+    [[gnu::always_inline]] bool move(std::int64_t last, std::int64_t hole) noexcept {
+        judge_.removed(list_ + hole, list_ + hole + 1);
+        judge_.removed(list_ + last + 1, list_ + length_);
+        list_[hole] = list_[last];
+        drops_ += length_ - last;
+        length_ = last;
+        return drops_ == most_drops_;
+    }
+
+    /// Fills the holes of a block with kept entries of the same block, behind which all is dropped.
+    [[gnu::always_inline]] std::int64_t finish(block holes, std::uint64_t kept) noexcept {
+        while (holes.bits != 0) {
+            const std::int64_t hole = holes.lowest();
+            if (kept >> (hole - holes.first) == 0) {
+                judge_.removed(list_ + hole, list_ + length_);
+                return hole;
+            }
+            const std::int64_t last = block{holes.first, holes.count, kept}.highest();
+            if (move(last, hole)) {
+                return length_;
+            }
+            kept ^= std::uint64_t{1} << (last - holes.first);
+            holes.bits &= (holes.bits - 1) & low_bits(last - holes.first);
+        }
+        return length_;
+    }
+
+    std::int32_t* list_;
+    std::int64_t length_;
+    std::int64_t end_;
+    std::int64_t kept_from_;
+    std::int64_t most_drops_;
+    std::int64_t drops_ = 0;
+    Judge& judge_;
+};
+
+/// Drops entries of `list` and returns how many are left.
+template <entry_judge Judge> // NOLINTNEXTLINE(readability-non-const-parameter): `run` writes it
+[[gnu::noinline]] std::int64_t compact(std::int32_t* list, const extent& part,
+                                       Judge judge) noexcept {
+    return compaction<Judge>(list, part, judge).run();
+}
+
+} // namespace zktarn::vector_mod::detail

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+
+/// Prefetching for loops over an index list, whose elements lie anywhere in memory.
+///
+/// Everything here is always_inline. GCC takes a function whose only effect is a prefetch for one
+/// without any effect, and deletes calls of it before they are inlined.
+
+namespace zktarn::vector_mod::detail {
+
+/// How many list positions ahead of its use an element is prefetched: far enough for memory to
+/// deliver it in time, near enough for the line to be still in the first cache.
+inline constexpr std::int64_t lookahead = 16;
+
+/// Prefetches element j, counted from 1, for reading.
+template <class T>
+[[gnu::always_inline]] inline void prefetch_read(const T* array, std::int64_t j) noexcept {
+    __builtin_prefetch(array + (j - 1), 0);
+}
+
+/// Prefetches element j, counted from 1, for writing.
+template <class T>
+[[gnu::always_inline]] inline void prefetch_write(const T* array, std::int64_t j) noexcept {
+    __builtin_prefetch(array + (j - 1), 1);
+}
+
+/// Arrays with fewer elements stay in the cache, where a prefetch costs an instruction and gains
+/// nothing.
+inline constexpr std::int64_t prefetch_from = std::int64_t{1} << 14;
+
+/// Calls `visit(j)` for each entry of a list, in order; with `prefetches`, after `prefetch(j)` for
+/// the entry `lookahead` positions on.
+template <bool prefetches, class Prefetch, class Visit>
+[[gnu::always_inline]] inline void walk(const std::int32_t* list, std::int64_t count,
+                                        Prefetch prefetch, Visit visit) noexcept {
+    const std::int32_t* const end = list + count;
+    if (prefetches && count > lookahead) {
+        do {
+            prefetch(std::int64_t{list[lookahead]});
+            visit(std::int64_t{*list});
+            ++list;
+        } while (list != end - lookahead);
+    }
+    for (; list != end; ++list) {
+        visit(std::int64_t{*list});
+    }
+}
+
+} // namespace zktarn::vector_mod::detail
