@@ -1,5 +1,7 @@
 #pragma once
 
+#include "zktarn/detail/require_cpp20.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <memory>

@@ -2,6 +2,11 @@
 
 /// All modules. types.hpp states the conventions of every procedure.
 
+#include "zktarn/detail/require_cpp20.hpp"
+
+// An older compiler reads no further, so that the sentence above is all that it prints.
+#if __cplusplus > 201703L
+
 #include "zktarn/assert/assert_mod.hpp"             // IWYU pragma: export
 #include "zktarn/callbacks/callbacks_type_util.hpp" // IWYU pragma: export
 #include "zktarn/callbacks/callbacks_util.hpp"      // IWYU pragma: export
@@ -15,3 +20,6 @@
 #include "zktarn/util/util.hpp"                     // IWYU pragma: export
 #include "zktarn/vector/vector_mod.hpp"             // IWYU pragma: export
 #include "zktarn/vector/vector_type.hpp"            // IWYU pragma: export
+#include "zktarn/version.hpp"                       // IWYU pragma: export
+
+#endif
