@@ -1,5 +1,5 @@
-# Installing: two components, `util` and `standin`, one CMake package and one pkg-config file, all of
-# them free of absolute paths.
+# Installs the components `util` and `standin`: libraries, headers, one CMake package, pkg-config files
+# and pages. Nothing contains an absolute path, so the installed tree can be moved.
 
 include(CMakePackageConfigHelpers)
 
@@ -41,18 +41,28 @@ install(
     "${PROJECT_BINARY_DIR}/zktarn_util-config-version.cmake"
   DESTINATION "${package_dir}" COMPONENT util)
 
-# The way from the pkg-config file up to the prefix, so that the tree can be moved.
+# The relative path from a pkg-config file to the prefix.
 file(RELATIVE_PATH pkg_config_to_prefix
   "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
 string(REGEX REPLACE "/$" "" pkg_config_to_prefix "${pkg_config_to_prefix}")
 if(ZKTARN_CHECKED)
   set(pkg_config_definitions " -DZKTARN_CHECKED")
 endif()
-foreach(name IN ITEMS zktarn_util zktarn_standin)
+function(install_pkg_config name component)
   configure_file("cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
-endforeach()
-install(FILES "${PROJECT_BINARY_DIR}/zktarn_util.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT util)
-install(FILES "${PROJECT_BINARY_DIR}/zktarn_standin.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT standin)
-install(FILES LICENSE DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util)
+  install(FILES "${PROJECT_BINARY_DIR}/${name}.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${component})
+endfunction()
+install_pkg_config(zktarn_util util)
+install_pkg_config(zktarn_standin standin)
+if(ZKTARN_STATIC)
+  install_pkg_config(zktarn_util_static util)
+endif()
+
+# The pages keep their places relative to each other, so that their links hold.
+install(FILES README.md CHANGELOG.md SECURITY.md LICENSE
+  DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util)
+install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util
+  FILES_MATCHING PATTERN "*.md")
+install(FILES standin/README.md
+  DESTINATION "${CMAKE_INSTALL_DOCDIR}/standin" COMPONENT standin)

@@ -4,6 +4,7 @@
 import argparse
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -16,15 +17,26 @@ add_executable(consumer main.cpp)
 target_link_libraries(consumer PRIVATE {libraries})
 """
 
+# Asks for what does not exist without insisting on it.
+ASKING = """
+cmake_minimum_required(VERSION 3.24)
+project(consumer LANGUAGES NONE)
+find_package(zktarn_util 0.1 QUIET COMPONENTS util host)
+message(STATUS "found: ${zktarn_util_FOUND}. ${zktarn_util_NOT_FOUND_MESSAGE}")
+"""
+
 PARENT = """
 cmake_minimum_required(VERSION 3.24)
 project(parent LANGUAGES CXX)
 add_subdirectory({source} zktarn_util)
 if(ZKTARN_TESTS OR ZKTARN_BENCHMARKS OR ZKTARN_INSTALL OR ZKTARN_WERROR)
-  message(FATAL_ERROR "the library brings its own development along")
+  message(FATAL_ERROR "as a subproject the library builds or installs more than it should")
 endif()
 add_executable(consumer main.cpp)
 target_link_libraries(consumer PRIVATE zktarn::util zktarn::standin)
+add_executable(consumer_static main.cpp)
+target_link_libraries(consumer_static PRIVATE zktarn::util_static zktarn::standin)
+install(TARGETS consumer consumer_static)
 """
 
 # Makes and frees a vector, and ends with status 0 when the host has everything back.
@@ -40,6 +52,17 @@ int main() {
     }
     zktarn::vector_type::vector_free(v);
     return zktarn::standin::requests() == 2 && zktarn::standin::live_blocks().empty() ? 0 : 2;
+}
+"""
+
+# The header and the package state the same version.
+VERSION_MAIN = """
+#include "zktarn/version.hpp"
+
+#include <cstring>
+
+int main() {
+    return std::strcmp(ZKTARN_VERSION_STRING, PACKAGE_VERSION) == 0 ? 0 : 1;
 }
 """
 
@@ -133,7 +156,23 @@ class Scenarios:
 
     def missing_standin_is_refused(self):
         prefix = self.install(component="util")
-        self.refused(self.consume(prefix=prefix), "standin")
+        self.refused(self.consume(prefix=prefix), "Component 'standin' is not installed in",
+                     "Installed components: util.")
+
+    def unknown_component_is_refused(self):
+        self.refused(self.consume(components="COMPONENTS standin host"),
+                     "Component 'host' is not installed in", "Installed components: util, standin")
+
+    def unknown_component_is_named(self):
+        """A project that can do without is answered by a variable."""
+        prefix = self.install()
+        asked = self.configure(ASKING, "", f"-DCMAKE_PREFIX_PATH={prefix}")
+        said = " ".join((asked.stdout + asked.stderr).split())
+        if asked.returncode != 0 or "found: 0. Component 'host' is not installed" not in said:
+            fail(f"the message does not name the component\n{asked.stdout}{asked.stderr}")
+
+    def optional_component_may_be_missing(self):
+        self.build_and_run(self.consume(components="COMPONENTS standin OPTIONAL_COMPONENTS host"))
 
     def library_without_standin(self):
         prefix = self.install(component="util")
@@ -141,8 +180,40 @@ class Scenarios:
         if configured.returncode != 0:
             fail(f"did not configure\n{configured.stdout}{configured.stderr}")
 
-    def compile_by_pkg_config(self, prefix, main):
-        flags = self.ask_pkg_config(prefix, "--cflags", "--libs", "zktarn_util", "zktarn_standin")
+    def version_macro(self):
+        libraries = "zktarn::util)\ntarget_compile_definitions(consumer PRIVATE " \
+            'PACKAGE_VERSION="${zktarn_util_VERSION}"'
+        self.build_and_run(self.consume(main=VERSION_MAIN, libraries=libraries))
+
+    def older_language(self):
+        """C++17 ends in one sentence, with the installed headers and with those of the source."""
+        program = self.work / "main.cpp"
+        program.write_text('#include "zktarn/zktarn_util.hpp"\n\nint main() {}\n')
+        compilers = {self.compiler, *filter(shutil.which, ("g++", "clang++"))}
+        for headers in (self.install() / "include", pathlib.Path(self.source) / "src"):
+            for compiler in sorted(compilers):
+                ran = self.run(compiler, "-std=c++17", f"-I{headers}", "-fsyntax-only", program)
+                errors = [line for line in ran.stderr.splitlines() if re.search(r"\berror: ", line)]
+                if ran.returncode == 0 or len(errors) != 1 or "zktarn needs C++20" not in errors[0]:
+                    fail(f"{compiler} -std=c++17 reports {len(errors)} errors:\n{ran.stderr}")
+                self.must(compiler, "-std=c++20", f"-I{headers}", "-fsyntax-only", program)
+
+    def documentation(self):
+        """The pages are installed, and those that the first page refers to are among them."""
+        pages = self.install() / "share/doc/zktarn_util"
+        for name in ("README.md", "CHANGELOG.md", "SECURITY.md", "LICENSE", "standin/README.md"):
+            if not (pages / name).is_file() or not (pages / name).read_text(encoding="utf-8"):
+                fail(f"{name} is not installed")
+        readme = (pages / "README.md").read_text(encoding="utf-8")
+        named = set(re.findall(r"`(docs/[\w-]+\.md)`", readme))
+        if not named:
+            fail("README.md refers to no page in docs/")
+        for name in sorted(named):
+            if not (pages / name).is_file():
+                fail(f"README.md refers to {name}, which is not installed")
+
+    def compile_by_pkg_config(self, prefix, main, library="zktarn_util"):
+        flags = self.ask_pkg_config(prefix, "--cflags", "--libs", library, "zktarn_standin")
         if flags.returncode != 0:
             fail(f"pkg-config: {flags.stderr}")
         (self.work / "main.cpp").write_text(main)
@@ -152,6 +223,12 @@ class Scenarios:
 
     def pkg_config(self):
         self.compile_by_pkg_config(self.install(), MAIN)
+
+    def pkg_config_static(self):
+        prefix = self.install()
+        for shared in prefix.rglob("libzktarn_util.so*"):
+            shared.unlink()
+        self.compile_by_pkg_config(prefix, MAIN, library="zktarn_util_static")
 
     def pkg_config_version(self):
         prefix = self.install()
@@ -173,7 +250,23 @@ class Scenarios:
         self.build_and_run(self.consume(libraries="zktarn::util_static zktarn::standin"))
 
     def add_subdirectory(self):
+        """The programs of a project that contains the library run in its build and installed."""
         self.build_and_run(self.configure(PARENT.format(source=self.source), MAIN))
+        project = self.work / "consumer"
+        first, moved = self.work / "first", self.work / "moved"
+        self.must(self.cmake, "--install", project / "build", "--prefix", first)
+        # Nothing is found in the build or where the programs were installed at first.
+        shutil.rmtree(project)
+        first.rename(moved)
+        self.must(moved / "bin/consumer")
+        self.must(moved / "bin/consumer_static")
+        headers = list(moved.rglob("*.hpp"))
+        if headers:
+            fail(f"{len(headers)} headers are installed without ZKTARN_INSTALL")
+        (moved / "lib/libzktarn_util.so.1").unlink()
+        self.must(moved / "bin/consumer_static")
+        if self.run(moved / "bin/consumer").returncode == 0:
+            fail("the program runs without the shared library that it links")
 
     def checked_definition(self):
         """A checked build says so to whoever uses it, and an ordinary one does not."""

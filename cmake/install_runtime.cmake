@@ -1,0 +1,26 @@
+# As a part of another project: installs the shared libraries, so that the project's own programs run
+# where they are installed. ZKTARN_INSTALL adds headers and packages.
+
+set(standin_libraries zktarn_standin_qv zktarn_standin_qvx zktarn_standin_ut
+  zktarn_standin_zkoptimutil)
+
+if(ZKTARN_INSTALL_RUNTIME AND NOT ZKTARN_INSTALL)
+  set(runtime zktarn_util)
+  if(TARGET zktarn_util_c)
+    list(APPEND runtime zktarn_util_c)
+  endif()
+  install(TARGETS ${runtime}
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT util NAMELINK_SKIP)
+  install(TARGETS ${standin_libraries}
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/${ZKTARN_STANDIN_SUBDIR}" COMPONENT standin)
+endif()
+
+# Programs that the calling folder defines from here on look for the libraries where these are
+# installed, unless it has a run path of its own.
+if(ZKTARN_INSTALL_RUNTIME AND NOT DEFINED CMAKE_INSTALL_RPATH)
+  file(RELATIVE_PATH to_libraries
+    "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  string(REGEX REPLACE "/$" "" to_libraries "${ZKTARN_ORIGIN}/${to_libraries}")
+  set(CMAKE_INSTALL_RPATH
+    "${to_libraries};${to_libraries}/${ZKTARN_STANDIN_SUBDIR}" PARENT_SCOPE)
+endif()
