@@ -23,8 +23,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* The version of this header; zktarn_version() gives that of the library. */
-#define ZKTARN_C_VERSION "0.1.0"
+/* ZKTARN_VERSION_STRING is the version of the headers; zktarn_version() gives that of the library. */
+#include "zktarn/version.hpp"
 
 #ifdef ZKTARN_C_BUILDING
 #define ZKTARN_C_API __attribute__((visibility("default")))

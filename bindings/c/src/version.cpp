@@ -1,10 +1,7 @@
-#include <string_view>
+#include "zktarn/version.hpp"
 
 #include "zktarn_util.h"
 
-static_assert(std::string_view(ZKTARN_C_VERSION) == ZKTARN_PROJECT_VERSION,
-              "the header gives the version of the project");
-
 const char* zktarn_version() {
-    return ZKTARN_C_VERSION;
+    return ZKTARN_VERSION_STRING;
 }

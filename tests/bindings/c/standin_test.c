@@ -195,6 +195,6 @@ int main(void) {
     test_arrays();
     test_functions();
     test_console_and_interrupts();
-    CHECK(strcmp(zktarn_version(), ZKTARN_C_VERSION) == 0);
+    CHECK(strcmp(zktarn_version(), ZKTARN_VERSION_STRING) == 0);
     return failures();
 }
