@@ -15,7 +15,8 @@ namespace zktarn::c {
 template <class... Address>
 bool any_null([[maybe_unused]] Address... addresses) noexcept {
 #ifdef ZKTARN_CHECKED
-    if ((... || (addresses == nullptr))) {
+    const bool found = (... || (addresses == nullptr));
+    if (found) {
         assert_mod::tarnassert(0);
         return true;
     }

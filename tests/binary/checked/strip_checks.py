@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""strip_checks.py SOURCE COPY: a copy of the folder SOURCE with every use of ZKTARN_CHECK deleted.
+"""strip_checks.py SOURCE COPY: copies the folder SOURCE with every use of ZKTARN_CHECK deleted.
 
-Ends with the number of deleted checks on standard output; fails when there is none to delete.
+Touches COPY.stamp and writes the files that it read into COPY.d, for the build. Prints the number of
+deleted checks; fails when there is none to delete.
 """
 
 import pathlib
@@ -33,7 +34,8 @@ def main():
         sys.exit("strip_checks: usage: strip_checks.py SOURCE COPY")
     source, copy = map(pathlib.Path, sys.argv[1:])
     total = 0
-    for file in sorted(source.rglob("*.?pp")):
+    files = sorted(source.rglob("*.?pp"))
+    for file in files:
         text, count = stripped(file.read_text(encoding="utf-8"))
         total += count
         target = copy / file.relative_to(source)
@@ -45,6 +47,10 @@ def main():
             sys.exit(f"strip_checks: {file} has a check that is no statement")
     if total == 0:
         sys.exit(f"strip_checks: {source} has no check")
+    stamp = pathlib.Path(f"{copy}.stamp")
+    read = " ".join(str(file).replace(" ", "\\ ") for file in files)
+    pathlib.Path(f"{copy}.d").write_text(f"{stamp}: {read}\n", encoding="utf-8")
+    stamp.touch()
     print(f"{total} checks deleted")
 
 
