@@ -8,8 +8,8 @@ included, and runs each COMMAND there: scripts/demo and scripts/test when none i
 network settings are those of this machine's apt. FOLDER keeps the base system and the packages, so
 that the next run downloads less.
 
-  --without PACKAGE  takes PACKAGE out of the clone's lists of packages first; a command that needs
-                     it then has to fail
+  --without PACKAGE  takes PACKAGE out of the clone's list of packages first; a command that needs it
+                     then has to fail
   --keep             leaves FOLDER/root there
 
 Exit status: 0 every command succeeded, 1 one failed, 77 this machine cannot do it."
@@ -101,11 +101,12 @@ clone=$root/root/project
 git clone -q --no-hardlinks "file://$checkout" "$clone"
 git -C "$checkout" diff --binary HEAD >"$work/uncommitted"
 [ ! -s "$work/uncommitted" ] || git -C "$clone" apply "$work/uncommitted"
+list=$clone/scripts/lib/packages
 for package in ${without[@]+"${without[@]}"}; do
-    lists=$(grep -rlwF -- "$package" "$clone/scripts") || fail "no list has the package $package"
-    # shellcheck disable=SC2086 # one word a file
-    sed -i "s/\(^\|[ \"]\)${package//./[.]}\($\|[ \"]\)/\1\2/g" $lists
-    echo "$package is taken out of ${lists//"$clone"\//}"
+    awk -v package="$package" '$2 != package { print } $2 == package { found = 1 } END { exit !found }' \
+        "$list" >"$work/packages" || fail "scripts/lib/packages does not list $package"
+    cp "$work/packages" "$list"
+    echo "$package is taken out of scripts/lib/packages"
 done
 
 # inside COMMAND: in namespaces of its own, with nothing of this environment.
