@@ -16,7 +16,7 @@ constexpr std::int64_t real_size = sizeof(double);
 void compare_array_with_block(std::int64_t n) {
     const auto library = [n](std::int64_t) {
         array_1d<double> array;
-        memory_mod::allocmem_r8_1d_array(array, n);
+        benchmark::DoNotOptimize(memory_mod::allocmem_r8_1d_array(array, n));
         benchmark::DoNotOptimize(array.data);
         memory_mod::freemem_r8_1d_array(array);
     };

@@ -56,8 +56,8 @@ std::vector<double> row_modulo_2(std::int32_t first) {
 std::vector<double> random_array(std::int32_t seed) {
     random::rng_state rng;
     array_1d<double> numbers;
-    random::instantiaterng(rng, seed);
-    memory_mod::allocmem_r8_1d_array(numbers, 20);
+    EXPECT_EQ(random::instantiaterng(rng, seed), 1);
+    EXPECT_EQ(memory_mod::allocmem_r8_1d_array(numbers, 20), 1);
     for (std::int64_t k = 1; k <= 20; ++k) {
         numbers(k) = random::rand_number(rng);
     }
@@ -114,7 +114,7 @@ TEST(LibraryThreads, DISABLED_AVectorIsShared) {
 
 TEST(LibraryThreads, DISABLED_AnArrayIsShared) {
     array_1d<double> array;
-    memory_mod::allocmem_r8_1d_array(array, 8);
+    ASSERT_EQ(memory_mod::allocmem_r8_1d_array(array, 8), 1);
     constexpr double ones[8] = {1, 1, 1, 1, 1, 1, 1, 1};
     on_two_threads([&](int) {
         for (int round = 0; round < 100; ++round) {

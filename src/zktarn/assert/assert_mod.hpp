@@ -3,20 +3,19 @@
 #include "zktarn/export.hpp"
 #include "zktarn/types.hpp"
 
-/// Reporting of internal consistency conditions to the host.
+/// Assertions that the host evaluates.
 ///
-/// What a false condition leads to (a report, the end of the process, nothing) is the host's
-/// decision; the library only passes the condition on. No state; callable from any thread from
-/// which the host's `assertOptim` is.
+/// The library passes the condition on; the host decides what a false one leads to: a message, the
+/// end of the process, or nothing. The module has no state. Callable from any thread from which the
+/// host's `assertOptim` is callable.
 
 namespace zktarn::assert_mod {
 
-/// Hands `condition` to the host's assertion facility, whether it is true or false.
+/// Passes `condition` to the host's assertion procedure, whether it is true or false.
 ///
-/// @param condition  in. Only its lowest byte is looked at: true when that byte is nonzero, so 1
-///                   is true, 0 is false, and 256 is false.
+/// @param condition  in. True if its lowest byte is nonzero: 1 is true, 0 is false, and so is 256.
 ///
-/// Returns nothing; whether it returns at all on a false condition is up to the host.
+/// If the condition is false, the host decides whether the call returns.
 ZKTARN_API void tarnassert(const flag& condition) noexcept;
 
 } // namespace zktarn::assert_mod

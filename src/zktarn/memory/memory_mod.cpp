@@ -6,8 +6,8 @@ namespace zktarn::memory_mod {
 
 namespace {
 
-/// Attaches a block for `count` elements. Inputs may live in the array's own extents, so they come
-/// here by value, and the extents are left to the caller of this helper.
+/// Allocates the block of an array of `count` elements. `count` is a copy, since the caller's count
+/// may be an extent of the array itself. The caller of `attach` sets the extents.
 template <class T, std::size_t Rank>
 bool attach(host_array<T, Rank>& array, std::int64_t count) noexcept {
     std::int64_t nbytes = 0;
@@ -37,8 +37,8 @@ flag allocate(array_2d<T>& array, matrix_shape shape) noexcept {
     array.data = nullptr;
     std::int64_t count = 0;
     if (__builtin_mul_overflow(shape.rows, shape.columns, &count)) {
-        // The exact product lies beyond 64 bits: far below 1 where the signs, the highest bits,
-        // differ, a request that no host can meet where they agree.
+        // The exact product does not fit 64 bits. If the signs differ it is far below 1, an empty
+        // request; otherwise no host has that much memory.
         return (shape.rows ^ shape.columns) < 0 ? 1 : 0;
     }
     if (count < 1) {

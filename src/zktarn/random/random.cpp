@@ -22,7 +22,7 @@ void deleterng(rng_state& rng) noexcept {
 }
 
 double rand_number(const rng_state& rng) noexcept {
-    // Stays where the host writes nothing.
+    // The result if the host writes nothing.
     double number = std::numeric_limits<double>::max();
     if (rng.generator != nullptr) {
         const std::int64_t count = 1;

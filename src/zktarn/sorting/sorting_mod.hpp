@@ -8,39 +8,49 @@
 #include "zktarn/sorting/detail/shell_sort.hpp"
 #include "zktarn/types.hpp"
 
-/// Sorting of whatever the caller can exchange.
+/// Sorting of data that only the caller can see.
 ///
-/// The sort sees positions only. A procedure of the caller compares the elements at two positions,
-/// exchanges them, with all that belongs to them, when they are out of order, and says whether it
-/// did; ascending or descending, by which key and in how many parallel arrays is its business.
+/// `sort` chooses pairs of positions. A procedure of the caller compares the elements at the two
+/// positions, exchanges them if they are out of order, and reports whether it did. That procedure
+/// decides the order (ascending or descending), the key, and which parallel arrays move together.
 ///
-/// No state and no storage; the caller's procedure is called on the caller's thread.
+/// `sort` has no state and allocates nothing. It calls the procedure on the caller's thread.
 
 namespace zktarn::sorting_mod {
 
-/// `exchange(a, b)` for positions a < b of the range: exchanges the elements there and returns true
-/// (nonzero) when they are out of order; leaves them and returns false otherwise. The positions are
-/// temporaries.
+/// `exchange(a, b)`, called for positions a < b of the range:
+///
+///     the elements at a and b    it                    returns
+///     are out of order           exchanges them        true (nonzero)
+///     are in order or equal      leaves them           false
+///
+/// The positions are copies; changing them has no effect on the sort.
 using exchange_procedure = function_ref<flag(std::int32_t a, std::int32_t b)>;
 
-/// Sorts the positions first..last, both inclusive, by calls of `exchange`.
+/// Sorts the positions first..last, both inclusive.
 ///
-/// @param first     in. Any position, as the caller counts.
-/// @param last      in. Where it is not above `first`, nothing is called.
+/// @param first     in. Any position, in the caller's numbering.
+/// @param last      in. If last <= first, `exchange` is not called.
 /// @param exchange  in. Called for positions first <= a < b <= last.
 ///
-/// The passes go over the range with the gaps 1, 4, 13, 40, ... that are smaller than it, the
-/// largest first: each position, in increasing order, is walked down by its gap until `exchange`
-/// returns false or the range ends. So the sort ends for any procedure, and for a consistent one
-/// the range is then in its order. Not stable: elements that are equal may change places.
+/// Let n = last - first + 1. One pass for each gap 1, 4, 13, 40, ... (3 gap + 1) below n, the
+/// largest first. A pass takes the positions from first + gap to last in increasing order. From
+/// each it moves down in steps of the gap, exchanging, until `exchange` returns false or the range
+/// ends.
+///
+/// Ends for every `exchange`. If its order is consistent, the range is sorted afterwards. Not
+/// stable: equal elements may change places.
+///
+/// Source: Shell, A high-speed sorting procedure, CACM 2 (1959), with the gaps of Knuth, The Art of
+/// Computer Programming 3, section 5.2.1. Cost: O(n^1.5) calls of a consistent `exchange`.
 ZKTARN_API void sort(const std::int32_t& first, const std::int32_t& last,
                      exchange_procedure exchange) noexcept;
 
-/// The same with `exchange` inlined into the caller. Every callable is taken here; pass an
-/// `exchange_procedure` for the procedure of the library. What `exchange` throws here leaves the
-/// sort, with the range as it was then.
+/// The same, with `exchange` inlined into the caller. Takes every callable except an
+/// `exchange_procedure`, which selects the procedure above. An exception of `exchange` leaves the
+/// sort; the range keeps the order it has at that moment.
 template <class Exchange>
-    requires(std::is_invocable_r_v<flag, Exchange&, const std::int32_t&, const std::int32_t&> &&
+    requires(std::is_invocable_r_v<flag, Exchange&, std::int32_t, std::int32_t> &&
              !std::is_same_v<std::remove_cvref_t<Exchange>, exchange_procedure>)
 inline void sort(const std::int32_t& first, const std::int32_t& last, Exchange&& exchange) {
     detail::shell_sort(first, last, exchange);

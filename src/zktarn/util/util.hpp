@@ -1,6 +1,6 @@
 #pragma once
 
-/// Numeric utilities.
+/// All numeric utilities.
 
 #include "zktarn/util/array_copy.hpp"    // IWYU pragma: export
 #include "zktarn/util/gcd.hpp"           // IWYU pragma: export

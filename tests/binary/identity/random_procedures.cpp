@@ -1,3 +1,6 @@
+#include <cstdint>
+#include <cstdlib>
+
 #include "binary/identity/procedures.hpp"
 #include "zktarn/random/random.hpp"
 
@@ -23,10 +26,18 @@ void call_instantiate(draws& draw, digest& results) {
     deleterng(rng);
 }
 
+/// A generator of the stand-in, which has one for every seed.
+rng_state created(std::int32_t seed) {
+    rng_state rng;
+    if (instantiaterng(rng, seed) == 0) {
+        std::abort();
+    }
+    return rng;
+}
+
 void call_delete(draws& draw, digest& results) {
     const std::int32_t seed = draw.integer();
-    rng_state rng;
-    instantiaterng(rng, seed);
+    rng_state rng = created(seed);
     deleterng(rng);
     results.integer(rng.generator == nullptr);
     add_numbers(rng, 1, results);
@@ -35,8 +46,7 @@ void call_delete(draws& draw, digest& results) {
 void call_rand_number(draws& draw, digest& results) {
     const std::int32_t seed = draw.integer();
     const std::uint64_t count = draw.below(50);
-    rng_state rng;
-    instantiaterng(rng, seed);
+    rng_state rng = created(seed);
     add_numbers(rng, count, results);
     deleterng(rng);
 }
@@ -45,8 +55,7 @@ void call_rand_number(draws& draw, digest& results) {
 void call_with_snapshot(draws& draw, digest& results) {
     const std::int32_t seed = draw.integer();
     const std::uint64_t count = draw.below(8);
-    rng_state rng;
-    instantiaterng(rng, seed);
+    rng_state rng = created(seed);
     add_numbers(rng, count, results);
     saved_state state = nullptr;
     results.integer(getrngstate(rng, state));

@@ -115,4 +115,26 @@ TEST(Lowercasee, LeavesBlanksAndEmptyTextsAlone) {
     EXPECT_EQ(lowered(std::string("E\0E \t", 5)), std::string("e\0e \t", 5));
 }
 
+// Long texts are changed many characters at a time, wherever they begin and end.
+TEST(Lowercasee, ChangesTheSameCharactersInALongText) {
+    std::string letters;
+    for (int i = 0; i < 160; ++i) {
+        letters += i % 3 == 0 ? 'E' : static_cast<char>(i * 37 % 256);
+    }
+    for (std::size_t begin = 0; begin <= 17; ++begin) {
+        for (std::size_t length = 0; begin + length <= letters.size(); ++length) {
+            std::string expected = letters;
+            for (std::size_t i = begin; i < begin + length; ++i) {
+                if (expected[i] == 'E') {
+                    expected[i] = 'e';
+                }
+            }
+            std::string text = letters;
+            PROCEDURE(lowercasee, "_ZN6zktarn14callbacks_util10lowercaseeE" ZKTARN_TEST_SPAN)
+            (std::span<char>(text).subspan(begin, length));
+            ASSERT_EQ(text, expected) << begin << ", " << length;
+        }
+    }
+}
+
 } // namespace

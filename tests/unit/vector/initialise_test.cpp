@@ -1,7 +1,9 @@
 // Built twice: against the inline procedure, and against the symbol of the shared library.
 #include "zktarn/vector/vector_type.hpp"
 
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -73,6 +75,19 @@ TEST_F(VectorInitialise, GivesARunOfRecordsTheirDefaults) {
     expect_initialised(records[1]);
     expect_initialised(records[2]);
     expect_untouched(records[3]);
+}
+
+// Long enough for every loop that a compiler makes of the body.
+TEST_F(VectorInitialise, GivesALongRunOfRecordsTheirDefaults) {
+    for (std::int32_t count = 1; count <= 40; ++count) {
+        std::vector<vector> run(static_cast<std::size_t>(count) + 2, records[0]);
+        initialise(run[1], count);
+        expect_untouched(run.front());
+        for (std::int32_t i = 1; i <= count; ++i) {
+            expect_initialised(run[static_cast<std::size_t>(i)]);
+        }
+        expect_untouched(run.back());
+    }
 }
 
 TEST_F(VectorInitialise, ReadsTheCountBeforeItWrites) {

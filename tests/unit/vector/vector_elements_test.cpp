@@ -174,6 +174,32 @@ TEST_F(VectorElements, TheLastPositionOfTheListIsUsed) {
     EXPECT_THAT(listing(*list), ElementsAre(9, 8, 7, 6, 5, 4, 3, 2, 1));
 }
 
+// Lists about the lengths at which the search goes on with larger or smaller blocks.
+TEST(VectorAddNz, FindsAnIndexAnywhereInALongList) {
+    PROCEDURE(vector_add_nz, "RNS_11vector_type6vectorERKiNS_12optional_refIKdEE");
+    for (const std::int32_t length :
+         {0, 1, 7, 8, 9, 15, 16, 17, 63, 64, 65, 71, 72, 73, 79, 80, 127, 128, 137}) {
+        made_vector list(200, 0, 1);
+        for (std::int32_t k = 1; k <= length; ++k) {
+            list->ind(k) = 201 - k;
+        }
+        list->nz = length;
+        for (std::int32_t k = 1; k <= length; ++k) {
+            vector_add_nz(*list, 201 - k, 0.5 * k);
+            ASSERT_EQ(list->nz, length) << k;
+            ASSERT_EQ(list->coef(201 - k), 0.5 * k);
+        }
+        vector_add_nz(*list, 5, {});
+        ASSERT_EQ(list->nz, length + 1);
+        ASSERT_EQ(list->ind(length + 1), 5);
+        // What is behind the last entry is not part of the list.
+        list->nz = length;
+        vector_add_nz(*list, 5, 1.5);
+        ASSERT_EQ(list->nz, length + 1);
+        ASSERT_EQ(list->coef(5), 1.5);
+    }
+}
+
 TEST_F(VectorElements, AnIndexMayBeAComponentOfTheRecord) {
     PROCEDURE(vector_add_nz, "RNS_11vector_type6vectorERKiNS_12optional_refIKdEE");
     PROCEDURE(vector_rem_nz, "RNS_11vector_type6vectorERKi");

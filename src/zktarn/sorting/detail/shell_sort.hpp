@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <utility>
 
 #include "zktarn/types.hpp"
 
@@ -11,25 +10,24 @@ namespace zktarn::sorting_mod {
 
 namespace detail {
 
-/// Source: Shell, A high-speed sorting procedure (1959), with the gaps of Knuth: 1, 4, 13, 40, ...
+/// Shell sort of first..last with the gaps 1, 4, 13, 40, ... below last - first + 1.
 ///
-/// Positions are 64 bits wide, so that a range may span all of 32.
+/// Positions are computed in 64 bits: a range may span all 32-bit positions, and the arithmetic
+/// leaves it at both ends.
 template <class Exchange>
 [[gnu::always_inline]] inline void shell_sort(std::int64_t first, std::int64_t last,
                                               Exchange& exchange) {
     const std::int64_t distance = last - first;
-    std::int64_t beyond = 4;
-    while (distance >= beyond) {
-        beyond = 3 * beyond + 1;
+    std::int64_t next_gap = 4;
+    while (distance >= next_gap) {
+        next_gap = 3 * next_gap + 1;
     }
-    for (std::int64_t gap = beyond / 3; gap >= 1; gap /= 3) {
-        // Empty where the gap is larger than the distance.
+    for (std::int64_t gap = next_gap / 3; gap >= 1; gap /= 3) {
+        // No position qualifies when the gap exceeds the distance.
         for (std::int64_t end = first + gap; end <= last; ++end) {
             for (std::int64_t a = end - gap; a >= first; a -= gap) {
-                // Made anew for each call; whoever writes to them writes to nothing else.
-                auto lower = static_cast<std::int32_t>(a);
-                auto upper = static_cast<std::int32_t>(a + gap);
-                const flag exchanged = exchange(std::as_const(lower), std::as_const(upper));
+                const flag exchanged =
+                    exchange(static_cast<std::int32_t>(a), static_cast<std::int32_t>(a + gap));
                 if (exchanged == 0) {
                     break;
                 }

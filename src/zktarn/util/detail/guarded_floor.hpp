@@ -5,18 +5,15 @@
 
 #include "zktarn/util/detail/truncate.hpp"
 
-/// The one rule by which every floor and ceiling of the library is taken.
+// The floors, ceilings and integrality decisions of the library.
 
 namespace zktarn::util::detail {
 
-/// The floor of base + offset.
+/// The floor of base + offset, by the rule that integrality.hpp states.
 ///
-/// It is exact while |base| < 2^31 - 1; a sum beyond 64 bits, which takes a huge offset, saturates
-/// there. From that magnitude on the sum, less 1 for a negative base, is truncated toward zero,
-/// which has no effect beyond 2^52, where every real is an integer. So for a large negative base an
-/// integral sum comes out 1 below its floor; every other sum comes out right.
-///
-/// A sum that is not a number gives 0.0.
+/// For a base of -(2^31 - 1) or less, 1 is subtracted before truncation toward zero, which is the
+/// floor of a fractional sum and 1 less than the floor of an integral one. Beyond 2^52 every real
+/// is an integer and truncation has no effect.
 inline double guarded_floor(double base, double offset) noexcept {
     constexpr double exact_below = 2147483647.0;          // 2^31 - 1
     constexpr double integral_above = 4503599627370496.0; // 2^52
@@ -24,27 +21,27 @@ inline double guarded_floor(double base, double offset) noexcept {
     if (std::fabs(base) < exact_below) {
         const double sum = base + offset;
         const double truncated = static_cast<double>(truncate_i64(sum));
-        // Where the truncated value has to be lowered it is either small or the lower end of the
-        // 64-bit range; 1.0 comes off the first exactly and leaves the second as it is.
+        // A truncated value above the sum is small, so 1.0 is subtracted exactly; or it is -2^63
+        // in place of a lesser sum, and stays -2^63.
         return sum < truncated ? truncated - 1.0 : truncated;
     }
     const double sum = base <= -exact_below ? (base - 1.0) + offset : base + offset;
     return std::fabs(sum) > integral_above ? sum : static_cast<double>(truncate_i64(sum));
 }
 
-/// The ceiling of base - offset, by the same rule on the negated base.
+/// The ceiling of base - offset: the negated guarded floor of the negated base.
 inline double guarded_ceiling(double base, double offset) noexcept {
     return -guarded_floor(-base, offset);
 }
 
-/// An integer next to a real, and whether it is near enough.
+/// Whether a real is integral within a tolerance, and the integer tested last.
 struct integer_decision {
     bool is_integer;
     double nearest;
 };
 
-/// Whether `value` is within `eps` of the floor or the ceiling that `offset` gives it, the floor
-/// first. `nearest` means something only where it is.
+/// Whether `value` is within `eps` of its guarded floor or, failing that, of its guarded ceiling,
+/// both taken with `offset`.
 inline integer_decision decide_integer(double value, double eps, double offset) noexcept {
     const double floor = guarded_floor(value, offset);
     if (value - floor <= eps) {
@@ -54,17 +51,17 @@ inline integer_decision decide_integer(double value, double eps, double offset) 
     return {ceiling - value <= eps, ceiling};
 }
 
-/// 0 when `value` is within `eps` of an even integer, else 1. The integer is brought to 32 bits
-/// before its parity is looked at, so from 2147483647 on, the end of that range, it counts as odd.
+/// 0 if `value` is within `eps` of an even integer, else 1. The integer is converted to 32 bits
+/// with saturation, so 2147483647 and everything above it counts as odd.
 inline std::int64_t modulo_2_by_rule(double value, double eps) noexcept {
     const integer_decision decision = decide_integer(value, eps, eps);
     return decision.is_integer ? truncate_i32(std::fabs(decision.nearest) + 0.5) & 1 : 1;
 }
 
-/// The same, fast and without a branch on the outcome for values that are integral by their floor.
+/// The same, without a branch on the parity of a value near its floor.
 ///
-/// While value and value + eps lie strictly within +-(2^31 - 1) the guarded floor is a plain one,
-/// and lies there too, where nothing saturates: its own lowest bit is the parity.
+/// If value and value + eps are within +-(2^31 - 1), the guarded floor is the plain floor and no
+/// conversion saturates, so the parity of the floor is its lowest bit.
 [[gnu::always_inline]] inline std::int64_t modulo_2(double value, double eps) noexcept {
     constexpr double limit = 2147483647.0; // 2^31 - 1
     const double sum = value + eps;

@@ -5,18 +5,17 @@
 #include <cstdint>
 #include <limits>
 
-/// Reals to integers, with a result for every real: truncation toward zero, the nearest end of the
-/// range beyond it, and 0 for a not-a-number. A bare conversion is undefined beyond the range, and
-/// the machines disagree there.
+// Conversion of reals to integers, defined for every real: truncation toward zero, saturation at
+// both ends of the range, NaN to 0. The plain conversion is undefined outside the range, and
+// processors differ there.
 
 namespace zktarn::util::detail {
 
 inline std::int64_t truncate_i64(double value) noexcept {
     using limits = std::numeric_limits<std::int64_t>;
-    // The largest integer is no real; one more than it is. Whatever lies strictly within +-2^63
-    // truncates into the range, and -2^63 itself is its lower end.
-    constexpr double beyond = 9223372036854775808.0;
-    if (std::fabs(value) < beyond) [[likely]] {
+    // 2^63 - 1 is not a double; 2^63 is.
+    constexpr double range_end = 0x1p63;
+    if (std::fabs(value) < range_end) [[likely]] {
         return static_cast<std::int64_t>(value);
     }
     if (std::isnan(value)) {
