@@ -56,8 +56,8 @@ void register_output_function(display show) {
 /// What is wrong with the result of a run, or an empty text.
 std::string fault_of(const run_result& run) {
     if (run.reason == ending::numeric_error) {
-        return "the relaxation with the cuts cannot be solved, its numbers are too far apart; the "
-               "bound is the last one that was reached";
+        return "it could not be decided whether the relaxation with the cuts of the last round has "
+               "an optimum, its numbers are too far apart; the bound is that of the round before";
     }
     if (run.is_optimum_wrong()) {
         char sentence[160];

@@ -551,6 +551,17 @@ class CommandLine(unittest.TestCase):
     def test_empty_range_of_an_integer_column(self):
         self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"), "no feasible point")
 
+    def test_unbounded_relaxation_that_the_simplex_method_calls_infeasible(self):
+        self.refuse(HERE / "models" / "unbounded_free_column.mps", "the relaxation is unbounded")
+
+    def test_no_claim_without_a_proof(self):
+        # The simplex method finds no point, but there are ten with integers; 2913.5 is the least.
+        file = HERE / "models" / "ten_integer_points.mps"
+        for seed in range(1, 6):
+            _, (model,) = self.report(file, "--seed", seed, status=1)
+            self.assertEqual(model["status"], "numeric_error")
+            self.assertLessEqual(model["bound"], 2913.5)
+
     def test_unbounded_relaxation(self):
         self.refuse_program(one_column(coefficient=-1, bound=" PL b x"), "unbounded")
 

@@ -1,7 +1,10 @@
 #include "lp/relaxation.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
+
+#include "lp/certificate.hpp"
 
 namespace zero_half {
 
@@ -35,6 +38,7 @@ relaxation::relaxation(const model& program, std::function<bool()> should_stop) 
     lp_.loadProblem(program.rows, program.lower.data(), program.upper.data(),
                     program.objective.data(), program.row_lower.data(), program.row_upper.data());
     lp_.setObjectiveOffset(-program.constant);
+    safe_bound_.emplace(lp_);
     const stop_handler handler(std::move(should_stop));
     lp_.passInEventHandler(&handler);
 }
@@ -44,6 +48,8 @@ void relaxation::set_tolerance(double tolerance) {
     lp_.setDualTolerance(tolerance);
 }
 
+/// The dual method from the last basis. Without a result that is proven, the primal method from the
+/// last basis, and then from the beginning.
 relaxation::outcome relaxation::solve() {
     set_tolerance(tight_tolerance);
     lp_.dual();
@@ -51,21 +57,81 @@ relaxation::outcome relaxation::solve() {
         // With large numbers no point may satisfy the tight tolerance.
         set_tolerance(usual_tolerance);
         lp_.dual();
-    } else if (lp_.status() != optimal && lp_.status() != stopped_by_event) {
-        lp_.primal();
     }
+    outcome result = checked_outcome();
+    if (result == outcome::undecided) {
+        lp_.primal();
+        result = checked_outcome();
+    }
+    if (result == outcome::undecided) {
+        solve_afresh();
+        result = checked_outcome();
+    }
+    return result;
+}
+
+/// Loads the program anew, without scaling, and solves it by the primal method, which starts from a
+/// feasible point if there is one. Clp has been seen to call a program infeasible for which this
+/// finds an optimum or a ray.
+void relaxation::solve_afresh() {
+    ClpSimplex fresh;
+    fresh.setLogLevel(0);
+    fresh.loadProblem(*lp_.matrix(), lp_.getColLower(), lp_.getColUpper(), lp_.getObjCoefficients(),
+                      lp_.getRowLower(), lp_.getRowUpper());
+    fresh.setObjectiveOffset(lp_.objectiveOffset());
+    fresh.passInEventHandler(lp_.eventHandler());
+    fresh.scaling(0);
+    const std::vector<double> objective(fresh.objective(),
+                                        fresh.objective() + fresh.numberColumns());
+    std::fill_n(fresh.objective(), fresh.numberColumns(), 0.0);
+    fresh.primal();
+    std::copy(objective.begin(), objective.end(), fresh.objective());
+    if (fresh.status() == optimal) {
+        fresh.primal();
+    }
+    lp_ = fresh;
+}
+
+/// What the simplex method says, where it is proven.
+relaxation::outcome relaxation::checked_outcome() {
     switch (lp_.status()) {
     case optimal:
-        return std::isfinite(lp_.objectiveValue()) ? outcome::optimal : outcome::error;
+        return take_bound();
     case infeasible:
-        return outcome::infeasible;
+        return is_proven_infeasible(lp_) ? outcome::infeasible : outcome::undecided;
     case unbounded:
-        return outcome::unbounded;
+        return has_proven_ray(lp_) && has_feasible_point() ? outcome::unbounded
+                                                           : outcome::undecided;
     case stopped_by_event:
         return outcome::stopped;
     default:
-        return outcome::error;
+        return outcome::undecided;
     }
+}
+
+/// Compares the objective with the proven bound. Without a proof the objective counts only when all
+/// numbers are moderate.
+relaxation::outcome relaxation::take_bound() {
+    const double objective = lp_.objectiveValue();
+    if (!std::isfinite(objective)) {
+        return outcome::undecided;
+    }
+    const std::optional<double> proven = safe_bound_->of(lp_);
+    if (!proven && !safe_bound_->is_moderate()) {
+        return outcome::undecided;
+    }
+    const bool is_exact = !proven || objective - *proven <= 1e-9 * (1.0 + std::fabs(objective));
+    bound_ = is_exact ? objective : *proven;
+    return outcome::optimal;
+}
+
+/// Solves the program without its objective.
+bool relaxation::has_feasible_point() const {
+    ClpSimplex copy(lp_);
+    const std::vector<double> no_objective(static_cast<std::size_t>(lp_.numberColumns()), 0.0);
+    copy.chgObjCoefficients(no_objective.data());
+    copy.primal();
+    return copy.status() == optimal;
 }
 
 void relaxation::add(const std::vector<cut>& cuts) {

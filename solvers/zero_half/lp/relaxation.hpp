@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <vector>
 
 #include <ClpEventHandler.hpp>
@@ -8,13 +9,16 @@
 
 #include "input/model.hpp"
 #include "lp/cut.hpp"
+#include "lp/safe_bound.hpp"
 
 namespace zero_half {
 
 /// The linear relaxation of a model, to which cuts are added.
 class relaxation {
 public:
-    enum class outcome { optimal, infeasible, unbounded, stopped, error };
+    /// `infeasible` and `unbounded` are proven in exact arithmetic. `undecided`: the simplex method
+    /// failed, or there is no proof of what it says.
+    enum class outcome { optimal, infeasible, unbounded, stopped, undecided };
 
     /// The simplex method calls `should_stop` every few iterations and stops when it returns true.
     relaxation(const model& program, std::function<bool()> should_stop);
@@ -23,7 +27,9 @@ public:
     outcome solve();
     void add(const std::vector<cut>& cuts);
 
-    double bound() const { return lp_.objectiveValue(); }
+    /// After `optimal`: a lower bound on the objective of all feasible points. It is the objective
+    /// at the point when that is proven up to a relative 1e-9, and less otherwise.
+    double bound() const { return bound_; }
     const double* point() const { return lp_.getColSolution(); }
     const ClpSimplex& solver() const { return lp_; }
 
@@ -41,8 +47,14 @@ private:
     };
 
     void set_tolerance(double tolerance);
+    void solve_afresh();
+    outcome checked_outcome();
+    outcome take_bound();
+    bool has_feasible_point() const;
 
     ClpSimplex lp_;
+    std::optional<safe_bound> safe_bound_;
+    double bound_ = 0.0;
 };
 
 } // namespace zero_half

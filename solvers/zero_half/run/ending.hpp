@@ -39,7 +39,7 @@ inline constexpr std::array<ending_text, 9> ending_texts = {{
     {ending::stopped_by_output_function, "stopped_by_output_function", "stopped",
      "the output function stopped the run"},
     {ending::numeric_error, "numeric_error", "numeric",
-     "the relaxation with the cuts could not be solved"},
+     "the relaxation with the last cuts could not be decided"},
 }};
 
 constexpr const ending_text& text_of(ending reason) {

@@ -8,6 +8,7 @@
 
 #include "cuts/separation.hpp"
 #include "input/error.hpp"
+#include "lp/integral_point.hpp"
 #include "lp/relaxation.hpp"
 #include "run/bridge.hpp"
 
@@ -19,20 +20,6 @@ using clock = std::chrono::steady_clock;
 
 double seconds_since(clock::time_point start) {
     return std::chrono::duration<double>(clock::now() - start).count();
-}
-
-bool is_integral(const model& program, const double* point) {
-    constexpr double tolerance = 1e-6;
-    for (int j = 0; j < program.column_count(); ++j) {
-        zktarn::flag integral = 1;
-        if (program.is_integer[static_cast<std::size_t>(j)] != 0) {
-            zktarn::util::epsilon_is_int(point[j], tolerance, integral);
-        }
-        if (integral == 0) {
-            return false;
-        }
-    }
-    return true;
 }
 
 constexpr const char* heading =
@@ -84,6 +71,9 @@ private:
     relaxation relaxation_;
     separator separator_;
     run_result result_;
+    /// Whether the point of the last relaxation, rounded, is an integer point with the bound as its
+    /// objective.
+    bool is_integral_ = false;
     /// The bounds of all relaxations so far.
     std::vector<double> history_;
 };
@@ -126,7 +116,7 @@ std::optional<ending> run::reason_to_end(const step& last) const {
     case relaxation::outcome::infeasible:
         return ending::no_integer_point;
     case relaxation::outcome::unbounded:
-    case relaxation::outcome::error:
+    case relaxation::outcome::undecided:
         return ending::numeric_error;
     case relaxation::outcome::optimal:
         break;
@@ -137,7 +127,7 @@ std::optional<ending> run::reason_to_end(const step& last) const {
     if (host_.is_interrupted()) {
         return ending::interrupted;
     }
-    if (is_integral(model_, relaxation_.point())) {
+    if (is_integral_) {
         return ending::integral;
     }
     const std::optional<double> closed = result_.gap_closed(result_.bound);
@@ -157,16 +147,16 @@ run::step run::solve_first() {
     const relaxation::outcome outcome = relaxation_.solve();
     switch (outcome) {
     case relaxation::outcome::optimal:
-        result_.first_bound = result_.bound = relaxation_.bound();
-        history_.push_back(relaxation_.bound());
+        take_bound();
+        result_.first_bound = result_.bound;
         break;
     case relaxation::outcome::infeasible:
         throw error(model_.file + ": the relaxation has no feasible point");
     case relaxation::outcome::unbounded:
         throw error(model_.file + ": the relaxation is unbounded");
-    case relaxation::outcome::error:
-        throw error(model_.file +
-                    ": the relaxation cannot be solved, its numbers are too far apart");
+    case relaxation::outcome::undecided:
+        throw error(model_.file + ": it could not be decided whether the relaxation has an optimum "
+                                  "and which; its numbers are too far apart");
     case relaxation::outcome::stopped:
         break;
     }
@@ -198,13 +188,19 @@ run::step run::execute_round() {
     return {outcome};
 }
 
+/// Further rows cannot lower the bound, so a lower one comes from rounding errors and the last one
+/// remains. No bound is above the objective of an integer point.
 void run::take_bound() {
-    const double before = *result_.bound;
-    // Further rows cannot lower the bound by more than the tolerances of the simplex method.
-    zktarn::assert_mod::tarnassert(relaxation_.bound() >=
-                                   before - 1e-6 * (1.0 + std::fabs(before)));
-    result_.bound = std::max(before, relaxation_.bound());
-    history_.push_back(*result_.bound);
+    double bound = std::max(result_.bound.value_or(relaxation_.bound()), relaxation_.bound());
+    const std::optional<double> objective = integral_objective(model_, relaxation_.point());
+    is_integral_ = objective && *objective <= bound + 1e-6 * (1.0 + std::fabs(bound));
+    if (objective) {
+        bound = std::min(bound, *objective);
+    }
+    zktarn::assert_mod::tarnassert(!result_.bound ||
+                                   bound >= *result_.bound - 1e-6 * (1.0 + std::fabs(bound)));
+    result_.bound = bound;
+    history_.push_back(bound);
 }
 
 void run::record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms) {

@@ -1,0 +1,276 @@
+#include "lp/certificate.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include <boost/multiprecision/cpp_int.hpp>
+
+#include "zktarn/zktarn_util.hpp"
+
+namespace zero_half {
+
+namespace {
+
+using boost::multiprecision::cpp_rational;
+using multipliers = std::vector<double>;
+
+/// Clp stores COIN_DBL_MAX for an infinite bound; finite ones are at most 1e15.
+bool is_infinite(double bound) {
+    return std::fabs(bound) >= 1e20;
+}
+
+/// A side of a row as a point may meet it: numbers of a file are decimals, which doubles represent
+/// with an error, so a point that exceeds a side by this little is feasible.
+cpp_rational tolerance_at(double side) {
+    constexpr double relative = 1e-9;
+    return cpp_rational(relative * std::max(1.0, std::fabs(side)));
+}
+
+/// The least value of factor * x for lower <= x <= upper; nothing when there is none.
+std::optional<cpp_rational> least_product(const cpp_rational& factor, double lower, double upper) {
+    if (factor == 0) {
+        return cpp_rational(0);
+    }
+    const double bound = factor > 0 ? lower : upper;
+    return is_infinite(bound) ? std::nullopt
+                              : std::optional<cpp_rational>(factor * cpp_rational(bound));
+}
+
+/// Whether the bounds alone contradict: lower > upper.
+bool has_crossed_bounds(const ClpSimplex& lp) {
+    const auto are_crossed = [](const double* lower, const double* upper, int n) {
+        for (int k = 0; k < n; ++k) {
+            if (lower[k] > upper[k]) {
+                return true;
+            }
+        }
+        return false;
+    };
+    return are_crossed(lp.getColLower(), lp.getColUpper(), lp.numberColumns()) ||
+           are_crossed(lp.getRowLower(), lp.getRowUpper(), lp.numberRows());
+}
+
+/// Whether the weighted sum of the rows is above its greatest right-hand side for all points
+/// between the columns' bounds.
+bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights) {
+    cpp_rational rhs = 0;
+    for (int i = 0; i < lp.numberRows(); ++i) {
+        const double weight = weights[static_cast<std::size_t>(i)];
+        if (weight == 0.0) {
+            continue;
+        }
+        const double side = weight > 0.0 ? lp.getRowUpper()[i] : lp.getRowLower()[i];
+        if (is_infinite(side)) {
+            return false;
+        }
+        rhs += cpp_rational(weight) * cpp_rational(side) +
+               cpp_rational(std::fabs(weight)) * tolerance_at(side);
+    }
+    const CoinPackedMatrix& columns = *lp.matrix();
+    cpp_rational least = 0;
+    for (int j = 0; j < lp.numberColumns(); ++j) {
+        cpp_rational coefficient = 0;
+        const CoinBigIndex first = columns.getVectorFirst(j);
+        for (CoinBigIndex k = first; k < first + columns.getVectorSize(j); ++k) {
+            const double weight = weights[static_cast<std::size_t>(columns.getIndices()[k])];
+            if (weight != 0.0) {
+                coefficient += cpp_rational(weight) * cpp_rational(columns.getElements()[k]);
+            }
+        }
+        const auto product = least_product(coefficient, lp.getColLower()[j], lp.getColUpper()[j]);
+        if (!product) {
+            return false;
+        }
+        least += *product;
+    }
+    return least > rhs;
+}
+
+/// Whether the bounds of its columns contradict a row.
+bool has_contradicted_row(const ClpSimplex& lp) {
+    CoinPackedMatrix rows;
+    rows.reverseOrderedCopyOf(*lp.matrix());
+    for (int i = 0; i < lp.numberRows(); ++i) {
+        for (const double sign : {1.0, -1.0}) {
+            const double side = sign > 0.0 ? lp.getRowUpper()[i] : lp.getRowLower()[i];
+            if (is_infinite(side)) {
+                continue;
+            }
+            std::optional<cpp_rational> least = cpp_rational(0);
+            const CoinBigIndex first = rows.getVectorFirst(i);
+            for (CoinBigIndex k = first; least && k < first + rows.getVectorSize(i); ++k) {
+                const int j = rows.getIndices()[k];
+                const auto product = least_product(cpp_rational(sign * rows.getElements()[k]),
+                                                   lp.getColLower()[j], lp.getColUpper()[j]);
+                least = product ? std::optional<cpp_rational>(*least + *product) : std::nullopt;
+            }
+            if (least && *least > cpp_rational(sign * side) + tolerance_at(side)) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+/// Whether the direction is a ray of the rows and bounds along which the objective falls.
+bool is_ray_proof(const ClpSimplex& lp, const multipliers& direction) {
+    const CoinPackedMatrix& columns = *lp.matrix();
+    std::vector<cpp_rational> activity(static_cast<std::size_t>(lp.numberRows()));
+    cpp_rational slope = 0;
+    for (int j = 0; j < lp.numberColumns(); ++j) {
+        const double step = direction[static_cast<std::size_t>(j)];
+        if (step == 0.0) {
+            continue;
+        }
+        if (!is_infinite(step > 0.0 ? lp.getColUpper()[j] : lp.getColLower()[j])) {
+            return false;
+        }
+        slope += cpp_rational(step) * cpp_rational(lp.getObjCoefficients()[j]);
+        const CoinBigIndex first = columns.getVectorFirst(j);
+        for (CoinBigIndex k = first; k < first + columns.getVectorSize(j); ++k) {
+            activity[static_cast<std::size_t>(columns.getIndices()[k])] +=
+                cpp_rational(step) * cpp_rational(columns.getElements()[k]);
+        }
+    }
+    for (int i = 0; i < lp.numberRows(); ++i) {
+        const cpp_rational& change = activity[static_cast<std::size_t>(i)];
+        if ((change > 0 && !is_infinite(lp.getRowUpper()[i])) ||
+            (change < 0 && !is_infinite(lp.getRowLower()[i]))) {
+            return false;
+        }
+    }
+    return slope < 0;
+}
+
+/// The ray with its largest magnitude 1 and negligible entries 0.
+multipliers normalised(const double* ray, int n, double sign) {
+    constexpr double negligible = 1e-9;
+    multipliers scaled(ray, ray + n);
+    double largest = 0.0;
+    for (const double entry : scaled) {
+        largest = std::max(largest, std::fabs(entry));
+    }
+    for (double& entry : scaled) {
+        entry = largest > 0.0 ? sign * entry / largest : 0.0;
+        entry = std::fabs(entry) < negligible ? 0.0 : entry;
+    }
+    return scaled;
+}
+
+/// The ray times the least number that makes all its entries nearly integers, rounded to these;
+/// nothing when there is no such number.
+std::optional<multipliers> integral(const multipliers& ray) {
+    constexpr double tolerance = 1e-6;
+    constexpr double most_denominator = 10'000.0;
+    constexpr double most_scale = 1e8;
+    zktarn::flag found = 0;
+    double scale = 0.0;
+    zktarn::util::find_scalar_integral(
+        static_cast<std::int32_t>(ray.size()),
+        [&](const std::int32_t& i, double& value, zktarn::flag& marked, zktarn::flag& selected) {
+            value = ray[static_cast<std::size_t>(i - 1)];
+            marked = 0;
+            selected = 1;
+        },
+        tolerance, most_denominator, most_scale, found, scale);
+    if (found == 0) {
+        return std::nullopt;
+    }
+    multipliers rounded = ray;
+    for (double& entry : rounded) {
+        entry = std::round(entry * scale);
+    }
+    return rounded;
+}
+
+/// Whether the ray or its integral multiple, in one of the two directions, passes the check.
+template <class Check>
+bool is_proven_by(const double* ray, int n, Check check) {
+    if (ray == nullptr) {
+        return false;
+    }
+    for (const double sign : {1.0, -1.0}) {
+        const multipliers scaled = normalised(ray, n, sign);
+        if (check(scaled)) {
+            return true;
+        }
+        const std::optional<multipliers> rounded = integral(scaled);
+        if (rounded && check(*rounded)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// Multipliers whose row has no side of their sign are 0: in exact arithmetic they are errors.
+multipliers with_finite_sides(const ClpSimplex& lp, multipliers weights) {
+    for (int i = 0; i < lp.numberRows(); ++i) {
+        double& weight = weights[static_cast<std::size_t>(i)];
+        if (is_infinite(weight > 0.0 ? lp.getRowUpper()[i] : lp.getRowLower()[i])) {
+            weight = 0.0;
+        }
+    }
+    return weights;
+}
+
+/// Multipliers from the program that minimises the total violation of the rows: its row duals are a
+/// Farkas proof when the total is not 0. For programs whose solve left no ray.
+multipliers violation_duals(const ClpSimplex& lp) {
+    const int m = lp.numberRows();
+    ClpSimplex elastic;
+    elastic.setLogLevel(0);
+    const std::vector<double> no_objective(static_cast<std::size_t>(lp.numberColumns()), 0.0);
+    elastic.loadProblem(*lp.matrix(), lp.getColLower(), lp.getColUpper(), no_objective.data(),
+                        lp.getRowLower(), lp.getRowUpper());
+    for (int i = 0; i < m; ++i) {
+        for (const double element : {1.0, -1.0}) {
+            elastic.addColumn(1, &i, &element, 0.0, COIN_DBL_MAX, 1.0);
+        }
+    }
+    elastic.passInEventHandler(lp.eventHandler());
+    elastic.primal();
+    const double* const prices = elastic.getRowPrice();
+    return multipliers(prices, prices + m);
+}
+
+} // namespace
+
+bool is_proven_infeasible(const ClpSimplex& lp) {
+    if (has_crossed_bounds(lp)) {
+        return true;
+    }
+    const auto check = [&](const multipliers& weights) {
+        return is_farkas_proof(lp, with_finite_sides(lp, weights));
+    };
+    const std::unique_ptr<double[]> ray(lp.infeasibilityRay());
+    return is_proven_by(ray.get(), lp.numberRows(), check) || has_contradicted_row(lp) ||
+           is_proven_by(violation_duals(lp).data(), lp.numberRows(), check);
+}
+
+bool has_proven_ray(const ClpSimplex& lp) {
+    const std::unique_ptr<double[]> ray(lp.unboundedRay());
+    const auto check = [&](const multipliers& direction) { return is_ray_proof(lp, direction); };
+    if (is_proven_by(ray.get(), lp.numberColumns(), check)) {
+        return true;
+    }
+    // A single column that no row limits.
+    multipliers direction(static_cast<std::size_t>(lp.numberColumns()), 0.0);
+    for (int j = 0; j < lp.numberColumns(); ++j) {
+        const double cost = lp.getObjCoefficients()[j];
+        if (cost == 0.0 || !is_infinite(cost < 0.0 ? lp.getColUpper()[j] : lp.getColLower()[j])) {
+            continue;
+        }
+        direction[static_cast<std::size_t>(j)] = cost < 0.0 ? 1.0 : -1.0;
+        if (lp.matrix()->getVectorSize(j) == 0 && check(direction)) {
+            return true;
+        }
+        direction[static_cast<std::size_t>(j)] = 0.0;
+    }
+    return false;
+}
+
+} // namespace zero_half

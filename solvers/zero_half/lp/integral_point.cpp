@@ -1,0 +1,103 @@
+#include "lp/integral_point.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+#include "zktarn/zktarn_util.hpp"
+
+namespace zero_half {
+
+namespace {
+
+/// Products of numbers up to 1e15 and sums of 2^26 of them are exact.
+__extension__ typedef __int128 wide_integer;
+
+constexpr double tolerance = 1e-6;
+
+/// The point with integer columns rounded; nothing when one is not nearly an integer.
+std::optional<std::vector<double>> rounded(const model& program, const double* point) {
+    std::vector<double> nearest(point, point + program.column_count());
+    for (std::size_t j = 0; j < nearest.size(); ++j) {
+        if (program.is_integer[j] == 0) {
+            continue;
+        }
+        zktarn::flag is_integer = 0;
+        zktarn::util::epsilon_is_int(point[j], tolerance, is_integer, nearest[j]);
+        if (is_integer == 0) {
+            return std::nullopt;
+        }
+    }
+    return nearest;
+}
+
+bool is_within(double value, double lower, double upper) {
+    return (lower <= -no_bound || value >= lower) && (upper >= no_bound || value <= upper);
+}
+
+double relaxed_by(double side, double direction) {
+    return side + direction * tolerance * std::max(1.0, std::fabs(side));
+}
+
+bool is_integer_number(double value) {
+    return std::trunc(value) == value;
+}
+
+/// Whether the point satisfies row `i` of the model.
+bool satisfies_row(const model& program, int i, const std::vector<double>& point) {
+    const int first = program.rows.getVectorFirst(i);
+    const int* const columns = program.rows.getIndices() + first;
+    const double* const values = program.rows.getElements() + first;
+    bool is_exact = true;
+    wide_integer exact = 0;
+    double activity = 0.0;
+    for (int k = 0; k < program.rows.getVectorSize(i); ++k) {
+        const double x = point[static_cast<std::size_t>(columns[k])];
+        activity += values[k] * x;
+        is_exact = is_exact && is_integer_number(values[k]) && is_integer_number(x) &&
+                   std::fabs(x) <= 1e15;
+        if (is_exact) {
+            exact += static_cast<wide_integer>(values[k]) * static_cast<wide_integer>(x);
+        }
+    }
+    const double lower = program.row_lower[static_cast<std::size_t>(i)];
+    const double upper = program.row_upper[static_cast<std::size_t>(i)];
+    if (!is_exact) {
+        return is_within(activity, relaxed_by(lower, -1.0), relaxed_by(upper, 1.0));
+    }
+    // An integer is at most a number exactly when it is at most the floor of the number.
+    return (lower <= -no_bound || exact >= static_cast<wide_integer>(std::ceil(lower))) &&
+           (upper >= no_bound || exact <= static_cast<wide_integer>(std::floor(upper)));
+}
+
+bool is_feasible(const model& program, const std::vector<double>& point) {
+    for (std::size_t j = 0; j < point.size(); ++j) {
+        const double slip = program.is_integer[j] != 0 ? 0.0 : 1.0;
+        if (!is_within(point[j], relaxed_by(program.lower[j], -slip),
+                       relaxed_by(program.upper[j], slip))) {
+            return false;
+        }
+    }
+    for (int i = 0; i < program.row_count(); ++i) {
+        if (!satisfies_row(program, i, point)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+std::optional<double> integral_objective(const model& program, const double* point) {
+    const std::optional<std::vector<double>> nearest = rounded(program, point);
+    if (!nearest || !is_feasible(program, *nearest)) {
+        return std::nullopt;
+    }
+    double objective = program.constant;
+    for (std::size_t j = 0; j < nearest->size(); ++j) {
+        objective += program.objective[j] * (*nearest)[j];
+    }
+    return objective;
+}
+
+} // namespace zero_half

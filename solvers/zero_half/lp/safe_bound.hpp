@@ -1,0 +1,38 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include <ClpSimplex.hpp>
+
+namespace zero_half {
+
+/// Proven lower bounds on the optimum of a linear program to which rows are added.
+class safe_bound {
+public:
+    /// Derives bounds for columns that have none from the rows of the program.
+    explicit safe_bound(const ClpSimplex& lp);
+
+    /// A lower bound on the objective of every feasible point, whatever rounding errors the simplex
+    /// method has made: the bound that the row duals of the last solve give by weak duality, minus
+    /// a bound on all rounding errors of its evaluation (Neumaier and Shcherbina, Safe bounds in
+    /// linear and mixed-integer linear programming, 2004). Nothing when a column without bounds
+    /// prevents a proof. Costs one pass over the coefficients.
+    std::optional<double> of(const ClpSimplex& lp) const;
+
+    /// Whether all numbers are small enough for the usual tolerances to have a meaning.
+    bool is_moderate() const { return is_moderate_; }
+
+private:
+    struct range {
+        double lower;
+        double upper;
+    };
+    void imply_bounds(const CoinPackedMatrix& rows, int i, double side, double sign);
+
+    /// The bounds of the columns, where these have them, or implied ones.
+    std::vector<range> columns_;
+    bool is_moderate_;
+};
+
+} // namespace zero_half

@@ -1,0 +1,188 @@
+#include <limits>
+#include <vector>
+
+#include <CoinPackedVector.hpp>
+#include <gtest/gtest.h>
+
+#include "lp/certificate.hpp"
+#include "lp/integral_point.hpp"
+#include "lp/safe_bound.hpp"
+
+namespace zero_half::testing {
+
+namespace {
+
+constexpr double infinite = std::numeric_limits<double>::max();
+
+struct row {
+    std::vector<double> coefficients;
+    double lower;
+    double upper;
+};
+
+/// A linear program over dense rows, all columns with the same bounds.
+ClpSimplex program_of(const std::vector<double>& objective, const std::vector<row>& rows,
+                      double lower, double upper) {
+    CoinPackedMatrix matrix(false, 0.0, 0.0);
+    matrix.setDimensions(0, static_cast<int>(objective.size()));
+    std::vector<double> row_lower;
+    std::vector<double> row_upper;
+    for (const row& each : rows) {
+        CoinPackedVector entries;
+        for (std::size_t j = 0; j < each.coefficients.size(); ++j) {
+            if (each.coefficients[j] != 0.0) {
+                entries.insert(static_cast<int>(j), each.coefficients[j]);
+            }
+        }
+        matrix.appendRow(entries);
+        row_lower.push_back(each.lower);
+        row_upper.push_back(each.upper);
+    }
+    const std::vector<double> lowers(objective.size(), lower);
+    const std::vector<double> uppers(objective.size(), upper);
+    ClpSimplex lp;
+    lp.setLogLevel(0);
+    lp.loadProblem(matrix, lowers.data(), uppers.data(), objective.data(), row_lower.data(),
+                   row_upper.data());
+    return lp;
+}
+
+} // namespace
+
+TEST(Certificate, ProvesContradictingRowsOverFreeColumns) {
+    ClpSimplex lp =
+        program_of({1, 1}, {{{1, 1}, -infinite, 1}, {{1, 1}, 2, infinite}}, -infinite, infinite);
+    lp.primal();
+    ASSERT_EQ(lp.status(), 1);
+    EXPECT_TRUE(is_proven_infeasible(lp));
+}
+
+TEST(Certificate, ProvesASumWithThirds) {
+    // Three times the first row minus the second: 0 * x <= -1.
+    ClpSimplex lp =
+        program_of({0, 0}, {{{1, 2}, -infinite, 1}, {{3, 6}, 4, infinite}}, -infinite, infinite);
+    lp.primal();
+    ASSERT_EQ(lp.status(), 1);
+    EXPECT_TRUE(is_proven_infeasible(lp));
+}
+
+TEST(Certificate, ProvesCrossedBoundsAndRowsThatTheBoundsContradict) {
+    ClpSimplex crossed = program_of({1}, {{{1}, -infinite, 1}}, 1, 0);
+    EXPECT_TRUE(is_proven_infeasible(crossed));
+    ClpSimplex contradicted = program_of({1, 1}, {{{2, 3}, 6, infinite}}, 0, 1);
+    EXPECT_TRUE(is_proven_infeasible(contradicted));
+}
+
+TEST(Certificate, ProvesNothingOfAFeasibleProgram) {
+    ClpSimplex lp = program_of({1, 1}, {{{1, 1}, 1, 1}, {{1, -1}, 0, 0}}, 0, 1);
+    lp.primal();
+    EXPECT_FALSE(is_proven_infeasible(lp));
+    EXPECT_FALSE(has_proven_ray(lp));
+}
+
+TEST(Certificate, ProvesNothingOfAContradictionWithinTheErrorOfDecimals) {
+    // 0.1 + 0.2 is not 0.3 in doubles.
+    ClpSimplex lp = program_of({0, 0}, {{{0.1, 0.2}, 0.3, 0.3}}, 1, 1);
+    EXPECT_FALSE(is_proven_infeasible(lp));
+}
+
+TEST(Certificate, ProvesARayAndNotADirectionThatARowEnds) {
+    ClpSimplex unbounded = program_of({-1, -1}, {{{1, -1}, -infinite, 1}}, 0, infinite);
+    unbounded.primal();
+    ASSERT_EQ(unbounded.status(), 2);
+    EXPECT_TRUE(has_proven_ray(unbounded));
+    ClpSimplex bounded = program_of({-1, -1}, {{{1, 1}, -infinite, 1}}, 0, infinite);
+    bounded.primal();
+    EXPECT_FALSE(has_proven_ray(bounded));
+}
+
+TEST(SafeBound, IsTheObjectiveOfASmallProgram) {
+    ClpSimplex lp = program_of({1, 2}, {{{1, 1}, 1, infinite}, {{1, -1}, -infinite, 0}}, 0, 1);
+    const safe_bound bound(lp);
+    lp.dual();
+    ASSERT_TRUE(bound.of(lp).has_value());
+    EXPECT_LE(*bound.of(lp), 1.5);
+    EXPECT_NEAR(*bound.of(lp), 1.5, 1e-12);
+}
+
+TEST(SafeBound, HoldsForWrongDuals) {
+    ClpSimplex lp = program_of({1, 2}, {{{1, 1}, 1, infinite}, {{1, -1}, -infinite, 0}}, 0, 1);
+    const safe_bound bound(lp);
+    lp.dual();
+    for (const double wrong : {-3.0, 0.0, 0.5, 1.4999, 7.0}) {
+        lp.dualRowSolution()[0] = wrong;
+        ASSERT_TRUE(bound.of(lp).has_value());
+        EXPECT_LT(*bound.of(lp), 1.5);
+    }
+}
+
+TEST(SafeBound, DerivesBoundsOfColumnsWithoutBoundsFromRows) {
+    ClpSimplex bounded = program_of({-1, -1}, {{{3, 7}, -infinite, 2}}, 0, infinite);
+    const safe_bound bound(bounded);
+    bounded.dual();
+    ASSERT_TRUE(bound.of(bounded).has_value());
+    EXPECT_NEAR(*bound.of(bounded), -2.0 / 3.0, 1e-12);
+    ClpSimplex unbounded = program_of({-1, -1}, {{{3, -7}, -infinite, 2}}, 0, infinite);
+    EXPECT_FALSE(safe_bound(unbounded).of(unbounded).has_value());
+}
+
+TEST(SafeBound, TellsModerateFromLargeNumbers) {
+    EXPECT_TRUE(safe_bound(program_of({1e9}, {{{1}, -infinite, 1}}, 0, infinite)).is_moderate());
+    EXPECT_FALSE(safe_bound(program_of({2e9}, {{{1}, -infinite, 1}}, 0, infinite)).is_moderate());
+    EXPECT_FALSE(safe_bound(program_of({1}, {{{1e14}, -infinite, 1}}, 0, infinite)).is_moderate());
+}
+
+namespace {
+
+/// coefficients * x <= rhs over integer columns from 0 to 10.
+model model_of(const std::vector<double>& coefficients, double rhs) {
+    model program;
+    const int n = static_cast<int>(coefficients.size());
+    CoinPackedVector entries;
+    for (int j = 0; j < n; ++j) {
+        entries.insert(j, coefficients[static_cast<std::size_t>(j)]);
+    }
+    program.rows = CoinPackedMatrix(false, 0.0, 0.0);
+    program.rows.setDimensions(0, n);
+    program.rows.appendRow(entries);
+    program.row_lower = {-no_bound};
+    program.row_upper = {rhs};
+    program.lower.assign(coefficients.size(), 0.0);
+    program.upper.assign(coefficients.size(), 10.0);
+    program.objective.assign(coefficients.size(), 1.0);
+    program.is_integer.assign(coefficients.size(), 1);
+    return program;
+}
+
+} // namespace
+
+TEST(IntegralPoint, HasTheObjectiveOfTheRoundedPoint) {
+    model program = model_of({1, 1}, 5);
+    program.objective = {1e9, 1.0};
+    program.constant = 0.5;
+    const std::vector<double> point = {2.0 - 1e-7, 3.0 + 1e-7};
+    EXPECT_EQ(integral_objective(program, point.data()), 2e9 + 3.5);
+}
+
+TEST(IntegralPoint, RefusesFractionsAndPointsThatViolateARowAfterRounding) {
+    const std::vector<double> fractional = {2.0, 2.99};
+    EXPECT_FALSE(integral_objective(model_of({1, 1}, 5), fractional.data()));
+    // 1e8 * (2 - 1e-7) is below the right-hand side, 2e8 is not.
+    const std::vector<double> below = {2.0 - 1e-7, 0.0};
+    EXPECT_FALSE(integral_objective(model_of({1e8, 1}, 2e8 - 5), below.data()));
+    EXPECT_TRUE(integral_objective(model_of({1e8, 1}, 2e8), below.data()));
+    EXPECT_FALSE(integral_objective(model_of({1e15, 1e15}, 1e15 - 1), below.data()));
+}
+
+TEST(IntegralPoint, ChecksRowsWithDecimalsWithATolerance) {
+    const std::vector<double> point = {1.0, 1.0};
+    EXPECT_TRUE(integral_objective(model_of({0.1, 0.2}, 0.3), point.data()));
+    EXPECT_FALSE(integral_objective(model_of({0.1, 0.2}, 0.2999), point.data()));
+}
+
+TEST(IntegralPoint, RefusesPointsOutsideOfTheBounds) {
+    const std::vector<double> outside = {11.0, 0.0};
+    EXPECT_FALSE(integral_objective(model_of({1, 1}, 50), outside.data()));
+}
+
+} // namespace zero_half::testing
