@@ -15,7 +15,7 @@ namespace {
 void compare_vector_with_blocks(std::int32_t n) {
     const auto library = [n](std::int64_t) {
         vector_type::vector* vec = nullptr;
-        vector_type::vector_alloc(vec, n);
+        benchmark::DoNotOptimize(vector_type::vector_alloc(vec, n));
         benchmark::DoNotOptimize(vec);
         vector_type::vector_free(vec);
     };

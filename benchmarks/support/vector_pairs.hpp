@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 #include <vector>
@@ -23,7 +24,9 @@ namespace zktarn::bench {
 struct library_pair {
     explicit library_pair(std::int32_t n, flag no_elm = 0) {
         for (vector_type::vector** each : {&x, &y}) {
-            vector_type::vector_alloc(*each, n, {}, {}, no_elm);
+            if (vector_type::vector_alloc(*each, n, {}, {}, no_elm) == 0) {
+                throw std::bad_alloc();
+            }
             // Pages that were never written would be taken from the system while the clock runs.
             std::fill_n((*each)->coef.data, n, 0.0);
             std::fill_n((*each)->ind.data, n, 0);

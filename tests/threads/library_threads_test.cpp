@@ -27,8 +27,8 @@ std::vector<double> row_modulo_2(std::int32_t first) {
     using namespace vector_mod;
     vector* x = nullptr;
     vector* y = nullptr;
-    vector_type::vector_alloc(x, 200);
-    vector_type::vector_alloc(y, 200);
+    EXPECT_EQ(vector_type::vector_alloc(x, 200), 1);
+    EXPECT_EQ(vector_type::vector_alloc(y, 200), 1);
     for (std::int32_t j = first; j <= 200; j += 3) {
         vector_add_nz(*x, j, 1.0 * j);
         vector_add_nz(*y, 201 - j, 2.0 * j + 1.0);
@@ -102,7 +102,7 @@ TEST(LibraryThreads, ASeenInterruptIsThatOfTheWholeProcess) {
 
 TEST(LibraryThreads, DISABLED_AVectorIsShared) {
     vector_type::vector* v = nullptr;
-    vector_type::vector_alloc(v, 100);
+    EXPECT_EQ(vector_type::vector_alloc(v, 100), 1);
     on_two_threads([v](int t) {
         for (std::int32_t j = 1; j <= 50; ++j) {
             vector_mod::vector_add_nz(*v, 50 * t + j, 1.0);

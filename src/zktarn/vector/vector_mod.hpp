@@ -11,12 +11,19 @@
 
 /// Operations on sparse vectors.
 ///
-/// The record, its three modes and what they keep are described in vector_type.hpp. Throughout, j
-/// is an element index and k a list position, both in 1..n for a vector of capacity n. A procedure
-/// that says "marks mode" needs `elm` and `ind`; one that lists needs room in the list. Nothing
-/// allocates.
+/// The record, its three modes and their invariants are described in vector_type.hpp. For a vector
+/// of capacity n, j is an element index and k a list position, both in 1..n.
 ///
-/// No operation keeps the index list sorted, and none clears a coefficient whose entry it removes.
+/// Preconditions. A procedure marked "marks mode" needs `elm` and `ind`. A procedure that appends
+/// needs room in the list. Every listed index is in 1..n. Ordinary builds check nothing.
+///
+/// Cost. A procedure on one element takes constant time, except in list mode: there
+/// `vector_get_coef` and `vector_add_nz` search the list, in time proportional to nz. A procedure
+/// on whole vectors takes time proportional to the number of listed entries of its vectors, except
+/// `vectors_combine` with x in list mode: it searches the list of x for each entry of y.
+///
+/// No procedure allocates, keeps the index list sorted, or clears a coefficient whose entry it
+/// removes. List positions behind nz hold scratch values.
 
 namespace zktarn::vector_mod {
 
@@ -25,14 +32,14 @@ using vector_type::vector;
 // Components
 // ----------------------------------------------------------------------------------------
 //
-// Each reads or writes one component and keeps nothing else consistent with it.
+// Each reads or writes one component. The caller keeps the other components consistent with it.
 
 /// The number of listed entries.
 [[nodiscard]] ZKTARN_API_INLINE std::int32_t vector_get_nz(const vector& v) noexcept {
     return v.nz;
 }
 
-/// nz := n.
+/// nz := n, where n is at most the capacity, if v has a list.
 ZKTARN_API_INLINE void vector_set_nz(vector& v, const std::int32_t& n) noexcept {
     ZKTARN_CHECK(!v.ind.present() || n <= v.ind.extent[0]);
     v.nz = n;
@@ -75,8 +82,8 @@ ZKTARN_API_INLINE void vector_rem_elm(vector& v, const std::int32_t& j) noexcept
 // Entries
 // -------------------------------------------------------------------------------------------
 
-/// The coefficient of j: coef(j) for a member, 0.0 for any other index, whatever stale value it
-/// has. In dense mode coef(j). Needs `coef` for a member.
+/// The coefficient of j: coef(j) for a member, 0.0 for any other index. In dense mode coef(j).
+/// Needs `coef` when j is a member. In list mode searches the list.
 [[nodiscard]] ZKTARN_API_INLINE double vector_get_coef(const vector& v,
                                                        const std::int32_t& j) noexcept {
     ZKTARN_CHECK(v.elm.present() || !v.ind.present() || detail::is_element(v, j));
@@ -86,12 +93,14 @@ ZKTARN_API_INLINE void vector_rem_elm(vector& v, const std::int32_t& j) noexcept
     return member ? v.coef(j) : 0.0;
 }
 
-/// Makes j a listed entry and stores its coefficient.
+/// Makes j a listed entry and stores its coefficient. In list mode searches the list.
 ///
-/// @param v      in/out. A member stays where it is listed; any other index is listed last (and
-///               marked in marks mode). In dense mode nothing is listed and nz stays.
+/// @param v      in/out. A member stays where it is listed. Any other index is appended to the
+/// list,
+///               which needs room for it, and in marks mode marked with 1. In dense mode nothing is
+///               listed and nz stays.
 /// @param j      in.
-/// @param value  in, optional. Stored in coef(j), 0.0 included. Absent, coef(j) stays as it was.
+/// @param value  in, optional. Stored in coef(j), 0.0 included. When absent, coef(j) stays.
 ZKTARN_API_INLINE void vector_add_nz(vector& v, const std::int32_t& j,
                                      optional_ref<const double> value = {}) noexcept {
     const std::int32_t index = j;
@@ -109,8 +118,8 @@ ZKTARN_API_INLINE void vector_add_nz(vector& v, const std::int32_t& j,
     }
 }
 
-/// Removes the entry at list position k and its mark; the last entry takes its position. Marks
-/// mode.
+/// Removes the entry at list position k, 1 <= k <= nz, and sets its mark to 0. The last entry moves
+/// to position k. Marks mode.
 ZKTARN_API_INLINE void vector_rem_nz(vector& v, const std::int32_t& k) noexcept {
     const std::int32_t position = k;
     ZKTARN_CHECK(position <= v.nz);
@@ -120,23 +129,26 @@ ZKTARN_API_INLINE void vector_rem_nz(vector& v, const std::int32_t& k) noexcept 
     v.nz -= 1;
 }
 
-/// Unmarks every listed index; list and nz stay. Marks mode, or nothing listed.
+/// Sets the mark of every listed index to 0. List and nz stay. Marks mode, or nz < 1, where nothing
+/// happens. Takes time proportional to nz.
 ZKTARN_API_INLINE void vector_clean_index(vector& v) noexcept {
-    const std::int32_t n = v.nz;
-    for (std::int32_t k = 1; k <= n; ++k) {
+    for (std::int64_t k = 1, count = v.nz; k <= count; ++k) {
         v.elm(v.ind(k)) = 0;
     }
 }
 
-/// Unmarks every listed index and empties the list. Marks mode, or nothing listed.
+/// `vector_clean_index`, then nz := 0.
 ZKTARN_API_INLINE void vector_clear(vector& v) noexcept {
     vector_clean_index(v);
     v.nz = 0;
 }
 
-/// Drops every listed entry that is not a member or whose coefficient is exactly zero; a
-/// not-a-number is kept. Each removal moves the last entry into the hole, and its index is
-/// unmarked. Needs `coef` and, unless nz < 1, `ind`.
+/// Drops every listed entry that has no mark (marks mode) or whose coefficient is 0.0 or -0.0. A
+/// NaN is kept.
+///
+/// Looks at position 1, 2, ... in turn. An entry that is dropped gets mark 0, the last entry moves
+/// to its position, and that position is looked at again. Needs `coef` and `ind`, or nz < 1, where
+/// nothing happens.
 ZKTARN_API void vector_rem_zeros(vector& v) noexcept;
 
 // Whole vectors
@@ -144,40 +156,52 @@ ZKTARN_API void vector_rem_zeros(vector& v) noexcept;
 
 /// x := alpha * x + beta * y.
 ///
-/// @param x      in/out. Any mode. Indices of y that are no members are listed last, in y's order.
-/// @param y      in. Marks or list mode; a dense y contributes nothing. May be x itself, and then
+/// @param x      in/out. Any mode. Indices of y that are no members of x are appended in y's order.
+/// @param y      in. Marks or list mode; a dense y contributes nothing. May be x itself, which then
 ///               counts as a copy taken before the call.
-/// @param alpha  in. Scales x unless |alpha - 1| <= tol, or it is not a number. A dense x lists
+/// @param alpha  in. Scales x unless |alpha - 1| <= tol or the difference is NaN. A dense x lists
 ///               nothing and is never scaled.
-/// @param beta   in. Nothing of y is added when |beta| <= tol, or it is not a number.
-/// @param tol    in. Decides those two questions only; no result is snapped to zero by it.
+/// @param beta   in. Nothing of y is added when |beta| <= tol or beta is NaN.
+/// @param tol    in. Decides these two questions only; no result is rounded to zero by it. When it
+///               is NaN, x is not scaled and nothing is added.
 ///
-/// Each sum is one fused multiply-add. When x has coefficients, entries that are exactly zero are
-/// dropped at the end as by `vector_rem_zeros`, those that were zero before the call included.
-/// Where x or y has no coefficients, only y's indices are merged into x.
+/// A listed entry without a mark counts as 0.0, in x and in y. Each sum is one fused multiply-add.
+/// When x has coefficients, entries that are exactly zero are dropped at the end as by
+/// `vector_rem_zeros`, including those that were zero before the call. When x or y has no
+/// coefficients, y's indices are merged into x and no sums are formed.
 ZKTARN_API void vectors_combine(vector& x, const vector& y, const double& alpha, const double& beta,
                                 const double& tol) noexcept;
 
-/// Makes the support of x the symmetric difference of the supports of x and y.
+/// Replaces the support of x by the symmetric difference of the supports of x and y.
 ///
-/// @param x  in/out. Marks mode. Coefficients are neither read nor written.
-/// @param y  in. Needs `ind` unless nz < 1. May be the same record as x, which then becomes empty.
+/// @param x  in/out. Marks mode. Coefficients are neither read nor written. Needs room for every
+///           index that only y lists, until the indices of both are dropped.
+/// @param y  in. Needs `ind` unless nz < 1, where nothing happens. May be the same record as x,
+/// which
+///           then becomes empty.
+///
+/// Appends the indices that only y lists in y's order. Then drops the indices of both as
+/// `vector_rem_zeros` drops zeros, and stops at the first entry kept after the last of them.
 ZKTARN_API void vectors_calc_sym_diff(vector& x, const vector& y) noexcept;
 
-/// Reduces coefficients modulo 2: a listed coefficient within `tol` of an even integer becomes 0.0
-/// and its entry is dropped, as by `vector_rem_zeros`; any other, integral or not, becomes 1.0.
+/// Reduces coefficients modulo 2. A listed coefficient for which `is_even_real` holds within tol
+/// becomes 0.0, and its entry is dropped as by `vector_rem_zeros`. Any other coefficient, integral
+/// or not, becomes 1.0.
 ///
-/// @param v    in/out. Marks or list mode; a dense vector stays as it is.
+/// @param v    in/out. Marks or list mode, with `coef`. Nothing happens when nz < 1, nor in dense
+///             mode. An entry without a mark counts as 0.0.
 /// @param tol  in. Tolerance of `is_even_real`.
 ZKTARN_API void vector_mod2(vector& v, const double& tol) noexcept;
 
-/// 1 when a and b have the same count, every index listed in a is marked in b, and no two
-/// coefficients differ by more than `tol`; otherwise 0. A difference that is not a number does not
-/// count as one. Two vectors with nothing listed are identical, whatever their coefficients.
+/// Compares supports and coefficients.
 ///
-/// @param a    in. Marks or list mode.
-/// @param b    in. Marks mode.
-/// @param tol  in. Largest difference that passes.
+/// @param a    in. Marks or list mode, with `coef`. An entry without a mark counts as 0.0.
+/// @param b    in. Marks mode, with `coef`.
+/// @param tol  in. Largest difference between coefficients that passes.
+///
+/// Returns 1 when both have the same nz, every index listed in a has a mark in b, and no two
+/// coefficients differ by more than tol. Otherwise returns 0. A difference that is NaN passes. When
+/// nz < 1 in both, returns 1 without reading any array.
 [[nodiscard]] ZKTARN_API flag vectors_are_identical(const vector& a, const vector& b,
                                                     const double& tol) noexcept;
 

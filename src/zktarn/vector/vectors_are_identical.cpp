@@ -10,8 +10,8 @@ flag vectors_are_identical(const vector& a, const vector& b, const double& tol) 
     if (a.nz != b.nz) {
         return 0;
     }
-    ZKTARN_CHECK(a.nz < 1 || (a.coef.present() && detail::is_sound(a)));
-    ZKTARN_CHECK(a.nz < 1 || (b.coef.present() && b.elm.present() && detail::is_sound(b) &&
+    ZKTARN_CHECK(a.nz < 1 || (a.coef.present() && detail::is_readable(a)));
+    ZKTARN_CHECK(a.nz < 1 || (b.coef.present() && b.elm.present() && detail::is_readable(b) &&
                               detail::lists_elements(a, b)));
     const double eps = tol;
     const std::int32_t* const list = a.ind.data;

@@ -153,8 +153,8 @@ void merge_support(vector& x, const vector& y) noexcept {
 
 void vectors_combine(vector& x, const vector& y, const double& alpha, const double& beta,
                      const double& tol) noexcept {
-    ZKTARN_CHECK(detail::is_sound(x));
-    ZKTARN_CHECK(detail::is_sound(y) && detail::lists_elements(y, x));
+    ZKTARN_CHECK(detail::is_readable(x));
+    ZKTARN_CHECK(detail::is_readable(y) && detail::lists_elements(y, x));
     ZKTARN_CHECK(!(std::fabs(beta) > tol) || detail::has_room_for(x, y));
     const bool scales = std::fabs(alpha - 1.0) > tol;
     const bool adds = std::fabs(beta) > tol;

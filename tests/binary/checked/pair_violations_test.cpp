@@ -52,7 +52,6 @@ TEST_P(SpoiledViolations, AsEitherOfAComparison) {
 }
 
 const defect defects[] = {
-    {"ListedAndNotMarked", [](sample& s) { s.mark(3) = 0; }},
     {"MarkedAndNotListed", [](sample& s) { s.mark(2) = 1; }},
     {"ListedTwice", [](sample& s) { s.listed(2) = 1; }},
     {"AsManyOthersMarked",
@@ -69,6 +68,26 @@ const defect defects[] = {
     {"ShortList", [](sample& s) { s.v.ind.extent[0] = n - 1; }},
     {"ShortMarks", [](sample& s) { s.v.elm.extent[0] = n - 1; }},
 };
+
+// An entry without a mark counts as 0.0 in a combination and in a comparison, and is dropped from
+// what the combination changes. A symmetric difference relies on marks.
+TEST_F(Violations, AnEntryWithoutAMark) {
+    for (const arrays& has : {marks_mode, support_only}) {
+        sample unmarked(has);
+        unmarked.with({1, 3}).mark(3) = 0;
+        sample sound;
+        sound.with({2, 3});
+        EXPECT_SILENT(vectors_combine(sound.v, unmarked.v, 1.0, 1.0, 0.0));
+        EXPECT_SILENT(vectors_combine(unmarked.v, sound.v, 2.0, 1.0, 0.0));
+    }
+    sample unmarked;
+    unmarked.with({1, 3}).mark(3) = 0;
+    sample sound;
+    sound.with({1, 3});
+    EXPECT_SILENT(static_cast<void>(vectors_are_identical(unmarked.v, sound.v, 1.0)));
+    EXPECT_SILENT(static_cast<void>(vectors_are_identical(sound.v, unmarked.v, 1.0)));
+    EXPECT_REPORTED_FIRST(unmarked, vectors_calc_sym_diff(unmarked.v, sound.v));
+}
 
 INSTANTIATE_TEST_SUITE_P(, SpoiledViolations, testing::ValuesIn(defects),
                          [](const auto& tested) { return tested.param.name; });

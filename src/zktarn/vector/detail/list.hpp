@@ -13,14 +13,14 @@ using vector_type::vector;
 
 namespace detail {
 
-/// Whether j is among `count` entries, a multiple of 8, by vector compares that the machine has for
-/// 16 or 32 bytes.
-template <std::int32_t count>
+/// Whether j is among `count` entries, a multiple of 8. Compares 8 entries at once, which compilers
+/// turn into vector instructions of 16 or 32 bytes.
+template <std::int64_t count>
 [[gnu::always_inline]] inline bool is_among(const std::int32_t* entries, std::int32_t j) noexcept {
     static_assert(count % 8 == 0);
     using lanes = std::int32_t __attribute__((vector_size(32)));
     lanes hits = {};
-    for (std::int32_t i = 0; i < count; i += 8) {
+    for (std::int64_t i = 0; i < count; i += 8) {
         lanes next;
         std::memcpy(&next, entries + i, sizeof next);
         hits |= next == j;
@@ -31,9 +31,9 @@ template <std::int32_t count>
 }
 
 /// Whether j is among the n entries of `list`.
-[[gnu::always_inline]] inline bool is_listed(const std::int32_t* list, std::int32_t n,
+[[gnu::always_inline]] inline bool is_listed(const std::int32_t* list, std::int64_t n,
                                              std::int32_t j) noexcept {
-    std::int32_t k = 0;
+    std::int64_t k = 0;
     for (; n - k >= 64; k += 64) {
         if (is_among<64>(list + k, j)) {
             return true;
