@@ -17,7 +17,7 @@ namespace zktarn::bench {
 
 namespace {
 
-/// Keys and what goes with them, positions counted from 1.
+/// Keys and a companion array; positions start at 1.
 struct table {
     std::vector<double> keys;
     std::vector<std::int32_t> companions;
@@ -67,7 +67,7 @@ contender sorting(std::string name, const std::shared_ptr<tables>& all, Job job)
         [=](std::int64_t count) { all->prepare(count); });
 }
 
-/// Nobody sees through it.
+/// The exchange procedure behind a function pointer.
 std::int64_t exchange_in(void* context, std::int32_t a, std::int32_t b) {
     return (*static_cast<table*>(context))(a, b) ? 1 : 0;
 }

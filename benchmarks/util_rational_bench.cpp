@@ -58,7 +58,7 @@ double mixed(numbers& n) {
     return kinds[n.below(kinds.size())].make(n);
 }
 
-/// The continued fraction and nothing else: the limit of what a search can cost.
+/// The continued fraction alone: the least that a search costs.
 double bare_continued_fraction(double x, double max_den) {
     double a = std::floor(x);
     double r = x;
@@ -68,7 +68,7 @@ double bare_continued_fraction(double x, double max_den) {
     double q_before = 0.0;
     while (std::fabs(x - p / q) > tolerance) {
         r = 1.0 / (r - a);
-        // These are positive and small: a conversion is their floor, and no call.
+        // r is positive and small, so the conversion is its floor.
         a = static_cast<double>(static_cast<std::int64_t>(r));
         const double q_next = a * q + q_before;
         if (!(q_next <= max_den)) {
@@ -103,11 +103,11 @@ double coin(double x, double max_den) {
 }
 #endif
 
-void compare_fractions(const kind& of, double max_den, bool trained) {
+void compare_fractions(const kind& inputs_kind, double max_den, bool trained) {
     numbers source;
     std::vector<double> inputs(trained ? few_inputs : many_inputs);
     for (double& each : inputs) {
-        each = of.make(source);
+        each = inputs_kind.make(source);
     }
     const auto pool = std::make_shared<number_pool<double>>(std::move(inputs));
     const auto contend = [&](const char* name, double (*search)(double, double)) {
@@ -117,12 +117,12 @@ void compare_fractions(const kind& of, double max_den, bool trained) {
                                          contend("continued_fraction", bare_continued_fraction),
                                          contend("literal", literal)};
 #ifdef ZKTARN_BENCH_COINUTILS
-    // Above, it takes so long that nothing is to be learnt from it.
+    // Above 1000 it takes too long to be of interest.
     if (max_den <= 1000.0) {
         contenders.push_back(contend("CoinRational", coin));
     }
 #endif
-    compare("rational/" + of.name + "/" + std::to_string(static_cast<long>(max_den)) +
+    compare("rational/" + inputs_kind.name + "/" + std::to_string(static_cast<long>(max_den)) +
                 (trained ? "/trained" : ""),
             std::move(contenders), 4096);
 }

@@ -41,8 +41,8 @@ double library(const row& values, const bounds& within) {
     return scalar;
 }
 
-// The same trials and passes, without filters and without regard to what is not a number or beyond
-// 2^31: the limit. Elements come from an array, or from a procedure that the compiler cannot see.
+// The same trials and passes for finite products below 2^31, without filters. Elements come from an
+// array (`plain`) or from a procedure that the compiler cannot inline (`plain_supplied`).
 
 struct from_array {
     const row& values;

@@ -11,8 +11,8 @@
 
 /// Inputs of pure procedures, held ready in an array.
 ///
-/// A repeated input trains the branch predictor, so an array holds far more than it can learn by
-/// heart, and each round goes on somewhere else in it; the trained figure is taken from a few.
+/// A branch predictor learns repeated inputs. An array therefore holds far more than it can learn,
+/// and each round starts elsewhere in it. Lines that end in `trained` use a few inputs on purpose.
 
 namespace zktarn::bench {
 
@@ -22,7 +22,7 @@ inline constexpr std::size_t few_inputs = 32;
 template <class Input>
 class number_pool {
 public:
-    /// @param inputs  as many as a power of two.
+    /// @param inputs  their number is a power of two.
     explicit number_pool(std::vector<Input> inputs) : inputs_(std::move(inputs)) {}
 
     void move_on() { start_ += 4099; }
@@ -36,7 +36,7 @@ private:
     std::size_t start_ = 0;
 };
 
-/// A contender that does `job(input)`, one input after the other.
+/// A contender that does `job(input)` for one input after the other.
 template <class Input, class Job>
 contender on_inputs(std::string name, const std::shared_ptr<number_pool<Input>>& pool, Job job) {
     return doing(

@@ -20,18 +20,18 @@ void search(const std::vector<double>& row, double eps) {
 } // namespace
 
 int main() {
-    std::printf("Friendly to decimals before small:\n");
+    std::printf("Decimal denominators first:\n");
     zktarn::docs::print_fraction(0.25, 1e-9, 100.0);
     zktarn::docs::print_fraction(0.25, 1e-9, 99.0);
     zktarn::docs::print_fraction(0.25, 1e-9, 19.0);
 
-    std::printf("\nA large eps finds a fraction for anything:\n");
+    std::printf("\nA large eps finds a fraction for any number:\n");
     zktarn::docs::print_fraction(std::numbers::pi, 1e-6, 1000.0);
     zktarn::docs::print_fraction(std::numbers::pi, 1e-2, 1000.0);
     zktarn::docs::print_fraction(std::numbers::pi, 0.5, 1000.0);
     zktarn::docs::print_fraction(0.4, 0.5, 1000.0);
 
-    std::printf("\nThe same in a search:\n");
+    std::printf("\nA large eps changes a row:\n");
     search({1.0, 0.4}, 1e-9);
     search({1.0, 0.4}, 0.1);
     search({1.0, 0.95}, 1e-9);

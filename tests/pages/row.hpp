@@ -6,7 +6,7 @@
 
 #include "zktarn/util/util.hpp"
 
-/// What the programs of docs/numerics.md share: rows, and how they are printed.
+/// Shared by the programs of docs/numerics.md: scaling and printing of rows and fractions.
 
 namespace zktarn::docs {
 
@@ -15,7 +15,7 @@ struct scaling {
     double scalar;
 };
 
-/// The scalar that makes all elements of a row integral.
+/// Scales a row to integers.
 inline scaling integral_scalar(std::span<const double> row, double eps, double max_den,
                                double max_scalar) {
     flag found = 0;
@@ -42,7 +42,7 @@ inline void print_row(std::span<const double> row, double factor = 1.0) {
     }
 }
 
-/// A fraction, or that there is none.
+/// Prints the fraction that represents x, or `none`.
 inline void print_fraction(double x, double eps, double max_den) {
     flag found = 0;
     double num = 0.0;

@@ -1,4 +1,4 @@
-// Divisors over random and structured inputs, bit for bit as the literal rules have them.
+// Divisors of random and structured inputs, compared bit for bit with the literal reference.
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -39,7 +39,7 @@ TEST(RealGcdProperty, AgreesWithTheRulesOnAnyBits) {
     const std::int64_t cases = scaled(300'000);
     for (std::int64_t i = 0; i < cases; ++i) {
         const auto a = std::bit_cast<double>(draw.word());
-        // Magnitudes near each other half of the time, so that quotients are small.
+        // Half of the time of similar magnitude, so that quotients are small.
         const double b =
             draw.chance(2) ? std::bit_cast<double>(draw.word()) : a * (draw.uniform() * 100.0);
         const double eps = draw.chance(2) ? 0.0 : draw.tolerance();

@@ -1,5 +1,5 @@
-// The guarded floor and what is built on it, over structured values: against exact arithmetic where
-// the rule is exact, and against the literal rule everywhere.
+// The guarded floor and the procedures that use it, over structured values: compared with the
+// literal reference, and with exact arithmetic where the rule is exact.
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -89,7 +89,7 @@ const double tolerances[] = {0.0,
                              -std::numeric_limits<double>::infinity(),
                              std::numeric_limits<double>::quiet_NaN()};
 
-/// All eight procedures on one set of inputs, against the literal rules.
+/// All eight procedures on one set of inputs, compared with the reference.
 bool agrees_with_rules(double x, double scalar, double eps) {
     flag is_int = -1;
     flag is_int_scalar = -1;
@@ -166,7 +166,7 @@ TEST(IntegralityProperty, FloorsAndCeilingsAreExactInTheExactRange) {
         if (!(std::fabs(x) < 2147483647.0) || !(std::fabs(x) + eps < 0x1p62)) {
             continue;
         }
-        // Tiny values make gigantic denominators; their floors are those of any tiny value.
+        // Tiny values have huge denominators, and the floor of any other tiny value.
         if (x != 0.0 && std::fabs(x) < 0x1p-200) {
             continue;
         }

@@ -1,5 +1,5 @@
-// Fractions over random and structured inputs, bit for bit as the literal rules have them, and
-// against exact arithmetic.
+// Fractions of random and structured inputs, compared bit for bit with the literal reference and
+// checked with exact arithmetic.
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -53,7 +53,7 @@ TEST(RationalProperty, AgreesWithTheRules) {
         const double x = draw.value();
         const double eps = draw.tolerance();
         const double bound = draw.bound();
-        // An infinite bound takes the literal search a while to give up.
+        // The reference takes long to give up an infinite bound.
         if (std::isinf(bound) && !draw.chance(200)) {
             continue;
         }
@@ -94,8 +94,8 @@ TEST(RationalProperty, AgreesWithTheRulesWhereRoundingDecides) {
     });
 }
 
-// Bounds about the largest one that is searched by table, equal to a denominator or just below it,
-// and tolerances about the one that the table has room for.
+// Bounds near the largest that is searched by table, or equal to a denominator, or next to one; and
+// tolerances near the largest that the margin of the table allows.
 TEST(RationalProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
     expect_agreement_on_many(20261208, [](number_draws& draw) -> question {
         static constexpr double bases[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 13, 15, 17, 19, 23};
@@ -112,8 +112,8 @@ TEST(RationalProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
     });
 }
 
-// Values within a few places of a fraction, and tolerances of a few places: what the screens let
-// pass is decided by rounding alone.
+// Values a few units in the last place from a fraction, with tolerances of that size: rounding
+// alone decides what the screens accept.
 TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
     expect_agreement_on_many(20261203, [](number_draws& draw) -> question {
         const double den = 1.0 + draw.whole(100);
@@ -121,7 +121,7 @@ TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
         const double place = std::ldexp(num / den, -53);
         const double x = draw.sign() * (num / den + (draw.whole(9) - 4.0) * place);
         const double eps = draw.whole(9) * place * 0.5;
-        // Beyond 2^53 the recurrence of the convergents is rounded, too.
+        // Above 2^53 the recurrence of the convergents is rounded too.
         const double bound = draw.chance(2)
                                  ? den + draw.whole(20)
                                  : std::ldexp(1.0, 50 + static_cast<int>(draw.below(12)));
@@ -129,8 +129,8 @@ TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
     });
 }
 
-// Small values without a tolerance, and bounds that let the recurrence of the convergents go on
-// when it is rounded: which fraction fits then is a matter of a single last place.
+// Small values with tolerance 0, and bounds that let the recurrence of the convergents continue
+// after it is rounded: one unit in the last place decides which fraction fits.
 TEST(RationalProperty, AgreesWithTheRulesBehindTheLastExactConvergent) {
     expect_agreement_on_many(20261205, [](number_draws& draw) -> question {
         const double x =
@@ -140,7 +140,7 @@ TEST(RationalProperty, AgreesWithTheRulesBehindTheLastExactConvergent) {
     });
 }
 
-// Reals so large that they have few digits or none for a fraction.
+// Reals so large that few or no bits are left for a fraction.
 TEST(RationalProperty, AgreesWithTheRulesOnLargeValues) {
     expect_agreement_on_many(20261204, [](number_draws& draw) -> question {
         const double x =

@@ -1,4 +1,4 @@
-// The scalar search over random sets, call by call as the literal rules have it.
+// The scalar search over random sets: results and calls compared with the literal reference.
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -83,8 +83,8 @@ TEST(ScalarSearchProperty, AgreesWithTheRulesCallByCall) {
     });
 }
 
-// Tolerances about the one up to which factors are looked up in a table, products about the
-// magnitude up to which they are, and bounds that end a row of doublings anywhere.
+// Tolerances and products near the largest for which factors are looked up in the table, and bounds
+// that end a sequence of doublings at any step.
 TEST(ScalarSearchProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
     expect_agreement_on_many(20261207, 150'000, [](number_draws& draw) {
         static constexpr double tolerances[] = {
@@ -105,7 +105,7 @@ TEST(ScalarSearchProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
     });
 }
 
-TEST(ScalarSearchProperty, WhatItFindsMakesDecimalsIntegral) {
+TEST(ScalarSearchProperty, TheScalarMakesDecimalsIntegral) {
     number_draws draw(20261201);
     const std::int64_t cases = scaled(100'000);
     const double eps = 1e-9;
@@ -126,8 +126,7 @@ TEST(ScalarSearchProperty, WhatItFindsMakesDecimalsIntegral) {
                                    1e6, found, scalar);
         ASSERT_EQ(found, 1);
         for (const double value : values) {
-            // The tolerance, grown by what the scalar may have grown after the element was
-            // accepted.
+            // The error grows with the scalar after the element was accepted.
             const double product = value * scalar;
             ASSERT_NEAR(product, std::round(product), 1e-9 * scalar * 1000.0) << value;
             ASSERT_GE(std::fabs(product), 0.5);

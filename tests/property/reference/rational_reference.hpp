@@ -9,9 +9,9 @@
 
 #include "property/reference/util_reference.hpp"
 
-/// The rules of fractions, divisors and the scalar search, step by step and without a shortcut.
-/// Where the steps would go on for ever, a count of them ends the walk, and the answer is a
-/// failure.
+/// Literal reference of the fraction search, the divisors and the scalar search: the steps of their
+/// definitions without a shortcut. Steps that would never end are cut off by a count; the result
+/// then is a failure.
 
 namespace zktarn::reference {
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-/// The rule of the sort, step by step.
+/// Literal reference of the sort.
 
 namespace zktarn::reference {
 

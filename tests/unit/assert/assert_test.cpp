@@ -20,15 +20,15 @@ std::vector<zktarn::testing::host_call> calls_for(flag condition) {
     return host.calls();
 }
 
-TEST(Tarnassert, HandsATrueConditionToTheHostOnce) {
+TEST(Tarnassert, PassesATrueConditionToTheHostOnce) {
     EXPECT_THAT(calls_for(1), ElementsAre(assert_of(true)));
 }
 
-TEST(Tarnassert, HandsAFalseConditionToTheHostOnce) {
+TEST(Tarnassert, PassesAFalseConditionToTheHostOnce) {
     EXPECT_THAT(calls_for(0), ElementsAre(assert_of(false)));
 }
 
-TEST(Tarnassert, LooksAtTheLowestByteOnly) {
+TEST(Tarnassert, TestsTheLowestByteOnly) {
     EXPECT_THAT(calls_for(2), ElementsAre(assert_of(true)));
     EXPECT_THAT(calls_for(0x80), ElementsAre(assert_of(true)));
     EXPECT_THAT(calls_for(0xFF), ElementsAre(assert_of(true)));

@@ -56,22 +56,22 @@ std::vector<pair_seen> calls_for(keys& elements, std::int32_t first) {
     return calls;
 }
 
-/// The calls for a procedure that answers what `lie` says.
-template <class Lie>
-std::vector<pair_seen> calls_of_liar(std::int32_t first, std::int32_t last, Lie lie) {
+/// The calls for a procedure that moves nothing and answers `answer(a, b)`.
+template <class Answer>
+std::vector<pair_seen> calls_for_answers(std::int32_t first, std::int32_t last, Answer answer) {
     std::vector<pair_seen> calls;
     sort(first, last, [&](std::int32_t a, std::int32_t b) {
-        calls.push_back({a, b, lie(a, b)});
+        calls.push_back({a, b, answer(a, b)});
         return calls.back().exchanged;
     });
     return calls;
 }
 
-template <class Lie>
-std::vector<pair_seen> rule_for_liar(std::int32_t first, std::int32_t last, Lie lie) {
+template <class Answer>
+std::vector<pair_seen> rule_for_answers(std::int32_t first, std::int32_t last, Answer answer) {
     std::vector<pair_seen> calls;
     reference::sort(first, last, [&](std::int64_t a, std::int64_t b) {
-        calls.push_back({a, b, lie(static_cast<std::int32_t>(a), static_cast<std::int32_t>(b))});
+        calls.push_back({a, b, answer(static_cast<std::int32_t>(a), static_cast<std::int32_t>(b))});
         return calls.back().exchanged;
     });
     return calls;
@@ -90,7 +90,7 @@ std::vector<std::int64_t> gaps_of(const std::vector<pair_seen>& calls) {
 constexpr auto never = [](std::int32_t, std::int32_t) { return false; };
 constexpr auto always = [](std::int32_t, std::int32_t) { return true; };
 
-/// Whether an object is taken as an exchange procedure by the inline form.
+/// Whether the inline form accepts an object as an exchange procedure.
 template <class Exchange>
 concept is_taken = requires(Exchange& exchange) {
     zktarn::sorting_mod::sort(1, 2, exchange);
@@ -102,23 +102,23 @@ static_assert(!is_taken<decltype(answers_nothing)>);
 static_assert(!is_taken<decltype(takes_one)>);
 static_assert(is_taken<decltype(never)>);
 
-TEST(Sort, CallsNothingForOnePositionOrNone) {
+TEST(Sort, CallsNothingForFewerThanTwoPositions) {
     for (const auto& [first, last] : {std::pair{5, 5}, {5, 4}, {5, -5}, {0, 0}}) {
-        EXPECT_TRUE(calls_of_liar(first, last, always).empty());
+        EXPECT_TRUE(calls_for_answers(first, last, always).empty());
     }
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
-    EXPECT_TRUE(calls_of_liar(most, least, always).empty());
-    EXPECT_TRUE(calls_of_liar(most, most, always).empty());
-    EXPECT_TRUE(calls_of_liar(least, least, always).empty());
+    EXPECT_TRUE(calls_for_answers(most, least, always).empty());
+    EXPECT_TRUE(calls_for_answers(most, most, always).empty());
+    EXPECT_TRUE(calls_for_answers(least, least, always).empty());
 }
 
 TEST(Sort, CallsOnceForTwoPositions) {
-    EXPECT_EQ(calls_of_liar(7, 8, always), (std::vector<pair_seen>{{7, 8, true}}));
-    EXPECT_EQ(calls_of_liar(7, 8, never), (std::vector<pair_seen>{{7, 8, false}}));
+    EXPECT_EQ(calls_for_answers(7, 8, always), (std::vector<pair_seen>{{7, 8, true}}));
+    EXPECT_EQ(calls_for_answers(7, 8, never), (std::vector<pair_seen>{{7, 8, false}}));
 }
 
-TEST(Sort, WalksFiveDescendingKeysAsWorkedOut) {
+TEST(Sort, SortsFiveDescendingKeysByTheExpectedCalls) {
     keys elements = {5, 4, 3, 2, 1};
     EXPECT_EQ(calls_for(elements, 1), (std::vector<pair_seen>{{1, 5, true},
                                                               {1, 2, false},
@@ -144,7 +144,7 @@ TEST(Sort, UsesTheGapsBelowTheNumberOfElements) {
         {121, {40, 13, 4, 1}},
         {122, {121, 40, 13, 4, 1}}};
     for (const auto& [n, gaps] : expected) {
-        EXPECT_EQ(gaps_of(calls_of_liar(1, n, never)), gaps) << n;
+        EXPECT_EQ(gaps_of(calls_for_answers(1, n, never)), gaps) << n;
     }
 }
 
@@ -154,7 +154,7 @@ TEST(Sort, CallsNMinusGapTimesForAProcedureThatNeverExchanges) {
         for (std::int64_t gap = 1; gap < n; gap = 3 * gap + 1) {
             expected += n - gap;
         }
-        EXPECT_EQ(static_cast<std::int64_t>(calls_of_liar(1, n, never).size()), expected) << n;
+        EXPECT_EQ(static_cast<std::int64_t>(calls_for_answers(1, n, never).size()), expected) << n;
     }
 }
 
@@ -188,7 +188,7 @@ TEST(Sort, NeverExchangesEqualKeysByAStrictProcedure) {
                                [](const auto& a, const auto& b) { return a.first < b.first; }));
 }
 
-TEST(Sort, DescendsWhenTheProcedureSaysSo) {
+TEST(Sort, SortsDescendingIfTheProcedureDoes) {
     keys elements(100);
     std::iota(elements.begin(), elements.end(), 0);
     sort(0, 99, [&](std::int32_t a, std::int32_t b) {
@@ -199,7 +199,7 @@ TEST(Sort, DescendsWhenTheProcedureSaysSo) {
     EXPECT_TRUE(std::is_sorted(elements.rbegin(), elements.rend()));
 }
 
-TEST(Sort, TakesEveryNonzeroAnswerForTrue) {
+TEST(Sort, CountsEveryNonzeroAnswerAsTrue) {
     for (const flag yes : {flag{1}, flag{-1}, flag{2}, flag{1} << 32, flag{1} << 62}) {
         int calls = 0;
         sort(1, 3, [&](std::int32_t, std::int32_t) {
@@ -210,18 +210,18 @@ TEST(Sort, TakesEveryNonzeroAnswerForTrue) {
     }
 }
 
-TEST(Sort, HandsPositionsOverInTemporaries) {
-    const auto scribble = [](const std::int32_t& position) {
+TEST(Sort, PassesCopiesOfThePositions) {
+    const auto overwrite = [](const std::int32_t& position) {
         const_cast<std::int32_t&>(position) = 1000;
     };
     std::vector<pair_seen> calls;
     sort(1, 20, [&](const std::int32_t& a, const std::int32_t& b) {
         calls.push_back({a, b, true});
-        scribble(a);
-        scribble(b);
+        overwrite(a);
+        overwrite(b);
         return true;
     });
-    EXPECT_EQ(calls, rule_for_liar(1, 20, always));
+    EXPECT_EQ(calls, rule_for_answers(1, 20, always));
 }
 
 TEST(Sort, ReadsTheRangeOnce) {
@@ -239,10 +239,10 @@ TEST(Sort, ReadsTheRangeOnce) {
 #else
     zktarn::sorting_mod::sort(first, last, exchange);
 #endif
-    EXPECT_EQ(calls, rule_for_liar(1, 20, always));
+    EXPECT_EQ(calls, rule_for_answers(1, 20, always));
 }
 
-TEST(Sort, SpansTheWholeLineOfPositions) {
+TEST(Sort, SpansAll32BitPositions) {
     // The first pass alone would take an hour, so the procedure ends it.
     constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int64_t gap = 1'743'392'200; // the largest of the sequence below 2^32
@@ -265,11 +265,13 @@ TEST(Sort, SpansTheWholeLineOfPositions) {
                                              {least + 2, least + gap + 2, true}}));
 }
 
-TEST(Sort, SortsAtBothEndsOfTheLineOfPositions) {
+TEST(Sort, SortsAtBothEndsOfThe32BitPositions) {
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
-    EXPECT_EQ(calls_of_liar(most - 60, most, always), rule_for_liar(most - 60, most, always));
-    EXPECT_EQ(calls_of_liar(least, least + 60, always), rule_for_liar(least, least + 60, always));
+    EXPECT_EQ(calls_for_answers(most - 60, most, always),
+              rule_for_answers(most - 60, most, always));
+    EXPECT_EQ(calls_for_answers(least, least + 60, always),
+              rule_for_answers(least, least + 60, always));
 }
 
 TEST(SortProperty, CallsAsTheRuleDoesForEveryRangeOfUpTo200Positions) {
@@ -277,8 +279,8 @@ TEST(SortProperty, CallsAsTheRuleDoesForEveryRangeOfUpTo200Positions) {
     for (std::int32_t n = 0; n <= 200; ++n) {
         const std::int32_t first = static_cast<std::int32_t>(random() % 41) - 20;
         const std::int32_t last = first + n - 1;
-        EXPECT_EQ(calls_of_liar(first, last, never), rule_for_liar(first, last, never));
-        EXPECT_EQ(calls_of_liar(first, last, always), rule_for_liar(first, last, always));
+        EXPECT_EQ(calls_for_answers(first, last, never), rule_for_answers(first, last, never));
+        EXPECT_EQ(calls_for_answers(first, last, always), rule_for_answers(first, last, always));
         const auto salt = static_cast<std::uint32_t>(random());
         const auto erratic = [salt](std::int32_t a, std::int32_t b) {
             std::uint32_t mixed = (static_cast<std::uint32_t>(a) * 2654435761U) ^
@@ -286,7 +288,7 @@ TEST(SortProperty, CallsAsTheRuleDoesForEveryRangeOfUpTo200Positions) {
             mixed ^= mixed >> 15;
             return (mixed * 2246822519U >> 13 & 1) != 0;
         };
-        EXPECT_EQ(calls_of_liar(first, last, erratic), rule_for_liar(first, last, erratic));
+        EXPECT_EQ(calls_for_answers(first, last, erratic), rule_for_answers(first, last, erratic));
     }
 }
 

@@ -24,55 +24,55 @@ using testing::ElementsAre;
 const std::int32_t nothing[] = {0, -1, std::numeric_limits<std::int32_t>::min()};
 
 TEST(Xcopy, CopiesTheFirstBytes) {
-    const auto copy = [](const std::int8_t* from, std::int8_t* to, std::int32_t n) {
-        PROCEDURE(xcopy_i1, "_ZN6zktarn4util8xcopy_i1EPKaPaRKi")(from, to, n);
+    const auto copy = [](const std::int8_t* source, std::int8_t* destination, std::int32_t n) {
+        PROCEDURE(xcopy_i1, "_ZN6zktarn4util8xcopy_i1EPKaPaRKi")(source, destination, n);
     };
-    const std::int8_t from[] = {1, -2, 127, -128};
-    std::int8_t to[] = {9, 9, 9, 9};
+    const std::int8_t source[] = {1, -2, 127, -128};
+    std::int8_t destination[] = {9, 9, 9, 9};
     for (const std::int32_t n : nothing) {
-        copy(from, to, n);
+        copy(source, destination, n);
     }
-    EXPECT_THAT(to, ElementsAre(9, 9, 9, 9));
-    copy(from, to, 1);
-    EXPECT_THAT(to, ElementsAre(1, 9, 9, 9));
-    copy(from, to, 3);
-    EXPECT_THAT(to, ElementsAre(1, -2, 127, 9));
+    EXPECT_THAT(destination, ElementsAre(9, 9, 9, 9));
+    copy(source, destination, 1);
+    EXPECT_THAT(destination, ElementsAre(1, 9, 9, 9));
+    copy(source, destination, 3);
+    EXPECT_THAT(destination, ElementsAre(1, -2, 127, 9));
 }
 
 TEST(Xcopy, CopiesTheFirstIntegers) {
-    const auto copy = [](const std::int32_t* from, std::int32_t* to, std::int32_t n) {
-        PROCEDURE(xcopy_i4, "_ZN6zktarn4util8xcopy_i4EPKiPiRS1_")(from, to, n);
+    const auto copy = [](const std::int32_t* source, std::int32_t* destination, std::int32_t n) {
+        PROCEDURE(xcopy_i4, "_ZN6zktarn4util8xcopy_i4EPKiPiRS1_")(source, destination, n);
     };
-    const std::int32_t from[] = {1, -2, 1 << 30, 4};
-    std::int32_t to[] = {9, 9, 9, 9};
+    const std::int32_t source[] = {1, -2, 1 << 30, 4};
+    std::int32_t destination[] = {9, 9, 9, 9};
     for (const std::int32_t n : nothing) {
-        copy(from, to, n);
+        copy(source, destination, n);
     }
-    EXPECT_THAT(to, ElementsAre(9, 9, 9, 9));
-    copy(from, to, 3);
-    EXPECT_THAT(to, ElementsAre(1, -2, 1 << 30, 9));
+    EXPECT_THAT(destination, ElementsAre(9, 9, 9, 9));
+    copy(source, destination, 3);
+    EXPECT_THAT(destination, ElementsAre(1, -2, 1 << 30, 9));
 }
 
 TEST(Xcopy, CopiesTheFirstRealsBitForBit) {
-    const auto copy = [](const double* from, double* to, std::int32_t n) {
-        PROCEDURE(xcopy_r8, "_ZN6zktarn4util8xcopy_r8EPKdPdRKi")(from, to, n);
+    const auto copy = [](const double* source, double* destination, std::int32_t n) {
+        PROCEDURE(xcopy_r8, "_ZN6zktarn4util8xcopy_r8EPKdPdRKi")(source, destination, n);
     };
     const double odd = std::bit_cast<double>(std::uint64_t{0x7FF8000000001234});
-    const double from[] = {-0.0, odd, 3.5, 4.0};
-    double to[] = {9, 9, 9, 9};
+    const double source[] = {-0.0, odd, 3.5, 4.0};
+    double destination[] = {9, 9, 9, 9};
     for (const std::int32_t n : nothing) {
-        copy(from, to, n);
+        copy(source, destination, n);
     }
-    EXPECT_THAT(to, ElementsAre(9, 9, 9, 9));
-    copy(from, to, 3);
-    EXPECT_TRUE(std::signbit(to[0]));
-    EXPECT_EQ(std::bit_cast<std::uint64_t>(to[1]), 0x7FF8000000001234U);
-    EXPECT_EQ(to[2], 3.5);
-    EXPECT_EQ(to[3], 9.0);
+    EXPECT_THAT(destination, ElementsAre(9, 9, 9, 9));
+    copy(source, destination, 3);
+    EXPECT_TRUE(std::signbit(destination[0]));
+    EXPECT_EQ(std::bit_cast<std::uint64_t>(destination[1]), 0x7FF8000000001234U);
+    EXPECT_EQ(destination[2], 3.5);
+    EXPECT_EQ(destination[3], 9.0);
 }
 
-// What the standard library does with a null address is undefined, even for 0 elements.
-TEST(Xcopy, OfNothingTakesNullAddresses) {
+// memcpy and memset are undefined for null addresses, even for 0 bytes.
+TEST(Xcopy, AcceptsNullAddressesForACountBelowOne) {
     PROCEDURE(xcopy_i4, "_ZN6zktarn4util8xcopy_i4EPKiPiRS1_")(nullptr, nullptr, 0);
     PROCEDURE(xzero_i4, "_ZN6zktarn4util8xzero_i4EPiRKi")(nullptr, 0);
 }

@@ -21,7 +21,7 @@ constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 constexpr double largest = std::numeric_limits<double>::max();
 constexpr double untouched = 123.25;
 
-/// What an integrality test reports.
+/// The outputs of an integrality test.
 struct answer {
     flag is_int;
     double nearest;
@@ -65,7 +65,7 @@ TEST(EpsilonIsInt, TheToleranceIsInclusive) {
     EXPECT_EQ(is_int(2.75, 0.2499), no);
 }
 
-TEST(EpsilonIsInt, TheFloorSideWinsWhereBothQualify) {
+TEST(EpsilonIsInt, TheFloorWinsIfBothAreWithinTheTolerance) {
     EXPECT_EQ(is_int(2.5, 0.5), (answer{1, 3.0}));
     EXPECT_EQ(is_int(2.25, 0.75), (answer{1, 3.0}));
 }
@@ -75,7 +75,7 @@ TEST(EpsilonIsInt, ALargeToleranceReportsAnIntegerAbove) {
     EXPECT_EQ(is_int(2.0, 3.0), (answer{1, 5.0}));
 }
 
-TEST(EpsilonIsInt, WorksWithoutNearestAndLeavesItAloneWhenNotIntegral) {
+TEST(EpsilonIsInt, NearestIsOptionalAndNotWrittenIfNotIntegral) {
     flag found = -1;
     epsilon_is_int(2.0, 0.0, found);
     EXPECT_EQ(found, 1);
@@ -84,7 +84,7 @@ TEST(EpsilonIsInt, WorksWithoutNearestAndLeavesItAloneWhenNotIntegral) {
     EXPECT_EQ(is_int(2.5, 0.1), no);
 }
 
-TEST(EpsilonIsInt, NearestMayBeTheInputItself) {
+TEST(EpsilonIsInt, NearestMayAliasTheInput) {
     double x = 2.9999;
     flag found = -1;
     epsilon_is_int(x, 0.001, found, x);
@@ -92,7 +92,7 @@ TEST(EpsilonIsInt, NearestMayBeTheInputItself) {
     EXPECT_EQ(x, 3.0);
 }
 
-TEST(EpsilonIsInt, NoToleranceBelowZeroAndNoNotANumberIsEverIntegral) {
+TEST(EpsilonIsInt, NothingIsIntegralForANegativeOrNaNTolerance) {
     EXPECT_EQ(is_int(2.0, -0.5), no);
     EXPECT_EQ(is_int(2.0, -5e-324), no);
     EXPECT_EQ(is_int(2.0, nan), no);
@@ -107,7 +107,7 @@ TEST(EpsilonIsInt, AnInfiniteToleranceSaturates) {
     EXPECT_EQ(is_int(5.0, 1e300), (answer{1, 0x1p63}));
 }
 
-TEST(EpsilonIsIntScalar, TestsTheProductWithoutMovingIt) {
+TEST(EpsilonIsIntScalar, FloorsTheProductWithoutTheTolerance) {
     EXPECT_EQ(is_int_scalar(0.25, 12.0, 1e-9), (answer{1, 3.0}));
     EXPECT_EQ(is_int_scalar(0.25, 10.0, 1e-9), no);
     EXPECT_EQ(is_int_scalar(2.0, 1.0, 1.5), (answer{1, 2.0}));
@@ -122,7 +122,7 @@ TEST(EpsilonIsIntScalar, TestsTheProductWithoutMovingIt) {
     EXPECT_EQ(found, 1);
 }
 
-TEST(EpsilonFractionality, ASmallStepBelowAnIntegerIsASmallNegative) {
+TEST(EpsilonFractionality, IsSmallAndNegativeJustBelowAnInteger) {
     EXPECT_NEAR(epsilon_fractionality(2.9999, 0.001), -0.0001, 1e-12);
     EXPECT_EQ(epsilon_fractionality(2.9999, 0.001), 2.9999 - 3.0);
     EXPECT_EQ(epsilon_fractionality(2.5, 0.001), 0.5);
@@ -132,7 +132,7 @@ TEST(EpsilonFractionality, ASmallStepBelowAnIntegerIsASmallNegative) {
     EXPECT_EQ(epsilon_fractionality(2.5, nan), 2.5);
 }
 
-TEST(EpsilonFloor, TakesAValueJustBelowAnIntegerForIt) {
+TEST(EpsilonFloor, GivesTheIntegerForAValueJustBelowIt) {
     EXPECT_EQ(epsilon_floor(-2.0000001, 0.001), -2.0);
     EXPECT_EQ(epsilon_floor(2.9999, 0.001), 3.0);
     EXPECT_EQ(epsilon_floor(2.9, 0.001), 2.0);
@@ -140,7 +140,7 @@ TEST(EpsilonFloor, TakesAValueJustBelowAnIntegerForIt) {
     EXPECT_TRUE(is_positive_zero(epsilon_floor(-0.0, 0.0)));
 }
 
-TEST(EpsilonCeiling, TakesAValueJustAboveAnIntegerForIt) {
+TEST(EpsilonCeiling, GivesTheIntegerForAValueJustAboveIt) {
     EXPECT_EQ(epsilon_ceiling(2.0000001, 0.001), 2.0);
     EXPECT_EQ(epsilon_ceiling(-1.5, 0.001), -1.0);
     EXPECT_EQ(epsilon_ceiling(1.5, 0.001), 2.0);
@@ -169,7 +169,7 @@ TEST(GuardedFloor, ChangesItsRuleAtTheBase) {
     EXPECT_EQ(epsilon_floor(2.0, -2.5), -1.0);
 }
 
-TEST(GuardedFloor, LeavesWhatIsIntegralAnywayAlone) {
+TEST(GuardedFloor, KeepsValuesAbove2To52) {
     constexpr double above = 0x1p52 + 1.0;
     EXPECT_EQ(epsilon_floor(above, 0.0), above);
     EXPECT_EQ(epsilon_floor(0x1p52, 0.0), 0x1p52);
@@ -180,7 +180,7 @@ TEST(GuardedFloor, LeavesWhatIsIntegralAnywayAlone) {
     EXPECT_EQ(epsilon_floor(-inf, 0.0), -inf);
 }
 
-TEST(GuardedFloor, SaturatesAndKnowsNotANumber) {
+TEST(GuardedFloor, SaturatesAndGives0ForNaN) {
     EXPECT_EQ(epsilon_floor(1.0, 1e300), 0x1p63);
     EXPECT_EQ(epsilon_floor(1.0, -1e300), -0x1p63);
     EXPECT_EQ(epsilon_floor(1.0, inf), 0x1p63);
@@ -208,14 +208,14 @@ TEST(Fractional, IsTheDistanceToTheNearestInteger) {
     EXPECT_EQ(fractional(-largest), 0.0);
 }
 
-TEST(Fractional, IsNoNumberForWhatHasNoNearestInteger) {
+TEST(Fractional, IsNaNForInfinityAndNaN) {
     EXPECT_TRUE(std::isnan(fractional(inf)));
     EXPECT_TRUE(std::isnan(fractional(-inf)));
     EXPECT_FALSE(std::signbit(fractional(inf)));
     EXPECT_TRUE(std::isnan(fractional(nan)));
 }
 
-TEST(IsEvenReal, LooksAtTheNearestInteger) {
+TEST(IsEvenReal, TestsTheParityOfTheNearestInteger) {
     EXPECT_EQ(is_even_real(4.0000001, 1.0e-6), 1);
     EXPECT_EQ(is_even_real(3.9999999, 1.0e-6), 1);
     EXPECT_EQ(is_even_real(-2.0, 0.0), 1);
@@ -250,7 +250,7 @@ flag is_even(std::int32_t n) {
 #endif
 }
 
-TEST(IsEvenInt, LooksAtTheLowestBit) {
+TEST(IsEvenInt, TestsTheLowestBit) {
     EXPECT_EQ(is_even(-4), 1);
     EXPECT_EQ(is_even(-3), 0);
     EXPECT_EQ(is_even(0), 1);

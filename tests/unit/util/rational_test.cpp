@@ -46,10 +46,10 @@ TEST(RationalRep, FindsAThird) {
     EXPECT_EQ(rational(-2.0 / 3.0, 1e-9, 100.0), (answer{1, -2.0, 3.0}));
 }
 
-TEST(RationalRep, KnowsEachBaseDenominatorAndNoOther) {
+TEST(RationalRep, TriesEachBaseDenominator) {
     for (const double base :
          {2.0, 3.0, 4.0, 5.0, 6.0, 7.0, 8.0, 9.0, 11.0, 13.0, 15.0, 17.0, 19.0, 23.0}) {
-        // Below ten times the base no other base's multiple fits but those that divide.
+        // With the base as the bound, only the base and its divisors fit.
         const answer found = rational(1.0 / base, 1e-12, base);
         EXPECT_EQ(found.found, 1);
         EXPECT_EQ(found.num / found.den, 1.0 / base) << base;
@@ -101,12 +101,12 @@ TEST(RationalRep, ADenominatorMayBeTheBoundItself) {
     EXPECT_EQ(rational(0.25, 1e-9, 19.0), (answer{1, 1.0, 4.0}));
 }
 
-TEST(RationalRep, TakesTheIntegersBesideTheFloorBeforeConvergents) {
+TEST(RationalRep, TakesAnIntegerBeforeTheConvergents) {
     EXPECT_EQ(rational(1e300, 1e-9, 10.0), (answer{1, 1e300, 1.0}));
     EXPECT_EQ(rational(-3e9, 1e-9, 10.0), (answer{1, -3e9, 1.0}));
 }
 
-TEST(RationalRep, EndsOnWhateverIsNoNumberOrInfinite) {
+TEST(RationalRep, EndsForNaNAndInfinity) {
     EXPECT_EQ(rational(nan, 1e-9, 1000.0), none);
     EXPECT_EQ(rational(0.5, nan, 1000.0), none);
     EXPECT_EQ(rational(nan, nan, nan), none);
@@ -125,7 +125,7 @@ TEST(RationalRep, AnInfiniteBoundTriesPowersOfTenOnly) {
     EXPECT_EQ(rational(0.3, -1.0, inf), none);
 }
 
-TEST(RationalRep, ItsInputMayBeAnOutput) {
+TEST(RationalRep, AnInputMayAliasAnOutput) {
     double x = 0.75;
     double eps = 1e-9;
     flag found = 0;
@@ -146,7 +146,7 @@ TEST(RationalRep, TakesTheNeighbourOfAConvergentWhereRoundingMakesItFit) {
 }
 
 TEST(RationalRep, RoundsEachNumberOfAConvergentOnce) {
-    // Beyond 2^53 a rounded product makes another fraction, which fits or does not.
+    // Above 2^53 a second rounding would give another fraction.
     EXPECT_EQ(rational(0x1.f1540acab4ba4p-18, 0.0, 4e17), none);
     EXPECT_EQ(rational(0x1.ef07561a375cfp-19, 0.0, 5e18),
               (answer{1, 9416199715123.0, 2553025795245499904.0}));

@@ -66,7 +66,7 @@ TEST(ScalarSearch, DoublesWhereNoOddFactorHelps) {
 TEST(ScalarSearch, ConstructsTheScalarFromFractionsWhenBothTrialsFail) {
     search small{{{0.5}, {0.75}}, 1e-9, 5.0, 0.9};
     expect_no_scalar(small.run());
-    // The first pass over both, no trial, and the construction up to the first.
+    // Calls: the first pass, no trial, and the construction as far as the first element.
     EXPECT_THAT(small.calls, ElementsAre(1, 2, 1));
     search wide{{{0.5}, {0.75}}, 1e-9, 100.0, 0.9};
     expect_no_scalar(wide.run());
@@ -75,18 +75,18 @@ TEST(ScalarSearch, ConstructsTheScalarFromFractionsWhenBothTrialsFail) {
 }
 
 TEST(ScalarSearch, ConstructionDividesTheMultipleByTheDivisor) {
-    // Out of reach of the trials, whose factors go up to 19.
+    // The trials fail: their factors are at most 19.
     search s{{{10.0 / 23.0}, {20.0 / 29.0}}, 1e-9, 100.0, 66.8};
     expect_scalar(s.run(), 66.7);
 }
 
-TEST(ScalarSearch, WithNothingToTakePartTheTinyScalarIsTheAnswer) {
+TEST(ScalarSearch, AnEmptySetGivesTheReciprocalOfTheLargestReal) {
     expect_scalar(search{{}}.run(), tiny);
     expect_scalar(search{{{1e-10}, {0.0}, {-1e-9}}}.run(), tiny);
     EXPECT_EQ(tiny, 1.0 / std::numeric_limits<double>::max());
 }
 
-TEST(ScalarSearch, WithNothingToTakePartBelowTheTinyScalarTheAnswerIsOne) {
+TEST(ScalarSearch, AnEmptySetGivesOneIfThatReciprocalIsTooLarge) {
     search s{{}, 1e-9, 1000.0, 0.0};
     expect_scalar(s.run(), 1.0);
     search near_zero{{{1e-10}}, 1e-9, 1000.0, 0.0};
@@ -94,11 +94,11 @@ TEST(ScalarSearch, WithNothingToTakePartBelowTheTinyScalarTheAnswerIsOne) {
     EXPECT_THAT(near_zero.calls, ElementsAre(1, 1));
 }
 
-TEST(ScalarSearch, LeavesMarkedElementsOutOnlyWhenAsked) {
+TEST(ScalarSearch, ExcludesMarkedElementsOnlyOnRequest) {
     search s{{{0.5}, {0.3, 1}}};
     s.run(1);
     EXPECT_EQ(s.found, 1);
-    // The start value still comes from the marked one: 1 / 0.3, then times 3, 5, ... or 2.
+    // The first trial still starts from the marked element, at 1 / 0.3.
     EXPECT_NE(s.scalar, 2.0);
     search absent{{{0.5}, {0.25, 1}}};
     expect_scalar(absent.run(), 4.0);
@@ -111,41 +111,41 @@ TEST(ScalarSearch, LeavesMarkedElementsOutOnlyWhenAsked) {
     expect_no_scalar(skipped.run());
 }
 
-TEST(ScalarSearch, LeavesUnselectedElementsOutOnlyWhenAsked) {
+TEST(ScalarSearch, ExcludesUnselectedElementsOnlyOnRequest) {
     search s{{{1.0, 0, 5}, {0.001, 0, 0}}, 1e-9, 1000.0, 100.0};
     expect_scalar(s.run({}, 1), 1.0);
     expect_no_scalar(s.run({}, 0));
     expect_no_scalar(s.run());
 }
 
-TEST(ScalarSearch, AValueAboveTheToleranceIsNoIntegralZero) {
+TEST(ScalarSearch, AProductBelowOneHalfIsNotIntegral) {
     search s{{{0.4}}, 0.1};
     s.run();
     expect_scalar(s, 2.5);
-    // From 1.0: not 0, though 0.4 is not far from it, but 2.0 by the factor 5.
+    // From 1.0 the product 0.4 does not count as 0; the factor 5 makes it 2.
     search from_one{{{0.4}, {0.11, 1}}, 0.1, 1000.0, 6.0};
     expect_scalar(from_one.run(1), 5.0);
 }
 
-TEST(ScalarSearch, SkipsWhatIsWithinTheTolerance) {
+TEST(ScalarSearch, ExcludesValuesWithinTheTolerance) {
     search s{{{1e-9}, {0.5}, {-1e-9}}};
     expect_scalar(s.run(), 2.0);
 }
 
-TEST(ScalarSearch, FailsWhereAnElementHasNoFraction) {
+TEST(ScalarSearch, FailsIfAnElementHasNoFraction) {
     search s{{{0.5}, {0.1234567}}, 1e-12, 100.0, 50.0};
     expect_no_scalar(s.run());
 }
 
-TEST(ScalarSearch, PassesEndWhereTheyFail) {
+TEST(ScalarSearch, APassEndsWithTheElementThatFails) {
     search s{{{1.0}, {0.1234567}, {2.0}}, 1e-12, 100.0, 50.0};
     expect_no_scalar(s.run());
-    // All for the smallest; from 8.1 on the first fails at the bound; from 1.0 the second one does;
-    // of the fractions the second has none.
+    // Calls: the first pass; a trial from 8.1 that fails with the first element; a trial from 1.0
+    // and the construction, which fail with the second.
     EXPECT_THAT(s.calls, ElementsAre(1, 2, 3, 1, 1, 2, 1, 2));
 }
 
-TEST(ScalarSearch, EndsBelowAnInfiniteBound) {
+TEST(ScalarSearch, EndsForAnInfiniteBound) {
     search fine{{{0.5}}, 1e-9, 1000.0, inf};
     expect_scalar(fine.run(), 2.0);
     search endless{{{inf}}, 1e-9, 1000.0, inf};
@@ -154,7 +154,7 @@ TEST(ScalarSearch, EndsBelowAnInfiniteBound) {
     expect_no_scalar(never_integral.run());
 }
 
-TEST(ScalarSearch, ANotANumberTakesNoPart) {
+TEST(ScalarSearch, NaNDoesNotTakePart) {
     search s{{{std::numeric_limits<double>::quiet_NaN()}, {0.5}}};
     expect_scalar(s.run(), 2.0);
 }
