@@ -1,4 +1,4 @@
-# Installs the components `util` and `standin`: libraries, headers, one CMake package, pkg-config files
+# Installs the components `util`, `standin` and `conformance`: libraries, headers, one CMake package, pkg-config files
 # and pages. Nothing contains an absolute path, so the installed tree can be moved.
 
 include(CMakePackageConfigHelpers)
@@ -27,6 +27,16 @@ install(
   FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(EXPORT standin COMPONENT standin
   DESTINATION "${package_dir}" NAMESPACE zktarn:: FILE zktarn_util-standin-targets.cmake)
+
+if(TARGET zktarn_host_conformance)
+  install(TARGETS zktarn_host_conformance host_conformance
+    EXPORT conformance COMPONENT conformance
+    RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}"
+    ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+    FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
+  install(EXPORT conformance COMPONENT conformance
+    DESTINATION "${package_dir}" NAMESPACE zktarn:: FILE zktarn_util-conformance-targets.cmake)
+endif()
 
 configure_package_config_file(cmake/zktarn_util-config.cmake.in
   "${PROJECT_BINARY_DIR}/zktarn_util-config.cmake"

@@ -1,20 +1,10 @@
 #pragma once
 
-#include <optional>
-#include <string>
+#include "zktarn_conformance/check_host.hpp"
 
-/// The checks, by what a host has: each function looks at some of its operations.
+/// The checks, by subject: each function checks some operations of the host.
 
 namespace zktarn::host_conformance {
-
-struct settings {
-    /// The host-language function to call; none when empty.
-    std::string function;
-    /// What it is to answer; any number when absent.
-    std::optional<double> answer;
-    /// Whether text of the console comes to standard output, where it can be looked at.
-    bool console_is_standard_output = true;
-};
 
 void check_memory();
 void check_generators();
@@ -23,10 +13,7 @@ void check_function(const settings& wanted);
 void check_console(const settings& wanted);
 void check_interrupts_and_assertions();
 
-/// Null addresses, last: a host that does not stand them may end the process.
+/// Null addresses. A host that does not accept them may end the process, so this comes last.
 void check_nulls();
-
-/// All of them.
-void check_host(const settings& wanted);
 
 } // namespace zktarn::host_conformance

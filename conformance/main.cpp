@@ -13,15 +13,18 @@ namespace zktarn::host_conformance {
 namespace {
 
 constexpr const char* usage =
-    "usage: host_conformance [--function NAME [--answer NUMBER]] [--console elsewhere]\n"
+    "usage: zktarn_host_conformance [--function NAME [--answer NUMBER]] [--console elsewhere]\n"
     "\n"
-    "Checks the host whose libraries this program is linked with, operation by operation.\n"
+    "Checks the host whose libraries this program runs with, operation by operation.\n"
     "\n"
     "  --function NAME      call that function of the host's language, with a 1-by-1 struct:\n"
     "                       phase = 'conformance ', value = 2.5, column = [1; 2; 3]\n"
-    "  --answer NUMBER      it returns that number, for instance 20.5 = value + the sum of\n"
+    "  --answer NUMBER      it must return that number, for instance 20.5 = value + the sum of\n"
     "                       column + the number of characters of phase\n"
-    "  --console elsewhere  the host's console is not standard output: print, and look yourself\n";
+    "  --console elsewhere  the host's console is not standard output: the texts are printed for\n"
+    "                       you to look at\n"
+    "\n"
+    "The exit status is 0 when every check passed, 1 when one failed, 2 for wrong arguments.\n";
 
 double number(const std::string& text) {
     char* end = nullptr;
@@ -76,7 +79,7 @@ int run(const std::vector<std::string>& arguments) {
         report_signals();
         check_host(wanted);
     } catch (const std::invalid_argument& bad) {
-        std::fprintf(stderr, "host_conformance: %s\n", bad.what());
+        std::fprintf(stderr, "zktarn_host_conformance: %s\n", bad.what());
         return 2;
     }
     return summary() ? 0 : 1;

@@ -8,6 +8,8 @@
 
 #include <unistd.h>
 
+#include "zktarn_conformance/check_host.hpp"
+
 namespace zktarn::host_conformance {
 
 namespace {
@@ -15,10 +17,10 @@ namespace {
 int checks = 0;
 int failed = 0;
 
-// What is looked at right now: read by the signal handler, so it is no string.
+// The check that is running. The signal handler reads it, so it is no string.
 std::array<char, 256> current = {};
 
-/// Where the console is caught by a check, standard output is not where lines go.
+/// Not always standard output, which a check may have redirected.
 int lines_go_to = STDOUT_FILENO;
 
 void set_current(const std::string& text) {
@@ -26,7 +28,7 @@ void set_current(const std::string& text) {
     current[length] = '\0';
 }
 
-/// Writes without the library of streams, which a signal may have found at work.
+/// Writes without stdio, which may be in the middle of a call when a signal arrives.
 void write_out(std::string_view text) {
     while (!text.empty()) {
         const ssize_t written = ::write(lines_go_to, text.data(), text.size());
@@ -88,7 +90,7 @@ void note(const std::string& operation, const std::string& what) {
 }
 
 void report_signals() {
-    // A copy, since a check may have standard output elsewhere when the signal comes.
+    // A copy, because a check may have redirected standard output when the signal arrives.
     if (const int copy = ::dup(STDOUT_FILENO); copy >= 0) {
         lines_go_to = copy;
     }

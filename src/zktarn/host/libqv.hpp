@@ -2,83 +2,132 @@
 
 #include <cstdint>
 
-/// What the library asks of the host's array interface, `libqv`.
+/// The host's array interface, `libqv`, as far as the library calls it: struct arrays, real arrays
+/// and texts.
 ///
-/// Declarations and obligations only: the host implements them, and where there is no host the
-/// stand-in does. Nothing may leave these operations by an exception.
+/// Declarations and obligations only; the host implements them. No exception may leave an
+/// operation.
 ///
 /// Arguments. Every number travels by reference, handles and data addresses included: sizes,
-/// element indices, dimension counts and extents are 64-bit integers, counts of fields, field
-/// numbers and the complexity flag are 32-bit integers. A text is the address of its first
-/// character in its place in the list; its length follows after all other arguments, a 64-bit
-/// integer by value, one for each text, in order. A list of fixed-width text slots passes the width
-/// of a slot the same way. No text ends in a null character, and trailing blanks in a slot are
-/// padding.
+/// element indices, dimension counts and extents are 64-bit integers; counts of fields, field
+/// numbers and the complexity flag are 32-bit integers. The host reads what is behind a reference
+/// during the call and does not keep the address. A text is the address of its first character; its
+/// length follows after all other arguments, as a 64-bit integer by value, one for each text, in
+/// order. No null character ends a text, blanks at its end belong to it, and the address of a text
+/// of length 0 may be null. A list of fixed-width slots passes the width of a slot the same way;
+/// there, blanks at the end of a name are padding.
 ///
-/// Ownership. An operation that creates an array hands it to the caller, who either destroys it or
-/// stores it in a struct, which then owns it. A handle of 0 names no array.
+/// Ownership. An operation that creates an array hands it to its caller, who either destroys it or
+/// stores it in a struct, which then owns it.
 ///
-/// Thread. All are called on the solver's thread, while the host waits for the solver.
+/// Failure. An operation fails by its failure value: handle 0, field number 0, or a null address.
+/// The library does not test for it and goes on, so the host must accept its own failure values as
+/// later arguments:
+///
+///     failed                                   and then the host receives
+///     an operation that creates an array       handle 0, as any handle of any operation
+///     qvaddfield800_                           field number 0, in qvsetfieldbynumber800_
+///     qvgetpr800_                              a null address, in either copy
+///     qvxcallquarn800_                         handle 0, in qvgetpr800_ and qvdestroyarray800_
+///
+/// With a failure value, an operation does nothing and returns a failure value itself. A value that
+/// cannot be stored belongs to the host all the same.
+///
+/// Thread. `callbacks_util` calls all of them on the solver's thread, while the host waits for the
+/// solver.
 
 namespace zktarn::host {
 
-/// Names an array that the host owns: a struct, a real matrix, a real scalar or a string.
+/// Names an array that the host owns: a struct, a real matrix, a real scalar or a text. Never 0 for
+/// an array that exists.
 using array_handle = std::int64_t;
 
-/// Where the real data of a host array begin.
+/// The address of the first real of a host array.
 using data_address = double*;
 
 extern "C" {
 
-/// Returns a new struct array of `ndims` dimensions with the given extents and `nfields` fields,
-/// named by consecutive slots of `slot_width` characters, every field of every element empty.
+// Creating arrays
+// --------------------------------------------------------------------------------------------
+
+/// Returns a new struct array with `ndims` dimensions, the given extents, and `nfields` fields
+/// named by consecutive slots of `slot_width` characters. Every field of every element is empty.
+///
+/// The library passes ndims = 1, extents {1, 1}, nfields = 1 and one slot "phase     " of width 10.
+///
+/// Failure: handle 0.
 array_handle qvcreatestructarray800_(const std::int64_t& ndims, const std::int64_t* extents,
                                      const std::int32_t& nfields, const char* field_names,
                                      std::int64_t slot_width) noexcept;
 
-/// Returns a new string that holds `text`, all of its `text_length` characters.
+/// Returns a new text that holds a copy of `text`, of any length, 0 included.
+///
+/// Failure: handle 0.
 array_handle qvcreatestring800_(const char* text, std::int64_t text_length) noexcept;
 
-/// Returns a new 1-by-1 real array that holds `value`.
+/// Returns a new 1-by-1 real array that holds `value`, any real.
+///
+/// Failure: handle 0.
 array_handle qvcreatedoublescalar800_(const double& value) noexcept;
 
-/// Returns a new matrix of `rows` rows and `columns` columns; real when `complexity` is 0, the only
-/// value the library passes.
+/// Returns a new matrix of `rows` rows and `columns` columns; complexity 0 makes it real. The
+/// library passes rows >= 0 (0 makes an empty array), columns = 1 and complexity = 0.
+///
+/// Failure: handle 0.
 array_handle qvcreatedoublematrix800_(const std::int64_t& rows, const std::int64_t& columns,
                                       const std::int32_t& complexity) noexcept;
 
-/// Stores `value` in the named field of element `index` (counted from 1). The struct takes over
-/// ownership of the value, and the library never destroys it, even if the host could not store it.
-/// A value that the field held before is released: the library refills a struct on that assumption.
+// Fields of a struct
+// --------------------------------------------------------------------------------------------
+
+/// Stores `value` in the named field of element `index`, counted from 1. The field exists. The
+/// library passes index = 1 and the field "phase".
+///
+/// The struct owns the value from now on, even if the host could not store it. The host releases
+/// the value that the field held before.
 void qvsetfield800_(const array_handle& structure, const std::int64_t& index,
                     const char* field_name, const array_handle& value,
                     std::int64_t field_name_length) noexcept;
 
-/// Stores `value` in field `number` (counted from 1) of element `index` (counted from 1). Ownership
-/// as in `qvsetfield800_`.
+/// Stores `value` in field `number`, counted from 1, of element `index`, counted from 1. The
+/// library passes index = 1. Ownership as in `qvsetfield800_`.
 void qvsetfieldbynumber800_(const array_handle& structure, const std::int64_t& index,
                             const std::int32_t& number, const array_handle& value) noexcept;
 
-/// Returns the number of the named field, counted from 1; 0 when the struct has no such field.
+/// Returns the number of the named field, counted from 1; 0 when the struct has no such field,
+/// which is not a failure.
 std::int32_t qvgetfieldnumber800_(const array_handle& structure, const char* field_name,
                                   std::int64_t field_name_length) noexcept;
 
-/// Adds an empty field to every element and returns its number, counted from 1.
+/// Adds an empty field to every element and returns its number, counted from 1. The library calls
+/// it only after `qvgetfieldnumber800_` returned 0 for that name.
+///
+/// Failure: field number 0.
 std::int32_t qvaddfield800_(const array_handle& structure, const char* field_name,
                             std::int64_t field_name_length) noexcept;
 
-/// Returns the address of the array's real data, stored column by column; it stays valid while the
-/// array exists.
+// Real data
+// --------------------------------------------------------------------------------------------
+
+/// Returns the address of an array's real data, stored column by column. The array keeps the data,
+/// and the address stays valid while the array exists, after a struct has taken it over, too. The
+/// library asks for the data of columns that it created, and of the result of the output function.
+///
+/// Failure, and an array without real data: null.
 data_address qvgetpr800_(const array_handle& array) noexcept;
 
-/// Copies `count` reals from host data at `from` to `to`.
+/// Copies `count` reals from host data at `from` to `to`. `from` is an address that `qvgetpr800_`
+/// returned. The library passes count = 1. For a null address, copies nothing.
 void qvcopyptrtoreal8800_(const data_address& from, double* to, const std::int64_t& count) noexcept;
 
-/// Copies `count` reals from `from` into host data at `to`.
+/// Copies `count` reals from `from` to host data at `to`. `to` is an address that `qvgetpr800_`
+/// returned. The library passes the number of rows; for 0, `from` may be null. For a null address
+/// `to`, copies nothing.
 void qvcopyreal8toptr800_(const double* from, const data_address& to,
                           const std::int64_t& count) noexcept;
 
-/// Releases the array and everything it owns.
+/// Releases an array and everything it owns. No struct owns it. The library destroys the result of
+/// the output function; solvers destroy structs.
 void qvdestroyarray800_(const array_handle& array) noexcept;
 }
 

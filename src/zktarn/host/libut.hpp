@@ -1,16 +1,17 @@
 #pragma once
 
-/// What the library asks of the host's utility library, `libut`.
+/// The host's utility library, `libut`, as far as the library calls it: interrupts.
 ///
-/// Declarations and obligations only: the host implements them, and where there is no host the
-/// stand-in does. Nothing may leave these operations by an exception.
+/// Declarations and obligations only; the host implements them. No exception may leave an
+/// operation.
 
 namespace zktarn::host {
 
 extern "C" {
 
-/// True when the user has asked to interrupt the computation. Called on the solver's thread, often;
-/// a host answers from a flag and may answer true once only, since the library remembers it.
+/// Returns whether the user has asked to interrupt the computation. Called by `callbacks_util` on
+/// the solver's thread, often, and only for a solve that polls; so it should return a flag and do
+/// nothing else. It may return true once only, because the library remembers that.
 bool utIsInterruptPending() noexcept;
 }
 

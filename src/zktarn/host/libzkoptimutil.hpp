@@ -2,60 +2,80 @@
 
 #include <cstdint>
 
-/// What the library asks of the host's optimisation support library, `libzkoptimutil`.
+/// The host's optimisation support library, `libzkoptimutil`, as far as the library calls it:
+/// memory, random numbers, assertions, flushing the console.
 ///
-/// Declarations and obligations only: the host implements them, and where there is no host the
-/// stand-in does. All arguments travel by value. Nothing may leave these operations by an
-/// exception.
+/// Declarations and obligations only; the host implements them. All arguments travel by value. No
+/// exception may leave an operation.
 
 namespace zktarn::host {
 
 extern "C" {
 
-// Memory manager. Callable from every thread that runs a solver.
+// Memory manager
+// --------------------------------------------------------------------------------------------
+//
+// Called by `memory_mod`. Any thread that runs a solver may call at any time, several at once. A
+// block may be released on another thread than it was requested on.
 
-/// Returns the address of a new block of at least `nbytes` bytes (nbytes >= 1), aligned for any
-/// scalar type, with any contents; null when the host cannot provide it. The caller owns the block
-/// until it passes the address to `qvFreeExOptim`.
+/// Returns the address of a new block of at least `nbytes` bytes. The library passes nbytes >= 1.
+///
+/// The block is aligned for any scalar type (16 bytes on x86-64 and arm64), overlaps no other, and
+/// may have any contents. The library owns it until `qvFreeExOptim`.
+///
+/// Failure: null. Any size may fail, and a later request of the same size may succeed.
 void* qvMallocExOptim(std::int64_t nbytes) noexcept;
 
-/// Takes back a block that `qvMallocExOptim` returned. Null reaches it only from a caller that
-/// released a raw block it never had; a host should accept that and do nothing.
+/// Releases a block that `qvMallocExOptim` returned. Other blocks stay as they are.
+///
+/// The host must accept null and do nothing: a solver may pass it to `mdeallocate`. It is never
+/// given any other address that is not a live block, unless a solver does so.
 void qvFreeExOptim(void* address) noexcept;
 
-// Random number generators. A generator and a saved state are opaque addresses; one generator is
-// used by one thread at a time.
+// Random number generators
+// --------------------------------------------------------------------------------------------
+//
+// Called by `random`. Generators and snapshots are opaque addresses. Different generators may be
+// used on different threads at once; one generator is used by one thread at a time.
 
-/// Returns a new uniform generator started from `seed`, or null when none can be made. The caller
-/// owns it until `deleteRngOptim`.
+/// Returns a new uniform generator. Equal seeds start equal sequences; the host decides which
+/// sequence a seed selects. Any seed is valid. The library owns the generator until
+/// `deleteRngOptim`.
+///
+/// Failure: null; nothing is to be released then.
 void* instantiateRngOptim(std::int32_t seed) noexcept;
 
-/// Takes back a generator; never null.
+/// Releases a generator. Never null. Snapshots of it stay valid.
 void deleteRngOptim(void* generator) noexcept;
 
-/// Draws `*count` uniform numbers into `values`. The library asks for one at a time. A host that
-/// cannot draw leaves `values` as it is.
+/// Writes the next `*count` numbers of a generator, never null, to `values`. The library passes 1.
+/// The interval is the host's choice.
+///
+/// Failure: writes nothing, and `values` stays as it is.
 void getRandUniformOptim(void* generator, double* values, const std::int64_t* count) noexcept;
 
-/// Returns a snapshot of the whole state of a generator, or null when there is none to be had. The
-/// generator may be null, and the answer is then best null. The caller owns the snapshot until
-/// `deleteRngStateOptim`.
+/// Returns a snapshot of the whole state of a generator, which stays as it is. The library owns the
+/// snapshot until `deleteRngStateOptim`.
+///
+/// Failure: null. The host must accept a null generator; null is the best result then.
 void* getRngStateOptim(void* generator) noexcept;
 
-/// Puts a generator back into a saved state. Neither is null. The snapshot stays valid and stays
-/// the caller's, and can be applied again.
+/// Restores a generator from a snapshot: it draws again the numbers that followed when the snapshot
+/// was taken. Neither is null. The snapshot stays valid, is not used up, and stays the library's.
 void setRngStateOptim(void* generator, void* state) noexcept;
 
-/// Takes back a snapshot; never null.
+/// Releases a snapshot, possibly after its generator. Never null.
 void deleteRngStateOptim(void* state) noexcept;
 
-// Assertions and console.
+// Assertions and console
+// --------------------------------------------------------------------------------------------
 
-/// Is told the value of every condition that a solver asserts. What a false one leads to is the
-/// host's decision: it need not return, but it must not throw.
+/// Receives every condition that a solver asserts, true or false, on the asserting thread. Called
+/// by `assert_mod`. The host decides what a false one leads to; it need not return then.
 void assertOptim(bool condition) noexcept;
 
-/// Flushes pending console output of the host.
+/// Makes all text that `qvxprintf800_` printed visible. Called by `callbacks_util` after each line,
+/// on the solver's thread.
 void ioFlushOptim() noexcept;
 }
 
