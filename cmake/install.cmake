@@ -76,3 +76,14 @@ install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util
   FILES_MATCHING PATTERN "*.md")
 install(FILES standin/README.md
   DESTINATION "${CMAKE_INSTALL_DOCDIR}/standin" COMPONENT standin)
+
+# Printers for debuggers. gdb loads by itself the script with the full name of the library, which is
+# known when the tree is installed.
+install(FILES src/debugger/README.md src/debugger/zktarn_gdb.py src/debugger/zktarn_lldb.py
+  DESTINATION "${CMAKE_INSTALL_DATADIR}/zktarn_util/debugger" COMPONENT util)
+if(NOT APPLE)
+  install(FILES src/debugger/zktarn_gdb.py
+    DESTINATION
+      "${CMAKE_INSTALL_DATADIR}/gdb/auto-load/\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}"
+    RENAME "libzktarn_util.so.${PROJECT_VERSION}-gdb.py" COMPONENT util)
+endif()
