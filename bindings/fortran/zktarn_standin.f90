@@ -67,12 +67,17 @@ module zktarn_standin
         integer(c_int64_t) :: number = 0
     end type
 
-    !> A fault, valid during the call of the handler; standin_sentence gives its sentence.
+    !> A fault, valid during the call of the handler; standin_sentence, standin_origin and
+    !> standin_place give its texts.
     type, bind(c), public :: standin_fault
         integer(c_int) :: kind = 0
         type(standin_block) :: concerned
         type(c_ptr) :: sentence = c_null_ptr
         integer(c_size_t) :: sentence_length = 0
+        type(c_ptr) :: origin = c_null_ptr
+        integer(c_size_t) :: origin_length = 0
+        type(c_ptr) :: place = c_null_ptr
+        integer(c_size_t) :: place_length = 0
     end type
 
     ! Procedures of the caller
@@ -96,6 +101,14 @@ module zktarn_standin
             type(c_ptr), value :: input, reply, context
         end subroutine
 
+        !> Answers a call of an operation in place of the stand-in, by the standin_answer_ procedures,
+        !> and returns true; or returns false.
+        function standin_script(call, answer, context) bind(c) result(answered)
+            import :: c_bool, c_ptr
+            type(c_ptr), value :: call, answer, context
+            logical(c_bool) :: answered
+        end function
+
         !> Copies a text into a buffer and returns the length of all of it.
         function text_source(buffer, capacity) bind(c) result(length)
             import :: c_ptr, c_size_t
@@ -104,7 +117,7 @@ module zktarn_standin
             integer(c_size_t) :: length
         end function
     end interface
-    public :: standin_fault_handler, standin_assertion_handler, standin_function
+    public :: standin_fault_handler, standin_assertion_handler, standin_function, standin_script
 
     ! Procedures
 
@@ -218,6 +231,64 @@ module zktarn_standin
             real(c_double) :: standin_scalar
         end function
 
+        subroutine standin_clear_call_log() bind(c, name="zktarn_standin_clear_call_log")
+        end subroutine
+
+        function standin_logged_call_count() bind(c, name="zktarn_standin_logged_call_count")
+            import :: c_size_t
+            integer(c_size_t) :: standin_logged_call_count
+        end function
+
+        !> A copy of a logged call, counted from 1; standin_free_call releases it.
+        function standin_logged_call(number) bind(c, name="zktarn_standin_logged_call")
+            import :: c_ptr, c_size_t
+            integer(c_size_t), value :: number
+            type(c_ptr) :: standin_logged_call
+        end function
+
+        subroutine standin_free_call(call) bind(c, name="zktarn_standin_free_call")
+            import :: c_ptr
+            type(c_ptr), value :: call
+        end subroutine
+
+        function standin_call_operation(call) bind(c, name="zktarn_standin_call_operation")
+            import :: c_int, c_ptr
+            type(c_ptr), value :: call
+            integer(c_int) :: standin_call_operation
+        end function
+
+        function standin_call_text_count(call) bind(c, name="zktarn_standin_call_text_count")
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: call
+            integer(c_size_t) :: standin_call_text_count
+        end function
+
+        function standin_call_result(call) bind(c, name="zktarn_standin_call_result")
+            import :: c_int64_t, c_ptr
+            type(c_ptr), value :: call
+            integer(c_int64_t) :: standin_call_result
+        end function
+
+        function standin_call_result_address(call) &
+            bind(c, name="zktarn_standin_call_result_address")
+            import :: c_ptr
+            type(c_ptr), value :: call
+            type(c_ptr) :: standin_call_result_address
+        end function
+
+        subroutine standin_answer_number(answer, number) &
+            bind(c, name="zktarn_standin_answer_number")
+            import :: c_int64_t, c_ptr
+            type(c_ptr), value :: answer
+            integer(c_int64_t), value :: number
+        end subroutine
+
+        subroutine standin_answer_address(answer, address) &
+            bind(c, name="zktarn_standin_answer_address")
+            import :: c_ptr
+            type(c_ptr), value :: answer, address
+        end subroutine
+
         function standin_field_count(array) bind(c, name="zktarn_standin_array_field_count")
             import :: c_ptr, c_size_t
             type(c_ptr), value :: array
@@ -229,6 +300,15 @@ module zktarn_standin
     public :: standin_raise_interrupt, standin_set_fault_handler, standin_set_assertion_handler
     public :: standin_inspect, standin_free_array, standin_kind, standin_rows, standin_columns
     public :: standin_scalar, standin_field_count
+    public :: standin_clear_call_log, standin_logged_call_count, standin_logged_call
+    public :: standin_free_call, standin_call_operation, standin_call_text_count
+    public :: standin_call_result, standin_call_result_address
+    public :: standin_answer_number, standin_answer_address
+    public :: standin_log_calls, standin_record_origins, standin_origin, standin_place
+    public :: standin_call_integers, standin_call_reals, standin_call_addresses
+    public :: standin_call_characters, standin_call_in_words
+    public :: standin_answer_reals, standin_answer_handles, standin_answer_calls
+    public :: standin_leave_calls
 
     public :: standin_name, standin_fail_call, standin_fail_request, standin_fail_requests_from
     public :: standin_interrupt_at_poll, standin_huge_pages, standin_report_at_exit
@@ -290,6 +370,80 @@ module zktarn_standin
             import :: c_bool
             logical(c_bool), value :: on
             logical(c_bool) :: c_listen_for_sigint
+        end function
+
+        function c_log_calls(on) bind(c, name="zktarn_standin_log_calls")
+            import :: c_bool
+            logical(c_bool), value :: on
+            logical(c_bool) :: c_log_calls
+        end function
+
+        function c_record_origins(on) bind(c, name="zktarn_standin_record_origins")
+            import :: c_bool
+            logical(c_bool), value :: on
+            logical(c_bool) :: c_record_origins
+        end function
+
+        function c_call_integers(call, count) bind(c, name="zktarn_standin_call_integers")
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: call
+            integer(c_size_t), intent(out) :: count
+            type(c_ptr) :: c_call_integers
+        end function
+
+        function c_call_reals(call, count) bind(c, name="zktarn_standin_call_reals")
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: call
+            integer(c_size_t), intent(out) :: count
+            type(c_ptr) :: c_call_reals
+        end function
+
+        function c_call_addresses(call, count) bind(c, name="zktarn_standin_call_addresses")
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: call
+            integer(c_size_t), intent(out) :: count
+            type(c_ptr) :: c_call_addresses
+        end function
+
+        function c_call_characters(call, number, length) &
+            bind(c, name="zktarn_standin_call_characters")
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: call
+            integer(c_size_t), value :: number
+            integer(c_size_t), intent(out) :: length
+            type(c_ptr) :: c_call_characters
+        end function
+
+        function c_call_in_words(call, buffer, capacity) &
+            bind(c, name="zktarn_standin_call_in_words")
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: call, buffer
+            integer(c_size_t), value :: capacity
+            integer(c_size_t) :: c_call_in_words
+        end function
+
+        subroutine c_answer_reals(answer, values, n) bind(c, name="zktarn_standin_answer_reals")
+            import :: c_double, c_ptr, c_size_t
+            type(c_ptr), value :: answer
+            real(c_double), intent(in) :: values(*)
+            integer(c_size_t), value :: n
+        end subroutine
+
+        subroutine c_answer_handles(answer, handles, n) &
+            bind(c, name="zktarn_standin_answer_handles")
+            import :: c_int64_t, c_ptr, c_size_t
+            type(c_ptr), value :: answer
+            integer(c_int64_t), intent(in) :: handles(*)
+            integer(c_size_t), value :: n
+        end subroutine
+
+        function c_answer_calls(operation, script, context) &
+            bind(c, name="zktarn_standin_answer_calls")
+            import :: c_bool, c_int, c_ptr, standin_script
+            integer(c_int), value :: operation
+            procedure(standin_script), optional :: script
+            type(c_ptr), value :: context
+            logical(c_bool) :: c_answer_calls
         end function
 
         function c_live_blocks(blocks, capacity) bind(c, name="zktarn_standin_live_blocks")
@@ -470,6 +624,112 @@ contains
         text = characters_at(fault%sentence, fault%sentence_length)
     end function
 
+    !> The calls that made the object concerned, one a line; empty unless origins are recorded.
+    function standin_origin(fault) result(text)
+        type(standin_fault), intent(in) :: fault
+        character(:), allocatable :: text
+        text = characters_at(fault%origin, fault%origin_length)
+    end function
+
+    !> The calls that led to the fault, one a line.
+    function standin_place(fault) result(text)
+        type(standin_fault), intent(in) :: fault
+        character(:), allocatable :: text
+        text = characters_at(fault%place, fault%place_length)
+    end function
+
+    ! The call log, and scripts
+
+    function standin_call_integers(call) result(integers)
+        type(c_ptr), intent(in) :: call
+        integer(c_int64_t), allocatable :: integers(:)
+        integer(c_int64_t), pointer :: them(:)
+        type(c_ptr) :: address
+        integer(c_size_t) :: count
+        address = c_call_integers(call, count)
+        allocate (integers(count))
+        if (count < 1) return
+        call c_f_pointer(address, them, [count])
+        integers = them
+    end function
+
+    function standin_call_reals(call) result(reals)
+        type(c_ptr), intent(in) :: call
+        real(c_double), allocatable :: reals(:)
+        real(c_double), pointer :: them(:)
+        type(c_ptr) :: address
+        integer(c_size_t) :: count
+        address = c_call_reals(call, count)
+        allocate (reals(count))
+        if (count < 1) return
+        call c_f_pointer(address, them, [count])
+        reals = them
+    end function
+
+    function standin_call_addresses(call) result(addresses)
+        type(c_ptr), intent(in) :: call
+        type(c_ptr), allocatable :: addresses(:)
+        type(c_ptr), pointer :: them(:)
+        type(c_ptr) :: address
+        integer(c_size_t) :: count
+        address = c_call_addresses(call, count)
+        allocate (addresses(count))
+        if (count < 1) return
+        call c_f_pointer(address, them, [count])
+        addresses = them
+    end function
+
+    !> Text `number` of a call, counted from 1; empty for a number that no text has.
+    function standin_call_characters(call, number) result(text)
+        type(c_ptr), intent(in) :: call
+        integer, intent(in) :: number
+        character(:), allocatable :: text
+        type(c_ptr) :: address
+        integer(c_size_t) :: length
+        address = c_call_characters(call, int(number, c_size_t), length)
+        text = characters_at(address, length)
+    end function
+
+    !> A call as one line of text.
+    function standin_call_in_words(call) result(text)
+        type(c_ptr), intent(in) :: call
+        character(:), allocatable :: text
+        character(kind=c_char), allocatable, target :: buffer(:)
+        integer(c_size_t) :: length
+        length = c_call_in_words(call, c_null_ptr, 0_c_size_t)
+        allocate (buffer(length + 1))
+        length = c_call_in_words(call, c_loc(buffer), length + 1)
+        text = characters_at(c_loc(buffer), length)
+    end function
+
+    subroutine standin_answer_reals(answer, values)
+        type(c_ptr), intent(in) :: answer
+        real(c_double), intent(in), contiguous :: values(:)
+        call c_answer_reals(answer, values, size(values, kind=c_size_t))
+    end subroutine
+
+    subroutine standin_answer_handles(answer, handles)
+        type(c_ptr), intent(in) :: answer
+        integer(c_int64_t), intent(in), contiguous :: handles(:)
+        call c_answer_handles(answer, handles, size(handles, kind=c_size_t))
+    end subroutine
+
+    !> Answers the calls of an operation by a script.
+    subroutine standin_answer_calls(operation, script, context)
+        integer(c_int), intent(in) :: operation
+        procedure(standin_script) :: script
+        type(c_ptr), intent(in) :: context
+        logical(c_bool) :: replaced
+        replaced = c_answer_calls(operation, script, context)
+    end subroutine
+
+    !> Returns an operation to the stand-in.
+    subroutine standin_leave_calls(operation)
+        integer(c_int), intent(in) :: operation
+        logical(c_bool) :: replaced
+        replaced = c_answer_calls(operation, context=c_null_ptr)
+    end subroutine
+
     ! Failures and interrupts that are planned
 
     subroutine fail_call_short(operation, k)
@@ -520,6 +780,18 @@ contains
         logical, intent(in) :: on
         logical :: previous
         previous = c_huge_pages(logical(on, c_bool))
+    end function
+
+    function standin_log_calls(on) result(previous)
+        logical, intent(in) :: on
+        logical :: previous
+        previous = c_log_calls(logical(on, c_bool))
+    end function
+
+    function standin_record_origins(on) result(previous)
+        logical, intent(in) :: on
+        logical :: previous
+        previous = c_record_origins(logical(on, c_bool))
     end function
 
     function standin_report_at_exit(on) result(previous)

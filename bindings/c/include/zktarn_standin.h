@@ -116,12 +116,20 @@ typedef enum zktarn_standin_fault_kind {
     zktarn_fault_function_threw
 } zktarn_standin_fault_kind;
 
-/* A fault, valid during the call of the handler; the sentence is ended by a zero byte. */
+/*
+ * A fault, valid during the call of the handler. Its texts end with a zero byte: the sentence; the
+ * calls that made the object concerned, empty unless origins are recorded; the calls that led to
+ * the fault. A list of calls has one line for each, innermost first.
+ */
 typedef struct zktarn_standin_fault {
     zktarn_standin_fault_kind kind;
     zktarn_standin_block concerned;
     const char *sentence;
     size_t sentence_length;
+    const char *origin;
+    size_t origin_length;
+    const char *place;
+    size_t place_length;
 } zktarn_standin_fault;
 
 typedef void (*zktarn_standin_fault_handler)(const zktarn_standin_fault *fault, void *context);
@@ -129,6 +137,8 @@ typedef void (*zktarn_standin_fault_handler)(const zktarn_standin_fault *fault, 
 /* A NULL handler stands for the default, which writes the sentence to standard error and aborts. */
 ZKTARN_STANDIN_C_API void
 zktarn_standin_set_fault_handler(zktarn_standin_fault_handler handler, void *context);
+
+ZKTARN_STANDIN_C_API bool zktarn_standin_record_origins(bool on);
 
 /* Assertions ------------------------------------------------------------------------------------ */
 
@@ -206,6 +216,61 @@ typedef void (*zktarn_standin_function)(const zktarn_standin_array *input,
 ZKTARN_STANDIN_C_API bool zktarn_standin_set_function(const char *name, size_t name_length,
                                                       zktarn_standin_function function,
                                                       void *context);
+
+/* Call log -------------------------------------------------------------------------------------- */
+
+/* One call of a host operation: its arguments by kind, and what it answered. */
+typedef struct zktarn_standin_call zktarn_standin_call;
+
+ZKTARN_STANDIN_C_API bool zktarn_standin_log_calls(bool on);
+ZKTARN_STANDIN_C_API void zktarn_standin_clear_call_log(void);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_logged_call_count(void);
+/*
+ * A copy of a logged call, counted from 1, to be released by zktarn_standin_free_call; NULL for a
+ * number that no call has, and without memory.
+ */
+ZKTARN_STANDIN_C_API zktarn_standin_call *zktarn_standin_logged_call(size_t number);
+/* The call may be NULL. */
+ZKTARN_STANDIN_C_API void zktarn_standin_free_call(zktarn_standin_call *call);
+
+/* Results that are addresses belong to `call`; the number of elements goes to *count. */
+ZKTARN_STANDIN_C_API zktarn_standin_operation
+zktarn_standin_call_operation(const zktarn_standin_call *call);
+ZKTARN_STANDIN_C_API const int64_t *zktarn_standin_call_integers(const zktarn_standin_call *call,
+                                                                 size_t *count);
+ZKTARN_STANDIN_C_API const double *zktarn_standin_call_reals(const zktarn_standin_call *call,
+                                                             size_t *count);
+ZKTARN_STANDIN_C_API const void *const *
+zktarn_standin_call_addresses(const zktarn_standin_call *call, size_t *count);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_call_text_count(const zktarn_standin_call *call);
+/* Text `number`, counted from 1, not ended by a zero byte; NULL for a number that no text has. */
+ZKTARN_STANDIN_C_API const char *
+zktarn_standin_call_characters(const zktarn_standin_call *call, size_t number, size_t *length);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_call_result(const zktarn_standin_call *call);
+ZKTARN_STANDIN_C_API void *zktarn_standin_call_result_address(const zktarn_standin_call *call);
+/* The call as one line of text. */
+ZKTARN_STANDIN_C_API size_t zktarn_standin_call_in_words(const zktarn_standin_call *call,
+                                                         char *buffer, size_t capacity);
+
+/* What a script answers; each operation uses one part, qvxcallquarn800_ two. */
+typedef struct zktarn_standin_answer zktarn_standin_answer;
+
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_number(zktarn_standin_answer *answer,
+                                                       int64_t number);
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_address(zktarn_standin_answer *answer,
+                                                        void *address);
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_reals(zktarn_standin_answer *answer,
+                                                      const double *values, size_t n);
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_handles(zktarn_standin_answer *answer,
+                                                        const int64_t *handles, size_t n);
+
+/* Answers a call in place of the stand-in and returns true; or returns false. */
+typedef bool (*zktarn_standin_script)(const zktarn_standin_call *call,
+                                      zktarn_standin_answer *answer, void *context);
+
+/* A NULL script returns the operation to the stand-in. Returns true when a script was installed. */
+ZKTARN_STANDIN_C_API bool zktarn_standin_answer_calls(zktarn_standin_operation operation,
+                                                      zktarn_standin_script script, void *context);
 
 /* Console --------------------------------------------------------------------------------------- */
 

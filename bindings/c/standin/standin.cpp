@@ -1,5 +1,8 @@
 /// Operations, memory, faults, assertions, the console and interrupts of the stand-in host, in C.
 
+#include <new>
+#include <string>
+
 #include "text.hpp"
 #include "zktarn_standin.h"
 #include "zktarn_standin/control.hpp"
@@ -32,6 +35,19 @@ standin::operation cpp(zktarn_standin_operation operation) {
 
 zktarn_standin_block in_c(const standin::block& block) {
     return {block.address, block.nbytes, block.order};
+}
+
+/// One line a call; empty without memory for it.
+std::string lines_of(const standin::call_stack& stack) noexcept {
+    try {
+        std::string text;
+        for (const std::string& line : stack.lines()) {
+            text += line + '\n';
+        }
+        return text;
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
 }
 
 } // namespace
@@ -114,9 +130,16 @@ void zktarn_standin_set_fault_handler(zktarn_standin_fault_handler handler, void
         return;
     }
     standin::set_fault_handler([handler, context](const standin::fault& fault) {
+        const std::string origin = lines_of(fault.origin);
+        const std::string place = lines_of(fault.place);
         const zktarn_standin_fault seen = {static_cast<zktarn_standin_fault_kind>(fault.kind),
-                                           in_c(fault.concerned), fault.sentence.c_str(),
-                                           fault.sentence.size()};
+                                           in_c(fault.concerned),
+                                           fault.sentence.c_str(),
+                                           fault.sentence.size(),
+                                           origin.c_str(),
+                                           origin.size(),
+                                           place.c_str(),
+                                           place.size()};
         handler(&seen, context);
     });
 }

@@ -187,8 +187,87 @@ static void test_console_and_interrupts(void) {
     CHECK(!zktarn_standin_listen_for_sigint(listens));
 }
 
+static bool answer(const zktarn_standin_call *call, zktarn_standin_answer *given, void *context) {
+    size_t count = 0;
+    *(int64_t *)context = zktarn_standin_call_integers(call, &count)[0];
+    CHECK(count == 1 && zktarn_standin_call_operation(call) == zktarn_op_qvMallocExOptim);
+    if (*(int64_t *)context == 99) {
+        return false;
+    }
+    static double storage[4];
+    zktarn_standin_answer_address(given, storage);
+    return true;
+}
+
+static void test_call_log(void) {
+    CHECK(!zktarn_standin_log_calls(true));
+    zktarn_array_handle structure = zktarn_qvinitcbarray("cutting", 7);
+    CHECK(zktarn_standin_log_calls(false));
+    CHECK(zktarn_standin_logged_call_count() == 3);
+    CHECK(zktarn_standin_logged_call(0) == NULL && zktarn_standin_logged_call(4) == NULL);
+    zktarn_standin_call *const call = zktarn_standin_logged_call(2);
+    CHECK(call != NULL);
+    CHECK(zktarn_standin_call_operation(call) == zktarn_op_qvcreatestring800_);
+    CHECK(zktarn_standin_call_text_count(call) == 1);
+    size_t length = 0;
+    const char *const text = zktarn_standin_call_characters(call, 1, &length);
+    CHECK(length == 7 && memcmp(text, "cutting", 7) == 0);
+    CHECK(zktarn_standin_call_characters(call, 2, &length) == NULL && length == 0);
+    CHECK(zktarn_standin_call_result(call) != 0);
+    CHECK(zktarn_standin_call_result_address(call) == NULL);
+    zktarn_standin_call_reals(call, &length);
+    CHECK(length == 0);
+    zktarn_standin_call_addresses(call, &length);
+    CHECK(length == 0);
+    char words[80];
+    CHECK(zktarn_standin_call_in_words(call, words, sizeof words) == strlen(words));
+    CHECK(strncmp(words, "qvcreatestring800_(\"cutting\") = ", 32) == 0);
+    zktarn_standin_free_call(call);
+    zktarn_standin_free_call(NULL);
+    zktarn_standin_clear_call_log();
+    CHECK(zktarn_standin_logged_call_count() == 0);
+    zktarn_qvfreecbarray(&structure);
+}
+
+static void test_scripts(void) {
+    int64_t asked = 0;
+    CHECK(!zktarn_standin_answer_calls(zktarn_op_qvMallocExOptim, answer, &asked));
+    CHECK(zktarn_mallocate(24) != NULL && asked == 24);
+    void *const block = zktarn_mallocate(99);
+    CHECK(asked == 99 && zktarn_standin_live_blocks(NULL, 0) == 1);
+    CHECK(zktarn_standin_answer_calls(zktarn_op_qvMallocExOptim, NULL, NULL));
+    zktarn_mdeallocate(block);
+}
+
+/* A fault says which calls led to it, and which made the block. */
+static void note_places(const zktarn_standin_fault *fault, void *context) {
+    int *const seen = context;
+    *seen += 1;
+    CHECK(strlen(fault->origin) == fault->origin_length);
+    CHECK(strlen(fault->place) == fault->place_length);
+#ifdef __linux__
+    CHECK(strstr(fault->place, "zktarn_mdeallocate") != NULL);
+    CHECK(strstr(fault->origin, "zktarn_mallocate") != NULL);
+#endif
+}
+
+static void test_origins(void) {
+    int seen = 0;
+    const bool recorded = zktarn_standin_record_origins(true);
+    zktarn_standin_set_fault_handler(note_places, &seen);
+    void *const block = zktarn_mallocate(40);
+    zktarn_mdeallocate(block);
+    zktarn_mdeallocate(block);
+    CHECK(seen == 1);
+    zktarn_standin_set_fault_handler(NULL, NULL);
+    CHECK(zktarn_standin_record_origins(recorded));
+}
+
 int main(void) {
     test_operations();
+    test_call_log();
+    test_scripts();
+    test_origins();
     test_memory();
     test_texts();
     test_handlers();

@@ -147,6 +147,47 @@ contains
         call qvfreecbarray(structure)
     end subroutine
 
+    function answer(call, given, context) bind(c) result(answered)
+        type(c_ptr), value :: call, given, context
+        logical(c_bool) :: answered
+        integer(c_int64_t), allocatable :: sizes(:)
+        sizes = standin_call_integers(call)
+        answered = sizes(1) /= 99
+        if (answered) call standin_answer_address(given, context)
+    end function
+
+    subroutine test_call_log()
+        real(dp), target :: storage(4)
+        integer(c_int64_t) :: structure
+        type(c_ptr) :: call, block
+        call check(.not. standin_log_calls(.true.), 'initially off')
+        structure = qvinitcbarray('cutting')
+        call check(standin_log_calls(.false.), 'was on')
+        call check(standin_logged_call_count() == 3, 'three calls')
+        call = standin_logged_call(2_c_size_t)
+        call check(standin_call_operation(call) == op_qvcreatestring800, 'operation')
+        call check(standin_call_text_count(call) == 1, 'one text')
+        call check(standin_call_characters(call, 1) == 'cutting', 'its characters')
+        call check(len(standin_call_characters(call, 2)) == 0, 'no second text')
+        call check(standin_call_result(call) /= 0, 'a handle')
+        call check(size(standin_call_reals(call)) == 0, 'no reals')
+        call check(size(standin_call_addresses(call)) == 0, 'no addresses')
+        call check(index(standin_call_in_words(call), 'qvcreatestring800_("cutting") = ') == 1, &
+            'in words')
+        call standin_free_call(call)
+        call standin_clear_call_log()
+        call check(standin_logged_call_count() == 0, 'empty')
+        call qvfreecbarray(structure)
+
+        call standin_answer_calls(op_qvMallocExOptim, answer, c_loc(storage))
+        block = mallocate(24_c_int64_t)
+        call check(c_associated(block, c_loc(storage)), 'scripted')
+        block = mallocate(99_c_int64_t)
+        call check(size(standin_live_blocks()) == 1, 'left to the stand-in')
+        call mdeallocate(block)
+        call standin_leave_calls(op_qvMallocExOptim)
+    end subroutine
+
     subroutine test_console_and_interrupts()
         type(cbdata), pointer :: cb
         call check(standin_set_console(console_capture) == console_show, 'console')
@@ -173,6 +214,7 @@ program standin_test
     use standin_cases
     implicit none
     call test_operations()
+    call test_call_log()
     call test_memory()
     call test_handlers()
     call test_arrays()

@@ -1,0 +1,82 @@
+!> The solver in Fortran on a host that fails: it says so or goes on, and gives everything back.
+program failures_test
+    use, intrinsic :: iso_c_binding
+    use checks
+    use problem
+    use reporting
+    use search
+    use zktarn_standin
+    use zktarn_util
+    implicit none
+
+    character(:), allocatable :: sample
+    integer :: length, operation, k, previous
+    integer, parameter :: operations(8) = [op_qvcreatestructarray800, op_qvcreatestring800, &
+        op_qvaddfield800, op_qvcreatedoublescalar800, op_qvcreatedoublematrix800, op_qvgetpr800, &
+        op_qvxcallquarn800, op_qvxprintf800]
+
+    call get_command_argument(1, length=length)
+    allocate (character(length) :: sample)
+    call get_command_argument(1, sample)
+    previous = standin_set_console(console_capture)
+
+    ! Each request for memory refused in turn, until the run needs none more.
+    k = 0
+    do
+        k = k + 1
+        call standin_reset()
+        call standin_fail_request(k)
+        if (ran_through()) exit
+    end do
+    call check(k > 20, 'many requests were refused')
+
+    do operation = 1, size(operations)
+        do k = 1, 3
+            call standin_reset()
+            call standin_fail_call(operations(operation), k)
+            call check(ran_through(), 'a failed report does not end the search')
+        end do
+    end do
+
+    call standin_reset()
+    call standin_interrupt_at_poll(3)
+    call check(.not. ran_through(), 'interrupted')
+    call standin_reset()
+    previous = standin_set_console(previous)
+    call finish()
+
+contains
+
+    !> Reads and solves the sample. Whether it was solved; everything is given back in any case.
+    logical function ran_through()
+        type(program_01) :: given
+        type(reporter) :: to
+        type(outcome) :: found
+        character(:), allocatable :: message
+        ran_through = .false.
+        to%has_output_function = 1
+        call standin_set_function('tarnCallback', go_on, c_null_ptr)
+        call read_program(sample, given, message)
+        if (message == '') then
+            call begin_reports(to)
+            call solve(given, to, 1, found)
+            call end_reports(to)
+            call free_program(given)
+            ran_through = found%status == solved
+            if (ran_through) call check(nint(found%best) == 5, 'the optimum')
+            if (.not. ran_through) call check(found%status == no_memory .or. &
+                found%status == interrupted, 'why not')
+        else
+            call check(index(message, 'no memory') > 0, 'the sentence')
+        end if
+        call standin_remove_function('tarnCallback')
+        call check(size(standin_live_blocks()) == 0, 'every block given back')
+        call check(size(standin_live_objects()) == 0, 'every object given back')
+    end function
+
+    subroutine go_on(input, reply, context) bind(c)
+        type(c_ptr), value :: input, reply, context
+        call check(c_associated(input) .and. .not. c_associated(context), 'input')
+        call standin_reply(reply, 0.0_c_double)
+    end subroutine
+end program
