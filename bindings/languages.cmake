@@ -5,7 +5,10 @@ include(CheckLanguage)
 
 set(fortran_default OFF)
 if(PROJECT_IS_TOP_LEVEL AND ZKTARN_C AND NOT DEFINED ZKTARN_FORTRAN)
-  check_language(Fortran)
+  # A cross build has no use for the compiler of this machine: its toolchain names another, or none.
+  if(NOT CMAKE_CROSSCOMPILING)
+    check_language(Fortran)
+  endif()
   if(CMAKE_Fortran_COMPILER)
     set(fortran_default ON)
   endif()
