@@ -14,6 +14,8 @@ namespace {
 __extension__ typedef __int128 wide_integer;
 
 constexpr double tolerance = 1e-6;
+/// The numbers of a file are decimals, which doubles represent with an error.
+constexpr double decimal_tolerance = 1e-9;
 
 /// The point with integer columns rounded; nothing when one is not nearly an integer.
 std::optional<std::vector<double>> rounded(const model& program, const double* point) {
@@ -35,8 +37,9 @@ bool is_within(double value, double lower, double upper) {
     return (lower <= -no_bound || value >= lower) && (upper >= no_bound || value <= upper);
 }
 
-double relaxed_by(double side, double direction) {
-    return side + direction * tolerance * std::max(1.0, std::fabs(side));
+/// The side moved by a relative tolerance, whose sign is the direction.
+double moved(double side, double relative) {
+    return side + relative * std::max(1.0, std::fabs(side));
 }
 
 bool is_integer_number(double value) {
@@ -49,11 +52,14 @@ bool satisfies_row(const model& program, int i, const std::vector<double>& point
     const int* const columns = program.rows.getIndices() + first;
     const double* const values = program.rows.getElements() + first;
     bool is_exact = true;
+    bool has_continuous = false;
     wide_integer exact = 0;
     double activity = 0.0;
     for (int k = 0; k < program.rows.getVectorSize(i); ++k) {
         const double x = point[static_cast<std::size_t>(columns[k])];
         activity += values[k] * x;
+        has_continuous =
+            has_continuous || program.is_integer[static_cast<std::size_t>(columns[k])] == 0;
         is_exact = is_exact && is_integer_number(values[k]) && is_integer_number(x) &&
                    std::fabs(x) <= 1e15;
         if (is_exact) {
@@ -63,7 +69,8 @@ bool satisfies_row(const model& program, int i, const std::vector<double>& point
     const double lower = program.row_lower[static_cast<std::size_t>(i)];
     const double upper = program.row_upper[static_cast<std::size_t>(i)];
     if (!is_exact) {
-        return is_within(activity, relaxed_by(lower, -1.0), relaxed_by(upper, 1.0));
+        const double slip = has_continuous ? tolerance : decimal_tolerance;
+        return is_within(activity, moved(lower, -slip), moved(upper, slip));
     }
     // An integer is at most a number exactly when it is at most the floor of the number.
     return (lower <= -no_bound || exact >= static_cast<wide_integer>(std::ceil(lower))) &&
@@ -72,9 +79,8 @@ bool satisfies_row(const model& program, int i, const std::vector<double>& point
 
 bool is_feasible(const model& program, const std::vector<double>& point) {
     for (std::size_t j = 0; j < point.size(); ++j) {
-        const double slip = program.is_integer[j] != 0 ? 0.0 : 1.0;
-        if (!is_within(point[j], relaxed_by(program.lower[j], -slip),
-                       relaxed_by(program.upper[j], slip))) {
+        const double slip = program.is_integer[j] != 0 ? 0.0 : tolerance;
+        if (!is_within(point[j], moved(program.lower[j], -slip), moved(program.upper[j], slip))) {
             return false;
         }
     }

@@ -15,6 +15,12 @@ double as_infinity(double bound) {
     return bound >= 1e20 ? infinity : bound <= -1e20 ? -infinity : bound;
 }
 
+/// How far a number of a file may be from the decimal that it stands for: half a unit in the last
+/// place, nothing for integers.
+double decimal_error(double number) {
+    return std::trunc(number) == number ? 0.0 : std::ldexp(std::fabs(number), -53);
+}
+
 /// A sum of products with a bound on its rounding error. The error of each operation is computed
 /// exactly (Dekker 1971, Knuth 1969), so the bound is 0 when no operation rounded.
 class bounded_sum {
@@ -27,6 +33,8 @@ public:
         error_ += std::fabs(std::fma(a, b, -product)) + std::fabs(sum_error);
         value_ = sum;
     }
+    /// Adds to the bound on the error.
+    void blur(double error) { error_ += error; }
     double value() const { return value_; }
     /// The factor covers the rounding of the sum of errors for up to 2^31 terms.
     double error() const { return error_ * (1.0 + 1e-6); }
@@ -126,16 +134,20 @@ std::optional<double> safe_bound::of(const ClpSimplex& lp) const {
         if (std::isfinite(side)) {
             duals[static_cast<std::size_t>(i)] = prices[i];
             bound.add(prices[i], side);
+            bound.blur(std::fabs(prices[i]) * decimal_error(side));
         }
     }
     const CoinPackedMatrix& matrix = *lp.matrix();
     for (int j = 0; j < lp.numberColumns(); ++j) {
         bounded_sum reduced_cost;
-        reduced_cost.add(lp.getObjCoefficients()[j]);
+        const double cost = lp.getObjCoefficients()[j];
+        reduced_cost.add(cost);
+        reduced_cost.blur(decimal_error(cost));
         const CoinBigIndex first = matrix.getVectorFirst(j);
         for (CoinBigIndex k = first; k < first + matrix.getVectorSize(j); ++k) {
-            reduced_cost.add(-duals[static_cast<std::size_t>(matrix.getIndices()[k])],
-                             matrix.getElements()[k]);
+            const double dual = duals[static_cast<std::size_t>(matrix.getIndices()[k])];
+            reduced_cost.add(-dual, matrix.getElements()[k]);
+            reduced_cost.blur(std::fabs(dual) * decimal_error(matrix.getElements()[k]));
         }
         // factor * x at its least x is a concave function of the factor, so it is least at one of
         // the ends of the interval that contains the reduced cost.

@@ -14,10 +14,11 @@ public:
     explicit safe_bound(const ClpSimplex& lp);
 
     /// A lower bound on the objective of every feasible point, whatever rounding errors the simplex
-    /// method has made: the bound that the row duals of the last solve give by weak duality, minus
-    /// a bound on all rounding errors of its evaluation (Neumaier and Shcherbina, Safe bounds in
-    /// linear and mixed-integer linear programming, 2004). Nothing when a column without bounds
-    /// prevents a proof. Costs one pass over the coefficients.
+    /// method has made and however the decimal numbers of the file were rounded to doubles: the
+    /// bound that the row duals of the last solve give by weak duality, minus a bound on all
+    /// rounding errors of its evaluation (Neumaier and Shcherbina, Safe bounds in linear and
+    /// mixed-integer linear programming, 2004). Nothing when a column without bounds prevents a
+    /// proof. Costs one pass over the coefficients.
     std::optional<double> of(const ClpSimplex& lp) const;
 
     /// Whether all numbers are small enough for the usual tolerances to have a meaning.
