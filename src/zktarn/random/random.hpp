@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <type_traits>
 
 #include "zktarn/export.hpp"
 #include "zktarn/types.hpp"
@@ -24,9 +23,6 @@ struct rng_state {
     /// The host's handle; null if there is no generator.
     void* generator = nullptr;
 };
-
-static_assert(std::is_trivially_copyable_v<rng_state>);
-static_assert(sizeof(rng_state) == sizeof(void*));
 
 /// A snapshot of a generator's state: the host's handle, or null.
 using saved_state = void*;
