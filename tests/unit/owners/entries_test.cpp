@@ -75,6 +75,9 @@ TEST_F(Entries, AreTheMarkedIndicesWhereThereIsNoList) {
         vector_set_elm(*v, j);
     }
     EXPECT_EQ(walked(v), (pairs{{2, 20.0}, {5, 50.0}}));
+    const owned_vector set(5, 1, 1);
+    vector_set_elm(*set, 3);
+    EXPECT_EQ(walked(set), (pairs{{3, 1.0}}));
 }
 
 TEST_F(Entries, OfAnIndexSetCountOnce) {

@@ -65,6 +65,19 @@ bool nothing_is_live() {
     return standin::live_blocks().empty() && standin::live_objects().empty();
 }
 
+bool is_null(const void* handle) {
+    return handle == nullptr;
+}
+bool is_null(const array_2d<double>& array) {
+    return !array.present();
+}
+bool is_null(const random::rng_state& rng) {
+    return rng.generator == nullptr;
+}
+bool is_null(host::array_handle handle) {
+    return handle == 0;
+}
+
 template <class Case>
 class Owners : public testing::Test {
 protected:
@@ -107,6 +120,7 @@ TYPED_TEST(Owners, HandOverWhatTheyOwn) {
     auto owned = TypeParam::make();
     TypeParam::release(owned);
     EXPECT_FALSE(owned);
+    EXPECT_TRUE(is_null(owned.release()));
     EXPECT_TRUE(nothing_is_live());
 }
 
@@ -114,7 +128,14 @@ TYPED_TEST(Owners, MoveWhatTheyOwn) {
     auto first = TypeParam::make();
     auto second = std::move(first);
     EXPECT_FALSE(first);
+    EXPECT_TRUE(is_null(first.release()));
     EXPECT_TRUE(second);
+}
+
+TYPED_TEST(Owners, HaveANullHandleAfterAReset) {
+    auto owned = TypeParam::make();
+    owned.reset();
+    EXPECT_TRUE(is_null(owned.release()));
 }
 
 TYPED_TEST(Owners, ReleaseTheOldObjectWhenAnotherIsAssigned) {
