@@ -210,7 +210,7 @@ finding makes_empty_column() {
     return {};
 }
 
-/// Stores a matrix by `store` and looks whether its data stay where they are.
+/// Stores a matrix by `store` and checks that its data stay where they are.
 template <class Store>
 finding takes_over(Store store) {
     const array structure(make_struct(1, {"phase     "}));
@@ -227,7 +227,7 @@ finding takes_over(Store store) {
     return expect(data[0] == 2.5, "the data of the array are lost with it");
 }
 
-/// Whether a struct with other fields beside can be filled, and filled anew, many times.
+/// Fills the fields of a struct many times, beside other fields.
 finding replaces_values() {
     for (int i = 0; i < 100; ++i) {
         const array structure(make_sample_struct());
@@ -282,23 +282,23 @@ void check_structs() {
           makes_struct_of_padded_slot);
     check("qvcreatestructarray800_", "makes a 1-by-1 struct of two dimensions and three slots",
           makes_struct_of_slots);
-    check("qvgetfieldnumber800_", "answers 0 for a field that is missing", misses_fields);
+    check("qvgetfieldnumber800_", "returns 0 for a field that does not exist", misses_fields);
     check("qvgetfieldnumber800_", "reads as much of a name as its length says",
           reads_name_of_length);
-    check("qvaddfield800_", "answers the next number, at which the field is found", adds_fields);
-    check("qvsetfield800_", "takes an array over, whose data stay where they are", [] {
+    check("qvaddfield800_", "returns the next number, which is that of the field", adds_fields);
+    check("qvsetfield800_", "owns the array, whose data stay where they are", [] {
         return takes_over([](const array_handle& structure, const array_handle& value) {
             set_field(structure, "phase", value);
         });
     });
-    check("qvsetfieldbynumber800_", "takes an array over, whose data stay where they are", [] {
+    check("qvsetfieldbynumber800_", "owns the array, whose data stay where they are", [] {
         return takes_over([](const array_handle& structure, const array_handle& value) {
             set_field(structure, 1, value);
         });
     });
-    check("qvsetfieldbynumber800_", "replaces what a field held", replaces_values);
-    check("qvdestroyarray800_", "leaves other arrays alone", destroys_one_alone);
-    check("qvdestroyarray800_", "takes structs back with what they own", come_and_go);
+    check("qvsetfieldbynumber800_", "replaces the value of a field", replaces_values);
+    check("qvdestroyarray800_", "leaves other arrays unchanged", destroys_one_alone);
+    check("qvdestroyarray800_", "releases structs with all they own", come_and_go);
 }
 
 } // namespace
@@ -308,10 +308,10 @@ void check_arrays() {
     check("qvcreatedoublescalar800_", "makes scalars that hold their value", makes_scalars);
     check("qvcreatedoublematrix800_", "makes an empty column, into which nothing is copied",
           makes_empty_column);
-    check("qvgetpr800_", "gives data that can be written and read", data_are_writable);
-    check("qvgetpr800_", "gives the same address as long as the array exists", address_stays);
-    check("qvcopyptrtoreal8800_", "copies as many numbers as asked for", copies_out);
-    check("qvcopyreal8toptr800_", "copies as many numbers as asked for", copies_in);
+    check("qvgetpr800_", "returns data that can be written and read", data_are_writable);
+    check("qvgetpr800_", "returns the same address while the array exists", address_stays);
+    check("qvcopyptrtoreal8800_", "copies the requested count of numbers", copies_out);
+    check("qvcopyreal8toptr800_", "copies the requested count of numbers", copies_in);
     check_structs();
 }
 

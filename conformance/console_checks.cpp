@@ -18,7 +18,7 @@ namespace {
 constexpr const char* prints = "qvxprintf800_";
 constexpr const char* flushes = "ioFlushOptim";
 
-/// Text with percent signs, a line feed and blanks, and something behind it that is not part of it.
+/// A text with percent signs, a line feed and blanks. The characters behind it do not belong to it.
 constexpr std::string_view difficult = "100% of %d %s\n  and no more  #?";
 constexpr std::size_t difficult_length = difficult.size() - 2;
 
@@ -26,7 +26,7 @@ void print(std::string_view text) {
     host::qvxprintf800_(text.data(), static_cast<std::int64_t>(text.size()));
 }
 
-/// Standard output in a file, from here to the end of this object.
+/// Redirects standard output to a file while it exists.
 class caught_output {
 public:
     caught_output() : file_(std::tmpfile()), before_(::dup(STDOUT_FILENO)) {
@@ -48,7 +48,7 @@ public:
 
     [[nodiscard]] bool is_caught() const { return file_ != nullptr && before_ >= 0; }
 
-    /// What has come out so far.
+    /// The output so far.
     [[nodiscard]] std::string text() const {
         std::string all;
         char piece[4096];
@@ -67,7 +67,7 @@ private:
     int before_;
 };
 
-/// A text with its line feeds visible, and not all of a long one.
+/// The beginning of a text, with its line feeds visible.
 std::string shown(const std::string& text) {
     std::string line;
     for (const char c : text.substr(0, 60)) {
@@ -76,13 +76,12 @@ std::string shown(const std::string& text) {
     return "'" + line + "'" + (text.size() > 60 ? " and more" : "");
 }
 
-/// What comes out of the console when something is printed; flushed by the host, or by this
-/// program as well.
+/// The console output of a call, flushed by the host alone or by this program as well.
 finding comes_out(const std::string& expected, bool flush_here,
                   const std::function<void()>& print_it) {
     const caught_output output;
     if (!output.is_caught()) {
-        return "standard output cannot be caught here";
+        return "standard output cannot be redirected here";
     }
     print_it();
     host::ioFlushOptim();

@@ -16,7 +16,7 @@ using host::array_handle;
 
 constexpr const char* calls = "qvxcallquarn800_";
 
-/// The handle that the function returns; 0 when there is none.
+/// The handle that the function returned; 0 without one.
 array_handle call(const std::string& function, const array_handle& input) {
     const std::int32_t noutputs[] = {1, -1};
     const std::int32_t ninputs[] = {1, -1};
@@ -47,7 +47,7 @@ finding reads_answer(const array_handle& output, const settings& wanted) {
     return is_as_wanted(answer, wanted);
 }
 
-/// Two calls with one struct, which the first one must have left alone.
+/// Two calls with one struct, which the first one must leave unchanged.
 finding answers(const settings& wanted) {
     const array_handle input = make_sample_struct();
     if (input == 0) {
@@ -74,7 +74,7 @@ finding answers(const settings& wanted) {
 
 void check_function(const settings& wanted) {
     if (wanted.function.empty()) {
-        note(calls, "not called, since no function was named by --function");
+        note(calls, "not called, because --function names no function");
         return;
     }
     check(calls, "has '" + wanted.function + "' answer, twice, from an input that stays",

@@ -26,7 +26,7 @@ numbers draw(void* generator, std::size_t count) {
     return drawn;
 }
 
-/// The first numbers after a seed; none when there is no generator.
+/// The first numbers after a seed; none without a generator.
 numbers numbers_of_seed(std::int32_t seed) {
     void* const generator = host::instantiateRngOptim(seed);
     if (generator == nullptr) {
@@ -149,7 +149,7 @@ finding serves_two_threads() {
     return expect(!alone.empty() && own && other, "other numbers than with one thread");
 }
 
-/// Draws, restores and draws again, twice, with draws before and in between.
+/// Restores a snapshot twice, with draws before and in between, and compares the numbers.
 finding repeats_by_snapshot(int restorations) {
     const generator made(1);
     if (made.address == nullptr) {
@@ -214,15 +214,15 @@ void check_generators() {
     check("instantiateRngOptim", "starts other numbers from another seed", differs_by_seed);
     check("instantiateRngOptim", "keeps generators apart", keeps_generators_apart);
     check("getRandUniformOptim", "draws finite numbers that vary", draws_numbers);
-    check("getRandUniformOptim", "draws as many as asked for", draws_as_many_as_asked);
+    check("getRandUniformOptim", "draws the requested count of numbers", draws_as_many_as_asked);
     check("getRandUniformOptim", "serves two threads with a generator each", serves_two_threads);
     check("getRngStateOptim", "leaves the generator as it is", takes_snapshot_without_change);
-    check("setRngStateOptim", "brings back the numbers that followed the snapshot",
+    check("setRngStateOptim", "restores the numbers that followed the snapshot",
           [] { return repeats_by_snapshot(1); });
     check("setRngStateOptim", "leaves the snapshot valid for more",
           [] { return repeats_by_snapshot(3); });
-    check("deleteRngOptim", "takes generators back, one after the other", come_and_go);
-    check("deleteRngStateOptim", "takes a snapshot back after its generator",
+    check("deleteRngOptim", "releases generators, one after the other", come_and_go);
+    check("deleteRngStateOptim", "releases a snapshot after its generator",
           snapshot_outlives_generator);
 }
 

@@ -24,7 +24,7 @@ using blocks = std::vector<block>;
 
 constexpr std::size_t sizes[] = {1, 2, 3, 7, 8, 9, 16, 24, 100, 1000, 4096, 65537, 1 << 20};
 
-/// A block filled with its pattern, or none.
+/// A block that is filled with its own pattern, or none.
 block obtain(std::size_t nbytes, unsigned char pattern) {
     void* const address = host::qvMallocExOptim(static_cast<std::int64_t>(nbytes));
     auto* const first = static_cast<unsigned char*>(address);
@@ -82,7 +82,7 @@ finding are_intact(const blocks& all) {
     return {};
 }
 
-/// Gives back every second block and asks for as many new ones.
+/// Releases every second block and requests as many new ones.
 finding exchange_half(blocks& all) {
     blocks kept;
     for (std::size_t i = 0; i < all.size(); ++i) {
@@ -97,13 +97,13 @@ finding exchange_half(blocks& all) {
     return wrong.empty() ? obtain_all(all) + are_intact(all) : wrong;
 }
 
-void give_back(blocks& all) {
+void release_all(blocks& all) {
     for (; !all.empty(); all.pop_back()) {
         host::qvFreeExOptim(all.back().address);
     }
 }
 
-/// What one thread does: blocks come, keep their contents and go.
+/// The work of one thread: requests blocks, checks their contents and releases them.
 bool serves_this_thread(unsigned char pattern) {
     bool served = true;
     for (int round = 0; served && round < 200; ++round) {
@@ -113,7 +113,7 @@ bool serves_this_thread(unsigned char pattern) {
             served = served && all.back().address != nullptr;
         }
         served = served && are_intact(all).empty();
-        give_back(all);
+        release_all(all);
     }
     return served;
 }
@@ -130,20 +130,20 @@ finding serves_two_threads() {
 
 void check_memory() {
     const char* const obtains = "qvMallocExOptim";
-    const char* const takes_back = "qvFreeExOptim";
+    const char* const releases = "qvFreeExOptim";
     blocks all;
     check(obtains, "provides blocks of 1 byte to 1 MiB, all of whose bytes can be written",
           [&] { return obtain_all(all); });
     check(obtains, "aligns every block for any scalar type", [&] { return are_aligned(all); });
     check(obtains, "keeps blocks apart", [&] { return are_apart(all); });
     check(obtains, "lets every byte be read back", [&] { return are_intact(all); });
-    check(takes_back, "takes some blocks back and leaves the others alone",
+    check(releases, "releases some blocks and leaves the others unchanged",
           [&] { return exchange_half(all); });
-    check(takes_back, "takes all blocks back", [&] {
-        give_back(all);
+    check(releases, "releases all blocks", [&] {
+        release_all(all);
         return finding();
     });
-    check(obtains, "answers null for more than there can be", [] {
+    check(obtains, "returns null for more than there can be", [] {
         return expect(host::qvMallocExOptim(std::numeric_limits<std::int64_t>::max()) == nullptr,
                       "an address");
     });

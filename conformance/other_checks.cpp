@@ -10,38 +10,37 @@
 namespace zktarn::host_conformance {
 
 void check_interrupts_and_assertions() {
-    check("utIsInterruptPending", "answers false, again and again, while there is no interrupt",
-          [] {
-              for (int i = 0; i < 1000; ++i) {
-                  if (host::utIsInterruptPending()) {
-                      return finding("true");
-                  }
-              }
-              return finding();
-          });
-    check("assertOptim", "returns when told of a condition that holds", [] {
+    check("utIsInterruptPending", "returns false at every poll without an interrupt", [] {
+        for (int i = 0; i < 1000; ++i) {
+            if (host::utIsInterruptPending()) {
+                return finding("true");
+            }
+        }
+        return finding();
+    });
+    check("assertOptim", "returns for a true condition", [] {
         host::assertOptim(true);
         return finding();
     });
 }
 
 void check_nulls() {
-    check("getRngStateOptim", "stands a null generator", [] {
+    check("getRngStateOptim", "accepts a null generator", [] {
         void* const state = host::getRngStateOptim(nullptr);
         if (state != nullptr) {
-            note("getRngStateOptim", "answers a null generator with a snapshot; null is better");
+            note("getRngStateOptim", "returns a snapshot of a null generator; null is better");
             host::deleteRngStateOptim(state);
         }
         return finding();
     });
-    check("qvcreatestring800_", "stands a null address for no characters", [] {
+    check("qvcreatestring800_", "accepts a null address for no characters", [] {
         const host::array_handle made = host::qvcreatestring800_(nullptr, 0);
         if (made != 0) {
             host::qvdestroyarray800_(made);
         }
         return expect(made != 0, "the handle is 0");
     });
-    check("qvcopyreal8toptr800_", "stands a null address for no numbers", [] {
+    check("qvcopyreal8toptr800_", "accepts a null address for no numbers", [] {
         const std::int64_t none = 0;
         const host::array_handle column = make_matrix(0, 1);
         if (column == 0) {
@@ -51,7 +50,7 @@ void check_nulls() {
         host::qvdestroyarray800_(column);
         return finding();
     });
-    check("qvFreeExOptim", "stands null", [] {
+    check("qvFreeExOptim", "accepts null", [] {
         host::qvFreeExOptim(nullptr);
         return finding();
     });

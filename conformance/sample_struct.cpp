@@ -19,7 +19,7 @@ std::int64_t length(std::string_view text) {
     return static_cast<std::int64_t>(text.size());
 }
 
-/// Text with something behind it that does not belong to it.
+/// A text. The characters behind it do not belong to it.
 std::string in_company(std::string_view text) {
     return std::string(text) + "#?";
 }

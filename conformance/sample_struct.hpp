@@ -6,8 +6,8 @@
 
 #include "zktarn/host/libqv.hpp"
 
-/// Arrays as the checks make them. A 32-bit argument has a neighbour in memory that is not zero, so
-/// that a host which reads 64 bits finds something else.
+/// Arrays for the checks. Nonzero bytes follow each 32-bit argument in memory, so that a host which
+/// reads 64 bits reads a different number.
 
 namespace zktarn::host_conformance {
 
@@ -26,8 +26,8 @@ void set_field(const host::array_handle& structure, std::string_view name,
 void set_field(const host::array_handle& structure, std::int32_t number,
                const host::array_handle& value);
 
-/// A struct whose fields have been set, added and replaced in every way: phase = "conformance ",
-/// value = 2.5, column = [1; 2; 3]. 0 when it cannot be made.
+/// A struct with phase = "conformance ", value = 2.5 and column = [1; 2; 3], after setting, adding
+/// and replacing its fields in every way. Handle 0 when it cannot be made.
 host::array_handle make_sample_struct();
 
 } // namespace zktarn::host_conformance

@@ -2,7 +2,7 @@
 
 #include "zktarn_standin/control.hpp"
 
-// Registers the host-language function that the conformance program is told to call, before `main`.
+// Registers, before `main`, the host-language function that the conformance program calls.
 
 namespace {
 
