@@ -12,7 +12,7 @@ from operators import Mutant
 from workbench import call, digest, module_of, must
 
 # The tests of a module are in the folder of its name; here is what is elsewhere.
-FOLDERS = {"": ["types"]}
+FOLDERS = {"": ["types", "owners"]}
 
 
 @dataclass
