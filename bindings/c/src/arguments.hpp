@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string_view>
 
@@ -28,6 +29,12 @@ bool any_null([[maybe_unused]] Address... addresses) noexcept {
 template <class Count>
 bool null_elements(const void* address, Count count) noexcept {
     return count >= 1 && any_null(address);
+}
+
+/// Whether there are records to work on; the address of none may be null.
+template <class Record>
+bool has_records(const Record* first, std::int32_t count) noexcept {
+    return count >= 1 && !any_null(first);
 }
 
 template <class T>

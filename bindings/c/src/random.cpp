@@ -35,7 +35,7 @@ void zktarn_deleterngstate(zktarn_saved_state state) {
 }
 
 void zktarn_rng_stateinitialise(zktarn_rng_state* first, int32_t count) {
-    if (!c::null_elements(first, count)) {
+    if (c::has_records(first, count)) {
         random::_rng_stateinitialise(cpp(first), count);
     }
 }

@@ -22,7 +22,7 @@ void zktarn_vector_free(zktarn_vector** vec) {
 }
 
 void zktarn_vectorinitialise(zktarn_vector* first, int32_t count) {
-    if (!c::null_elements(first, count)) {
+    if (c::has_records(first, count)) {
         vector_type::_vectorinitialise(cpp(first), count);
     }
 }
