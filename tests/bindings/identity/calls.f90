@@ -287,7 +287,7 @@ contains
     subroutine via_rng_stateinitialise(first, count) bind(c)
         type(c_ptr), value :: first
         integer(c_int32_t), value :: count
-        type(rng_state), pointer :: records(:)
+        type(rng_state), pointer, contiguous :: records(:)
         call c_f_pointer(first, records, [max(0, count)])
         if (count == 1) then
             call rng_stateinitialise(records(1))
