@@ -1,5 +1,6 @@
 /// The command line program: reads models, tightens their relaxations, writes the results.
 
+#include <csignal>
 #include <cstdio>
 #include <deque>
 #include <exception>
@@ -21,6 +22,7 @@
 #include "run/tightener.hpp"
 #include "zktarn_standin/arrays.hpp"
 #include "zktarn_standin/control.hpp"
+#include "zktarn_standin/interrupts.hpp"
 
 namespace {
 
@@ -53,6 +55,16 @@ void register_output_function(display show) {
                                   });
 }
 
+/// From the beginning, so that an interrupt before the first poll is not lost. A program that was
+/// started with SIGINT ignored goes on ignoring it.
+void listen_for_interrupts() {
+    struct sigaction installed = {};
+    ::sigaction(SIGINT, nullptr, &installed);
+    if (installed.sa_handler != SIG_IGN) {
+        zktarn::standin::listen_for_sigint(true);
+    }
+}
+
 /// What is wrong with the result of a run, or an empty text.
 std::string fault_of(const run_result& run) {
     if (run.reason == ending::numeric_error) {
@@ -67,9 +79,9 @@ std::string fault_of(const run_result& run) {
                           *run.optimum);
         } else {
             std::snprintf(sentence, sizeof sentence,
-                          "the given optimum %.12g is wrong: no point has a value below the bound "
+                          "the given optimum %.12g is wrong: no point has a value %s the bound "
                           "%.12g",
-                          *run.optimum, *run.bound);
+                          *run.optimum, run.is_maximised ? "above" : "below", *run.bound);
         }
         return sentence;
     }
@@ -84,7 +96,8 @@ solved_model solve(const std::string& file, run_options options, bool is_first) 
     try {
         model program = read_model(file);
         if (options.show == display::iter) {
-            std::printf("%s%s\n", is_first ? "" : "\n", file.c_str());
+            std::printf("%s%s%s\n", is_first ? "" : "\n", file.c_str(),
+                        program.is_maximised ? " (maximisation)" : "");
             std::fflush(stdout);
         }
         run_result run = tighten(program, options);
@@ -165,6 +178,7 @@ int main(int argc, char** argv) {
     if (!parse(argc, argv, options, status)) {
         return status;
     }
+    listen_for_interrupts();
     register_output_function(options.run.show);
     options.run.has_output_function = true;
     status = execute(options);

@@ -436,6 +436,29 @@ class CommandLine(unittest.TestCase):
         self.assertEqual(len(call.rounds()[0]), len(model["rounds"]))
         self.assertRegex(call.out.splitlines()[-1], NO_LEAK)
 
+    @unittest.skipUnless(os.path.exists("/proc/self/status"), "needs /proc")
+    def test_interrupt_at_the_very_beginning(self):
+        file, report = self.write("long.mps", random_cover(300, 900)), self.folder / "report.json"
+        for delay in (0, 0.001, 0.003, 0.01, 0.03):
+            child = subprocess.Popen([PROGRAM, str(file), "--rounds", "100000", "--json",
+                                      str(report)], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            try:
+                status = pathlib.Path(f"/proc/{child.pid}/status")
+                deadline = time.monotonic() + CALL_TIMEOUT
+                while time.monotonic() < deadline:
+                    caught = re.search(r"SigCgt:\s*(\w+)", status.read_text())
+                    if caught and int(caught[1], 16) >> (signal.SIGINT - 1) & 1:
+                        break
+                time.sleep(delay)
+                child.send_signal(signal.SIGINT)
+                _, err = child.communicate(timeout=CALL_TIMEOUT)
+            finally:
+                child.kill()
+                child.wait()
+            self.assertEqual((child.returncode, err), (130, b""))
+            (model,) = self.read_report(report)
+            self.assertEqual(model["status"], "interrupted")
+
     # Reading
 
     def test_fixed_free_and_compressed_files_are_the_same_model(self):
@@ -458,14 +481,75 @@ class CommandLine(unittest.TestCase):
                                          "--display", "off")
             self.assertEqual((call.out, model["bound"]), ("", -1.0))
 
-    def test_maximisation_is_refused(self):
-        for head in (["OBJSENSE", "    MAX"], ["OBJSENSE MAX"], ["OBJSENSE", "    Maximize"]):
-            with self.subTest(head):
-                self.refuse_program(one_column(head=head), "maximises")
+    def test_maximisation_is_read(self):
+        # 3 x <= 4 with the objective x + 7, maximised: 25/3 without cuts, 8 with them.
+        whole = program({"x": {"cost": 1, "r": 3}}, {"r": "L"}, [("r", 4), ("cost", -7)],
+                        [" UP b x 9"])
+        heads = [whole.replace("ROWS", f"{head}\nROWS", 1) for head in
+                 ("OBJSENSE\n    MAX", "OBJSENSE MAX", "OBJSENSE\n    Maximize")]
+        for content in (*heads, whole.replace("RHS\n", "OBJSENSE\n MAX\nRHS\n", 1),
+                        whole.replace("NAME t", "NAME t (MAX)")):
+            with self.subTest(content):
+                tightened = self.folder / "tightened.mps"
+                file = self.write("max.mps", content)
+                call, (model,) = self.report(file, "--cuts", tightened)
+                self.assertAlmostEqual(model["lp_bound"], 25 / 3)
+                self.assertEqual((model["bound"], model["optimum"]), (8.0, 8.0))
+                self.assertEqual(model["gap_closed_percent"], 100.0)
+                self.assertEqual(call.rounds()[0][-1]["bound"], "8.0000")
+                _, (after,) = self.report(tightened, "--rounds", "0")
+                self.assertAlmostEqual(after["lp_bound"], 8.0)
+                call = self.call(file, "--optimum", "9", status=1)
+                self.assertIn("no point has a value above the bound 8\n", call.err)
 
-        late = one_column().replace("RHS\n", "OBJSENSE\n MAX\nRHS\n")
-        self.refuse_program(late, "maximises")
-        self.call(self.write("min.mps", one_column(head=["* MAX is not meant"])))
+    def test_minimisation_in_a_comment_or_in_the_name_line(self):
+        for content in (one_column(head=["* MAX"]),
+                        one_column().replace("NAME t", "NAME t (MIN)")):
+            _, (model,) = self.report(self.write("min.mps", content))
+            self.assertEqual(model["bound"], -1.0)
+
+    def test_lp_files_are_read(self):
+        rows = "Subject To\n r1: x + y <= 1\n r2: y + z <= 1\n r3: x + z <= 1\nBinary\n x y z\nEnd\n"
+        for head, bound in (("Maximize\n obj: 2 x + 2 y + 2 z\n", 2.0),
+                            ("Minimize\n obj: - x - y - z\n", -1.0)):
+            call, (model,) = self.report(self.write("triangle.lp", head + rows))
+            self.assertEqual((model["bound"], model["status"]), (bound, "integral"))
+            self.assertEqual(model["lp_bound"], 1.5 * bound)
+            self.assertEqual(call.out.splitlines()[0].split(" ")[0], model["file"])
+        self.refuse(self.write("bad.lp", "Minimize\n obj: x +\nSubject To\n r1: x + <= 1 y\n"),
+                    "this is not an LP file")
+
+    def test_standard_input_and_pipes_are_read(self):
+        for command in (f"'{PROGRAM}' - --display final < '{self.cover}'",
+                        f"'{PROGRAM}' <(cat '{self.cover}') --display final",
+                        f"gzip -c '{self.cover}' | '{PROGRAM}' - --display final"):
+            with self.subTest(command):
+                done = subprocess.run(["bash", "-c", command], capture_output=True, text=True,
+                                      timeout=CALL_TIMEOUT, check=False)
+                self.assertEqual((done.returncode, done.stderr), (0, ""))
+                self.assertEqual(Call(0, done.stdout, "").table()[0]["bound"], "6")
+        call = self.call("-", status=1)
+        self.assertEqual(call.err, "zero_half: -: the input is empty\n")
+
+    def test_byte_order_mark_and_missing_name(self):
+        plain = one_column()
+        for content in (b"\xef\xbb\xbf" + plain.encode(), plain.replace("NAME t\n", "").encode(),
+                        b"\xef\xbb\xbf" + plain.replace("NAME t\n", "").encode()):
+            with self.subTest(content):
+                call, (model,) = self.report(self.write("marked.mps", content))
+                self.assertEqual((model["rows"], model["bound"]), (1, -1.0))
+                self.assertEqual(call.out.splitlines()[0], model["file"], "no line of the reader")
+
+    def test_xz_is_refused(self):
+        self.refuse(self.write("packed.mps.xz", b"\xfd7zXZ\x00" + bytes(50)), "compressed by xz")
+
+    def test_integer_columns_without_bounds_are_binary(self):
+        for bound, least in ((" LO b x 0", -7.0), (" PL b x", -7.0), ("* none", -1.0)):
+            _, (model,) = self.report(self.write("wide.mps", one_column(rhs=7, bound=bound)))
+            self.assertEqual(model["bound"], least)
+
+    def test_crossed_bounds_are_refused_with_their_line(self):
+        self.refuse_program(one_column(bound=" UP b x 2\n LO b x 3"), "at line 14 <  LO b x 3 >")
 
     def test_sets_cones_and_quadratic_parts_are_refused(self):
         whole = one_column()
@@ -549,7 +633,8 @@ class CommandLine(unittest.TestCase):
         self.refuse_program(one_column(rhs=5).replace(" L r", " G r"), "no feasible point")
 
     def test_empty_range_of_an_integer_column(self):
-        self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"), "no feasible point")
+        self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"),
+                            "no integer between the bounds of column x")
 
     def test_unbounded_relaxation_that_the_simplex_method_calls_infeasible(self):
         self.refuse(HERE / "models" / "unbounded_free_column.mps", "the relaxation is unbounded")
@@ -683,7 +768,9 @@ class CommandLine(unittest.TestCase):
         self.assert_one_sentence(call, picture)
         self.assertIn("there is no bound to draw", call.err)
         self.assertFalse(picture.exists())
-        self.call(file, self.cover, "--time-limit", "0", "--plot", picture)
+        # The relaxation of the first model takes many seconds, that of the second one a millisecond.
+        file = self.write("long.mps", random_cover(4000, 40000))
+        self.call(file, self.cover, "--time-limit", "0.5", "--plot", picture)
         text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
         self.assertIn("petersen_cover", text)
         self.assertNotIn("long", text)

@@ -31,6 +31,11 @@ struct model {
     std::vector<std::string> row_names;
     std::vector<std::string> column_names;
     double constant = 0.0;
+    /// Whether the file maximises: then the objective here is the negated one of the file.
+    bool is_maximised = false;
+
+    /// A value of the objective as the file counts it.
+    double in_sense_of_file(double value) const { return is_maximised ? 0.0 - value : value; }
 
     int row_count() const { return static_cast<int>(row_lower.size()); }
     int column_count() const { return static_cast<int>(lower.size()); }

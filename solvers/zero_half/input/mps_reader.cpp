@@ -20,31 +20,73 @@ namespace {
 /// omission changes the program is reported as a refusal.
 class line_filter : public CoinFileInput {
 public:
-    line_filter(CoinFileInput* file, std::string& refusal)
-        : CoinFileInput(file->getFileName()), file_(file), refusal_(refusal) {}
+    line_filter(CoinFileInput* file, mps_reader::extras& found)
+        : CoinFileInput(file->getFileName()), file_(file), found_(found) {}
     int read(void* buffer, int size) override { return file_->read(buffer, size); }
     char* gets(char* buffer, int size) override;
 
 private:
+    char* next_line(char* buffer, int size);
+    void read_name_line(char* line);
     bool is_left_out(const char* line);
     bool is_unsupported(const std::vector<std::string>& words);
     void refuse(const std::string& reason);
     void skip_rest(char* buffer, int size);
 
     std::unique_ptr<CoinFileInput> file_;
-    std::string& refusal_;
+    mps_reader::extras& found_;
     std::string section_;
+    bool is_first_ = true;
+    /// The first line of a file without a NAME line, which is read after a NAME line was made up.
+    std::string postponed_;
 };
 
-char* line_filter::gets(char* buffer, int size) {
+/// Removes a byte order mark, and makes up a NAME line where a file has none: CoinMpsIO would use
+/// uninitialised counts.
+char* line_filter::next_line(char* buffer, int size) {
+    if (!postponed_.empty()) {
+        std::strcpy(buffer, postponed_.c_str());
+        postponed_.clear();
+        return buffer;
+    }
     char* const line = file_->gets(buffer, size);
     if (line == nullptr) {
         return nullptr;
     }
+    constexpr const char* byte_order_mark = "\xEF\xBB\xBF";
+    if (is_first_ && std::strncmp(line, byte_order_mark, 3) == 0) {
+        std::memmove(line, line + 3, std::strlen(line + 3) + 1);
+    }
+    is_first_ = false;
+    if (section_.empty() && std::strncmp(line, "ROWS", 4) == 0) {
+        postponed_ = line;
+        std::strcpy(line, "NAME\n");
+    }
+    return line;
+}
+
+/// `NAME name (MAX)` maximises; the word is removed.
+void line_filter::read_name_line(char* line) {
+    for (const char* word : {"(MAX)", "(max)", "(MIN)", "(min)"}) {
+        if (char* const place = std::strstr(line, word); place != nullptr) {
+            found_.is_maximised = std::toupper(static_cast<unsigned char>(word[2])) == 'A';
+            std::memset(place, ' ', std::strlen(word));
+        }
+    }
+}
+
+char* line_filter::gets(char* buffer, int size) {
+    char* const line = next_line(buffer, size);
+    if (line == nullptr) {
+        return nullptr;
+    }
+    if (section_.empty() && std::strncmp(line, "NAME", 4) == 0) {
+        read_name_line(line);
+    }
     std::replace(line, line + std::strlen(line), '\t', ' ');
     if (is_left_out(line)) {
         skip_rest(buffer, size);
-        // CoinMpsIO uses uninitialised counts when there is no NAME line at all.
+        // A NAME line that is left out leaves its keyword.
         std::strcpy(line, std::strncmp(line, "NAME", 4) == 0 ? "NAME\n" : "*\n");
     }
     return line;
@@ -57,8 +99,8 @@ void line_filter::skip_rest(char* buffer, int size) {
 }
 
 void line_filter::refuse(const std::string& reason) {
-    if (refusal_.empty()) {
-        refusal_ = reason;
+    if (found_.refusal.empty()) {
+        found_.refusal = reason;
     }
 }
 
@@ -86,7 +128,7 @@ bool line_filter::is_unsupported(const std::vector<std::string>& words) {
         return std::find(words.begin(), words.end(), word) != words.end();
     };
     if (section_ == "OBJSENSE" && (has("MAX") || has("MAXIMIZE") || has("MAXIMISE"))) {
-        refuse("the file maximises, and only minimisation is supported; negate the objective");
+        found_.is_maximised = true;
     }
     if (not_linear.count(section_) != 0 || has("'SOSORG'") || has("'SOSEND'")) {
         refuse("sets, cones, quadratic and logical parts are not supported, but there is " +
@@ -121,13 +163,13 @@ int complaint_keeper::print() {
     return 0;
 }
 
-int mps_reader::read(const std::string& file, bool is_free, std::string& refusal) {
+int mps_reader::read(const std::string& file, bool is_free, extras& found) {
     CoinFileInput* input = nullptr;
     if (dealWithFileName(file.c_str(), "", input) < 0) {
         return -1;
     }
     // The base class deletes the card reader, and that deletes the filter.
-    cardReader_ = new CoinMpsCardReader(new line_filter(input, refusal), this);
+    cardReader_ = new CoinMpsCardReader(new line_filter(input, found), this);
     cardReader_->setFreeFormat(is_free);
     int count = 0;
     CoinSet** sets = nullptr;

@@ -24,10 +24,16 @@ private:
 /// file for fixed MPS unless its NAME line says FREE.
 class mps_reader : public CoinMpsIO {
 public:
+    /// What CoinMpsIO itself does not read.
+    struct extras {
+        /// Why the file is not supported; what was read is then not the program of the file.
+        std::string refusal;
+        /// By a section OBJSENSE or by `(MAX)` in the NAME line.
+        bool is_maximised = false;
+    };
+
     /// Returns the number of errors, or a negative number when the file cannot be opened.
-    /// `refusal` receives the reason when the file has parts that this reader does not support;
-    /// what was read is then not the program of the file.
-    int read(const std::string& file, bool is_free, std::string& refusal);
+    int read(const std::string& file, bool is_free, extras& found);
 };
 
 } // namespace zero_half

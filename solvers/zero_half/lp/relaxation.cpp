@@ -24,13 +24,9 @@ relaxation::stop_handler::stop_handler(std::function<bool()> should_stop)
 
 /// Returns -1 to go on; any other number ends the simplex method.
 int relaxation::stop_handler::event(Event what) {
-    constexpr int iterations_between_polls = 50;
     constexpr int go_on = -1;
     constexpr int stop = 0;
-    if (what != endOfIteration || ++iterations_ % iterations_between_polls != 0) {
-        return go_on;
-    }
-    return should_stop_() ? stop : go_on;
+    return what == endOfIteration && should_stop_() ? stop : go_on;
 }
 
 relaxation::relaxation(const model& program, std::function<bool()> should_stop) {

@@ -20,7 +20,7 @@ public:
     /// failed, or there is no proof of what it says.
     enum class outcome { optimal, infeasible, unbounded, stopped, undecided };
 
-    /// The simplex method calls `should_stop` every few iterations and stops when it returns true.
+    /// The simplex method calls `should_stop` in each iteration and stops when it returns true.
     relaxation(const model& program, std::function<bool()> should_stop);
 
     /// Solves by the dual simplex method, starting from the last basis.
@@ -43,7 +43,6 @@ private:
 
     private:
         std::function<bool()> should_stop_;
-        int iterations_ = 0;
     };
 
     void set_tolerance(double tolerance);

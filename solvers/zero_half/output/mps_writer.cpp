@@ -111,6 +111,7 @@ void mps_writer::write() {
     stream_ << std::setprecision(std::numeric_limits<double>::max_digits10);
     stream_ << "NAME " << name_table().add(model_.name.empty() ? "model" : model_.name)
             << " FREE\n";
+    stream_ << (model_.is_maximised ? "OBJSENSE\n MAX\n" : "");
     write_rows();
     write_columns();
     write_rhs();
@@ -134,7 +135,8 @@ void mps_writer::write_columns() {
             is_integer = !is_integer;
             stream_ << " MARKER 'MARKER' " << (is_integer ? "'INTORG'" : "'INTEND'") << '\n';
         }
-        stream_ << ' ' << columns_[j] << ' ' << objective_ << ' ' << model_.objective[j] << '\n';
+        stream_ << ' ' << columns_[j] << ' ' << objective_ << ' '
+                << model_.in_sense_of_file(model_.objective[j]) << '\n';
         for (const entry& coefficient : entries_[j]) {
             stream_ << ' ' << columns_[j] << ' ' << *coefficient.row << ' ' << coefficient.value
                     << '\n';
@@ -144,7 +146,8 @@ void mps_writer::write_columns() {
 }
 
 void mps_writer::write_rhs() {
-    stream_ << "RHS\n RHS " << objective_ << ' ' << 0.0 - model_.constant << '\n';
+    stream_ << "RHS\n RHS " << objective_ << ' ' << 0.0 - model_.in_sense_of_file(model_.constant)
+            << '\n';
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         if (!is_free(i)) {
             stream_ << " RHS " << rows_[i] << ' ' << rhs(i) << '\n';

@@ -22,6 +22,8 @@ struct round_figures {
 };
 
 struct run_result {
+    /// Whether the file maximises. Bounds and optimum are then upper bounds, as the file counts.
+    bool is_maximised = false;
     /// The bound of the relaxation without cuts, and the last bound. Nothing when the run ended
     /// before the first relaxation was solved.
     std::optional<double> first_bound = {};
@@ -40,8 +42,8 @@ struct run_result {
     /// The share of the gap between the first bound and the optimum that `reached` closes, in per
     /// cent, at most 100. Nothing without an optimum, or when `is_optimum_wrong`.
     std::optional<double> gap_closed(std::optional<double> reached) const;
-    /// Whether the run disproves the optimum that the caller gave: a bound is above it, or there is
-    /// no integer point.
+    /// Whether the run disproves the optimum that the caller gave: it is beyond a bound, or there
+    /// is no integer point.
     bool is_optimum_wrong() const;
 };
 

@@ -74,7 +74,9 @@ private:
     /// Whether the point of the last relaxation, rounded, is an integer point with the bound as its
     /// objective.
     bool is_integral_ = false;
-    /// The bounds of all relaxations so far.
+    /// The bound as a minimisation.
+    std::optional<double> lower_bound_;
+    /// The bounds of all relaxations so far, as the file counts them.
     std::vector<double> history_;
 };
 
@@ -86,14 +88,17 @@ run::run(const model& program, const run_options& options)
         throw std::bad_alloc();
     }
     result_.optimum = options.optimum;
+    result_.is_maximised = program.is_maximised;
 }
 
 run_result run::execute() {
     step last = solve_first();
-    result_.pool = integral_rows_of(model_);
-    result_.first_cut = result_.pool.size();
     host_.print_round(heading);
     std::optional<ending> reason = reason_to_end(last);
+    if (!reason) {
+        result_.pool = integral_rows_of(model_);
+        result_.first_cut = result_.pool.size();
+    }
     while (!reason) {
         last = execute_round();
         reason = reason_to_end(last);
@@ -191,16 +196,17 @@ run::step run::execute_round() {
 /// Further rows cannot lower the bound, so a lower one comes from rounding errors and the last one
 /// remains. No bound is above the objective of an integer point.
 void run::take_bound() {
-    double bound = std::max(result_.bound.value_or(relaxation_.bound()), relaxation_.bound());
+    const double last = lower_bound_.value_or(relaxation_.bound());
+    double bound = std::max(last, relaxation_.bound());
     const std::optional<double> objective = integral_objective(model_, relaxation_.point());
     is_integral_ = objective && *objective <= bound + 1e-6 * (1.0 + std::fabs(bound));
     if (objective) {
         bound = std::min(bound, *objective);
     }
-    zktarn::assert_mod::tarnassert(!result_.bound ||
-                                   bound >= *result_.bound - 1e-6 * (1.0 + std::fabs(bound)));
-    result_.bound = bound;
-    history_.push_back(bound);
+    zktarn::assert_mod::tarnassert(bound >= last - 1e-6 * (1.0 + std::fabs(bound)));
+    lower_bound_ = bound;
+    result_.bound = model_.in_sense_of_file(bound);
+    history_.push_back(*result_.bound);
 }
 
 void run::record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms) {
