@@ -96,6 +96,16 @@ def random_cover(nodes, edges):
     return instances.mps("random", *instances.vertex_cover(sorted(chosen)))
 
 
+def random_set_cover(columns, rows):
+    """A set cover problem whose relaxation takes long."""
+    generator = random.Random(1)
+    entries = {f"x{j}": {"cost": generator.choice((1, 2)),
+                         **{f"r{i}": 1 for i in generator.sample(range(rows), 5)}}
+               for j in range(columns)}
+    kinds = {f"r{i}": "G" for i in range(rows)}
+    return program(entries, kinds, [(row, 1) for row in kinds])
+
+
 def columns_of(file):
     """The columns of a free MPS file: (names in order, integer ones, bounds)."""
     section, in_integers, names, integers, bounds = "", False, [], set(), {}
@@ -768,8 +778,8 @@ class CommandLine(unittest.TestCase):
         self.assert_one_sentence(call, picture)
         self.assertIn("there is no bound to draw", call.err)
         self.assertFalse(picture.exists())
-        # The relaxation of the first model takes many seconds, that of the second one a millisecond.
-        file = self.write("long.mps", random_cover(4000, 40000))
+        # The relaxation of the first model takes longer than the limit, that of the second one not.
+        file = self.write("long.mps", random_set_cover(30000, 400))
         self.call(file, self.cover, "--time-limit", "0.5", "--plot", picture)
         text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
         self.assertIn("petersen_cover", text)
