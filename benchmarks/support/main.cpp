@@ -1,11 +1,15 @@
 #include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <fstream>
 #include <string>
 #include <vector>
 
 #ifdef __APPLE__
 #include <sys/sysctl.h>
+#endif
+#ifdef __linux__
+#include <sys/prctl.h>
 #endif
 
 #include "support/compare.hpp"
@@ -39,6 +43,19 @@ std::string processor() {
     return "unknown";
 }
 
+/// With ZKTARN_BENCH_PAGES=small no memory of this process lies on huge pages, whoever allocates
+/// it.
+std::string choose_pages() {
+    const char* const wanted = std::getenv("ZKTARN_BENCH_PAGES");
+    const std::string pages = wanted == nullptr ? "as the system has them" : wanted;
+#ifdef __linux__
+    if (pages == "small") {
+        prctl(PR_SET_THP_DISABLE, 1, 0, 0, 0);
+    }
+#endif
+    return pages;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -58,6 +75,7 @@ int main(int argc, char** argv) {
     benchmark::AddCustomContext("flags", ZKTARN_BENCH_FLAGS);
     benchmark::AddCustomContext("library flags", ZKTARN_BENCH_LIBRARY_FLAGS);
     benchmark::AddCustomContext("processor", processor());
+    benchmark::AddCustomContext("pages", choose_pages());
 
     zktarn::bench::register_comparisons();
     // A filter that matches nothing is a mistake, of which Google Benchmark has told by then.

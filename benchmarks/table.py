@@ -1,0 +1,183 @@
+#!/usr/bin/env python3
+"""Turns the results of the benchmark programs into one table and pictures.
+
+    table.py RESULTS DOCS
+
+RESULTS has a file PROGRAM.PAGES.json for each program, as Google Benchmark writes it; PAGES is small
+(4 KiB) or huge. Writes DOCS/benchmarks.md, DOCS/benchmarks/table.csv and, with gnuplot, one picture
+for each operation: nanoseconds an entry over the capacity.
+"""
+
+import csv
+import datetime
+import json
+import pathlib
+import subprocess
+import sys
+
+# What is measured, in which comparison, which ratio, and at most how large it should be.
+ROWS = (
+    ("combine, 1 entry, n = 10", "combine/10/10%/shuffled", "ideal_marks", 1.30),
+    ("combine, 1 entry, n = 1000", "combine/1000/0.1%/shuffled", "ideal_marks", 1.30),
+    ("combine, 10 entries, n = 10", "combine/10/100%/shuffled", "ideal_marks", 1.15),
+    ("combine, 10 entries, n = 100", "combine/100/10%/shuffled", "ideal_marks", 1.15),
+    ("combine, 10 entries, n = 1000", "combine/1000/1%/shuffled", "ideal_marks", 1.15),
+    ("combine, n = 10^5, 10 %", "combine/100000/10%/shuffled", "ideal", 1.03),
+    ("combine, n = 10^5, 1 %", "combine/100000/1%/shuffled", "ideal", 1.10),
+    ("combine, n = 10^5, 10 %", "combine/100000/10%/shuffled", "Coin", 0.37),
+    ("combine, n = 10^5, 1 %", "combine/100000/1%/shuffled", "Coin", 0.50),
+    ("combine, n = 10^6, 1 %", "combine/1000000/1%/shuffled", "ideal", 1.05),
+    ("combine, n = 10^6, 10 %", "combine/1000000/10%/shuffled", "ideal", 0.80),
+    ("combine, n = 10^7, 1 %", "combine/10000000/1%/shuffled", "ideal", 1.05),
+    ("combine, n = 10^7, 10 %", "combine/10000000/10%/shuffled", "ideal", 0.80),
+    ("combine, n = 10^6, 1 %", "combine/1000000/1%/shuffled", "Coin", 1.00),
+    ("combine, n = 10^6, 10 %", "combine/1000000/10%/shuffled", "Coin", 0.80),
+    ("combine, n = 10^7, 1 %", "combine/10000000/1%/shuffled", "Coin", 1.00),
+    ("combine, n = 10^7, 10 %", "combine/10000000/10%/shuffled", "Coin", 0.80),
+    ("combine, alpha 3, n = 10^7, 1 %", "scale_and_combine/10000000/1%/shuffled", "ideal", 0.90),
+    ("combine, alpha 3, n = 10^7, 10 %", "scale_and_combine/10000000/10%/shuffled", "ideal", 0.75),
+    ("combine, alpha 3, n = 10^5, 1 %", "scale_and_combine/100000/1%/shuffled", "ideal", 1.15),
+    ("combine, alpha 3, n = 10^5, 10 %", "scale_and_combine/100000/10%/shuffled", "ideal", 1.15),
+    ("combine, n = 10^6, full", "combine/1000000/100%/shuffled", "Coin", 1.10),
+    ("combine, n = 10^7, full", "combine/10000000/100%/shuffled", "Coin", 1.10),
+    ("sym_diff, n = 10^5, 10 %", "sym_diff/100000/10%/shuffled", "ideal", 0.55),
+    ("sym_diff, n = 10^7, 1 %", "sym_diff/10000000/1%/shuffled", "ideal", 0.58),
+    ("sym_diff, n = 10^7, 10 %, sorted", "sym_diff/10000000/10%/sorted", "ideal", 0.60),
+    ("sym_diff, n = 10^5, 10 %, sorted", "sym_diff/100000/10%/sorted", "std", 0.42),
+    ("sym_diff, n = 10^7, 10 %, sorted", "sym_diff/10000000/10%/sorted", "std", 0.85),
+    ("mod2, n = 10^5, 10 %", "mod2/100000/10%/shuffled", "ideal", 0.60),
+    ("mod2, n = 10^7, 10 %", "mod2/10000000/10%/shuffled", "ideal", 0.70),
+    ("rem_zeros, n = 10^5, 10 %", "rem_zeros/100000/10%/shuffled", "ideal_marks", 0.90),
+    ("rem_zeros, n = 10^7, 10 %", "rem_zeros/10000000/10%/shuffled", "ideal_marks", 0.90),
+    ("identical, n = 10^5, 10 %", "identical/100000/10%/shuffled", "ideal_marks", 0.90),
+    ("identical, n = 10^7, 10 %", "identical/10000000/10%/shuffled", "ideal_marks", 0.90),
+    ("find_scalar_integral, halves and thirds, n = 10", "scalar/halves_and_thirds/10", "plain_supplied", 0.60),
+    ("find_scalar_integral, decimals, n = 10", "scalar/decimals/10", "plain_supplied", 0.60),
+    ("find_scalar_integral, failing, n = 10", "scalar/failing/10", "plain_supplied", 0.60),
+    ("get_rational_rep, denominators 500..1000, bound 10^6", "rational/den500..1000/1000000", "continued_fraction", 2.20),
+    ("xgcd_r8 of quarters", "xgcd_r8/quarters", "fmod", 0.40),
+    ("xgcd_i4 of 31 bits", "xgcd_i4/31bit", "Boost", 0.75),
+)
+
+# Pictures: the operation and the fill, and which contenders they show.
+PICTURES = (
+    ("combine", "10%", "shuffled"), ("combine", "1%", "shuffled"),
+    ("scale_and_combine", "10%", "shuffled"), ("sym_diff", "10%", "sorted"),
+    ("mod2", "10%", "shuffled"), ("rem_zeros", "10%", "shuffled"), ("identical", "10%", "shuffled"),
+)
+CAPACITIES = [10**k for k in range(1, 8)]
+
+
+def fail(sentence):
+    sys.exit(f"table.py: {sentence}")
+
+
+def results(folder, pages):
+    """All comparisons of a run, by name, and the lines about the machine."""
+    found, context = {}, {}
+    for path in sorted(folder.glob(f"*.{pages}.json")):
+        try:
+            content = json.loads(path.read_text(encoding="utf-8"))
+        except ValueError as error:
+            fail(f"{path} is no result of a benchmark: {error}")
+        context = context or content["context"]
+        for each in content["benchmarks"]:
+            found[each["name"].removesuffix("/manual_time")] = each
+    return found, context
+
+
+def ratio(found, comparison, peer):
+    return found.get(comparison, {}).get(f"library/{peer}")
+
+
+def shown(value):
+    return "-" if value is None else f"{value:.2f}"
+
+
+def table(small, huge):
+    lines = []
+    for label, comparison, peer, target in ROWS:
+        reached = ratio(small, comparison, peer)
+        verdict = "-" if reached is None else "met" if round(reached, 2) <= target else "missed"
+        rounds = int(small[comparison]["rounds"]) if comparison in small else 0
+        lines.append((label, peer, f"{target:.2f}", shown(reached), verdict,
+                      shown(ratio(huge, comparison, peer)), rounds))
+    return lines
+
+
+def per_entry(found, operation, fill, order, contender):
+    """Nanoseconds an entry over the capacity, where that was measured."""
+    points = []
+    for capacity in CAPACITIES:
+        entries = max(1, capacity * float(fill.rstrip("%")) / 100)
+        time = found.get(f"{operation}/{capacity}/{fill}/{order}", {}).get(f"{contender}_ns")
+        if time is not None:
+            points.append((capacity, time / entries))
+    return points
+
+
+def draw(found, folder, operation, fill, order):
+    """One picture; returns its file name, or None when nothing was measured."""
+    prefix = f"{operation}/"
+    contenders = sorted({key.removesuffix("_ns") for name, each in found.items() if name.startswith(prefix)
+                         for key in each if key.endswith("_ns")}, key=lambda c: (c != "library", c))
+    curves = [(c, points) for c in contenders
+              if len(points := per_entry(found, operation, fill, order, c)) > 1]
+    if not curves:
+        return None
+    name = f"{operation}_{fill.rstrip('%')}.svg"
+    script = [f'set terminal svg size 720,440 font "sans,13"', f'set output "{folder / name}"',
+              "set logscale xy", 'set xlabel "capacity n"', 'set ylabel "ns an entry"',
+              'set format x "10^{%L}"', "set key left top", "set grid",
+              f'set title "{operation.replace("_", " ")}, {fill} filled, {order}, 4 KiB pages"']
+    plots = []
+    for i, (contender, points) in enumerate(curves):
+        rows = "\n".join(f"{n} {ns:.3f}" for n, ns in points)
+        script.append(f"$d{i} << EOD\n{rows}\nEOD")
+        plots.append(f'$d{i} with linespoints linewidth {3 if i == 0 else 1.5} '
+                     f'title "{contender.replace("_", " ")}"')
+    script.append("plot " + ", ".join(plots))
+    try:
+        subprocess.run(["gnuplot"], input="\n".join(script), text=True, check=True)
+    except (OSError, subprocess.CalledProcessError) as error:
+        fail(f"gnuplot cannot draw {name}: {error}")
+    return name
+
+
+def main():
+    if len(sys.argv) != 3:
+        fail("usage: table.py RESULTS DOCS")
+    folder, docs = map(pathlib.Path, sys.argv[1:])
+    small, context = results(folder, "small")
+    huge, _ = results(folder, "huge")
+    if not small:
+        fail(f"no results in {folder}")
+    pictures = docs / "benchmarks"
+    pictures.mkdir(parents=True, exist_ok=True)
+    lines = table(small, huge)
+    header = ("row", "of", "target", "reached", "verdict", "huge pages", "rounds")
+    with open(pictures / "table.csv", "w", newline="", encoding="utf-8") as out:
+        csv.writer(out, lineterminator="\n").writerows([header, *lines])
+    names = [name for picture in PICTURES if (name := draw(small, pictures, *picture))]
+    met = sum(line[4] == "met" for line in lines)
+    text = ["# Benchmarks", "",
+            "Time of the library divided by that of another contender doing the same job in the same",
+            "process: medians of the ratios of single rounds, each on input of its own. `scripts/bench`",
+            "measures this and writes this page; `benchmarks/README.md` describes the contenders.", "",
+            f"- Processor: {context.get('processor', 'unknown')}, {context.get('num_cpus', '?')} available",
+            f"- Compiler: {context.get('compiler', 'unknown')}, {context.get('flags', '')}",
+            f"- Date: {datetime.date.today().isoformat()}",
+            f"- Targets met: {met} of {len(lines)}", "",
+            "All contenders lie on pages of 4 KiB; \"huge pages\" is the same ratio with all of them on",
+            "pages of 2 MiB, where that was measured.", "",
+            "| " + " | ".join(header) + " |", "|---|---|---:|---:|---|---:|---:|"]
+    text += ["| " + " | ".join(map(str, line)) + " |" for line in lines]
+    text += ["", "## Nanoseconds an entry", ""]
+    text += [f"![{name}](benchmarks/{name})\n" for name in names]
+    (docs / "benchmarks.md").write_text("\n".join(text).rstrip() + "\n", encoding="utf-8")
+    for line in [header, *lines]:
+        print("{:<53} {:<18} {:>6} {:>7} {:<7} {:>10} {:>6}".format(*map(str, line)))
+
+
+if __name__ == "__main__":
+    main()

@@ -1,0 +1,86 @@
+#!/usr/bin/env python3
+"""Counts the prefetch instructions of a library, procedure by procedure, and fails where the
+compiler has deleted one: it may take a function that only prefetches for one without any effect.
+
+    check_prefetch.py LIBRARY OBJDUMP COMPILER
+
+OBJDUMP disassembles the library: ELF, x86-64 or 64-bit Arm. COMPILER is GNU or Clang, which unroll
+and merge some loops differently.
+"""
+
+import collections
+import re
+import subprocess
+import sys
+
+FUNCTION = re.compile(r"[0-9a-f]+ <(.*)>:")
+PREFETCH = re.compile(r"\s*[0-9a-f]+:\s+(prefetch\w*|prfm)\s")
+
+# What is counted together, and the least number with each compiler. Names of templates are matched
+# in part, because not every objdump can demangle them.
+PARTS = (
+    ("vectors_calc_sym_diff", r"vectors_calc_sym_diff", 1, 1),
+    ("compaction of a symmetric difference", r"compact.*unmarked_entries", 2, 2),
+    ("vector_mod2", r"compact.*reducing_entries", 4, 4),
+    ("vectors_are_identical", r"vectors_are_identical", 7, 7),
+    ("vector_rem_zeros", r"detail::drop_zeros", 3, 3),
+    ("compaction with marks", r"compact.*(?<!un)marked_entries", 4, 4),
+    ("compaction without marks", r"compact.*listed_entries", 2, 2),
+    ("compaction by flags", r"compact.*flagged_entries", 2, 2),
+    ("vectors_combine for any machine", r"combine_otherwise_portable", 28, 27),
+    ("vectors_combine with fused instructions", r"combine_otherwise_fused", 28, 27),
+    ("vectors_combine without sums", r"combine_without_sums|scale_entries", 4, 4),
+)
+# A part that only x86-64 has.
+FUSED = "combine_otherwise_fused"
+
+
+def fail(sentence):
+    sys.exit(f"check_prefetch: {sentence}")
+
+
+def disassembly(library, objdump):
+    command = [objdump, "--disassemble", "--demangle", "--no-show-raw-insn", library]
+    try:
+        ran = subprocess.run(command, capture_output=True, text=True, check=False)
+    except OSError as error:
+        fail(f"{objdump}: {error.strerror}")
+    if ran.returncode != 0:
+        fail(f"{objdump} cannot disassemble {library}: {ran.stderr.strip()}")
+    return ran.stdout
+
+
+def prefetches(text):
+    """The number of prefetches in each function; functions without any are in it too."""
+    counts = collections.Counter()
+    function = None
+    for line in text.splitlines():
+        if match := FUNCTION.match(line):
+            function = match.group(1)
+            counts[function] += 0
+        elif PREFETCH.match(line):
+            counts[function] += 1
+    return counts
+
+
+def check(library, objdump, compiler):
+    text = disassembly(library, objdump)
+    arm = "aarch64" in text.splitlines()[1]
+    counts = prefetches(text)
+    short = []
+    for name, pattern, gnu, clang in PARTS:
+        if arm and pattern == FUSED:
+            continue
+        least = gnu if compiler == "GNU" else clang
+        found = sum(count for function, count in counts.items() if re.search(pattern, function))
+        print(f"{found:3} of {least:2}  {name}")
+        if found < least:
+            short.append(f"{name}: {found} prefetches, expected at least {least}")
+    if short:
+        fail("\n".join(short))
+
+
+if __name__ == "__main__":
+    if len(sys.argv) != 4:
+        fail("usage: check_prefetch.py LIBRARY OBJDUMP COMPILER")
+    check(*sys.argv[1:])
