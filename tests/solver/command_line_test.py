@@ -642,6 +642,12 @@ class CommandLine(unittest.TestCase):
     def test_infeasible_relaxation(self):
         self.refuse_program(one_column(rhs=5).replace(" L r", " G r"), "no feasible point")
 
+    def test_model_that_does_not_fit_into_memory(self):
+        count = 200_000  # squared, times 32 bytes
+        columns = {f"x{j}": {"cost": 1, f"r{j}": 1} for j in range(count)}
+        self.refuse_program(program(columns, {f"r{j}": "G" for j in range(count)}),
+                            "GB of memory, but ")
+
     def test_empty_range_of_an_integer_column(self):
         self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"),
                             "no integer between the bounds of column x")

@@ -11,6 +11,7 @@
 #include "lp/integral_point.hpp"
 #include "lp/relaxation.hpp"
 #include "run/bridge.hpp"
+#include "run/memory.hpp"
 
 namespace zero_half {
 
@@ -220,6 +221,7 @@ void run::record_round(std::size_t cuts_kept, double separation_ms, double relax
 } // namespace
 
 run_result tighten(const model& program, const run_options& options) {
+    check_memory(program);
     return run(program, options).execute();
 }
 
