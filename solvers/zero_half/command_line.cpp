@@ -39,7 +39,9 @@ display display_of(const std::string& level) {
 }
 
 void declare_options(CLI::App& app, command_line& options, std::string& display_level) {
-    app.add_option("model", options.files, "MPS files, plain or compressed, or LP files (.lp); - is standard input")->required();
+    app.add_option("model", options.files,
+                   "MPS files, plain or compressed, or LP files (.lp); - is standard input")
+        ->required();
     app.add_option("--rounds", options.run.rounds, "Most rounds for each model")
         ->check(CLI::Range(0, 1'000'000))
         ->capture_default_str();
