@@ -67,7 +67,12 @@ def check_macho(library, name):
 
 
 def main():
+    if len(sys.argv) != 4:
+        fail("takes a library, the list of its functions, and its name")
     library, golden, name = sys.argv[1:]
+    for path in (library, golden):
+        if not pathlib.Path(path).is_file():
+            fail(f"there is no file {path}")
     macho = is_macho(library)
     (check_macho if macho else check_elf)(library, name)
     wanted = set(pathlib.Path(golden).read_text(encoding="utf-8").split())
