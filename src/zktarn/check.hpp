@@ -4,9 +4,9 @@
 ///
 /// In a checked build (ZKTARN_CHECKED defined, for the library and for everything that links it) a
 /// false condition is reported to the host: first as a line on its console, with the condition, the
-/// procedure and the place, then through `tarnassert`. The line goes through `cbprintdisplay`, so
-/// it is not printed after an interrupt, and a host whose console serves one thread alone must be
-/// called from that thread.
+/// procedure and the place, then through `tarnassert`. `cbprintdisplay` prints the line, so it is
+/// not printed after an interrupt. If the host's console serves one thread only, checked procedures
+/// must be called on that thread.
 ///
 /// In every other build the macro expands to nothing: the condition is not evaluated, and no branch
 /// or symbol remains.
@@ -34,10 +34,10 @@ ZKTARN_API void cbprintdisplay(const std::int32_t& status, const std::int32_t& c
 
 namespace zktarn::detail {
 
-/// "violated: k <= v.nz, in vector_rem_nz (zktarn/vector/vector_mod.hpp:116)"
+/// Prints "violated: CONDITION, in PROCEDURE (FILE:LINE)" and asserts false.
 inline void report_violation(const char* condition, const char* procedure, std::string_view file,
                              int line) noexcept {
-    // From the include root on: the rest of the path is the business of one machine.
+    // Keeps the path below the include root. The part before it differs between machines.
     const std::size_t root = file.rfind("zktarn/");
     file.remove_prefix(root == std::string_view::npos ? 0 : root);
     std::array<char, 512> text{};

@@ -16,8 +16,8 @@ namespace zktarn {
 /// Use it for parameters only. Bound to a temporary callable, it dangles at the end of the full
 /// expression; bound to a function, it stays valid. To store a callable, use `std::function`.
 ///
-/// It is never empty. Binding a null function pointer is undefined. So is an exception that leaves
-/// the callable: the library is built without unwinding.
+/// It is never empty. Binding a null function pointer is undefined. An exception that leaves the
+/// callable is undefined too: the library is built without unwinding.
 template <class Signature>
 class function_ref;
 

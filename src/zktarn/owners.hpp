@@ -23,14 +23,15 @@
 ///     for (auto [j, a] : zktarn::entries(x)) { ... }
 ///
 /// An owner calls the creating procedure in its constructor and the releasing procedure in its
-/// destructor. It is true when the creating procedure succeeded, and false when that failed, when
-/// the owner was made without arguments, and after it was moved from, reset or released. A false
-/// owner owns nothing. Owners move and do not copy; moving an owner to itself changes nothing.
+/// destructor. It converts to true if the creating procedure succeeded. It is false if the
+/// procedure failed, if the owner was made without arguments, and after it was moved from, reset or
+/// released. A false owner owns nothing. Owners move and do not copy; moving an owner to itself
+/// changes nothing.
 ///
 /// The arguments of a constructor have the ranges of the creating procedure. `*owner` of a false
-/// owner is the null record of a vector, which must not be dereferenced, or an absent array or a
-/// null handle. Thread rules are those of the owned object. Nothing here throws, and nothing is
-/// exported: all of it is compiled into the program that includes it.
+/// owner is an absent array or a null handle; it is undefined for a vector. Thread rules are those
+/// of the owned object. Nothing here throws. The library exports none of it: it is compiled into
+/// the program that includes it.
 
 namespace zktarn {
 
@@ -50,9 +51,8 @@ public:
         made_ = false;
     }
 
-    /// Hands what is owned to the caller, who then releases it by the module's procedure, and
-    /// leaves the owner false. A false owner returns a null record, an absent array or a null
-    /// handle.
+    /// Transfers ownership to the caller, who releases the object by the module's procedure. Leaves
+    /// the owner false. A false owner returns a null record, an absent array or a null handle.
     [[nodiscard]] Handle release() noexcept {
         made_ = false;
         return std::exchange(held_, Handle{});
@@ -121,13 +121,14 @@ public:
     /// Owns nothing.
     owned_array() noexcept = default;
 
-    /// Creates an array of n elements, uninitialised. True and absent when n < 1.
+    /// Creates an array of n elements, uninitialised. If n < 1, the owner is true and its array
+    /// absent.
     explicit owned_array(const std::int64_t& n) noexcept requires(Rank == 1) {
         this->made_ = procedures::allocate(this->held_, n) != 0;
     }
 
-    /// Creates an array of rows x columns elements, uninitialised. True and absent when that
-    /// product is below 1.
+    /// Creates an array of rows x columns elements, uninitialised. If that product is below 1, the
+    /// owner is true and its array absent.
     explicit owned_array(const matrix_shape& shape) noexcept requires(Rank == 2) {
         this->made_ = procedures::allocate(this->held_, shape) != 0;
     }
@@ -292,7 +293,7 @@ private:
 /// The entries of a vector, as `entries` returns them.
 class entry_range {
 public:
-    /// No entries.
+    /// An empty range.
     entry_range() noexcept = default;
     explicit entry_range(const vector_type::vector& v) noexcept
         : begin_(v, 0, positions(v)), end_(v, positions(v), positions(v)) {}
@@ -317,20 +318,19 @@ private:
 ///
 ///     for (auto [j, a] : zktarn::entries(v)) { sum += a * solution[j]; }
 ///
-/// @param v  in. Any mode; outlives the loop. Its arrays stay, and entries are neither added nor
-///           removed, while the loop runs; coefficients may be set.
+/// @param v  in. Any mode; outlives the loop. While the loop runs, its arrays must not be released
+///           and entries must be neither added nor removed; coefficients may be set.
 ///
 /// Marks mode: the listed indices that are marked, in the order of the list; without `ind`, every
 /// marked index, ascending. List mode: the listed indices. Dense mode: every index from 1 to n,
 /// ascending, zeros included. The coefficient is coef(j), also where it is 0.0, and 1.0 in a vector
-/// without coefficients. Nothing is allocated; one step costs O(1) and one more for each index
-/// skipped.
+/// without coefficients. Allocates nothing. Cost of a step: O(1 + indices skipped).
 [[nodiscard]] inline entry_range entries(const vector_type::vector& v) noexcept {
     return entry_range(v);
 }
 
-/// The same for an owner, which must be true. A temporary owner would be gone before the first
-/// step, so it is refused.
+/// The same for an owner, which must be true. Deleted for a temporary owner, which would be
+/// destroyed before the loop starts.
 [[nodiscard]] inline entry_range entries(const owned_vector& v) noexcept {
     return entry_range(*v);
 }

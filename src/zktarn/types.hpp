@@ -31,8 +31,7 @@
 /// 10. The caller owns every record, array and handle. A procedure that creates one overwrites the
 ///     caller's variable without releasing what it held.
 /// 11. Storage from the host's memory manager is returned to it, never to the process allocator.
-/// New
-///     storage is uninitialised unless a procedure says otherwise.
+///     New storage is uninitialised unless a procedure says otherwise.
 /// 12. Every procedure runs on the caller's thread. One record, array or generator must not be used
 ///     by two threads at once.
 /// 13. Results assume the default floating-point environment: round to nearest, subnormals kept.

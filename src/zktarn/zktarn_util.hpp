@@ -4,7 +4,8 @@
 
 #include "zktarn/detail/require_cpp20.hpp"
 
-// An older compiler reads no further, so that the sentence above is all that it prints.
+// In an older standard of C++ nothing else is included, so the message of that header is the only
+// one.
 #if __cplusplus > 201703L
 
 #include "zktarn/assert/assert_mod.hpp"             // IWYU pragma: export

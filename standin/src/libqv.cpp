@@ -209,30 +209,30 @@ data_address qvgetpr800_(const array_handle& array) noexcept {
         [&] { return arrays().data(what, array); });
 }
 
-void qvcopyptrtoreal8800_(const data_address& from, double* to,
+void qvcopyptrtoreal8800_(const data_address& source, double* destination,
                           const std::int64_t& count) noexcept {
     constexpr operation what = operation::qvcopyptrtoreal8800_;
     attempt(
         what, standin::nothing(),
         [&] {
-            return host_call{what, {count}, {}, {}, {from}};
+            return host_call{what, {count}, {}, {}, {source}};
         },
-        standin::written_reals(to, count),
+        standin::written_reals(destination, count),
         [&] {
-            arrays().copy_out(from, to, count);
+            arrays().copy_out(source, destination, count);
             return standin::nothing();
         });
 }
 
-void qvcopyreal8toptr800_(const double* from, const data_address& to,
+void qvcopyreal8toptr800_(const double* source, const data_address& destination,
                           const std::int64_t& count) noexcept {
     constexpr operation what = operation::qvcopyreal8toptr800_;
     attempt(
         what,
         [&] {
-            return host_call{what, {count}, {}, logged_reals(from, count), {to}};
+            return host_call{what, {count}, {}, logged_reals(source, count), {destination}};
         },
-        [&] { arrays().copy_in(from, to, count); });
+        [&] { arrays().copy_in(source, destination, count); });
 }
 
 void qvdestroyarray800_(const array_handle& array) noexcept {

@@ -14,7 +14,7 @@ std::span<Record> records(Record& first, std::int32_t count) noexcept {
     return {&first, count < 1 ? std::size_t{0} : static_cast<std::size_t>(count)};
 }
 
-/// A copy of `size` bytes in new storage; null without storage.
+/// A copy of `size` bytes in new storage; null if memory for it is missing.
 void* duplicate(const void* bytes, std::int64_t size) noexcept {
     const auto length = static_cast<std::size_t>(size);
     void* const copy = ::operator new(length, std::nothrow);
@@ -39,8 +39,8 @@ void release_parameters(value_slot& slot) noexcept {
     }
 }
 
-/// Makes a slot that was copied bit for bit own copies of the value and of an owned block. Without
-/// storage the slot is empty and owns nothing.
+/// Gives a slot that was copied bit for bit its own copies of the value and of an owned block. If
+/// memory is missing, the slot is empty and owns nothing.
 void clone(value_slot& slot) noexcept {
     if (owns_parameters(slot)) {
         const auto size = slot.parameters->count * static_cast<std::int64_t>(sizeof(std::int64_t));

@@ -55,8 +55,8 @@ struct cbdataelm {
 
 /// State of a solve that its callbacks share. Owns nothing; a copy is bit for bit.
 ///
-/// By default, nothing is known. Bounds start at the largest finite magnitudes, not at infinities:
-/// a bound minus itself, or times 0, is then a number.
+/// The defaults stand for a solve that has not begun. Bounds start at the largest finite
+/// magnitudes, not at infinities: a bound minus itself, or times 0, is then a number.
 struct cbdata {
     /// Nodes explored; -1 before the solve begins, 0 after `cbinit`.
     std::int32_t nodes_explored = -1;
@@ -98,7 +98,7 @@ struct parameter_block {
     std::int64_t value_size;
 };
 
-/// The dynamic type of a value in a slot. A null procedure does not exist.
+/// The dynamic type of a value in a slot. A procedure that the type does not need is null.
 struct value_type {
     /// Size of a value in bytes; ignored for a type with length parameters, whose block has it.
     std::int64_t size = 0;
@@ -132,16 +132,16 @@ struct cbdatalist {
     value_slot slot;
     /// A handle or a number; copied bit for bit, never released.
     std::int64_t first_handle = 0;
-    /// Another one.
+    /// Like `first_handle`.
     std::int64_t second_handle = 0;
 
     cbdatalist() noexcept = default;
     ~cbdatalist();
 
-    /// Without storage for the copy of a value, its slot is empty.
+    /// If the value cannot be copied for lack of memory, the new slot is empty.
     cbdatalist(const cbdatalist& other) noexcept;
     cbdatalist(cbdatalist&& other) noexcept;
-    /// Destroys the old value last, so that a part of it may be assigned.
+    /// Destroys the old value after the copy, so `other` may be a part of that value.
     cbdatalist& operator=(const cbdatalist& other) noexcept;
     cbdatalist& operator=(cbdatalist&& other) noexcept;
 };
@@ -163,8 +163,8 @@ ZKTARN_API void _cbdatalistinitialise(cbdatalist& first, const std::int32_t& cou
 /// block of parameters and the value get storage of their own; then the copy procedure of the
 /// value's type, if any, runs on the new value. The handles stay as they are.
 ///
-/// Without storage for a copy, its slot is empty; the original keeps its value. What a copy
-/// procedure does without memory is up to the type.
+/// If memory for a copy is missing, the slot of the copy is empty and the original keeps its value.
+/// A copy procedure handles its own failures.
 ZKTARN_API void _cbdatalistcopy(cbdatalist& first, const std::int32_t& count) noexcept;
 
 /// Releases what `count` records own and empties their slots: runs `final` on the value, or else

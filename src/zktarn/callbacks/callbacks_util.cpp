@@ -25,7 +25,7 @@ bool poll(std::int32_t ctrlc) noexcept {
     return interrupt_seen != 0;
 }
 
-/// Whether the solve ends, so that the host gets neither calls nor lines any more.
+/// Whether the solve ends. The output function is not called and nothing is printed after that.
 bool is_over(std::int32_t status, std::int32_t ctrlc) noexcept {
     return interrupt_seen != 0 || cbstopfromoutputfcn(status) != 0 || poll(ctrlc);
 }
@@ -53,7 +53,7 @@ void print(const char* text, std::size_t size) noexcept {
     host::qvxprintf800_(text, static_cast<std::int64_t>(size));
 }
 
-// The longest piece of a line that is printed without memory for a copy.
+// The longest piece of a line that is printed without allocating a copy.
 constexpr std::size_t piece_size = 512;
 
 /// Prints a line in pieces of at most `piece_size` characters, the line feed included.
@@ -67,7 +67,7 @@ void print_by_pieces(std::string_view line) noexcept {
     print(piece.data(), line.size() + 1);
 }
 
-/// Prints a line in one piece. Returns false, and prints nothing, without memory for it.
+/// Prints a line in one piece. If memory for the copy is missing, returns false and prints nothing.
 bool print_whole(std::string_view line) noexcept {
     const std::size_t size = line.size() + 1;
     auto* const text = static_cast<char*>(::operator new(size, std::nothrow));

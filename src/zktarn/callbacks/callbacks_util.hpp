@@ -17,12 +17,12 @@
 /// to stop; the solver itself then sets status 3. `cbprintdisplay` prints lines of progress, and
 /// `cbhasinterrupt` returns whether to end the solve.
 ///
-/// Codes, each a 32-bit integer of the solver's own:
+/// Codes, 32-bit integers that the solver keeps:
 ///
-///     status      3: stopped by the output function. Any other value: not stopped
-///     ctrlc       1: poll the host for interrupts. Any other value: never poll
-///     display     0: print nothing. 1: print the final output only. Any other value: print every
-///     line indicator   above 0: there is an output function
+///     status      3: stopped by the output function; any other value: not stopped
+///     ctrlc       1: poll the host for interrupts; any other value: never poll
+///     display     0: print nothing; 1: print the final output only; any other value: print all lines
+///     indicator   above 0: there is an output function
 ///
 /// Each loaded copy of the library has one process-wide flag for interrupts. A poll that reports an
 /// interrupt sets it; the next `cbinit` clears it. The flag is neither locked nor atomic, so the
@@ -38,11 +38,11 @@ using host::array_handle;
 
 namespace code {
 
-/// Of a status.
+/// A value of `status`.
 inline constexpr std::int32_t stopped_by_output_function = 3;
-/// Of the ctrlc switch.
+/// A value of `ctrlc`.
 inline constexpr std::int32_t poll_for_interrupts = 1;
-/// Of a display.
+/// Values of `display`.
 inline constexpr std::int32_t display_off = 0;
 inline constexpr std::int32_t display_final = 1;
 
@@ -51,7 +51,7 @@ inline constexpr std::int32_t display_final = 1;
 /// Begins a solve: makes a new record and clears the interrupt flag.
 ///
 /// @param cb  out. The record, with the defaults of `cbdata` except `nodes_explored` 0; release it
-///            by `delete`. Null without memory for it. The previous record is not released.
+///            by `delete`. Null if memory for it is missing. The previous record is not released.
 ZKTARN_API void cbinit(cbdata*& cb) noexcept;
 
 /// Makes a 1-by-1 host struct with the field "phase".
@@ -105,14 +105,15 @@ ZKTARN_API void qvcalloutputfcn(const array_handle& structure, flag& stop,
 /// @param display  in. See the codes above.
 /// @param line     in. Of any length, trailing blanks included; a line feed is added.
 ///
-/// Prints nothing when display is 0, and then in the three cases of `qvcalloutputfcn`, in that
-/// order. The line goes to the host in one piece. A line of 512 characters and more needs memory
-/// for that; without it, the line goes in several pieces, one after the other.
+/// Prints nothing when display is 0, which is tested first, or in one of the three cases of
+/// `qvcalloutputfcn`. The line and its line feed go to the host in one call. A line of 512
+/// characters or more is copied for that; if memory for the copy is missing, it goes in several
+/// calls, in order.
 ZKTARN_API void cbprintdisplay(const std::int32_t& status, const std::int32_t& ctrlc,
                                const std::int32_t& display, std::string_view line) noexcept;
 
-/// Whether to end the solve: 1 in the three cases of `qvcalloutputfcn`, tested in that order; else
-/// 0. Status 3 does not set the interrupt flag.
+/// Returns whether to end the solve: 1 in the three cases of `qvcalloutputfcn`, tested in that
+/// order; else 0. Status 3 does not set the interrupt flag.
 ///
 /// @param status  in. See the codes above.
 /// @param ctrlc   in. See the codes above.

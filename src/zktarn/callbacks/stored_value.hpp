@@ -25,7 +25,7 @@ template <class T>
 inline constexpr bool is_held_directly = std::is_trivially_copyable_v<T> &&
                                          alignof(T) <= __STDCPP_DEFAULT_NEW_ALIGNMENT__;
 
-/// A new object; null without memory for it, or when its constructor throws.
+/// A new object; null if memory for it is missing or its constructor throws.
 template <class T, class Source>
 T* make(Source&& source) noexcept {
 #ifdef __cpp_exceptions
@@ -57,8 +57,8 @@ struct descriptor {
 
 } // namespace detail
 
-/// Stores an object in the slot and destroys the value that it had. Returns false, and changes
-/// nothing, without memory for it or when its move constructor throws.
+/// Stores an object in the slot and destroys the previous value. If memory is missing or the
+/// object's move constructor throws, returns false and leaves the slot unchanged.
 template <class T>
 [[nodiscard]] bool store(cbdatalist& list, T object) noexcept {
     using held = typename detail::descriptor<T>::held;

@@ -5,7 +5,7 @@
 
 #include "zktarn/memory/memory_mod.hpp"
 
-/// The procedures that allocate and release an array of a given element type and rank. No part of
+/// The procedures that allocate and release an array of a given element type and rank. Not part of
 /// the interface.
 
 namespace zktarn::detail {

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Stops an older language with one sentence instead of the errors that would follow. No part of the
-/// interface.
+/// Stops the compilation in an older standard of C++ with one message, instead of the errors that
+/// would follow. Not part of the interface.
 
 #if __cplusplus <= 201703L
 #error "zktarn needs C++20: compile with -std=c++20 or later"

@@ -30,8 +30,7 @@
 ///     qvgetpr800_                              a null address, in either copy
 ///     qvxcallquarn800_                         handle 0, in qvgetpr800_ and qvdestroyarray800_
 ///
-/// With a failure value, an operation does nothing and returns a failure value itself. A value that
-/// cannot be stored belongs to the host all the same.
+/// Given a failure value, an operation does nothing and returns its own failure value.
 ///
 /// Thread. `callbacks_util` calls all of them on the solver's thread, while the host waits for the
 /// solver.
@@ -83,8 +82,8 @@ array_handle qvcreatedoublematrix800_(const std::int64_t& rows, const std::int64
 /// Stores `value` in the named field of element `index`, counted from 1. The field exists. The
 /// library passes index = 1 and the field "phase".
 ///
-/// The struct owns the value from now on, even if the host could not store it. The host releases
-/// the value that the field held before.
+/// The struct owns the value from now on. A value that could not be stored belongs to the host: the
+/// library does not destroy it. The host releases the value that the field held before.
 void qvsetfield800_(const array_handle& structure, const std::int64_t& index,
                     const char* field_name, const array_handle& value,
                     std::int64_t field_name_length) noexcept;
@@ -110,20 +109,22 @@ std::int32_t qvaddfield800_(const array_handle& structure, const char* field_nam
 // --------------------------------------------------------------------------------------------
 
 /// Returns the address of an array's real data, stored column by column. The array keeps the data,
-/// and the address stays valid while the array exists, after a struct has taken it over, too. The
-/// library asks for the data of columns that it created, and of the result of the output function.
+/// and the address stays valid while the array exists, also after a struct has become its owner.
+/// The library asks for the data of columns that it created, and of the result of the output
+/// function.
 ///
 /// Failure, and an array without real data: null.
 data_address qvgetpr800_(const array_handle& array) noexcept;
 
-/// Copies `count` reals from host data at `from` to `to`. `from` is an address that `qvgetpr800_`
-/// returned. The library passes count = 1. For a null address, copies nothing.
-void qvcopyptrtoreal8800_(const data_address& from, double* to, const std::int64_t& count) noexcept;
+/// Copies `count` reals of host data at `source` to `destination`. `source` is an address that
+/// `qvgetpr800_` returned. The library passes count = 1. If `source` is null, copies nothing.
+void qvcopyptrtoreal8800_(const data_address& source, double* destination,
+                          const std::int64_t& count) noexcept;
 
-/// Copies `count` reals from `from` to host data at `to`. `to` is an address that `qvgetpr800_`
-/// returned. The library passes the number of rows; for 0, `from` may be null. For a null address
-/// `to`, copies nothing.
-void qvcopyreal8toptr800_(const double* from, const data_address& to,
+/// Copies `count` reals at `source` to host data at `destination`, an address that `qvgetpr800_`
+/// returned. The library passes the number of rows as count; if that is 0, `source` may be null. If
+/// `destination` is null, copies nothing.
+void qvcopyreal8toptr800_(const double* source, const data_address& destination,
                           const std::int64_t& count) noexcept;
 
 /// Releases an array and everything it owns. No struct owns it. The library destroys the result of

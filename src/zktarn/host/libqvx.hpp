@@ -22,15 +22,14 @@ extern "C" {
 /// The function must return a real array of at least one element. Its first element, truncated
 /// toward zero, stops the solve when it is 1.
 ///
-/// Failure: leaves the output 0. The result counts as 0 then, and the solve goes on.
+/// Failure: leaves the output 0. The library then continues the solve.
 std::int32_t qvxcallquarn800_(const std::int32_t& noutputs, array_handle* outputs,
                               const std::int32_t& ninputs, const array_handle* inputs,
                               const char* name, std::int64_t name_length) noexcept;
 
 /// Writes `text` to the host's console: all of its characters, as text and not as a format, and
-/// nothing else. It is copied or printed during the call. The library passes a line with its line
-/// feed; without memory for a line of 512 characters or more, pieces of it, in order. It ignores
-/// the result.
+/// nothing else. The host prints or copies it during the call. The library passes a line with its
+/// line feed in one call, or in several, as `cbprintdisplay` states. It ignores the result.
 std::int32_t qvxprintf800_(const char* text, std::int64_t text_length) noexcept;
 }
 

@@ -11,7 +11,8 @@ extern "C" {
 
 /// Returns whether the user has asked to interrupt the computation. Called by `callbacks_util` on
 /// the solver's thread, often, and only for a solve that polls; so it should return a flag and do
-/// nothing else. It may return true once only, because the library remembers that.
+/// nothing else. It need not return true twice for one interrupt, because the library stores the
+/// first report.
 bool utIsInterruptPending() noexcept;
 }
 

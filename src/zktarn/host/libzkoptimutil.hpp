@@ -15,8 +15,8 @@ extern "C" {
 // Memory manager
 // --------------------------------------------------------------------------------------------
 //
-// Called by `memory_mod`. Any thread that runs a solver may call at any time, several at once. A
-// block may be released on another thread than it was requested on.
+// Called by `memory_mod`. Any thread that runs a solver may call them at any time, several threads
+// at once. A block may be released on another thread than it was requested on.
 
 /// Returns the address of a new block of at least `nbytes` bytes. The library passes nbytes >= 1.
 ///
@@ -28,8 +28,9 @@ void* qvMallocExOptim(std::int64_t nbytes) noexcept;
 
 /// Releases a block that `qvMallocExOptim` returned. Other blocks stay as they are.
 ///
-/// The host must accept null and do nothing: a solver may pass it to `mdeallocate`. It is never
-/// given any other address that is not a live block, unless a solver does so.
+/// The host must accept null and do nothing: a solver may pass it to `mdeallocate`. Any other
+/// address is that of a block not yet released, unless a solver passes a wrong one to
+/// `mdeallocate`.
 void qvFreeExOptim(void* address) noexcept;
 
 // Random number generators
@@ -60,8 +61,8 @@ void getRandUniformOptim(void* generator, double* values, const std::int64_t* co
 /// Failure: null. The host must accept a null generator; null is the best result then.
 void* getRngStateOptim(void* generator) noexcept;
 
-/// Restores a generator from a snapshot: it draws again the numbers that followed when the snapshot
-/// was taken. Neither is null. The snapshot stays valid, is not used up, and stays the library's.
+/// Restores a generator from a snapshot: it draws the same numbers again that followed the
+/// snapshot. Neither address is null. The snapshot stays valid, and the library still owns it.
 void setRngStateOptim(void* generator, void* state) noexcept;
 
 /// Releases a snapshot, possibly after its generator. Never null.
@@ -71,7 +72,7 @@ void deleteRngStateOptim(void* state) noexcept;
 // --------------------------------------------------------------------------------------------
 
 /// Receives every condition that a solver asserts, true or false, on the asserting thread. Called
-/// by `assert_mod`. The host decides what a false one leads to; it need not return then.
+/// by `assert_mod`. The host decides what follows a false condition; it need not return then.
 void assertOptim(bool condition) noexcept;
 
 /// Makes all text that `qvxprintf800_` printed visible. Called by `callbacks_util` after each line,

@@ -61,8 +61,7 @@ using logical4 = std::int32_t;
 /// Releases an array.
 ///
 /// @param array  in/out. Allocated by the procedure of the same type and rank, with its data
-/// address
-///               unchanged since; or absent, then nothing happens.
+///               address unchanged since; or absent, and then nothing happens.
 ///
 /// Leaves the array absent. Extents and lower bounds keep their values, which mean nothing.
 ZKTARN_API void freemem_l4_1d_array(array_1d<logical4>& array) noexcept;

@@ -8,7 +8,7 @@
 #include "zktarn/sorting/detail/shell_sort.hpp"
 #include "zktarn/types.hpp"
 
-/// Sorting of data that only the caller can see.
+/// Sorting of the caller's data, which the library never reads.
 ///
 /// `sort` chooses pairs of positions. A procedure of the caller compares the elements at the two
 /// positions, exchanges them if they are out of order, and reports whether it did. That procedure
@@ -47,8 +47,8 @@ ZKTARN_API void sort(const std::int32_t& first, const std::int32_t& last,
                      exchange_procedure exchange) noexcept;
 
 /// The same, with `exchange` inlined into the caller. Takes every callable except an
-/// `exchange_procedure`, which selects the procedure above. An exception of `exchange` leaves the
-/// sort; the range keeps the order it has at that moment.
+/// `exchange_procedure`, which selects the procedure above. An exception that `exchange` throws
+/// leaves the sort, and the range keeps its order of that moment.
 template <class Exchange>
     requires(std::is_invocable_r_v<flag, Exchange&, std::int32_t, std::int32_t> &&
              !std::is_same_v<std::remove_cvref_t<Exchange>, exchange_procedure>)

@@ -6,7 +6,7 @@
 
 /// Greatest common divisors.
 ///
-/// Each procedure returns the divisor alone, no factors of Bezout's identity. Each is a pure
+/// Each procedure returns the divisor only, not the factors of Bezout's identity. Each is a pure
 /// function of its arguments and may be called from any thread.
 
 namespace zktarn::util {
@@ -29,8 +29,8 @@ namespace zktarn::util {
 /// For example (12, 18, 1e-9) gives 6, (0.5, 0.75, 1e-9) gives 0.25 and (a, 0, 0) gives |a|. A
 /// caller that divides by the result must expect 0.0.
 ///
-/// Source: Euclid; where no remainder but 0 can be within eps, Stein's binary gcd. The number of
-/// steps grows with the logarithm of the quotient of the smaller magnitude and the result.
+/// Source: Euclid's algorithm; Stein's binary gcd where only the remainder 0 is within eps. The
+/// number of steps grows with log(min(|a|, |b|) / result).
 [[nodiscard]] ZKTARN_API double xgcd_r8(const double& a, const double& b,
                                         const double& eps) noexcept;
 

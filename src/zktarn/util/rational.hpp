@@ -4,9 +4,6 @@
 #include "zktarn/types.hpp"
 
 /// Fractions with a bounded denominator that are within a tolerance of a real.
-///
-/// Assumes the default floating-point environment: rounding to nearest, subnormals neither flushed
-/// to zero nor read as zero. In another one results may differ, but every call ends.
 
 namespace zktarn::util {
 
@@ -21,11 +18,10 @@ namespace zktarn::util {
 ///
 /// Two searches, of which the second runs if the first finds nothing:
 ///
-///  1. Denominators that are common in decimal data: for k = 1, 2, ..., 9, 11, 13, 15, 17, 19, 23
-///  in
-///     turn, k, 10 k, 100 k, ... up to the bound. The first that fits wins, with the lower
-///     numerator where two fit. The fraction need not be reduced: 0.25 is 25/100 if the bound is
-///     100 or more.
+///  1. Denominators that are common in decimal data: k, 10 k, 100 k, ... up to the bound, for each
+///     k of 1, 2, ..., 9, 11, 13, 15, 17, 19, 23 in turn. The first denominator with a fraction
+///     within eps is taken; of two such numerators, the lower. The fraction need not be reduced:
+///     0.25 is 25/100 if the bound is 100 or more.
 ///  2. The convergents p/q of the continued fraction of x with q up to the bound, each with p and
 ///     with the neighbour p - 1 or p + 1 on the side of x.
 ///

@@ -7,17 +7,14 @@
 #include "zktarn/types.hpp"
 
 /// A search for one scalar that makes a set of reals integral.
-///
-/// Assumes the default floating-point environment: rounding to nearest, subnormals neither flushed
-/// to zero nor read as zero. In another one results may differ, but every call ends.
 
 namespace zktarn::util {
 
 /// Supplies the elements of a set: index (in, 1..n), value (out), marked (out), selected (out).
 ///
 /// It is called for the indices 1, 2, ..., n in this order, in up to four passes, of which each but
-/// the first may end early. It must give the same answers in each pass. What it leaves unwritten is
-/// 0.
+/// the first may end early. It must write the same values in each pass. An output that it does not
+/// write is 0.
 using element_supplier =
     function_ref<void(const std::int32_t& index, double& value, flag& marked, flag& selected)>;
 
@@ -31,8 +28,8 @@ using element_supplier =
 /// @param max_scalar     in. Largest scalar allowed.
 /// @param found          out. 1 if a scalar was found, else 0.
 /// @param scalar         out. The scalar; 0.0 if found is 0.
-/// @param skip_marked    in, optional. True: marked elements do not take part.
-/// @param selected_only  in, optional. True: elements that are not selected do not take part.
+/// @param skip_marked    in, optional. When true, marked elements do not take part.
+/// @param selected_only  in, optional. When true, elements that are not selected do not take part.
 ///
 /// Up to three attempts, until one succeeds:
 ///

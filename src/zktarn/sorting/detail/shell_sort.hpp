@@ -4,7 +4,7 @@
 
 #include "zktarn/types.hpp"
 
-// The sort itself, inlined into its callers. No part of the interface.
+// The sort itself, inlined into its callers. Not part of the interface.
 
 namespace zktarn::sorting_mod {
 
@@ -12,8 +12,8 @@ namespace detail {
 
 /// Shell sort of first..last with the gaps 1, 4, 13, 40, ... below last - first + 1.
 ///
-/// Positions are computed in 64 bits: a range may span all 32-bit positions, and the arithmetic
-/// leaves it at both ends.
+/// Positions are computed in 64 bits: a range may span all 32-bit positions, and `end` and `a`
+/// leave it at the two ends.
 template <class Exchange>
 [[gnu::always_inline]] inline void shell_sort(std::int64_t first, std::int64_t last,
                                               Exchange& exchange) {

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-// Copying and clearing of elements of any type. No part of the interface.
+// Copying and clearing of elements of any type. Not part of the interface.
 
 namespace zktarn::util {
 

@@ -5,7 +5,7 @@
 
 #include "zktarn/vector/vector_type.hpp"
 
-// The index list: search and append. No part of the interface.
+// The index list: search and append. Not part of the interface.
 
 namespace zktarn::vector_mod {
 
