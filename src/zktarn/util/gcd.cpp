@@ -85,18 +85,17 @@ double real_gcd(double a, double b, double eps) noexcept {
     if (small <= eps) {
         return big;
     }
-    if (small < std::numeric_limits<double>::min()) {
-        return euclid(big, small, eps);
-    }
     // Both are integral multiples of a power of two, and so is every remainder. If eps is below
     // that power, only the remainder 0 ends Euclid's algorithm: its last divisor is exact.
-    const odd_and_power p = split(big);
-    const odd_and_power q = split(small);
-    const int exponent = std::min(p.exponent, q.exponent);
-    if (exponent >= least_exponent && eps >= 0.0) {
-        const double power = power_of_two(exponent);
-        if (eps < power) {
-            return static_cast<double>(binary_gcd(p.odd, q.odd)) * power;
+    if (small >= std::numeric_limits<double>::min() && eps >= 0.0) {
+        const odd_and_power p = split(big);
+        const odd_and_power q = split(small);
+        const int exponent = std::min(p.exponent, q.exponent);
+        if (exponent >= least_exponent) {
+            const double power = power_of_two(exponent);
+            if (eps < power) {
+                return static_cast<double>(binary_gcd(p.odd, q.odd)) * power;
+            }
         }
     }
     return euclid(big, small, eps);

@@ -46,7 +46,7 @@ public:
 
 private:
     static_assert(Count <= 16, "a word has 16 bits");
-    static constexpr int slice_bits = 11;
+    static constexpr int slice_bits = 10;
     static constexpr double width = 1.0 / (1 << slice_bits);
 
     std::array<std::uint16_t, std::size_t{1} << slice_bits> words_{};
