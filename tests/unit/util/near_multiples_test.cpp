@@ -46,7 +46,7 @@ TEST(NearMultiples, ListsEveryMultiplierWithinTheMargin) {
 
 TEST(NearMultiples, ListsNoMultiplierFarFromAnInteger) {
     constexpr int steps = 1 << 15;
-    constexpr double slice = 1.0 / 2048;
+    constexpr double slice = 1.0 / 1024;
     for (int step = -steps / 2; step <= steps / 2; ++step) {
         const double fraction = static_cast<double>(step) / steps;
         const std::uint32_t word = table(to_fixed_fraction(fraction));
