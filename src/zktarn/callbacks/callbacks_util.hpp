@@ -21,7 +21,7 @@
 ///
 ///     status      3: stopped by the output function; any other value: not stopped
 ///     ctrlc       1: poll the host for interrupts; any other value: never poll
-///     display     0: print nothing; 1: print the final output only; any other value: print all lines
+///     display     0: print nothing; 1: print final output only; any other value: print every line
 ///     indicator   above 0: there is an output function
 ///
 /// Each loaded copy of the library has one process-wide flag for interrupts. A poll that reports an
