@@ -20,7 +20,8 @@ namespace zktarn::bench {
 #else
 #define ZKTARN_SYMBOL(name) __asm__(name)
 #endif
-void exported_add_nz(vector_type::vector& v, const std::int32_t& j, optional_ref<const double> value)
+void exported_add_nz(vector_type::vector& v, const std::int32_t& j,
+                     optional_ref<const double> value)
     ZKTARN_SYMBOL("_ZN6zktarn10vector_mod13vector_add_nzERNS_11vector_type6vectorERKi"
                   "NS_12optional_refIKdEE");
 double exported_get_coef(const vector_type::vector& v, const std::int32_t& j)
@@ -171,25 +172,22 @@ void compare_c(const shared& p) {
     compare("c/vector_get_coef",
             {each("c", p,
                   [](problem& q) {
-                      benchmark::DoNotOptimize(
-                          c_get_coef(q.record(), q.indices.data(), q.count()));
+                      benchmark::DoNotOptimize(c_get_coef(q.record(), q.indices.data(), q.count()));
                   }),
              each("exported", p, [](problem& q) { benchmark::DoNotOptimize(cpp_get_coef(q)); })});
-    compare("c/vector_is_elm_exported",
-            {each("c", p,
-                  [](problem& q) {
-                      benchmark::DoNotOptimize(
-                          c_is_elm_exported(q.record(), q.indices.data(), q.count()));
-                  }),
-             each("exported", p,
-                  [](problem& q) { benchmark::DoNotOptimize(cpp_is_elm_exported(q)); })});
-    compare("c/epsilon_is_int",
-            {each("c", p,
-                  [](problem& q) {
-                      benchmark::DoNotOptimize(c_epsilon_is_int(q.reals.data(), 500));
-                  }),
-             each("exported", p,
-                  [](problem& q) { benchmark::DoNotOptimize(cpp_epsilon_is_int(q)); })});
+    compare("c/vector_is_elm_exported", {each("c", p,
+                                              [](problem& q) {
+                                                  benchmark::DoNotOptimize(c_is_elm_exported(
+                                                      q.record(), q.indices.data(), q.count()));
+                                              }),
+                                         each("exported", p, [](problem& q) {
+                                             benchmark::DoNotOptimize(cpp_is_elm_exported(q));
+                                         })});
+    compare(
+        "c/epsilon_is_int",
+        {each("c", p,
+              [](problem& q) { benchmark::DoNotOptimize(c_epsilon_is_int(q.reals.data(), 500)); }),
+         each("exported", p, [](problem& q) { benchmark::DoNotOptimize(cpp_epsilon_is_int(q)); })});
     compare("c/vectors_combine",
             {each("c", p, [](problem& q) { c_combine(q.record(), q.short_record(), 20); }),
              each("exported", p, [](problem& q) { cpp_combine(q); })});
@@ -215,23 +213,21 @@ void compare_c_inlined(const shared& p) {
              each("inline", p, [](problem& q) {
                  benchmark::DoNotOptimize(cpp_is_elm(*q.v, q.indices.data(), q.count()));
              })});
-    compare("c_inlined/vector_set_coef",
-            {each("c", p, [](problem& q) { c_set_coef(q.record(), q.indices.data(), q.count()); }),
-             each("inline", p,
-                  [](problem& q) { cpp_set_coef(*q.v, q.indices.data(), q.count()); })});
+    compare(
+        "c_inlined/vector_set_coef",
+        {each("c", p, [](problem& q) { c_set_coef(q.record(), q.indices.data(), q.count()); }),
+         each("inline", p, [](problem& q) { cpp_set_coef(*q.v, q.indices.data(), q.count()); })});
     compare("c_inlined/vector_get_ind",
             {each("c", p, [](problem& q) { benchmark::DoNotOptimize(c_get_ind(q.record())); }),
-             each("inline", p,
-                  [](problem& q) { benchmark::DoNotOptimize(cpp_get_ind(*q.v)); })});
+             each("inline", p, [](problem& q) { benchmark::DoNotOptimize(cpp_get_ind(*q.v)); })});
 }
 
 #ifdef ZKTARN_BENCH_FORTRAN
 void compare_fortran(const shared& p) {
-    compare(
-        "fortran/vector_add_nz",
-        {each("fortran", p,
-              [](problem& q) { fortran_add_nz(q.record(), q.indices.data(), q.count()); }),
-         each("c", p, [](problem& q) { c_add_nz(q.record(), q.indices.data(), q.count()); })});
+    compare("fortran/vector_add_nz",
+            {each("fortran", p,
+                  [](problem& q) { fortran_add_nz(q.record(), q.indices.data(), q.count()); }),
+             each("c", p, [](problem& q) { c_add_nz(q.record(), q.indices.data(), q.count()); })});
     compare("fortran/vector_get_coef",
             {each("fortran", p,
                   [](problem& q) {
@@ -241,16 +237,15 @@ void compare_fortran(const shared& p) {
              each("c", p, [](problem& q) {
                  benchmark::DoNotOptimize(c_get_coef(q.record(), q.indices.data(), q.count()));
              })});
-    compare("fortran/vector_is_elm",
-            {each("fortran", p,
-                  [](problem& q) {
-                      benchmark::DoNotOptimize(
-                          fortran_is_elm(q.record(), q.indices.data(), q.count()));
-                  }),
-             each("c", p, [](problem& q) {
-                 benchmark::DoNotOptimize(
-                     c_is_elm_exported(q.record(), q.indices.data(), q.count()));
-             })});
+    compare(
+        "fortran/vector_is_elm",
+        {each("fortran", p,
+              [](problem& q) {
+                  benchmark::DoNotOptimize(fortran_is_elm(q.record(), q.indices.data(), q.count()));
+              }),
+         each("c", p, [](problem& q) {
+             benchmark::DoNotOptimize(c_is_elm_exported(q.record(), q.indices.data(), q.count()));
+         })});
     compare("fortran/epsilon_is_int",
             {each("fortran", p,
                   [](problem& q) {
@@ -259,22 +254,22 @@ void compare_fortran(const shared& p) {
              each("c", p, [](problem& q) {
                  benchmark::DoNotOptimize(c_epsilon_is_int(q.reals.data(), 500));
              })});
-    compare("fortran/vectors_combine",
-            {each("fortran", p,
-                  [](problem& q) { fortran_combine(q.record(), q.short_record(), 20); }),
-             each("c", p, [](problem& q) { c_combine(q.record(), q.short_record(), 20); })});
-    compare("fortran/sort",
-            {each("fortran", p,
-                  [](problem&) {
-                      std::vector<double> keys = fresh_keys();
-                      fortran_sort(keys.data(), static_cast<std::int32_t>(keys.size()));
-                      benchmark::DoNotOptimize(keys.data());
-                  }),
-             each("c", p, [](problem&) {
-                 std::vector<double> keys = fresh_keys();
-                 c_sort(keys.data(), static_cast<std::int32_t>(keys.size()));
-                 benchmark::DoNotOptimize(keys.data());
-             })});
+    compare(
+        "fortran/vectors_combine",
+        {each("fortran", p, [](problem& q) { fortran_combine(q.record(), q.short_record(), 20); }),
+         each("c", p, [](problem& q) { c_combine(q.record(), q.short_record(), 20); })});
+    compare("fortran/sort", {each("fortran", p,
+                                  [](problem&) {
+                                      std::vector<double> keys = fresh_keys();
+                                      fortran_sort(keys.data(),
+                                                   static_cast<std::int32_t>(keys.size()));
+                                      benchmark::DoNotOptimize(keys.data());
+                                  }),
+                             each("c", p, [](problem&) {
+                                 std::vector<double> keys = fresh_keys();
+                                 c_sort(keys.data(), static_cast<std::int32_t>(keys.size()));
+                                 benchmark::DoNotOptimize(keys.data());
+                             })});
 }
 #endif
 

@@ -1,8 +1,9 @@
-/* As a checked build calls the accessors: in the library. The library itself checks nothing here. */
+/* As a checked build calls the accessors: in the library. The library itself checks nothing here.
+ */
 #define ZKTARN_CHECKED
 #include "bindings_calls.h"
 
-int64_t c_is_elm_exported(const zktarn_vector *v, const int32_t *indices, int32_t n) {
+int64_t c_is_elm_exported(const zktarn_vector* v, const int32_t* indices, int32_t n) {
     int64_t count = 0;
     for (int32_t i = 0; i < n; ++i) {
         count += zktarn_vector_is_elm(v, indices[i]);

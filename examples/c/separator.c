@@ -23,7 +23,7 @@ static const struct constraint constraints[ROWS] = {
 
 static const double solution[COLUMNS] = {0.5, 0.5, 0.5, 0, 0};
 
-static void print(const char *name, const zktarn_vector *row, double rhs) {
+static void print(const char* name, const zktarn_vector* row, double rhs) {
     printf("%-9s", name);
     for (int32_t k = 1; k <= zktarn_vector_get_nz(row); ++k) {
         const int32_t j = zktarn_vector_get_ind(row, k);
@@ -33,8 +33,9 @@ static void print(const char *name, const zktarn_vector *row, double rhs) {
     printf(" <= %g\n", rhs);
 }
 
-/* Prints the rows and adds half of each to the cut. Returns half the sum of their right-hand sides. */
-static double add_halves(zktarn_vector *cut, zktarn_vector *row) {
+/* Prints the rows and adds half of each to the cut. Returns half the sum of their right-hand sides.
+ */
+static double add_halves(zktarn_vector* cut, zktarn_vector* row) {
     double rhs = 0;
     for (int i = 0; i < ROWS; ++i) {
         zktarn_vector_clear(row);
@@ -51,7 +52,7 @@ static double add_halves(zktarn_vector *cut, zktarn_vector *row) {
 }
 
 /* Prints the cut and how far it cuts off the solution. Returns 1 when it does. */
-static int round_down(zktarn_vector *cut, double rhs) {
+static int round_down(zktarn_vector* cut, double rhs) {
     /* x >= 0, so smaller coefficients weaken the row; then the left-hand side is an integer. */
     double activity = 0;
     double norm = 0;
@@ -71,8 +72,8 @@ static int round_down(zktarn_vector *cut, double rhs) {
 }
 
 int main(void) {
-    zktarn_vector *cut = NULL;
-    zktarn_vector *row = NULL;
+    zktarn_vector* cut = NULL;
+    zktarn_vector* row = NULL;
     int found = 0;
     if (zktarn_vector_alloc(&cut, COLUMNS, NULL, NULL, NULL) &&
         zktarn_vector_alloc(&row, COLUMNS, NULL, NULL, NULL)) {

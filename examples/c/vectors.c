@@ -9,10 +9,10 @@
 enum { COLUMNS = 8 };
 
 struct mode {
-    const char *name;
+    const char* name;
     zktarn_flag no_ind;
     zktarn_flag no_elm;
-    const char *membership;
+    const char* membership;
 };
 
 static const struct mode modes[] = {
@@ -21,13 +21,13 @@ static const struct mode modes[] = {
     {"dense", 1, 1, "every j, a zero included"},
 };
 
-static void add(zktarn_vector *row, int32_t j, double value) {
+static void add(zktarn_vector* row, int32_t j, double value) {
     zktarn_vector_add_nz(row, j, &value);
 }
 
 /* Creates, fills, prints and releases the row in one mode. Returns 0 without memory for it. */
-static int show(const struct mode *m) {
-    zktarn_vector *row = NULL;
+static int show(const struct mode* m) {
+    zktarn_vector* row = NULL;
     if (!zktarn_vector_alloc(&row, COLUMNS, NULL, &m->no_ind, &m->no_elm)) {
         return 0;
     }
@@ -55,7 +55,7 @@ static int show(const struct mode *m) {
     return 1;
 }
 
-int main(int argc, char **argv) {
+int main(int argc, char** argv) {
     if (argc > 1) {
         fprintf(stderr, "vectors: takes no arguments, but was given '%s'\n", argv[1]);
         return 2;
@@ -69,7 +69,7 @@ int main(int argc, char **argv) {
         }
     }
     zktarn_standin_fail_request(2);
-    zktarn_vector *refused = NULL;
+    zktarn_vector* refused = NULL;
     const zktarn_flag made = zktarn_vector_alloc(&refused, COLUMNS, NULL, NULL, NULL);
     printf("\nThe host refuses the second array: vector_alloc returns %d, %d blocks are left.\n",
            (int)made, (int)zktarn_standin_live_blocks(NULL, 0));

@@ -29,7 +29,8 @@
 extern "C" {
 #endif
 
-/* Operations ------------------------------------------------------------------------------------ */
+/* Operations ------------------------------------------------------------------------------------
+ */
 
 /* Every operation of the host, in the order of its libraries. */
 typedef enum zktarn_standin_operation {
@@ -63,15 +64,16 @@ typedef enum zktarn_standin_operation {
 enum { zktarn_standin_operation_count = zktarn_op_qvxprintf800_ + 1 };
 
 /* The name of an operation, ended by a zero byte; never released. */
-ZKTARN_STANDIN_C_API const char *zktarn_standin_name(zktarn_standin_operation operation);
+ZKTARN_STANDIN_C_API const char* zktarn_standin_name(zktarn_standin_operation operation);
 ZKTARN_STANDIN_C_API int64_t zktarn_standin_calls(zktarn_standin_operation operation);
 ZKTARN_STANDIN_C_API void zktarn_standin_fail_call(zktarn_standin_operation operation, int64_t k);
 ZKTARN_STANDIN_C_API void zktarn_standin_reset(void);
 
-/* Memory manager -------------------------------------------------------------------------------- */
+/* Memory manager --------------------------------------------------------------------------------
+ */
 
 typedef struct zktarn_standin_block {
-    const void *address;
+    const void* address;
     int64_t nbytes;
     int64_t order;
 } zktarn_standin_block;
@@ -81,25 +83,27 @@ ZKTARN_STANDIN_C_API void zktarn_standin_fail_request(int64_t k);
 ZKTARN_STANDIN_C_API void zktarn_standin_fail_requests_from(int64_t k);
 ZKTARN_STANDIN_C_API void zktarn_standin_fill_new_blocks(int32_t byte);
 ZKTARN_STANDIN_C_API bool zktarn_standin_huge_pages(bool on);
-ZKTARN_STANDIN_C_API size_t zktarn_standin_live_blocks(zktarn_standin_block *blocks,
+ZKTARN_STANDIN_C_API size_t zktarn_standin_live_blocks(zktarn_standin_block* blocks,
                                                        size_t capacity);
 ZKTARN_STANDIN_C_API int64_t zktarn_standin_check_blocks(void);
-ZKTARN_STANDIN_C_API size_t zktarn_standin_memory_report(char *buffer, size_t capacity);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_memory_report(char* buffer, size_t capacity);
 
-/* What is not given back ------------------------------------------------------------------------ */
+/* What is not given back ------------------------------------------------------------------------
+ */
 
 typedef struct zktarn_standin_live_object {
     zktarn_standin_operation made_by;
     int64_t number;
 } zktarn_standin_live_object;
 
-ZKTARN_STANDIN_C_API size_t zktarn_standin_live_objects(zktarn_standin_live_object *objects,
+ZKTARN_STANDIN_C_API size_t zktarn_standin_live_objects(zktarn_standin_live_object* objects,
                                                         size_t capacity);
 /* Everything that is not given back, in words. */
-ZKTARN_STANDIN_C_API size_t zktarn_standin_report(char *buffer, size_t capacity);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_report(char* buffer, size_t capacity);
 ZKTARN_STANDIN_C_API bool zktarn_standin_report_at_exit(bool on);
 
-/* Faults ---------------------------------------------------------------------------------------- */
+/* Faults ----------------------------------------------------------------------------------------
+ */
 
 typedef enum zktarn_standin_fault_kind {
     zktarn_fault_bad_request,
@@ -124,31 +128,33 @@ typedef enum zktarn_standin_fault_kind {
 typedef struct zktarn_standin_fault {
     zktarn_standin_fault_kind kind;
     zktarn_standin_block concerned;
-    const char *sentence;
+    const char* sentence;
     size_t sentence_length;
-    const char *origin;
+    const char* origin;
     size_t origin_length;
-    const char *place;
+    const char* place;
     size_t place_length;
 } zktarn_standin_fault;
 
-typedef void (*zktarn_standin_fault_handler)(const zktarn_standin_fault *fault, void *context);
+typedef void (*zktarn_standin_fault_handler)(const zktarn_standin_fault* fault, void* context);
 
 /* A NULL handler stands for the default, which writes the sentence to standard error and aborts. */
-ZKTARN_STANDIN_C_API void
-zktarn_standin_set_fault_handler(zktarn_standin_fault_handler handler, void *context);
+ZKTARN_STANDIN_C_API void zktarn_standin_set_fault_handler(zktarn_standin_fault_handler handler,
+                                                           void* context);
 
 ZKTARN_STANDIN_C_API bool zktarn_standin_record_origins(bool on);
 
-/* Assertions ------------------------------------------------------------------------------------ */
+/* Assertions ------------------------------------------------------------------------------------
+ */
 
-typedef void (*zktarn_standin_assertion_handler)(void *context);
+typedef void (*zktarn_standin_assertion_handler)(void* context);
 
 /* A NULL handler stands for the default, which writes a sentence to standard error and aborts. */
 ZKTARN_STANDIN_C_API void
-zktarn_standin_set_assertion_handler(zktarn_standin_assertion_handler handler, void *context);
+zktarn_standin_set_assertion_handler(zktarn_standin_assertion_handler handler, void* context);
 
-/* Arrays ---------------------------------------------------------------------------------------- */
+/* Arrays ----------------------------------------------------------------------------------------
+ */
 
 typedef enum zktarn_standin_array_kind {
     zktarn_array_structure,
@@ -164,60 +170,63 @@ typedef struct zktarn_standin_array zktarn_standin_array;
  * A copy of a live array, to be released by zktarn_standin_free_array; NULL without memory. An
  * unknown handle is a fault, and the copy then an empty real array.
  */
-ZKTARN_STANDIN_C_API zktarn_standin_array *zktarn_standin_inspect(int64_t handle);
+ZKTARN_STANDIN_C_API zktarn_standin_array* zktarn_standin_inspect(int64_t handle);
 /* The array may be NULL. */
-ZKTARN_STANDIN_C_API void zktarn_standin_free_array(zktarn_standin_array *array);
+ZKTARN_STANDIN_C_API void zktarn_standin_free_array(zktarn_standin_array* array);
 
 /*
  * What is asked of an array of another kind, or of a field that does not exist, is a fault, and the
  * answer is then 0.0, no numbers, no text, no fields. Results that are addresses belong to `array`.
  */
 ZKTARN_STANDIN_C_API zktarn_standin_array_kind
-zktarn_standin_array_kind_of(const zktarn_standin_array *array);
-ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_rows(const zktarn_standin_array *array);
-ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_columns(const zktarn_standin_array *array);
-ZKTARN_STANDIN_C_API double zktarn_standin_array_scalar(const zktarn_standin_array *array);
+zktarn_standin_array_kind_of(const zktarn_standin_array* array);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_rows(const zktarn_standin_array* array);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_columns(const zktarn_standin_array* array);
+ZKTARN_STANDIN_C_API double zktarn_standin_array_scalar(const zktarn_standin_array* array);
 /* The numbers, column by column; their number goes to *count. */
-ZKTARN_STANDIN_C_API const double *zktarn_standin_array_reals(const zktarn_standin_array *array,
-                                                              size_t *count);
+ZKTARN_STANDIN_C_API const double* zktarn_standin_array_reals(const zktarn_standin_array* array,
+                                                              size_t* count);
 /* The characters, not ended by a zero byte; their number goes to *length. */
-ZKTARN_STANDIN_C_API const char *zktarn_standin_array_characters(const zktarn_standin_array *array,
-                                                                 size_t *length);
-ZKTARN_STANDIN_C_API size_t zktarn_standin_array_field_count(const zktarn_standin_array *array);
+ZKTARN_STANDIN_C_API const char* zktarn_standin_array_characters(const zktarn_standin_array* array,
+                                                                 size_t* length);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_array_field_count(const zktarn_standin_array* array);
 /* The name of field `number`, counted from 1; an empty text for a number that no field has. */
-ZKTARN_STANDIN_C_API size_t zktarn_standin_array_field_name(const zktarn_standin_array *array,
-                                                            size_t number, char *buffer,
+ZKTARN_STANDIN_C_API size_t zktarn_standin_array_field_name(const zktarn_standin_array* array,
+                                                            size_t number, char* buffer,
                                                             size_t capacity);
-ZKTARN_STANDIN_C_API bool zktarn_standin_array_has_field(const zktarn_standin_array *array,
-                                                         const char *name, size_t name_length);
-ZKTARN_STANDIN_C_API const zktarn_standin_array *
-zktarn_standin_array_field(const zktarn_standin_array *array, const char *name, size_t name_length);
+ZKTARN_STANDIN_C_API bool zktarn_standin_array_has_field(const zktarn_standin_array* array,
+                                                         const char* name, size_t name_length);
+ZKTARN_STANDIN_C_API const zktarn_standin_array*
+zktarn_standin_array_field(const zktarn_standin_array* array, const char* name, size_t name_length);
 
-/* Functions of the host's language -------------------------------------------------------------- */
+/* Functions of the host's language --------------------------------------------------------------
+ */
 
-/* What a function returns, set by one of the three below; the real scalar 0.0 when none is called. */
+/* What a function returns, set by one of the three below; the real scalar 0.0 when none is called.
+ */
 typedef struct zktarn_standin_reply zktarn_standin_reply;
 
-ZKTARN_STANDIN_C_API void zktarn_standin_reply_scalar(zktarn_standin_reply *reply, double value);
+ZKTARN_STANDIN_C_API void zktarn_standin_reply_scalar(zktarn_standin_reply* reply, double value);
 /* `values` may be NULL when n < 1, which makes an empty column. */
-ZKTARN_STANDIN_C_API void zktarn_standin_reply_column(zktarn_standin_reply *reply,
-                                                      const double *values, int64_t n);
-ZKTARN_STANDIN_C_API void zktarn_standin_reply_text(zktarn_standin_reply *reply, const char *text,
+ZKTARN_STANDIN_C_API void zktarn_standin_reply_column(zktarn_standin_reply* reply,
+                                                      const double* values, int64_t n);
+ZKTARN_STANDIN_C_API void zktarn_standin_reply_text(zktarn_standin_reply* reply, const char* text,
                                                     size_t text_length);
 
 /* A function of the host's language in C: one input, valid during the call, and one output. */
-typedef void (*zktarn_standin_function)(const zktarn_standin_array *input,
-                                        zktarn_standin_reply *reply, void *context);
+typedef void (*zktarn_standin_function)(const zktarn_standin_array* input,
+                                        zktarn_standin_reply* reply, void* context);
 
 /*
- * Registers a function under a name, in place of the one that had it. NULL removes the name. Returns
- * true when a function had the name before.
+ * Registers a function under a name, in place of the one that had it. NULL removes the name.
+ * Returns true when a function had the name before.
  */
-ZKTARN_STANDIN_C_API bool zktarn_standin_set_function(const char *name, size_t name_length,
+ZKTARN_STANDIN_C_API bool zktarn_standin_set_function(const char* name, size_t name_length,
                                                       zktarn_standin_function function,
-                                                      void *context);
+                                                      void* context);
 
-/* Call log -------------------------------------------------------------------------------------- */
+/* Call log --------------------------------------------------------------------------------------
+ */
 
 /* One call of a host operation: its arguments by kind, and what it answered. */
 typedef struct zktarn_standin_call zktarn_standin_call;
@@ -229,50 +238,51 @@ ZKTARN_STANDIN_C_API size_t zktarn_standin_logged_call_count(void);
  * A copy of a logged call, counted from 1, to be released by zktarn_standin_free_call; NULL for a
  * number that no call has, and without memory.
  */
-ZKTARN_STANDIN_C_API zktarn_standin_call *zktarn_standin_logged_call(size_t number);
+ZKTARN_STANDIN_C_API zktarn_standin_call* zktarn_standin_logged_call(size_t number);
 /* The call may be NULL. */
-ZKTARN_STANDIN_C_API void zktarn_standin_free_call(zktarn_standin_call *call);
+ZKTARN_STANDIN_C_API void zktarn_standin_free_call(zktarn_standin_call* call);
 
 /* Results that are addresses belong to `call`; the number of elements goes to *count. */
 ZKTARN_STANDIN_C_API zktarn_standin_operation
-zktarn_standin_call_operation(const zktarn_standin_call *call);
-ZKTARN_STANDIN_C_API const int64_t *zktarn_standin_call_integers(const zktarn_standin_call *call,
-                                                                 size_t *count);
-ZKTARN_STANDIN_C_API const double *zktarn_standin_call_reals(const zktarn_standin_call *call,
-                                                             size_t *count);
-ZKTARN_STANDIN_C_API const void *const *
-zktarn_standin_call_addresses(const zktarn_standin_call *call, size_t *count);
-ZKTARN_STANDIN_C_API size_t zktarn_standin_call_text_count(const zktarn_standin_call *call);
+zktarn_standin_call_operation(const zktarn_standin_call* call);
+ZKTARN_STANDIN_C_API const int64_t* zktarn_standin_call_integers(const zktarn_standin_call* call,
+                                                                 size_t* count);
+ZKTARN_STANDIN_C_API const double* zktarn_standin_call_reals(const zktarn_standin_call* call,
+                                                             size_t* count);
+ZKTARN_STANDIN_C_API const void* const*
+zktarn_standin_call_addresses(const zktarn_standin_call* call, size_t* count);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_call_text_count(const zktarn_standin_call* call);
 /* Text `number`, counted from 1, not ended by a zero byte; NULL for a number that no text has. */
-ZKTARN_STANDIN_C_API const char *
-zktarn_standin_call_characters(const zktarn_standin_call *call, size_t number, size_t *length);
-ZKTARN_STANDIN_C_API int64_t zktarn_standin_call_result(const zktarn_standin_call *call);
-ZKTARN_STANDIN_C_API void *zktarn_standin_call_result_address(const zktarn_standin_call *call);
+ZKTARN_STANDIN_C_API const char* zktarn_standin_call_characters(const zktarn_standin_call* call,
+                                                                size_t number, size_t* length);
+ZKTARN_STANDIN_C_API int64_t zktarn_standin_call_result(const zktarn_standin_call* call);
+ZKTARN_STANDIN_C_API void* zktarn_standin_call_result_address(const zktarn_standin_call* call);
 /* The call as one line of text. */
-ZKTARN_STANDIN_C_API size_t zktarn_standin_call_in_words(const zktarn_standin_call *call,
-                                                         char *buffer, size_t capacity);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_call_in_words(const zktarn_standin_call* call,
+                                                         char* buffer, size_t capacity);
 
 /* What a script answers; each operation uses one part, qvxcallquarn800_ two. */
 typedef struct zktarn_standin_answer zktarn_standin_answer;
 
-ZKTARN_STANDIN_C_API void zktarn_standin_answer_number(zktarn_standin_answer *answer,
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_number(zktarn_standin_answer* answer,
                                                        int64_t number);
-ZKTARN_STANDIN_C_API void zktarn_standin_answer_address(zktarn_standin_answer *answer,
-                                                        void *address);
-ZKTARN_STANDIN_C_API void zktarn_standin_answer_reals(zktarn_standin_answer *answer,
-                                                      const double *values, size_t n);
-ZKTARN_STANDIN_C_API void zktarn_standin_answer_handles(zktarn_standin_answer *answer,
-                                                        const int64_t *handles, size_t n);
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_address(zktarn_standin_answer* answer,
+                                                        void* address);
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_reals(zktarn_standin_answer* answer,
+                                                      const double* values, size_t n);
+ZKTARN_STANDIN_C_API void zktarn_standin_answer_handles(zktarn_standin_answer* answer,
+                                                        const int64_t* handles, size_t n);
 
 /* Answers a call in place of the stand-in and returns true; or returns false. */
-typedef bool (*zktarn_standin_script)(const zktarn_standin_call *call,
-                                      zktarn_standin_answer *answer, void *context);
+typedef bool (*zktarn_standin_script)(const zktarn_standin_call* call,
+                                      zktarn_standin_answer* answer, void* context);
 
 /* A NULL script returns the operation to the stand-in. Returns true when a script was installed. */
 ZKTARN_STANDIN_C_API bool zktarn_standin_answer_calls(zktarn_standin_operation operation,
-                                                      zktarn_standin_script script, void *context);
+                                                      zktarn_standin_script script, void* context);
 
-/* Console --------------------------------------------------------------------------------------- */
+/* Console ---------------------------------------------------------------------------------------
+ */
 
 typedef enum zktarn_standin_console {
     zktarn_console_show,
@@ -282,11 +292,12 @@ typedef enum zktarn_standin_console {
 
 ZKTARN_STANDIN_C_API zktarn_standin_console
 zktarn_standin_set_console(zktarn_standin_console where);
-ZKTARN_STANDIN_C_API size_t zktarn_standin_console_text(char *buffer, size_t capacity);
-ZKTARN_STANDIN_C_API size_t zktarn_standin_flushed_console_text(char *buffer, size_t capacity);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_console_text(char* buffer, size_t capacity);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_flushed_console_text(char* buffer, size_t capacity);
 ZKTARN_STANDIN_C_API void zktarn_standin_clear_console(void);
 
-/* Interrupts ------------------------------------------------------------------------------------ */
+/* Interrupts ------------------------------------------------------------------------------------
+ */
 
 ZKTARN_STANDIN_C_API void zktarn_standin_raise_interrupt(void);
 ZKTARN_STANDIN_C_API void zktarn_standin_interrupt_at_poll(int64_t k);

@@ -23,7 +23,8 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* ZKTARN_VERSION_STRING is the version of the headers; zktarn_version() gives that of the library. */
+/* ZKTARN_VERSION_STRING is the version of the headers; zktarn_version() gives that of the library.
+ */
 #include "zktarn/version.hpp"
 
 #ifdef ZKTARN_C_BUILDING
@@ -53,49 +54,49 @@ typedef int32_t zktarn_logical4;
  * two-dimensional one is data[(i - 1) + (j - 1) * extent[0]]. Set a new record to {0}.
  */
 typedef struct zktarn_l4_1d_array {
-    zktarn_logical4 *data;
+    zktarn_logical4* data;
     int64_t extent[1];
     int64_t lower_bound[1];
 } zktarn_l4_1d_array;
 
 typedef struct zktarn_i8_1d_array {
-    int64_t *data;
+    int64_t* data;
     int64_t extent[1];
     int64_t lower_bound[1];
 } zktarn_i8_1d_array;
 
 typedef struct zktarn_i4_1d_array {
-    int32_t *data;
+    int32_t* data;
     int64_t extent[1];
     int64_t lower_bound[1];
 } zktarn_i4_1d_array;
 
 typedef struct zktarn_i2_1d_array {
-    int16_t *data;
+    int16_t* data;
     int64_t extent[1];
     int64_t lower_bound[1];
 } zktarn_i2_1d_array;
 
 typedef struct zktarn_i1_1d_array {
-    int8_t *data;
+    int8_t* data;
     int64_t extent[1];
     int64_t lower_bound[1];
 } zktarn_i1_1d_array;
 
 typedef struct zktarn_r8_1d_array {
-    double *data;
+    double* data;
     int64_t extent[1];
     int64_t lower_bound[1];
 } zktarn_r8_1d_array;
 
 typedef struct zktarn_i4_2d_array {
-    int32_t *data;
+    int32_t* data;
     int64_t extent[2];
     int64_t lower_bound[2];
 } zktarn_i4_2d_array;
 
 typedef struct zktarn_r8_2d_array {
-    double *data;
+    double* data;
     int64_t extent[2];
     int64_t lower_bound[2];
 } zktarn_r8_2d_array;
@@ -110,11 +111,11 @@ typedef struct zktarn_vector {
 
 /* A generator of the host; NULL when there is none. */
 typedef struct zktarn_rng_state {
-    void *generator;
+    void* generator;
 } zktarn_rng_state;
 
 /* A snapshot of a generator's state; NULL when there is none. */
-typedef void *zktarn_saved_state;
+typedef void* zktarn_saved_state;
 
 /* An array that the host owns; 0 when there is none. */
 typedef int64_t zktarn_array_handle;
@@ -165,16 +166,16 @@ typedef struct zktarn_parameter_block {
 typedef struct zktarn_value_type {
     int64_t size;
     zktarn_flag has_parameters;
-    void (*copy)(void *first, const int32_t *count);
-    void (*final)(void *value);
-    void (*finalise)(void *first, const int32_t *count, zktarn_parameter_block *parameters);
+    void (*copy)(void* first, const int32_t* count);
+    void (*final)(void* value);
+    void (*finalise)(void* first, const int32_t* count, zktarn_parameter_block* parameters);
 } zktarn_value_type;
 
 /* An owned value of any type; empty when `value` is NULL. */
 typedef struct zktarn_value_slot {
-    void *value;
-    const zktarn_value_type *type;
-    zktarn_parameter_block *parameters;
+    void* value;
+    const zktarn_value_type* type;
+    zktarn_parameter_block* parameters;
 } zktarn_value_slot;
 
 /* A value and two handles of the solver. */
@@ -198,20 +199,20 @@ enum {
  * Compares the elements at positions a < b. Exchanges them and returns 1 when they are out of
  * order; leaves them and returns 0 otherwise.
  */
-typedef zktarn_flag (*zktarn_exchange_procedure)(int32_t a, int32_t b, void *context);
+typedef zktarn_flag (*zktarn_exchange_procedure)(int32_t a, int32_t b, void* context);
 
 /* Supplies element `index`, 1 <= index <= n; the same each time. */
-typedef void (*zktarn_element_supplier)(int32_t index, double *value, zktarn_flag *marked,
-                                        zktarn_flag *selected, void *context);
+typedef void (*zktarn_element_supplier)(int32_t index, double* value, zktarn_flag* marked,
+                                        zktarn_flag* selected, void* context);
 
 /*
  * Makes a value that was just copied bit for bit independent of the original. Returns 1; or 0 when
  * it cannot, and then releases what it had made by then: the copy counts as empty.
  */
-typedef zktarn_flag (*zktarn_value_copy)(void *value, void *context);
+typedef zktarn_flag (*zktarn_value_copy)(void* value, void* context);
 
 /* Releases what the components of a value own, not its bytes. */
-typedef void (*zktarn_value_destroy)(void *value, void *context);
+typedef void (*zktarn_value_destroy)(void* value, void* context);
 
 /* assert_mod ----------------------------------------------------------------------------------- */
 
@@ -219,143 +220,143 @@ ZKTARN_C_API void zktarn_tarnassert(zktarn_flag condition);
 
 /* callbacks_type_util -------------------------------------------------------------------------- */
 
-ZKTARN_C_API void zktarn_cbstatusdatainitialise(zktarn_cbstatusdata *first, int32_t count);
-ZKTARN_C_API void zktarn_cbdatainitialise(zktarn_cbdata *first, int32_t count);
+ZKTARN_C_API void zktarn_cbstatusdatainitialise(zktarn_cbstatusdata* first, int32_t count);
+ZKTARN_C_API void zktarn_cbdatainitialise(zktarn_cbdata* first, int32_t count);
 /* Needed before any other use of a record that is not {0}. */
-ZKTARN_C_API void zktarn_cbdatalistinitialise(zktarn_cbdatalist *first, int32_t count);
+ZKTARN_C_API void zktarn_cbdatalistinitialise(zktarn_cbdatalist* first, int32_t count);
 /* Fails, without storage for a copy, by leaving the slot of that copy empty. */
-ZKTARN_C_API void zktarn_cbdatalistcopy(zktarn_cbdatalist *first, int32_t count);
-ZKTARN_C_API void zktarn_cbdatalistfinalise(zktarn_cbdatalist *first, int32_t count);
+ZKTARN_C_API void zktarn_cbdatalistcopy(zktarn_cbdatalist* first, int32_t count);
+ZKTARN_C_API void zktarn_cbdatalistfinalise(zktarn_cbdatalist* first, int32_t count);
 
 /* callbacks_util ------------------------------------------------------------------------------- */
 
 /* Fails by *cb = NULL, without memory. zktarn_cbfree releases the record. */
-ZKTARN_C_API void zktarn_cbinit(zktarn_cbdata **cb);
+ZKTARN_C_API void zktarn_cbinit(zktarn_cbdata** cb);
 /* Fails by returning 0, when the host cannot make the struct. zktarn_qvfreecbarray destroys it. */
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_array_handle zktarn_qvinitcbarray(const char *phase,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_array_handle zktarn_qvinitcbarray(const char* phase,
                                                                       size_t phase_length);
-ZKTARN_C_API void zktarn_addrealscalartoqvstruct(zktarn_array_handle structure, const char *name,
+ZKTARN_C_API void zktarn_addrealscalartoqvstruct(zktarn_array_handle structure, const char* name,
                                                  size_t name_length, double value);
-ZKTARN_C_API void zktarn_addrealvectoqvstruct(zktarn_array_handle structure, const char *name,
-                                              size_t name_length, const double *values, int64_t n);
-ZKTARN_C_API void zktarn_qvcalloutputfcn(zktarn_array_handle structure, zktarn_flag *stop,
+ZKTARN_C_API void zktarn_addrealvectoqvstruct(zktarn_array_handle structure, const char* name,
+                                              size_t name_length, const double* values, int64_t n);
+ZKTARN_C_API void zktarn_qvcalloutputfcn(zktarn_array_handle structure, zktarn_flag* stop,
                                          int32_t status, int32_t ctrlc);
 ZKTARN_C_API void zktarn_cbprintdisplay(int32_t status, int32_t ctrlc, int32_t display,
-                                        const char *line, size_t line_length);
+                                        const char* line, size_t line_length);
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_cbhasinterrupt(int32_t status, int32_t ctrlc);
-ZKTARN_C_API void zktarn_lowercasee(char *text, size_t text_length);
+ZKTARN_C_API void zktarn_lowercasee(char* text, size_t text_length);
 
 /* memory_mod ----------------------------------------------------------------------------------- */
 
 /* Each fails by returning 0, without host memory or with a byte count beyond 64 bits. */
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_l4_1d_array(zktarn_l4_1d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_l4_1d_array(zktarn_l4_1d_array* array,
                                                                      int64_t n);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i8_1d_array(zktarn_i8_1d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i8_1d_array(zktarn_i8_1d_array* array,
                                                                      int64_t n);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i4_1d_array(zktarn_i4_1d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i4_1d_array(zktarn_i4_1d_array* array,
                                                                      int64_t n);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i2_1d_array(zktarn_i2_1d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i2_1d_array(zktarn_i2_1d_array* array,
                                                                      int64_t n);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i1_1d_array(zktarn_i1_1d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i1_1d_array(zktarn_i1_1d_array* array,
                                                                      int64_t n);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_r8_1d_array(zktarn_r8_1d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_r8_1d_array(zktarn_r8_1d_array* array,
                                                                      int64_t n);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i4_2d_array(zktarn_i4_2d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i4_2d_array(zktarn_i4_2d_array* array,
                                                                      int64_t rows, int64_t columns);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_r8_2d_array(zktarn_r8_2d_array *array,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_r8_2d_array(zktarn_r8_2d_array* array,
                                                                      int64_t rows, int64_t columns);
-ZKTARN_C_API void zktarn_freemem_l4_1d_array(zktarn_l4_1d_array *array);
-ZKTARN_C_API void zktarn_freemem_i8_1d_array(zktarn_i8_1d_array *array);
-ZKTARN_C_API void zktarn_freemem_i4_1d_array(zktarn_i4_1d_array *array);
-ZKTARN_C_API void zktarn_freemem_i2_1d_array(zktarn_i2_1d_array *array);
-ZKTARN_C_API void zktarn_freemem_i1_1d_array(zktarn_i1_1d_array *array);
-ZKTARN_C_API void zktarn_freemem_r8_1d_array(zktarn_r8_1d_array *array);
-ZKTARN_C_API void zktarn_freemem_i4_2d_array(zktarn_i4_2d_array *array);
-ZKTARN_C_API void zktarn_freemem_r8_2d_array(zktarn_r8_2d_array *array);
+ZKTARN_C_API void zktarn_freemem_l4_1d_array(zktarn_l4_1d_array* array);
+ZKTARN_C_API void zktarn_freemem_i8_1d_array(zktarn_i8_1d_array* array);
+ZKTARN_C_API void zktarn_freemem_i4_1d_array(zktarn_i4_1d_array* array);
+ZKTARN_C_API void zktarn_freemem_i2_1d_array(zktarn_i2_1d_array* array);
+ZKTARN_C_API void zktarn_freemem_i1_1d_array(zktarn_i1_1d_array* array);
+ZKTARN_C_API void zktarn_freemem_r8_1d_array(zktarn_r8_1d_array* array);
+ZKTARN_C_API void zktarn_freemem_i4_2d_array(zktarn_i4_2d_array* array);
+ZKTARN_C_API void zktarn_freemem_r8_2d_array(zktarn_r8_2d_array* array);
 /* Fails by returning NULL, without host memory or when nbytes < 1. */
-ZKTARN_C_API ZKTARN_C_RESULT void *zktarn_mallocate(int64_t nbytes);
+ZKTARN_C_API ZKTARN_C_RESULT void* zktarn_mallocate(int64_t nbytes);
 /* The address may be NULL, which goes to the host as it is. */
-ZKTARN_C_API void zktarn_mdeallocate(void *address);
+ZKTARN_C_API void zktarn_mdeallocate(void* address);
 
 /* random --------------------------------------------------------------------------------------- */
 
 /* Fails by returning 0 and a NULL handle, when the host makes no generator. */
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_instantiaterng(zktarn_rng_state *rng, int32_t seed);
-ZKTARN_C_API void zktarn_deleterng(zktarn_rng_state *rng);
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_instantiaterng(zktarn_rng_state* rng, int32_t seed);
+ZKTARN_C_API void zktarn_deleterng(zktarn_rng_state* rng);
 /* Fails by returning DBL_MAX: no generator, or the host delivers no number. */
-ZKTARN_C_API double zktarn_rand_number(const zktarn_rng_state *rng);
+ZKTARN_C_API double zktarn_rand_number(const zktarn_rng_state* rng);
 /* Fails by returning 0 and *state = NULL, when the host makes no snapshot. */
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_getrngstate(const zktarn_rng_state *rng,
-                                                            zktarn_saved_state *state);
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_getrngstate(const zktarn_rng_state* rng,
+                                                            zktarn_saved_state* state);
 /* The state may be NULL, and then nothing happens. */
-ZKTARN_C_API void zktarn_setrngstate(const zktarn_rng_state *rng, zktarn_saved_state state);
+ZKTARN_C_API void zktarn_setrngstate(const zktarn_rng_state* rng, zktarn_saved_state state);
 /* The state may be NULL, and then nothing happens. */
 ZKTARN_C_API void zktarn_deleterngstate(zktarn_saved_state state);
-ZKTARN_C_API void zktarn_rng_stateinitialise(zktarn_rng_state *first, int32_t count);
+ZKTARN_C_API void zktarn_rng_stateinitialise(zktarn_rng_state* first, int32_t count);
 
 /* sorting_mod ---------------------------------------------------------------------------------- */
 
 ZKTARN_C_API void zktarn_sort(int32_t first, int32_t last, zktarn_exchange_procedure exchange,
-                              void *context);
+                              void* context);
 
 /* util ----------------------------------------------------------------------------------------- */
 
 ZKTARN_C_API ZKTARN_C_RESULT double zktarn_fractional(double x);
 /* `nearest` may be NULL. */
 ZKTARN_C_API void zktarn_epsilon_is_int_scalar(double x, double scalar, double eps,
-                                               zktarn_flag *is_int, double *nearest);
+                                               zktarn_flag* is_int, double* nearest);
 /* `nearest` may be NULL. */
-ZKTARN_C_API void zktarn_epsilon_is_int(double x, double eps, zktarn_flag *is_int, double *nearest);
+ZKTARN_C_API void zktarn_epsilon_is_int(double x, double eps, zktarn_flag* is_int, double* nearest);
 ZKTARN_C_API ZKTARN_C_RESULT double zktarn_epsilon_fractionality(double x, double eps);
 ZKTARN_C_API ZKTARN_C_RESULT double zktarn_epsilon_floor(double x, double eps);
 ZKTARN_C_API ZKTARN_C_RESULT double zktarn_epsilon_ceiling(double x, double eps);
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_is_even_real(double x, double eps);
-ZKTARN_C_API void zktarn_xcopy_i1(const int8_t *source, int8_t *destination, int32_t n);
-ZKTARN_C_API void zktarn_xcopy_i4(const int32_t *source, int32_t *destination, int32_t n);
-ZKTARN_C_API void zktarn_xcopy_r8(const double *source, double *destination, int32_t n);
-ZKTARN_C_API void zktarn_xzero_i4(int32_t *array, int32_t n);
-ZKTARN_C_API void zktarn_xzero_r8(double *array, int32_t n);
+ZKTARN_C_API void zktarn_xcopy_i1(const int8_t* source, int8_t* destination, int32_t n);
+ZKTARN_C_API void zktarn_xcopy_i4(const int32_t* source, int32_t* destination, int32_t n);
+ZKTARN_C_API void zktarn_xcopy_r8(const double* source, double* destination, int32_t n);
+ZKTARN_C_API void zktarn_xzero_i4(int32_t* array, int32_t n);
+ZKTARN_C_API void zktarn_xzero_r8(double* array, int32_t n);
 /* Fails by *found = 0, with *num and *den 0.0. */
-ZKTARN_C_API void zktarn_get_rational_rep(double x, double eps, double max_den, zktarn_flag *found,
-                                          double *num, double *den);
+ZKTARN_C_API void zktarn_get_rational_rep(double x, double eps, double max_den, zktarn_flag* found,
+                                          double* num, double* den);
 /* Fails by returning 0.0 for arguments that the manual refuses. */
 ZKTARN_C_API ZKTARN_C_RESULT double zktarn_xgcd_r8(double a, double b, double eps);
 /* Fails by returning 0 for arguments that the manual refuses. */
 ZKTARN_C_API ZKTARN_C_RESULT int32_t zktarn_xgcd_i4(int32_t a, int32_t b);
 /* Fails by *found = 0, with *scalar 0.0. `skip_marked` and `selected_only` may be NULL. */
 ZKTARN_C_API void zktarn_find_scalar_integral(int32_t n, zktarn_element_supplier get_element,
-                                              void *context, double eps, double max_den,
-                                              double max_scalar, zktarn_flag *found, double *scalar,
-                                              const zktarn_flag *skip_marked,
-                                              const zktarn_flag *selected_only);
+                                              void* context, double eps, double max_den,
+                                              double max_scalar, zktarn_flag* found, double* scalar,
+                                              const zktarn_flag* skip_marked,
+                                              const zktarn_flag* selected_only);
 
 /* vector_mod ----------------------------------------------------------------------------------- */
 
-ZKTARN_C_API ZKTARN_C_RESULT double zktarn_vector_get_coef(const zktarn_vector *v, int32_t j);
+ZKTARN_C_API ZKTARN_C_RESULT double zktarn_vector_get_coef(const zktarn_vector* v, int32_t j);
 /* `value` may be NULL: coef(j) then stays as it is. */
-ZKTARN_C_API void zktarn_vector_add_nz(zktarn_vector *v, int32_t j, const double *value);
-ZKTARN_C_API void zktarn_vector_rem_nz(zktarn_vector *v, int32_t k);
-ZKTARN_C_API void zktarn_vector_clear(zktarn_vector *v);
-ZKTARN_C_API void zktarn_vector_clean_index(zktarn_vector *v);
-ZKTARN_C_API void zktarn_vector_rem_zeros(zktarn_vector *v);
-ZKTARN_C_API void zktarn_vectors_combine(zktarn_vector *x, const zktarn_vector *y, double alpha,
+ZKTARN_C_API void zktarn_vector_add_nz(zktarn_vector* v, int32_t j, const double* value);
+ZKTARN_C_API void zktarn_vector_rem_nz(zktarn_vector* v, int32_t k);
+ZKTARN_C_API void zktarn_vector_clear(zktarn_vector* v);
+ZKTARN_C_API void zktarn_vector_clean_index(zktarn_vector* v);
+ZKTARN_C_API void zktarn_vector_rem_zeros(zktarn_vector* v);
+ZKTARN_C_API void zktarn_vectors_combine(zktarn_vector* x, const zktarn_vector* y, double alpha,
                                          double beta, double tol);
-ZKTARN_C_API void zktarn_vectors_calc_sym_diff(zktarn_vector *x, const zktarn_vector *y);
-ZKTARN_C_API void zktarn_vector_mod2(zktarn_vector *v, double tol);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vectors_are_identical(const zktarn_vector *a,
-                                                                      const zktarn_vector *b,
+ZKTARN_C_API void zktarn_vectors_calc_sym_diff(zktarn_vector* x, const zktarn_vector* y);
+ZKTARN_C_API void zktarn_vector_mod2(zktarn_vector* v, double tol);
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vectors_are_identical(const zktarn_vector* a,
+                                                                      const zktarn_vector* b,
                                                                       double tol);
 
 /* vector_type ---------------------------------------------------------------------------------- */
 
 /* Fails by returning 0 and *vec = NULL, without memory. Each flag may be NULL. */
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vector_alloc(zktarn_vector **vec, int32_t n,
-                                                             const zktarn_flag *no_coef,
-                                                             const zktarn_flag *no_ind,
-                                                             const zktarn_flag *no_elm);
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vector_alloc(zktarn_vector** vec, int32_t n,
+                                                             const zktarn_flag* no_coef,
+                                                             const zktarn_flag* no_ind,
+                                                             const zktarn_flag* no_elm);
 /* *vec may be NULL, and is NULL afterwards. */
-ZKTARN_C_API void zktarn_vector_free(zktarn_vector **vec);
-ZKTARN_C_API void zktarn_vectorinitialise(zktarn_vector *first, int32_t count);
+ZKTARN_C_API void zktarn_vector_free(zktarn_vector** vec);
+ZKTARN_C_API void zktarn_vectorinitialise(zktarn_vector* first, int32_t count);
 
 /* Procedures that a compiler inlines ----------------------------------------------------------- */
 
@@ -371,14 +372,14 @@ ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_cbisdisplayoff(int32_t display);
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_cbisdisplayfinal(int32_t display);
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_cbisctrlcon(int32_t ctrlc);
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_is_even_int(int32_t n);
-ZKTARN_C_API ZKTARN_C_RESULT int32_t zktarn_vector_get_nz(const zktarn_vector *v);
-ZKTARN_C_API void zktarn_vector_set_nz(zktarn_vector *v, int32_t n);
-ZKTARN_C_API ZKTARN_C_RESULT int32_t zktarn_vector_get_ind(const zktarn_vector *v, int32_t k);
-ZKTARN_C_API void zktarn_vector_set_ind(zktarn_vector *v, int32_t k, int32_t j);
-ZKTARN_C_API void zktarn_vector_set_coef(zktarn_vector *v, int32_t j, double value);
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vector_is_elm(const zktarn_vector *v, int32_t j);
-ZKTARN_C_API void zktarn_vector_set_elm(zktarn_vector *v, int32_t j);
-ZKTARN_C_API void zktarn_vector_rem_elm(zktarn_vector *v, int32_t j);
+ZKTARN_C_API ZKTARN_C_RESULT int32_t zktarn_vector_get_nz(const zktarn_vector* v);
+ZKTARN_C_API void zktarn_vector_set_nz(zktarn_vector* v, int32_t n);
+ZKTARN_C_API ZKTARN_C_RESULT int32_t zktarn_vector_get_ind(const zktarn_vector* v, int32_t k);
+ZKTARN_C_API void zktarn_vector_set_ind(zktarn_vector* v, int32_t k, int32_t j);
+ZKTARN_C_API void zktarn_vector_set_coef(zktarn_vector* v, int32_t j, double value);
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vector_is_elm(const zktarn_vector* v, int32_t j);
+ZKTARN_C_API void zktarn_vector_set_elm(zktarn_vector* v, int32_t j);
+ZKTARN_C_API void zktarn_vector_rem_elm(zktarn_vector* v, int32_t j);
 
 #else
 
@@ -406,50 +407,52 @@ ZKTARN_C_RESULT static inline zktarn_flag zktarn_is_even_int(int32_t n) {
     return (n & 1) == 0 ? 1 : 0;
 }
 
-ZKTARN_C_RESULT static inline int32_t zktarn_vector_get_nz(const zktarn_vector *v) {
+ZKTARN_C_RESULT static inline int32_t zktarn_vector_get_nz(const zktarn_vector* v) {
     return v->nz;
 }
 
-static inline void zktarn_vector_set_nz(zktarn_vector *v, int32_t n) {
+static inline void zktarn_vector_set_nz(zktarn_vector* v, int32_t n) {
     v->nz = n;
 }
 
-ZKTARN_C_RESULT static inline int32_t zktarn_vector_get_ind(const zktarn_vector *v, int32_t k) {
+ZKTARN_C_RESULT static inline int32_t zktarn_vector_get_ind(const zktarn_vector* v, int32_t k) {
     return v->ind.data[k - 1];
 }
 
-static inline void zktarn_vector_set_ind(zktarn_vector *v, int32_t k, int32_t j) {
+static inline void zktarn_vector_set_ind(zktarn_vector* v, int32_t k, int32_t j) {
     v->ind.data[k - 1] = j;
 }
 
-static inline void zktarn_vector_set_coef(zktarn_vector *v, int32_t j, double value) {
+static inline void zktarn_vector_set_coef(zktarn_vector* v, int32_t j, double value) {
     v->coef.data[j - 1] = value;
 }
 
-ZKTARN_C_RESULT static inline zktarn_flag zktarn_vector_is_elm(const zktarn_vector *v, int32_t j) {
+ZKTARN_C_RESULT static inline zktarn_flag zktarn_vector_is_elm(const zktarn_vector* v, int32_t j) {
     return v->elm.data[j - 1] > 0 ? 1 : 0;
 }
 
-static inline void zktarn_vector_set_elm(zktarn_vector *v, int32_t j) {
+static inline void zktarn_vector_set_elm(zktarn_vector* v, int32_t j) {
     v->elm.data[j - 1] = 1;
 }
 
-static inline void zktarn_vector_rem_elm(zktarn_vector *v, int32_t j) {
+static inline void zktarn_vector_rem_elm(zktarn_vector* v, int32_t j) {
     v->elm.data[j - 1] = 0;
 }
 
 #endif
 
-/* What C has besides ---------------------------------------------------------------------------- */
+/* What C has besides ----------------------------------------------------------------------------
+ */
 
 /* The version of the library in use, as "major.minor.patch". */
-ZKTARN_C_API const char *zktarn_version(void);
+ZKTARN_C_API const char* zktarn_version(void);
 
 /* Releases a record of zktarn_cbinit. *cb may be NULL, and is NULL afterwards. */
-ZKTARN_C_API void zktarn_cbfree(zktarn_cbdata **cb);
+ZKTARN_C_API void zktarn_cbfree(zktarn_cbdata** cb);
 
-/* Destroys a struct of zktarn_qvinitcbarray with its fields. *structure may be 0, and is 0 afterwards. */
-ZKTARN_C_API void zktarn_qvfreecbarray(zktarn_array_handle *structure);
+/* Destroys a struct of zktarn_qvinitcbarray with its fields. *structure may be 0, and is 0
+ * afterwards. */
+ZKTARN_C_API void zktarn_qvfreecbarray(zktarn_array_handle* structure);
 
 /*
  * Stores a value of n bytes in the slot of `list`, in place of the value it had, which is destroyed
@@ -459,26 +462,26 @@ ZKTARN_C_API void zktarn_qvfreecbarray(zktarn_array_handle *structure);
  *
  * Returns 1; or 0 without memory, with the slot as it was and the components still the caller's.
  */
-ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_store_value(zktarn_cbdatalist *list,
-                                                            const void *value, size_t n,
+ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_store_value(zktarn_cbdatalist* list,
+                                                            const void* value, size_t n,
                                                             zktarn_value_copy copy,
                                                             zktarn_value_destroy destroy,
-                                                            void *context);
+                                                            void* context);
 
 /*
  * The address of the value that zktarn_store_value stored, aligned for every type of C; NULL for an
  * empty slot, for a value that anything else stored, and for a copy that its procedure refused.
  * Its size goes to *n, 0 with NULL; `n` may be NULL.
  */
-ZKTARN_C_API ZKTARN_C_RESULT void *zktarn_stored_value(const zktarn_cbdatalist *list, size_t *n);
+ZKTARN_C_API ZKTARN_C_RESULT void* zktarn_stored_value(const zktarn_cbdatalist* list, size_t* n);
 
 /* The address of element (i, j), 1 <= i <= extent[0], 1 <= j <= extent[1], of a present array. */
-ZKTARN_C_RESULT static inline int32_t *zktarn_i4_2d_element(const zktarn_i4_2d_array *array,
+ZKTARN_C_RESULT static inline int32_t* zktarn_i4_2d_element(const zktarn_i4_2d_array* array,
                                                             int64_t i, int64_t j) {
     return array->data + (i - 1) + (j - 1) * array->extent[0];
 }
 
-ZKTARN_C_RESULT static inline double *zktarn_r8_2d_element(const zktarn_r8_2d_array *array,
+ZKTARN_C_RESULT static inline double* zktarn_r8_2d_element(const zktarn_r8_2d_array* array,
                                                            int64_t i, int64_t j) {
     return array->data + (i - 1) + (j - 1) * array->extent[0];
 }

@@ -30,13 +30,11 @@ zktarn_flag zktarn_allocmem_r8_1d_array(zktarn_r8_1d_array* array, int64_t n) {
     return c::any_null(array) ? 0 : memory_mod::allocmem_r8_1d_array(cpp(array), n);
 }
 
-zktarn_flag zktarn_allocmem_i4_2d_array(zktarn_i4_2d_array* array, int64_t rows,
-                                        int64_t columns) {
+zktarn_flag zktarn_allocmem_i4_2d_array(zktarn_i4_2d_array* array, int64_t rows, int64_t columns) {
     return c::any_null(array) ? 0 : memory_mod::allocmem_i4_2d_array(cpp(array), {rows, columns});
 }
 
-zktarn_flag zktarn_allocmem_r8_2d_array(zktarn_r8_2d_array* array, int64_t rows,
-                                        int64_t columns) {
+zktarn_flag zktarn_allocmem_r8_2d_array(zktarn_r8_2d_array* array, int64_t rows, int64_t columns) {
     return c::any_null(array) ? 0 : memory_mod::allocmem_r8_2d_array(cpp(array), {rows, columns});
 }
 

@@ -10,11 +10,10 @@ namespace zktarn::c {
 namespace {
 
 template <class Record>
-constexpr bool same_record =
-    sizeof(Record) == sizeof(typename counterpart<Record>::type) &&
-    alignof(Record) == alignof(typename counterpart<Record>::type) &&
-    std::is_standard_layout_v<Record> &&
-    std::is_standard_layout_v<typename counterpart<Record>::type>;
+constexpr bool same_record = sizeof(Record) == sizeof(typename counterpart<Record>::type) &&
+                             alignof(Record) == alignof(typename counterpart<Record>::type) &&
+                             std::is_standard_layout_v<Record>&& std::is_standard_layout_v<
+                                 typename counterpart<Record>::type>;
 
 #define ZKTARN_SAME_COMPONENT(record, component)                                                   \
     static_assert(offsetof(record, component) ==                                                   \
@@ -23,7 +22,8 @@ constexpr bool same_record =
 
 #define ZKTARN_SAME_ARRAY(record)                                                                  \
     static_assert(same_record<record>);                                                            \
-    static_assert(std::is_same_v<decltype(record::data), decltype(counterpart<record>::type::data)>); \
+    static_assert(                                                                                 \
+        std::is_same_v<decltype(record::data), decltype(counterpart<record>::type::data)>);        \
     ZKTARN_SAME_COMPONENT(record, data);                                                           \
     ZKTARN_SAME_COMPONENT(record, extent);                                                         \
     ZKTARN_SAME_COMPONENT(record, lower_bound)

@@ -56,9 +56,8 @@ constexpr std::size_t largest =
 
 parameter_block* make_parameters(std::size_t size) noexcept {
     void* const block = ::operator new(sizeof(parameter_block), std::nothrow);
-    return block == nullptr
-               ? nullptr
-               : ::new (block) parameter_block{1, 3, static_cast<std::int64_t>(size)};
+    return block == nullptr ? nullptr
+                            : ::new (block) parameter_block{1, 3, static_cast<std::int64_t>(size)};
 }
 
 } // namespace

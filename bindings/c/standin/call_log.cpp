@@ -146,8 +146,8 @@ bool zktarn_standin_answer_calls(zktarn_standin_operation operation, zktarn_stan
             return answer;
         };
     }
-    return static_cast<bool>(standin::answer_calls(static_cast<standin::operation>(operation),
-                                                   std::move(called)));
+    return static_cast<bool>(
+        standin::answer_calls(static_cast<standin::operation>(operation), std::move(called)));
 }
 
 bool zktarn_standin_record_origins(bool on) {

@@ -14,15 +14,15 @@ enum { LONGEST = 300 };
 static const char blanks[] = "   ";
 
 /* A text of `length` characters that ends in up to three blanks. */
-static void fill(char *text, size_t length) {
+static void fill(char* text, size_t length) {
     for (size_t i = 0; i < length; ++i) {
         text[i] = i + 3 >= length ? ' ' : (char)('A' + i % 26);
     }
 }
 
-static int is_text(const zktarn_standin_array *array, const char *text, size_t length) {
+static int is_text(const zktarn_standin_array* array, const char* text, size_t length) {
     size_t held = 0;
-    const char *const characters = zktarn_standin_array_characters(array, &held);
+    const char* const characters = zktarn_standin_array_characters(array, &held);
     return held == length && (length == 0 || memcmp(characters, text, length) == 0);
 }
 
@@ -31,7 +31,7 @@ static void test_phase_of_every_length(void) {
     for (size_t length = 0; length <= LONGEST; ++length) {
         fill(text, length);
         zktarn_array_handle structure = zktarn_qvinitcbarray(length == 0 ? NULL : text, length);
-        zktarn_standin_array *const seen = zktarn_standin_inspect(structure);
+        zktarn_standin_array* const seen = zktarn_standin_inspect(structure);
         CHECK(is_text(zktarn_standin_array_field(seen, "phase", 5), text, length));
         zktarn_standin_free_array(seen);
         zktarn_qvfreecbarray(&structure);
@@ -49,10 +49,10 @@ static void test_field_name_of_every_length(void) {
         zktarn_addrealvectoqvstruct(structure, name, length, values, 2);
         zktarn_addrealvectoqvstruct(structure, "empty", 5, NULL, 0);
         zktarn_addrealscalartoqvstruct(structure, "s", 1, 4.0);
-        zktarn_standin_array *const seen = zktarn_standin_inspect(structure);
+        zktarn_standin_array* const seen = zktarn_standin_inspect(structure);
         CHECK(zktarn_standin_array_has_field(seen, name, length));
         size_t count = 0;
-        const double *const reals =
+        const double* const reals =
             zktarn_standin_array_reals(zktarn_standin_array_field(seen, name, length), &count);
         CHECK(count == 2 && reals[0] == 1.5 && reals[1] == 2.5);
         CHECK(zktarn_standin_array_scalar(zktarn_standin_array_field(seen, "s", 1)) == 4.0);
@@ -100,22 +100,22 @@ struct output_function {
     char phase[16];
 };
 
-static void called(const zktarn_standin_array *input, zktarn_standin_reply *reply, void *context) {
-    struct output_function *const function = context;
+static void called(const zktarn_standin_array* input, zktarn_standin_reply* reply, void* context) {
+    struct output_function* const function = context;
     function->calls += 1;
     zktarn_standin_reply_scalar(reply, function->answer);
-    const zktarn_standin_array *const field = zktarn_standin_array_field(input, "phase", 5);
+    const zktarn_standin_array* const field = zktarn_standin_array_field(input, "phase", 5);
     if (zktarn_standin_array_kind_of(field) != zktarn_array_text) {
         return; /* the host could not make the text */
     }
     size_t length = 0;
-    const char *const phase = zktarn_standin_array_characters(field, &length);
+    const char* const phase = zktarn_standin_array_characters(field, &length);
     CHECK(length < sizeof function->phase);
     memcpy(function->phase, phase, length);
     function->phase[length] = '\0';
 }
 
-static zktarn_flag answer_to(struct output_function *function, zktarn_array_handle structure,
+static zktarn_flag answer_to(struct output_function* function, zktarn_array_handle structure,
                              int32_t status, int32_t ctrlc) {
     CHECK(!zktarn_standin_set_function("tarnCallback", 12, called, function));
     zktarn_flag stop = -1;
@@ -137,7 +137,7 @@ static void test_output_function(void) {
 }
 
 static void test_interrupt(void) {
-    zktarn_cbdata *cb = NULL;
+    zktarn_cbdata* cb = NULL;
     zktarn_cbinit(&cb);
     CHECK(cb != NULL && cb->nodes_explored == 0 && cb->upper_bound == DBL_MAX);
     CHECK(zktarn_cbhasinterrupt(0, 0) == 0);
@@ -193,11 +193,11 @@ static void test_host_failures(void) {
 }
 
 static void test_refused_record(void) {
-    zktarn_cbdata *cb = NULL;
+    zktarn_cbdata* cb = NULL;
     refuse_record(1);
     zktarn_cbinit(&cb);
     CHECK(cb == NULL);
-    zktarn_vector *v = NULL;
+    zktarn_vector* v = NULL;
     refuse_record(1);
     CHECK(zktarn_vector_alloc(&v, 3, NULL, NULL, NULL) == 0 && v == NULL);
 }

@@ -7,7 +7,7 @@
 
 static int failed_checks = 0;
 
-static inline void check(int holds, const char *condition, const char *file, int line) {
+static inline void check(int holds, const char* condition, const char* file, int line) {
     if (!holds) {
         failed_checks += 1;
         fprintf(stderr, "%s:%d: not true: %s\n", file, line, condition);

@@ -12,9 +12,9 @@ int main() {
     }
     const double value = 2.0;
     zktarn_vector_add_nz(v, 2, &value);
-    const bool same = zktarn_vector_get_coef(v, 2) == value && zktarn_vector_get_nz(v) == 1 &&
-                      zktarn_standin_live_blocks(nullptr, 0) ==
-                          zktarn::standin::live_blocks().size();
+    const bool same =
+        zktarn_vector_get_coef(v, 2) == value && zktarn_vector_get_nz(v) == 1 &&
+        zktarn_standin_live_blocks(nullptr, 0) == zktarn::standin::live_blocks().size();
     zktarn_vector_free(&v);
     return same ? 0 : 1;
 }

@@ -71,7 +71,7 @@ TEST_2D(i4, int32_t)
 TEST_2D(r8, double)
 
 static void test_blocks(void) {
-    void *const block = zktarn_mallocate(100);
+    void* const block = zktarn_mallocate(100);
     CHECK(block != NULL);
     memset(block, 1, 100);
     CHECK(zktarn_standin_check_blocks() == 0);

@@ -1,4 +1,5 @@
-/* The library as a checked build makes it: each NULL that is no answer is reported, and harmless. */
+/* The library as a checked build makes it: each NULL that is no answer is reported, and harmless.
+ */
 
 #include "check.h"
 #include "zktarn_standin.h"
@@ -10,7 +11,7 @@
 
 static int reports = 0;
 
-static void note(void *context) {
+static void note(void* context) {
     (void)context;
     reports += 1;
 }
@@ -29,13 +30,13 @@ static void note(void *context) {
         CHECK(reports == 1 && #call);                                                              \
     } while (0)
 
-static zktarn_flag exchange(int32_t a, int32_t b, void *context) {
+static zktarn_flag exchange(int32_t a, int32_t b, void* context) {
     (void)context;
     return a == b;
 }
 
-static void supply(int32_t index, double *value, zktarn_flag *marked, zktarn_flag *selected,
-                   void *context) {
+static void supply(int32_t index, double* value, zktarn_flag* marked, zktarn_flag* selected,
+                   void* context) {
     (void)context;
     *value = index;
     *marked = 0;
@@ -121,7 +122,7 @@ static void test_numbers(void) {
 }
 
 static void test_vectors(void) {
-    zktarn_vector *v = NULL;
+    zktarn_vector* v = NULL;
     CHECK(zktarn_vector_alloc(&v, 2, NULL, NULL, NULL) == 1);
     REPORTS_AND_IS(zktarn_vector_alloc(NULL, 1, NULL, NULL, NULL), 0);
     REPORTS(zktarn_vector_free(NULL));
@@ -155,9 +156,9 @@ static void test_vectors(void) {
 /* Where NULL is an answer, nothing is reported. */
 static void test_answers(void) {
     reports = 0;
-    zktarn_vector *v = NULL;
+    zktarn_vector* v = NULL;
     zktarn_vector_free(&v);
-    zktarn_cbdata *cb = NULL;
+    zktarn_cbdata* cb = NULL;
     zktarn_cbfree(&cb);
     zktarn_deleterngstate(NULL);
     zktarn_mdeallocate(NULL);

@@ -42,13 +42,13 @@ static void test_fractions(void) {
 }
 
 struct elements {
-    const double *values;
+    const double* values;
     int calls;
 };
 
-static void supply(int32_t index, double *value, zktarn_flag *marked, zktarn_flag *selected,
-                   void *context) {
-    struct elements *const elements = context;
+static void supply(int32_t index, double* value, zktarn_flag* marked, zktarn_flag* selected,
+                   void* context) {
+    struct elements* const elements = context;
     elements->calls += 1;
     *value = elements->values[index - 1];
     *marked = index == 3;
@@ -60,7 +60,7 @@ static void test_scalar_search(void) {
     static const double values[] = {0.5, 0.7071067811865476, 0.5773502691896257};
     static const zktarn_flag yes = 1;
     static const zktarn_flag no = 0;
-    const zktarn_flag *const flags[] = {NULL, &no, &yes};
+    const zktarn_flag* const flags[] = {NULL, &no, &yes};
     for (int skip = 0; skip < 3; ++skip) {
         for (int selected = 0; selected < 3; ++selected) {
             struct elements elements = {values, 0};
@@ -75,8 +75,8 @@ static void test_scalar_search(void) {
     }
 }
 
-static zktarn_flag exchange(int32_t a, int32_t b, void *context) {
-    double *const keys = context;
+static zktarn_flag exchange(int32_t a, int32_t b, void* context) {
+    double* const keys = context;
     if (!(keys[b] < keys[a])) {
         return 0;
     }
@@ -86,7 +86,7 @@ static zktarn_flag exchange(int32_t a, int32_t b, void *context) {
     return 1;
 }
 
-static zktarn_flag never(int32_t a, int32_t b, void *context) {
+static zktarn_flag never(int32_t a, int32_t b, void* context) {
     CHECK(a < b && context == NULL);
     return 0;
 }

@@ -17,7 +17,7 @@ static void test_operations(void) {
     zktarn_mdeallocate(zktarn_mallocate(8));
     CHECK(zktarn_standin_calls(zktarn_op_qvMallocExOptim) == 1);
     zktarn_standin_fail_call(zktarn_op_qvMallocExOptim, 2);
-    void *const block = zktarn_mallocate(8);
+    void* const block = zktarn_mallocate(8);
     CHECK(block != NULL && zktarn_mallocate(8) == NULL);
     zktarn_mdeallocate(block);
     zktarn_standin_reset();
@@ -27,10 +27,10 @@ static void test_operations(void) {
 static void test_memory(void) {
     const int64_t requests = zktarn_standin_requests();
     zktarn_standin_fill_new_blocks(0xAB);
-    unsigned char *const first = zktarn_mallocate(10);
+    unsigned char* const first = zktarn_mallocate(10);
     CHECK(first != NULL && first[0] == 0xAB && first[9] == 0xAB);
     zktarn_standin_fill_new_blocks(-1);
-    void *const second = zktarn_mallocate(20);
+    void* const second = zktarn_mallocate(20);
     zktarn_standin_block blocks[3] = {{0}};
     CHECK(zktarn_standin_live_blocks(NULL, 0) == 2);
     CHECK(zktarn_standin_live_blocks(blocks, 1) == 2 && blocks[1].nbytes == 0);
@@ -50,7 +50,7 @@ static void test_memory(void) {
 
 /* As with snprintf: cut where the buffer ends, and the whole length told. */
 static void test_texts(void) {
-    void *const block = zktarn_mallocate(24);
+    void* const block = zktarn_mallocate(24);
     char whole[2000];
     const size_t length = zktarn_standin_memory_report(whole, sizeof whole);
     CHECK(length == strlen(whole) && strstr(whole, "24") != NULL && whole[length - 1] == '\n');
@@ -64,7 +64,8 @@ static void test_texts(void) {
     CHECK(with_objects > length && with_objects == strlen(whole));
     zktarn_standin_live_object objects[2];
     CHECK(zktarn_standin_live_objects(objects, 2) == 1);
-    CHECK(objects[0].made_by == zktarn_op_qvcreatestructarray800_ && objects[0].number == structure);
+    CHECK(objects[0].made_by == zktarn_op_qvcreatestructarray800_ &&
+          objects[0].number == structure);
     zktarn_qvfreecbarray(&structure);
     zktarn_mdeallocate(block);
     CHECK(zktarn_standin_report_at_exit(false));
@@ -77,22 +78,22 @@ struct seen {
     int64_t nbytes;
 };
 
-static void note_fault(const zktarn_standin_fault *fault, void *context) {
-    struct seen *const seen = context;
+static void note_fault(const zktarn_standin_fault* fault, void* context) {
+    struct seen* const seen = context;
     seen->count += 1;
     seen->kind = fault->kind;
     seen->nbytes = fault->concerned.nbytes;
     CHECK(strlen(fault->sentence) == fault->sentence_length && fault->sentence_length > 10);
 }
 
-static void note_assertion(void *context) {
-    *(int *)context += 1;
+static void note_assertion(void* context) {
+    *(int*)context += 1;
 }
 
 static void test_handlers(void) {
     struct seen seen = {0, zktarn_fault_bad_request, 0};
     zktarn_standin_set_fault_handler(note_fault, &seen);
-    void *const block = zktarn_mallocate(33);
+    void* const block = zktarn_mallocate(33);
     zktarn_mdeallocate(block);
     zktarn_mdeallocate(block);
     CHECK(seen.count == 1 && seen.kind == zktarn_fault_double_free && seen.nbytes == 33);
@@ -112,7 +113,7 @@ static void test_arrays(void) {
     const double values[3] = {1.0, 2.0, 3.0};
     zktarn_array_handle structure = zktarn_qvinitcbarray("abc", 3);
     zktarn_addrealvectoqvstruct(structure, "v", 1, values, 3);
-    zktarn_standin_array *const array = zktarn_standin_inspect(structure);
+    zktarn_standin_array* const array = zktarn_standin_inspect(structure);
     zktarn_qvfreecbarray(&structure);
     CHECK(zktarn_standin_array_kind_of(array) == zktarn_array_structure);
     CHECK(zktarn_standin_array_rows(array) == 1 && zktarn_standin_array_columns(array) == 1);
@@ -123,7 +124,7 @@ static void test_arrays(void) {
     CHECK(zktarn_standin_array_field_name(array, 0, name, sizeof name) == 0);
     CHECK(zktarn_standin_array_field_name(array, 3, name, sizeof name) == 0);
     CHECK(!zktarn_standin_array_has_field(array, "w", 1));
-    const zktarn_standin_array *const column = zktarn_standin_array_field(array, "v", 1);
+    const zktarn_standin_array* const column = zktarn_standin_array_field(array, "v", 1);
     CHECK(zktarn_standin_array_kind_of(column) == zktarn_array_real_matrix);
     size_t count = 0;
     CHECK(zktarn_standin_array_reals(column, &count)[2] == 3.0 && count == 3);
@@ -133,11 +134,11 @@ static void test_arrays(void) {
 
 enum answer { TEXT, COLUMN, EMPTY, NOTHING };
 
-static void reply_with(const zktarn_standin_array *input, zktarn_standin_reply *reply,
-                       void *context) {
+static void reply_with(const zktarn_standin_array* input, zktarn_standin_reply* reply,
+                       void* context) {
     static const double column[2] = {1.0, 5.0};
     CHECK(zktarn_standin_array_kind_of(input) == zktarn_array_structure);
-    switch (*(const enum answer *)context) {
+    switch (*(const enum answer*)context) {
     case TEXT:
         zktarn_standin_reply_text(reply, "stop", 4);
         break;
@@ -178,7 +179,7 @@ static void test_console_and_interrupts(void) {
     zktarn_standin_clear_console();
     CHECK(zktarn_standin_console_text(text, sizeof text) == 0 && text[0] == '\0');
     CHECK(zktarn_standin_set_console(zktarn_console_show) == zktarn_console_capture);
-    zktarn_cbdata *cb = NULL;
+    zktarn_cbdata* cb = NULL;
     zktarn_cbinit(&cb);
     zktarn_standin_interrupt_at_poll(2);
     CHECK(zktarn_cbhasinterrupt(0, 1) == 0 && zktarn_cbhasinterrupt(0, 1) == 1);
@@ -187,11 +188,11 @@ static void test_console_and_interrupts(void) {
     CHECK(!zktarn_standin_listen_for_sigint(listens));
 }
 
-static bool answer(const zktarn_standin_call *call, zktarn_standin_answer *given, void *context) {
+static bool answer(const zktarn_standin_call* call, zktarn_standin_answer* given, void* context) {
     size_t count = 0;
-    *(int64_t *)context = zktarn_standin_call_integers(call, &count)[0];
+    *(int64_t*)context = zktarn_standin_call_integers(call, &count)[0];
     CHECK(count == 1 && zktarn_standin_call_operation(call) == zktarn_op_qvMallocExOptim);
-    if (*(int64_t *)context == 99) {
+    if (*(int64_t*)context == 99) {
         return false;
     }
     static double storage[4];
@@ -205,12 +206,12 @@ static void test_call_log(void) {
     CHECK(zktarn_standin_log_calls(false));
     CHECK(zktarn_standin_logged_call_count() == 3);
     CHECK(zktarn_standin_logged_call(0) == NULL && zktarn_standin_logged_call(4) == NULL);
-    zktarn_standin_call *const call = zktarn_standin_logged_call(2);
+    zktarn_standin_call* const call = zktarn_standin_logged_call(2);
     CHECK(call != NULL);
     CHECK(zktarn_standin_call_operation(call) == zktarn_op_qvcreatestring800_);
     CHECK(zktarn_standin_call_text_count(call) == 1);
     size_t length = 0;
-    const char *const text = zktarn_standin_call_characters(call, 1, &length);
+    const char* const text = zktarn_standin_call_characters(call, 1, &length);
     CHECK(length == 7 && memcmp(text, "cutting", 7) == 0);
     CHECK(zktarn_standin_call_characters(call, 2, &length) == NULL && length == 0);
     CHECK(zktarn_standin_call_result(call) != 0);
@@ -233,15 +234,15 @@ static void test_scripts(void) {
     int64_t asked = 0;
     CHECK(!zktarn_standin_answer_calls(zktarn_op_qvMallocExOptim, answer, &asked));
     CHECK(zktarn_mallocate(24) != NULL && asked == 24);
-    void *const block = zktarn_mallocate(99);
+    void* const block = zktarn_mallocate(99);
     CHECK(asked == 99 && zktarn_standin_live_blocks(NULL, 0) == 1);
     CHECK(zktarn_standin_answer_calls(zktarn_op_qvMallocExOptim, NULL, NULL));
     zktarn_mdeallocate(block);
 }
 
 /* A fault says which calls led to it, and which made the block. */
-static void note_places(const zktarn_standin_fault *fault, void *context) {
-    int *const seen = context;
+static void note_places(const zktarn_standin_fault* fault, void* context) {
+    int* const seen = context;
     *seen += 1;
     CHECK(strlen(fault->origin) == fault->origin_length);
     CHECK(strlen(fault->place) == fault->place_length);
@@ -255,7 +256,7 @@ static void test_origins(void) {
     int seen = 0;
     const bool recorded = zktarn_standin_record_origins(true);
     zktarn_standin_set_fault_handler(note_places, &seen);
-    void *const block = zktarn_mallocate(40);
+    void* const block = zktarn_mallocate(40);
     zktarn_mdeallocate(block);
     zktarn_mdeallocate(block);
     CHECK(seen == 1);

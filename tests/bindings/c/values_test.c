@@ -17,20 +17,20 @@ struct counts {
 
 /* A value that owns a text. */
 struct note {
-    char *text;
+    char* text;
     int number;
 };
 
-static char *text_of(const char *characters) {
-    char *const text = malloc(strlen(characters) + 1);
+static char* text_of(const char* characters) {
+    char* const text = malloc(strlen(characters) + 1);
     CHECK(text != NULL);
     strcpy(text, characters);
     return text;
 }
 
-static zktarn_flag copy_note(void *value, void *context) {
-    struct counts *const counts = context;
-    struct note *const note = value;
+static zktarn_flag copy_note(void* value, void* context) {
+    struct counts* const counts = context;
+    struct note* const note = value;
     if (counts->refuse) {
         return 0;
     }
@@ -39,9 +39,9 @@ static zktarn_flag copy_note(void *value, void *context) {
     return 1;
 }
 
-static void destroy_note(void *value, void *context) {
-    struct counts *const counts = context;
-    struct note *const note = value;
+static void destroy_note(void* value, void* context) {
+    struct counts* const counts = context;
+    struct note* const note = value;
     free(note->text);
     counts->destroyed += 1;
 }
@@ -53,13 +53,13 @@ static void test_owning_value(void) {
     CHECK(zktarn_store_value(&list, &note, sizeof note, copy_note, destroy_note, &counts) == 1);
     list.first_handle = 11;
     size_t n = 0;
-    struct note *const stored = zktarn_stored_value(&list, &n);
+    struct note* const stored = zktarn_stored_value(&list, &n);
     CHECK(stored != NULL && n == sizeof note && stored->number == 7 && stored->text == note.text);
     CHECK((uintptr_t)stored % alignof(max_align_t) == 0);
 
     zktarn_cbdatalist copy = list;
     zktarn_cbdatalistcopy(&copy, 1);
-    struct note *const copied = zktarn_stored_value(&copy, NULL);
+    struct note* const copied = zktarn_stored_value(&copy, NULL);
     CHECK(copied != NULL && copied != stored && copied->text != stored->text);
     CHECK(copied != NULL && strcmp(copied->text, "cuts") == 0 && copy.first_handle == 11);
     CHECK(counts.copied == 1);
@@ -101,7 +101,7 @@ static void test_plain_values(void) {
     for (size_t size = 0; size <= sizeof bytes; ++size) {
         CHECK(zktarn_store_value(&list, size == 0 ? NULL : bytes, size, NULL, NULL, NULL) == 1);
         size_t n = 1;
-        const void *const stored = zktarn_stored_value(&list, &n);
+        const void* const stored = zktarn_stored_value(&list, &n);
         CHECK(stored != NULL && n == size && memcmp(stored, bytes, size) == 0);
     }
     zktarn_cbdatalist copies[2] = {list, list};
@@ -122,7 +122,7 @@ static void test_no_memory(void) {
         const struct note note = {text_of("x"), 1};
         refuse_record(k);
         CHECK(zktarn_store_value(&list, &note, sizeof note, copy_note, destroy_note, &counts) == 0);
-        const int *const stored = zktarn_stored_value(&list, NULL);
+        const int* const stored = zktarn_stored_value(&list, NULL);
         CHECK(stored != NULL && *stored == 5 && counts.destroyed == 0);
         free(note.text);
         zktarn_cbdatalist copy = list;
@@ -138,9 +138,9 @@ static void test_no_memory(void) {
 }
 
 /* A value type of the caller's own, as in C++. */
-static void copy_number(void *first, const int32_t *count) {
+static void copy_number(void* first, const int32_t* count) {
     for (int32_t i = 0; i < *count; ++i) {
-        ((int *)first)[i] += 100;
+        ((int*)first)[i] += 100;
     }
 }
 
@@ -152,7 +152,7 @@ static void test_own_type(void) {
     list.slot.type = &type;
     CHECK(zktarn_stored_value(&list, NULL) == NULL);
     zktarn_cbdatalistcopy(&list, 1);
-    CHECK(*(int *)list.slot.value == 101 && number == 1);
+    CHECK(*(int*)list.slot.value == 101 && number == 1);
     zktarn_cbdatalistfinalise(&list, 1);
     zktarn_cbdatalist records[2];
     memset(records, 0x55, sizeof records);

@@ -13,25 +13,25 @@
 static const zktarn_flag yes = 1;
 static const zktarn_flag no = 0;
 
-static zktarn_vector *make(int32_t n, const zktarn_flag *no_coef, const zktarn_flag *no_ind,
-                           const zktarn_flag *no_elm) {
-    zktarn_vector *v = NULL;
+static zktarn_vector* make(int32_t n, const zktarn_flag* no_coef, const zktarn_flag* no_ind,
+                           const zktarn_flag* no_elm) {
+    zktarn_vector* v = NULL;
     CHECK(zktarn_vector_alloc(&v, n, no_coef, no_ind, no_elm) == 1);
     CHECK(v != NULL);
     return v;
 }
 
-static void add(zktarn_vector *v, int32_t j, double value) {
+static void add(zktarn_vector* v, int32_t j, double value) {
     zktarn_vector_add_nz(v, j, &value);
 }
 
 /* Each of the three flags absent, 0 and 1. */
 static void test_alloc(void) {
-    const zktarn_flag *const flags[] = {NULL, &no, &yes};
+    const zktarn_flag* const flags[] = {NULL, &no, &yes};
     for (int c = 0; c < 3; ++c) {
         for (int i = 0; i < 3; ++i) {
             for (int e = 0; e < 3; ++e) {
-                zktarn_vector *v = make(4, flags[c], flags[i], flags[e]);
+                zktarn_vector* v = make(4, flags[c], flags[i], flags[e]);
                 CHECK((v->coef.data == NULL) == (c == 2));
                 CHECK((v->ind.data == NULL) == (i == 2));
                 CHECK((v->elm.data == NULL) == (e == 2));
@@ -45,9 +45,9 @@ static void test_alloc(void) {
             }
         }
     }
-    zktarn_vector *none = NULL;
+    zktarn_vector* none = NULL;
     zktarn_vector_free(&none);
-    zktarn_vector *empty = make(0, NULL, NULL, NULL);
+    zktarn_vector* empty = make(0, NULL, NULL, NULL);
     CHECK(empty->coef.data == NULL && empty->ind.data == NULL && empty->elm.data == NULL);
     zktarn_vector_free(&empty);
 }
@@ -55,7 +55,7 @@ static void test_alloc(void) {
 static void test_alloc_failures(void) {
     for (int64_t k = 1; k <= 3; ++k) {
         zktarn_standin_fail_request(k);
-        zktarn_vector *v = NULL;
+        zktarn_vector* v = NULL;
         CHECK(zktarn_vector_alloc(&v, 4, NULL, NULL, NULL) == 0);
         CHECK(v == NULL);
         CHECK(zktarn_standin_live_blocks(NULL, 0) == 0);
@@ -64,7 +64,7 @@ static void test_alloc_failures(void) {
 }
 
 static void test_components(void) {
-    zktarn_vector *v = make(5, NULL, NULL, NULL);
+    zktarn_vector* v = make(5, NULL, NULL, NULL);
     zktarn_vector_set_elm(v, 3);
     CHECK(zktarn_vector_is_elm(v, 3) == 1 && zktarn_vector_is_elm(v, 2) == 0);
     zktarn_vector_set_ind(v, 1, 3);
@@ -79,7 +79,7 @@ static void test_components(void) {
 }
 
 static void test_entries(void) {
-    zktarn_vector *v = make(5, NULL, NULL, NULL);
+    zktarn_vector* v = make(5, NULL, NULL, NULL);
     add(v, 2, 1.5);
     add(v, 5, 0.0);
     zktarn_vector_set_coef(v, 4, -3.0);
@@ -99,8 +99,8 @@ static void test_entries(void) {
 }
 
 static void test_whole_vectors(void) {
-    zktarn_vector *x = make(6, NULL, NULL, NULL);
-    zktarn_vector *y = make(6, NULL, NULL, &yes);
+    zktarn_vector* x = make(6, NULL, NULL, NULL);
+    zktarn_vector* y = make(6, NULL, NULL, &yes);
     add(x, 1, 3.0);
     add(x, 2, 1.0);
     add(y, 2, 0.5);

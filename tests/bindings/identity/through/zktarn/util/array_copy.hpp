@@ -9,8 +9,7 @@ namespace zktarn::util {
 inline void xcopy_i1(const std::int8_t* source, std::int8_t* destination, const std::int32_t& n) {
     via_xcopy_i1(source, destination, n);
 }
-inline void xcopy_i4(const std::int32_t* source, std::int32_t* destination,
-                     const std::int32_t& n) {
+inline void xcopy_i4(const std::int32_t* source, std::int32_t* destination, const std::int32_t& n) {
     via_xcopy_i4(source, destination, n);
 }
 inline void xcopy_r8(const double* source, double* destination, const std::int32_t& n) {

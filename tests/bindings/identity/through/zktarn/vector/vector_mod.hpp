@@ -44,8 +44,7 @@ inline void vector_set_elm(vector& v, const std::int32_t& j) {
 inline void vector_rem_elm(vector& v, const std::int32_t& j) {
     via_vector_rem_elm(at(v), j);
 }
-inline void vector_add_nz(vector& v, const std::int32_t& j,
-                          optional_ref<const double> value = {}) {
+inline void vector_add_nz(vector& v, const std::int32_t& j, optional_ref<const double> value = {}) {
     via_vector_add_nz(at(v), j, address_of(value));
 }
 inline void vector_rem_nz(vector& v, const std::int32_t& k) {
