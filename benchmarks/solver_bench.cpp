@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -21,10 +20,9 @@ namespace {
 
 using namespace zero_half;
 
-/// The optimum of a relaxation during a run, and the rows that the relaxation had.
+/// The optimum of a relaxation during a run, and the peer with the rows of that relaxation.
 struct stage {
     std::vector<double> point;
-    std::size_t rows;
     std::unique_ptr<OsiClpSolverInterface> solver;
     std::unique_ptr<CglZeroHalf> peer;
 };
@@ -37,31 +35,28 @@ bool never() {
 class stages_of_run {
 public:
     explicit stages_of_run(const std::string& file)
-        : model_(read_model(file)), own_(model_, *random_, never), pool_(integral_rows_of(model_)) {
+        : model_(read_model(file)), own_(model_.rows_and_bounds(), *random_, never) {
         constexpr int most_stages = 20;
         relaxation lp(model_, never);
-        separator guide(model_, *random_, never);
         while (static_cast<int>(stages_.size()) < most_stages &&
                lp.solve() == relaxation::outcome::optimal) {
             keep(lp);
-            const std::vector<zero_half::cut> cuts = guide.find(pool_, lp.point());
+            const std::vector<std::size_t> cuts = own_.find(lp.point());
             if (cuts.empty()) {
                 break;
             }
-            for (const zero_half::cut& found : cuts) {
-                pool_.push_back(integral_row_of(found, model_.column_count()));
-            }
-            lp.add(cuts);
+            lp.add(own_.pool(), cuts);
         }
     }
 
     std::size_t stages() const { return stages_.size(); }
 
+    /// Goes through the points from the first to the last, with the cuts of the points before.
     std::size_t separate() {
+        own_.truncate(own_.model_rows());
         std::size_t cuts = 0;
         for (const stage& each : stages_) {
-            benchmark::DoNotOptimize(
-                own_.find(std::span(pool_).first(each.rows), each.point.data()));
+            benchmark::DoNotOptimize(own_.find(each.point.data()));
             cuts += own_.found();
         }
         return cuts;
@@ -91,16 +86,13 @@ private:
         }
         auto peer = std::make_unique<CglZeroHalf>();
         peer->refreshSolver(solver.get());
-        stages_.push_back({{lp.point(), lp.point() + model_.column_count()},
-                           pool_.size(),
-                           std::move(solver),
-                           std::move(peer)});
+        stages_.push_back(
+            {{lp.point(), lp.point() + model_.column_count()}, std::move(solver), std::move(peer)});
     }
 
     model model_;
     zktarn::owned_generator random_{1};
     separator own_;
-    std::vector<integral_row> pool_;
     std::vector<stage> stages_;
 };
 

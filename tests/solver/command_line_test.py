@@ -266,8 +266,8 @@ class CommandLine(unittest.TestCase):
         bounds = [model["lp_bound"]] + [figures["bound"] for figures in model["rounds"]]
         self.assertEqual(bounds, sorted(bounds))
         self.assertEqual(model["bound"], bounds[-1])
-        self.assertEqual(sum(figures["cuts_kept"] for figures in model["rounds"]),
-                         model["cuts_kept"])
+        self.assertGreaterEqual(sum(figures["cuts_kept"] for figures in model["rounds"]),
+                                model["cuts_kept"])
 
     def assert_printed(self, text, value):
         if value is None:
@@ -276,20 +276,19 @@ class CommandLine(unittest.TestCase):
             self.assertAlmostEqual(float(text), value, delta=0.0051 if "." in text else 0.5)
 
     def test_unknown_optimum_is_null_in_json_and_a_dash_in_the_table(self):
-        file = self.write("cover.mps", self.cover.read_bytes())
+        file = self.write("cover.mps", random_cover(40, 90))
         call, (model,) = self.report(file, "--rounds", "1")
         self.assertIsNone(model["optimum"])
         self.assertIsNone(model["gap_closed_percent"])
         self.assertEqual({figures["gap_closed_percent"] for figures in model["rounds"]}, {None})
         self.assertEqual((call.table()[0]["optimum"], call.table()[0]["closed"]), ("-", "-"))
-        self.assertEqual(model["bound"], 5.5)
+        self.assertGreater(model["bound"], model["lp_bound"])
 
     def test_integral_relaxation_gives_the_unknown_optimum(self):
         file = self.write("cover.mps", self.cover.read_bytes())
         call, (model,) = self.report(file)
         self.assertEqual((model["status"], model["optimum"]), ("integral", 6.0))
-        self.assertEqual([figures["gap_closed_percent"] for figures in model["rounds"]],
-                         [50.0, 100.0])
+        self.assertEqual([figures["gap_closed_percent"] for figures in model["rounds"]], [100.0])
         self.assertEqual((call.table()[0]["optimum"], call.table()[0]["closed"]), ("6", "100.00"))
 
     def test_optimum_from_the_command_line(self):
@@ -299,7 +298,7 @@ class CommandLine(unittest.TestCase):
         self.assertAlmostEqual(model["gap_closed_percent"], 50.0)
 
     def test_optimum_that_a_bound_disproves_is_wrong(self):
-        for optimum, rounds, bound in (("5.25", 1, "5.5"), ("5.25", 9, "6"), ("4", 0, "5")):
+        for optimum, rounds, bound in (("5.25", 1, "6"), ("5.25", 9, "6"), ("4", 0, "5")):
             with self.subTest((optimum, rounds)):
                 call, (model,) = self.report(self.cover, "--optimum", optimum, "--rounds", rounds,
                                              status=1)
@@ -320,7 +319,7 @@ class CommandLine(unittest.TestCase):
         self.assertAlmostEqual(model["gap_closed_percent"], 100 / 1.5)
 
     def test_invalid_optimum_in_the_table_is_ignored(self):
-        file = self.write("cover.mps", self.cover.read_bytes())
+        file = self.write("cover.mps", random_cover(40, 90))
         for text in ("", "many", "nan", "inf", "1e999"):
             with self.subTest(text):
                 self.write("optima.csv", f"cover.mps,{text}\n")
@@ -329,9 +328,9 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual(call.table()[0]["optimum"], "-")
 
     def test_same_seed_gives_the_same_figures(self):
-        times = {"seconds", "separation_ms", "lp_ms"}
+        times = {"seconds", "cpu_seconds", "separation_ms", "lp_ms"}
         without = lambda record: {key: value for key, value in record.items() if key not in times}
-        file = self.write("random.mps", random_cover(40, 90))
+        file = self.write("random.mps", random_cover(60, 200))
         found = []
         for _ in range(2):
             _, (model,) = self.report(file, "--seed", "5", "--rounds", "6")
@@ -379,9 +378,11 @@ class CommandLine(unittest.TestCase):
                              sum(figures["cuts_kept"] for figures in model["rounds"]))
 
     def test_stops_when_the_requested_share_of_the_gap_is_closed(self):
-        _, (model,) = self.report(self.cover, "--stop-at-gap", "50")
-        self.assertEqual(model["status"], "gap_closed")
-        self.assertEqual([figures["bound"] for figures in model["rounds"]], [5.5])
+        file = self.write("cover.mps", random_cover(40, 90))
+        _, (model,) = self.report(file, "--optimum", "100", "--stop-at-gap", "0.5")
+        self.assertEqual((model["status"], len(model["rounds"])), ("gap_closed", 1))
+        self.assertGreaterEqual(model["gap_closed_percent"], 0.5)
+        self.assertLess(model["gap_closed_percent"], 50)
 
     def test_cuts_prove_that_there_is_no_integer_point(self):
         alone = one_column(cost=1, coefficient=2).replace(" L r", " E r")
@@ -480,10 +481,12 @@ class CommandLine(unittest.TestCase):
         figures = [{key: model[key] for key in ("rows", "columns", "lp_bound", "bound",
                                                 "cuts_kept", "status")} for model in models]
         self.assertEqual(figures, [figures[0]] * len(files))
-        # The constant 7, x4 = 2, y = 2.5, x3 = -5.5 by row r3. Of the other three columns no two can
-        # be 1; their sum is 1.5 without cuts and 1 with cuts.
-        rest = 7 + 2 + 2.5 / 4 - 2 * 5.5
-        self.assertEqual((figures[0]["lp_bound"], figures[0]["bound"]), (rest - 1.5, rest - 1))
+        # The constant 7, x4 = 2 and by row r3 without cuts y = 2.5, x3 = -5.5, with cuts y = 2,
+        # x3 = -5. Of the other three columns no two can be 1; their sum is 1.5 without cuts and 1
+        # with cuts.
+        relaxed = 7 + 2 + 2.5 / 4 - 2 * 5.5 - 1.5
+        self.assertEqual((figures[0]["lp_bound"], figures[0]["bound"]),
+                         (relaxed, 7 + 2 + 2 / 4 - 2 * 5 - 1))
 
     def test_explicit_minimisation_is_read(self):
         for head in (["OBJSENSE", "    MIN"], ["OBJSENSE", "    minimize"], ["* MAX"]):
@@ -642,11 +645,13 @@ class CommandLine(unittest.TestCase):
     def test_infeasible_relaxation(self):
         self.refuse_program(one_column(rhs=5).replace(" L r", " G r"), "no feasible point")
 
-    def test_model_that_does_not_fit_into_memory(self):
-        count = 200_000  # squared, times 32 bytes
-        columns = {f"x{j}": {"cost": 1, f"r{j}": 1} for j in range(count)}
-        self.refuse_program(program(columns, {f"r{j}": "G" for j in range(count)}),
-                            "GB of memory, but ")
+    def test_rows_take_memory_only_for_their_entries(self):
+        count = 30_000  # squared, times 8 bytes, is 7 GB
+        columns = {f"x{j}": {"cost": -1, f"r{j}": 2} for j in range(count)}
+        file = self.write("sparse.mps", program(columns, {f"r{j}": "L" for j in range(count)},
+                                                [(f"r{j}", 1) for j in range(count)]))
+        _, (model,) = self.report(file, "--rounds", "1")
+        self.assertEqual((model["lp_bound"], model["bound"]), (-0.5 * count, 0.0))
 
     def test_empty_range_of_an_integer_column(self):
         self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"),
@@ -718,7 +723,7 @@ class CommandLine(unittest.TestCase):
             "BOUNDS", "RANGES\n    RNG       r3                   2\nBOUNDS")
         line = "    {:<10}{:<8}  {:>12}".format
         tightened = self.folder / "tightened.mps"
-        for cost, least in ((2, -2.375), (-2, 11.125)):  # each side of the range is tight once
+        for cost, least in ((2, -1.5), (-2, 12.125)):  # each side of the range is tight once
             file = self.write("fixed.mps", plain.replace(line("x3", "cost", 2),
                                                          line("x3", "cost", cost)))
             _, (before,) = self.report(file, "--cuts", tightened)
@@ -758,7 +763,7 @@ class CommandLine(unittest.TestCase):
 
     def test_plot_counts_rounds_in_whole_numbers(self):
         picture = self.folder / "picture.svg"
-        self.call(self.cover, "--plot", picture)
+        self.call(self.write("cover.mps", random_cover(40, 90)), "--rounds", "2", "--plot", picture)
         text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
         axis = [each for each in text[:text.index("round")] if re.fullmatch(r"[\d.]+", each)]
         self.assertEqual([each for each in axis if float(each) < 4], ["0", "1", "2"])
@@ -822,7 +827,7 @@ class CommandLine(unittest.TestCase):
         for arguments in ([], ["--display", "iter"]):
             call = self.call(self.cover, *arguments)
             self.assertEqual(call.out.splitlines()[0], str(self.cover))
-            self.assertEqual([line["bound"] for line in call.rounds()[0]], ["5.5000", "6.0000"])
+            self.assertEqual([line["bound"] for line in call.rounds()[0]], ["6.0000"])
 
     def test_no_control_characters_in_a_pipe(self):
         for show in ("off", "final", "iter"):
@@ -854,7 +859,7 @@ class CommandLine(unittest.TestCase):
 
     def test_progress_line_on_a_terminal_is_erased_at_the_end(self):
         written, out = self.on_terminal(self.cover, "--display", "final")
-        self.assertEqual(written, "\rround 1, bound 5.5\x1b[K\rround 2, bound 6\x1b[K\r\x1b[K")
+        self.assertEqual(written, "\rround 1, bound 6\x1b[K\r\x1b[K")
         self.assertEqual(len(out.splitlines()), 2)
 
     def test_no_progress_line_with_display_iter_or_off(self):

@@ -1,34 +1,56 @@
 #include <cmath>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "cuts/cg_rounding.hpp"
 #include "cuts/cut_selection.hpp"
+#include "cuts/exact_limits.hpp"
 #include "input/rounding.hpp"
 
 namespace zero_half::testing {
 
 namespace {
 
-/// A model without rows, its columns binary.
-model binary_columns(int n) {
-    model made;
-    made.lower.assign(static_cast<std::size_t>(n), 0.0);
-    made.upper.assign(static_cast<std::size_t>(n), 1.0);
-    made.is_integer.assign(static_cast<std::size_t>(n), 1);
-    return made;
-}
+/// A model without rows whose columns are binary.
+struct columns {
+    explicit columns(std::size_t n) : lower(n, 0.0), upper(n, 1.0), is_integer(n, 1) {}
 
-integral_row row(const std::vector<double>& coefficients, double rhs) {
-    zktarn::owned_vector a = new_vector(static_cast<std::int32_t>(coefficients.size()));
-    for (std::size_t j = 0; j < coefficients.size(); ++j) {
-        if (coefficients[j] != 0.0) {
-            zktarn::vector_mod::vector_add_nz(*a, static_cast<std::int32_t>(j) + 1,
-                                              coefficients[j]);
+    mixed_integer_rows view() const {
+        mixed_integer_rows model;
+        model.lower = lower;
+        model.upper = upper;
+        model.is_integer = is_integer;
+        return model;
+    }
+
+    std::vector<double> lower;
+    std::vector<double> upper;
+    std::vector<char> is_integer;
+};
+
+void add_row(row_pool& pool, const std::vector<double>& dense_row, double rhs) {
+    std::vector<std::int32_t> indices;
+    std::vector<double> coefficients;
+    for (std::size_t j = 0; j < dense_row.size(); ++j) {
+        if (dense_row[j] != 0.0) {
+            indices.push_back(static_cast<std::int32_t>(j) + 1);
+            coefficients.push_back(dense_row[j]);
         }
     }
-    return integral_row(std::move(a), rhs, row_origin{0});
+    pool.add(indices, coefficients, rhs, {});
+}
+
+/// The cut of these rows of the pool at a point.
+std::optional<cut> halved(const columns& model, const row_pool& pool,
+                          const std::vector<std::int32_t>& rows,
+                          const std::vector<substitution>& bounds, const std::vector<double>& point,
+                          std::int32_t changed_column = 0) {
+    const mixed_integer_rows view = model.view();
+    cg_rounding rounding(view, pool);
+    return rounding.halved_sum({0.0, rows, changed_column}, bounds, point.data());
 }
 
 /// The coefficients of a cut, column by column.
@@ -59,6 +81,12 @@ cut cut_with(std::vector<double> coefficients, double violation) {
     return made;
 }
 
+std::vector<cut> select(std::size_t n, const selection_options& options, std::vector<cut> cuts) {
+    const columns model(n);
+    const mixed_integer_rows view = model.view();
+    return cut_selection(view, options).select(std::move(cuts));
+}
+
 } // namespace
 
 TEST(Rounding, IsExactBeyond32Bits) {
@@ -86,102 +114,107 @@ TEST(Rounding, ReturnsAnIntegerWithinTheTolerance) {
 }
 
 TEST(CgRounding, HalvesTheSumOfATriangleIntoAnOddCycle) {
-    const model program = binary_columns(3);
-    std::vector<integral_row> pool;
-    pool.push_back(row({1, 1, 0}, 1));
-    pool.push_back(row({0, 1, 1}, 1));
-    pool.push_back(row({1, 0, 1}, 1));
-    const std::vector<int> all = {0, 1, 2};
-    const std::vector<substitution> bounds = {{}, at_lower, at_lower, at_lower};
-    const auto made = cg_rounding(program).halved_sum(all, pool, bounds);
+    row_pool pool;
+    add_row(pool, {1, 1, 0}, 1);
+    add_row(pool, {0, 1, 1}, 1);
+    add_row(pool, {1, 0, 1}, 1);
+    const auto made =
+        halved(columns(3), pool, {0, 1, 2}, {{}, at_lower, at_lower, at_lower}, {0.5, 0.5, 0.5});
     ASSERT_TRUE(made.has_value());
     EXPECT_EQ(dense(*made, 3), (std::vector<double>{1, 1, 1}));
     EXPECT_EQ(made->rhs, 1.0);
-    EXPECT_EQ(made->origin.summed, all);
-    EXPECT_TRUE(made->origin.complemented.empty());
+    EXPECT_EQ(made->violation, 0.5);
+    EXPECT_EQ(made->norm, std::sqrt(3.0));
+    EXPECT_EQ(made->origin.divisor, 2.0);
+    ASSERT_EQ(made->origin.terms.size(), 3u);
+    EXPECT_EQ(made->origin.terms[2].row, 2);
+    EXPECT_FALSE(made->origin.terms[2].is_model_row);
 }
 
 TEST(CgRounding, SubstitutesTheNearestBound) {
-    const model program = binary_columns(2);
-    std::vector<integral_row> pool;
-    pool.push_back(row({3, 3}, 4));
-    const std::vector<int> first = {0};
-    const auto lower = cg_rounding(program).halved_sum(first, pool, {{}, at_lower, at_lower});
+    row_pool pool;
+    add_row(pool, {3, 3}, 4);
+    const std::vector<double> point = {0.5, 0.5};
+    const auto lower = halved(columns(2), pool, {0}, {{}, at_lower, at_lower}, point);
     ASSERT_TRUE(lower.has_value());
     EXPECT_EQ(dense(*lower, 2), (std::vector<double>{1, 1}));
     EXPECT_EQ(lower->rhs, 2.0);
-    const auto upper = cg_rounding(program).halved_sum(first, pool, {{}, at_lower, at_upper});
+    const auto upper = halved(columns(2), pool, {0}, {{}, at_lower, at_upper}, point);
     // 3 x1 - 3 y <= 1: x1 - 2 y <= 0, which is x1 + 2 x2 <= 2.
     ASSERT_TRUE(upper.has_value());
     EXPECT_EQ(dense(*upper, 2), (std::vector<double>{1, 2}));
     EXPECT_EQ(upper->rhs, 2.0);
-    EXPECT_EQ(upper->origin.complemented, (std::vector<int>{2}));
+}
+
+TEST(CgRounding, SubstitutesTheFartherBoundOfOneColumnToMakeTheRightHandSideOdd) {
+    row_pool pool;
+    add_row(pool, {3, 3}, 4);
+    const auto made = halved(columns(2), pool, {0}, {{}, at_lower, at_lower}, {0.5, 0.5}, 2);
+    ASSERT_TRUE(made.has_value());
+    EXPECT_EQ(dense(*made, 2), (std::vector<double>{1, 2}));
+    EXPECT_EQ(made->rhs, 2.0);
 }
 
 TEST(CgRounding, DividesByTheGreatestCommonDivisorAndRoundsAgain) {
-    const model program = binary_columns(2);
-    std::vector<integral_row> pool;
-    pool.push_back(row({6, 12}, 11));
-    const std::vector<int> first = {0};
-    const auto made = cg_rounding(program).halved_sum(first, pool, {{}, at_lower, at_lower});
+    row_pool pool;
+    add_row(pool, {6, 12}, 11);
+    const auto made = halved(columns(2), pool, {0}, {{}, at_lower, at_lower}, {0.5, 0.5});
     ASSERT_TRUE(made.has_value());
     EXPECT_EQ(dense(*made, 2), (std::vector<double>{1, 2}));
     EXPECT_EQ(made->rhs, 1.0);
-}
-
-TEST(CgRounding, DividesARowWithoutHalvingIt) {
-    std::vector<integral_row> pool;
-    pool.push_back(row({6, -9}, -4));
-    pool.push_back(row({0, 0}, 1));
-    const auto made = cg_rounding::divided_row(0, pool);
-    ASSERT_TRUE(made.has_value());
-    EXPECT_EQ(dense(*made, 2), (std::vector<double>{2, -3}));
-    EXPECT_EQ(made->rhs, -2.0);
-    EXPECT_EQ(made->origin.summed, (std::vector<int>{0, 0}));
-    EXPECT_FALSE(cg_rounding::divided_row(1, pool).has_value());
+    EXPECT_EQ(made->origin.divisor, 6.0);
 }
 
 TEST(CgRounding, DoesNotRoundTheCoefficientOfAColumnWithoutBounds) {
-    model program = binary_columns(2);
-    std::vector<integral_row> pool;
-    pool.push_back(row({1, 2}, 1));
-    pool.push_back(row({2, 1}, 1));
-    const std::vector<int> first = {0};
-    const std::vector<int> second = {1};
+    row_pool pool;
+    add_row(pool, {1, 2}, 1);
+    add_row(pool, {2, 1}, 1);
     const std::vector<substitution> bounds = {{}, substitution{}, at_lower};
-    EXPECT_FALSE(cg_rounding(program).halved_sum(first, pool, bounds).has_value());
-    EXPECT_TRUE(cg_rounding(program).halved_sum(second, pool, bounds).has_value());
+    EXPECT_FALSE(halved(columns(2), pool, {0}, bounds, {0.5, 0.5}).has_value());
+    EXPECT_TRUE(halved(columns(2), pool, {1}, bounds, {0.5, 0.5}).has_value());
 }
 
 TEST(CgRounding, MakesNoCutOfNumbersTooLargeToBeExact) {
-    const model program = binary_columns(2);
-    const std::vector<int> first = {0};
-    const std::vector<substitution> bounds = {{}, at_lower, at_lower};
-    std::vector<integral_row> pool;
-    pool.push_back(row({largest_coefficient, 3}, 1));
-    EXPECT_TRUE(cg_rounding(program).halved_sum(first, pool, bounds).has_value());
-    pool[0] = row({largest_coefficient + 1, 3}, 1);
-    EXPECT_FALSE(cg_rounding(program).halved_sum(first, pool, bounds).has_value());
-    pool[0] = row({2, 3}, largest_exact);
-    EXPECT_TRUE(cg_rounding(program).halved_sum(first, pool, bounds).has_value());
-    pool[0] = row({2, 3}, largest_exact + 1);
-    EXPECT_FALSE(cg_rounding(program).halved_sum(first, pool, bounds).has_value());
-    pool[0] = row({3, 3}, 1);
-    const std::vector<substitution> far = {{}, {1e15, 0.5, false}, at_lower};
-    EXPECT_FALSE(cg_rounding(program).halved_sum(first, pool, far).has_value());
+    const auto is_made = [](const std::vector<double>& row, double rhs,
+                            const substitution& first = at_lower) {
+        row_pool pool;
+        add_row(pool, row, rhs);
+        return halved(columns(2), pool, {0}, {{}, first, at_lower}, {0.5, 0.5}).has_value();
+    };
+    EXPECT_TRUE(is_made({largest_coefficient, 3}, 1));
+    EXPECT_FALSE(is_made({largest_coefficient + 1, 3}, 1));
+    EXPECT_TRUE(is_made({2, 3}, largest_exact));
+    EXPECT_FALSE(is_made({2, 3}, largest_exact + 1));
+    EXPECT_FALSE(is_made({3, 3}, 1, {1e15, 0.5, false}));
 }
 
 TEST(CgRounding, MakesNoCutWithoutColumns) {
-    const model program = binary_columns(1);
-    std::vector<integral_row> pool;
-    pool.push_back(row({1}, 1));
-    const std::vector<int> first = {0};
-    EXPECT_FALSE(cg_rounding(program).halved_sum(first, pool, {{}, at_lower}).has_value());
+    row_pool pool;
+    add_row(pool, {1}, 1);
+    EXPECT_FALSE(halved(columns(1), pool, {0}, {{}, at_lower}, {0.5}).has_value());
+}
+
+TEST(RowPool, KeepsRowsAndTheirOddColumns) {
+    row_pool pool;
+    add_row(pool, {1, 2, -3}, 4);
+    add_row(pool, {0, 2, 0}, 1);
+    ASSERT_EQ(pool.size(), 2u);
+    EXPECT_EQ(std::vector<std::int32_t>(pool.odd_columns(0).begin(), pool.odd_columns(0).end()),
+              (std::vector<std::int32_t>{1, 3}));
+    EXPECT_TRUE(pool.odd_columns(1).empty());
+    const std::vector<double> point = {1.0, 0.5, 1.0};
+    EXPECT_EQ(pool.slack(0, point.data()), 5.0);
+    pool.truncate(1);
+    EXPECT_EQ(pool.size(), 1u);
+    add_row(pool, {0, 0, 7}, 1);
+    EXPECT_EQ(pool.columns(1)[0], 3);
+    EXPECT_EQ(pool.coefficients(1)[0], 7.0);
 }
 
 TEST(CutSelection, SelectsTheGreatestEfficacyFirst) {
-    const model columns = binary_columns(3);
-    cut_selection selection(columns, {});
+    const columns model(3);
+    const mixed_integer_rows view = model.view();
+    cut_selection selection(view, {});
     const auto kept = selection.select({cut_with({1, 0, 0}, 0.1), cut_with({0, 2, 0}, 0.3)});
     ASSERT_EQ(kept.size(), 2u);
     EXPECT_EQ(kept[0].columns, (std::vector<std::int32_t>{2}));
@@ -191,8 +224,9 @@ TEST(CutSelection, SelectsTheGreatestEfficacyFirst) {
 TEST(CutSelection, LeavesOutCutsThatAreParallelToABetterOne) {
     selection_options options;
     options.passes = {{{10, 0.85, 1.0}, {0, 1.0, 1.0}, {0, 1.0, 1.0}}};
-    const model columns = binary_columns(3);
-    cut_selection selection(columns, options);
+    const columns model(3);
+    const mixed_integer_rows view = model.view();
+    cut_selection selection(view, options);
     const auto kept = selection.select(
         {cut_with({1, 1, 0}, 0.3), cut_with({1, 1.1, 0}, 0.2), cut_with({1, 0, 1}, 0.1)});
     ASSERT_EQ(kept.size(), 2u);
@@ -200,30 +234,32 @@ TEST(CutSelection, LeavesOutCutsThatAreParallelToABetterOne) {
 }
 
 TEST(CutSelection, LeavesOutCutsThatASelectedOneImplies) {
-    model columns = binary_columns(3);
+    columns model(3);
     const auto kept = [&](double larger, double rhs) {
         cut better = cut_with({1, 1, larger}, 1.0);
         cut worse = cut_with({1, 1, 0}, 0.1);
         better.rhs = 1.0;
         worse.rhs = rhs;
-        return cut_selection(columns, {}).select({better, worse}).size();
+        const mixed_integer_rows view = model.view();
+        return cut_selection(view, {}).select({better, worse}).size();
     };
     EXPECT_EQ(kept(5, 1), 1u);
     EXPECT_EQ(kept(5, 2), 1u);
     EXPECT_EQ(kept(5, 0), 2u) << "a smaller right-hand side";
     EXPECT_EQ(kept(-5, 1), 2u) << "a smaller coefficient";
-    columns.lower[2] = -1.0;
+    model.lower[2] = -1.0;
     EXPECT_EQ(kept(5, 1), 2u) << "a column that may be negative";
-    columns.lower[2] = 0.0;
-    columns.lower[0] = -1.0;
+    model.lower[2] = 0.0;
+    model.lower[0] = -1.0;
     EXPECT_EQ(kept(5, 1), 1u) << "a column with equal coefficients";
 }
 
 TEST(CutSelection, SelectsParallelCutsWhereThereAreFewOthers) {
     selection_options options;
     options.passes = {{{10, 0.85, 1.0}, {2, 0.9999, 1.0}, {0, 1.0, 1.0}}};
-    const model columns = binary_columns(3);
-    cut_selection selection(columns, options);
+    const columns model(3);
+    const mixed_integer_rows view = model.view();
+    cut_selection selection(view, options);
     const std::vector<cut> three = {cut_with({1, 1, 0}, 0.3), cut_with({1, 1.1, 0}, 0.2),
                                     cut_with({1, 1.2, 0}, 0.1)};
     EXPECT_EQ(selection.select(three).size(), 2u);
@@ -233,8 +269,9 @@ TEST(CutSelection, SelectsParallelCutsWhereThereAreFewOthers) {
 TEST(CutSelection, SelectsNoMoreThanTheTarget) {
     selection_options options;
     options.passes = {{{2, 0.85, 1.0}, {0, 1.0, 1.0}, {0, 1.0, 1.0}}};
-    const model columns = binary_columns(3);
-    cut_selection selection(columns, options);
+    const columns model(3);
+    const mixed_integer_rows view = model.view();
+    cut_selection selection(view, options);
     EXPECT_EQ(
         selection
             .select({cut_with({1, 0, 0}, 0.1), cut_with({0, 1, 0}, 0.1), cut_with({0, 0, 1}, 0.1)})
@@ -246,18 +283,19 @@ TEST(CutSelection, LeavesOutDenseCutsUnlessTheyAreShortOrFew) {
     const std::vector<double> all(60, 1.0);
     selection_options options;
     options.passes = {{{10, 0.85, 0.8}, {0, 1.0, 0.8}, {0, 1.0, 1.0}}};
-    EXPECT_TRUE(cut_selection(binary_columns(60), options).select({cut_with(all, 0.1)}).empty());
-    EXPECT_EQ(cut_selection(binary_columns(75), options).select({cut_with(all, 0.1)}).size(), 1u);
+    EXPECT_TRUE(select(60, options, {cut_with(all, 0.1)}).empty());
+    EXPECT_EQ(select(75, options, {cut_with(all, 0.1)}).size(), 1u);
     options.passes[2] = {1, 1.0, 1.0};
-    EXPECT_EQ(cut_selection(binary_columns(60), options).select({cut_with(all, 0.1)}).size(), 1u);
+    EXPECT_EQ(select(60, options, {cut_with(all, 0.1)}).size(), 1u);
     const std::vector<double> few(50, 1.0);
     options.passes[2] = {0, 1.0, 1.0};
-    EXPECT_EQ(cut_selection(binary_columns(50), options).select({cut_with(few, 0.1)}).size(), 1u);
+    EXPECT_EQ(select(50, options, {cut_with(few, 0.1)}).size(), 1u);
 }
 
 TEST(CutSelection, LeavesOutCutsWithALargeDynamicRange) {
-    const model columns = binary_columns(2);
-    cut_selection selection(columns, {});
+    const columns model(2);
+    const mixed_integer_rows view = model.view();
+    cut_selection selection(view, {});
     EXPECT_EQ(selection.select({cut_with({1, -1e6}, 0.1)}).size(), 1u);
     EXPECT_TRUE(selection.select({cut_with({1, -1.1e6}, 0.1)}).empty());
 }

@@ -26,12 +26,12 @@ struct exact_row {
     cpp_rational rhs;
 };
 
-exact_row claimed(const integral_row& row) {
+exact_row row_of_pool(const row_pool& pool, std::size_t i) {
     exact_row made;
-    for (const auto [j, coefficient] : zktarn::entries(row.coefficients)) {
-        made.a[j] = cpp_rational(coefficient);
+    for (std::size_t k = 0; k < pool.columns(i).size(); ++k) {
+        made.a[pool.columns(i)[k]] = cpp_rational(pool.coefficients(i)[k]);
     }
-    made.rhs = cpp_rational(row.rhs);
+    made.rhs = cpp_rational(pool.rhs(i));
     return made;
 }
 
@@ -41,15 +41,8 @@ public:
 
     verdict all() {
         for (std::size_t i = 0; i < run_.pool.size(); ++i) {
-            const integral_row& row = run_.pool[i];
-            const exact_row says = claimed(row);
-            const bool is_cut = row.origin.model_row < 0;
-            verdict_.cuts += is_cut ? 1 : 0;
-            if (is_cut) {
-                check_cut(i, row, says);
-            } else {
-                check_model_row(i, row, says);
-            }
+            verdict_.cuts += i >= run_.first_cut ? 1 : 0;
+            check(i);
         }
         return verdict_;
     }
@@ -59,113 +52,68 @@ private:
         verdict_.faults.push_back("row " + std::to_string(i) + " " + what);
     }
 
-    /// The most that rounding a coefficient adds to the left-hand side; nothing without a bound.
-    std::optional<cpp_rational> most_added(int j, const cpp_rational& error) const {
-        const auto at = static_cast<std::size_t>(j - 1);
-        const double bound = error > 0 ? model_.upper[at] : model_.lower[at];
-        if (error != 0 && (bound <= -no_bound || bound >= no_bound)) {
-            return std::nullopt;
-        }
-        return error == 0 ? cpp_rational(0) : cpp_rational(error * cpp_rational(bound));
-    }
-
-    void check_model_row(std::size_t i, const integral_row& row, exact_row says) {
-        const int r = row.origin.model_row;
-        const auto at = static_cast<std::size_t>(r);
-        const cpp_rational scale(row.origin.scale);
-        const double bound = scale > 0 ? model_.row_upper[at] : model_.row_lower[at];
-        if (bound <= -no_bound || bound >= no_bound) {
-            return fault(i, "comes from a side of its row that is infinite");
-        }
-        cpp_rational rhs = scale * cpp_rational(bound);
-        const int first = model_.rows.getVectorFirst(r);
-        for (int k = 0; k < model_.rows.getVectorSize(r); ++k) {
-            const int j = model_.rows.getIndices()[first + k] + 1;
-            const cpp_rational exact = scale * cpp_rational(model_.rows.getElements()[first + k]);
-            const auto added = most_added(j, cpp_rational(says.a[j] - exact));
-            if (!added) {
-                return fault(i, "has a rounded coefficient without a bound");
-            }
-            rhs += *added;
-            says.a.erase(j);
-        }
-        if (!says.a.empty()) {
-            fault(i, "has a column that its row does not have");
-        }
-        if (says.rhs < cpp_rational(floor_of(rhs))) {
-            fault(i, "has too small a right-hand side");
-        }
-    }
-
-    void check_cut(std::size_t i, const integral_row& row, const exact_row& says) {
-        exact_row sum;
-        for (const int member : row.origin.summed) {
-            if (static_cast<std::size_t>(member) >= i) {
-                return fault(i, "is a sum that includes a later row");
-            }
-            const exact_row part = claimed(run_.pool[static_cast<std::size_t>(member)]);
-            for (const auto& [j, value] : part.a) {
-                sum.a[j] += value;
-            }
-            sum.rhs += part.rhs;
-        }
-        const std::optional<exact_row> derived = halved(sum, row.origin.complemented);
-        if (!derived) {
-            return fault(i, "was rounded in a column that has no bound or is not integer");
-        }
-        compare(i, says, *derived);
-    }
-
-    /// The row may be the derived one divided by an integer and rounded down once more.
-    void compare(std::size_t i, const exact_row& says, const exact_row& derived) {
-        if (says.a.empty() || derived.a.count(says.a.begin()->first) == 0) {
-            return fault(i, "has another first column than is derived");
-        }
-        const cpp_rational factor = derived.a.begin()->second / says.a.begin()->second;
-        if (factor <= 0 || denominator(factor) != 1 || says.a.size() != derived.a.size()) {
-            return fault(i, "is not a divisor of what is derived");
-        }
-        for (const auto& [j, value] : derived.a) {
-            const auto own = says.a.find(j);
-            if (own == says.a.end() || own->second * factor != value) {
-                return fault(i, "has another coefficient than is derived");
-            }
-            if (denominator(own->second) != 1) {
-                return fault(i, "has a coefficient that is no integer");
-            }
-        }
-        if (says.rhs < cpp_rational(floor_of(derived.rhs / factor))) {
-            fault(i, "has a smaller right-hand side than is derived");
-        }
-    }
-
-    /// The sum halved and rounded down. Nothing where a coefficient is rounded and its column is
-    /// not integer or lacks the bound.
-    std::optional<exact_row> halved(const exact_row& sum,
-                                    const std::vector<int>& complemented) const {
-        exact_row made;
-        cpp_rational rhs = sum.rhs;
-        cpp_rational moved = 0;
-        for (const auto& [j, value] : sum.a) {
-            const bool is_upper =
-                std::find(complemented.begin(), complemented.end(), j) != complemented.end();
-            const auto at = static_cast<std::size_t>(j - 1);
-            const double bound = is_upper ? model_.upper[at] : model_.lower[at];
-            const bool has_bound = bound > -no_bound && bound < no_bound;
-            const cpp_rational b(has_bound ? bound : 0.0);
-            const cpp_rational own = is_upper ? cpp_rational(-value) : value;
-            const cpp_rational half = cpp_rational(floor_of(own / 2));
-            if (model_.is_integer[at] == 0 || (!has_bound && half * 2 != own)) {
+    /// The term's row, multiplied; nothing when it is none that may be used.
+    std::optional<exact_row> term_of(std::size_t i, const row_origin::term& term) const {
+        const cpp_rational multiplier(term.multiplier);
+        if (!term.is_model_row) {
+            if (static_cast<std::size_t>(term.row) >= i || multiplier < 0) {
                 return std::nullopt;
             }
-            rhs -= value * b;
-            moved += is_upper ? cpp_rational(-half * b) : cpp_rational(half * b);
-            if (half != 0) {
-                made.a[j] = is_upper ? cpp_rational(-half) : half;
-            }
+            return row_of_pool(run_.pool, static_cast<std::size_t>(term.row));
         }
-        made.rhs = cpp_rational(floor_of(rhs / 2)) + moved;
+        const auto row = static_cast<std::size_t>(term.row);
+        const double side = multiplier > 0 ? model_.row_upper[row] : model_.row_lower[row];
+        if (side <= -no_bound || side >= no_bound) {
+            return std::nullopt;
+        }
+        exact_row made;
+        made.rhs = cpp_rational(side);
+        const int first = model_.rows.getVectorFirst(term.row);
+        for (int k = first; k < first + model_.rows.getVectorSize(term.row); ++k) {
+            made.a[model_.rows.getIndices()[k] + 1] = cpp_rational(model_.rows.getElements()[k]);
+        }
         return made;
+    }
+
+    /// Adds up the terms, and checks that what the row differs from their sum by costs no more than
+    /// its right-hand side allows.
+    void check(std::size_t i) {
+        const exact_row own = row_of_pool(run_.pool, i);
+        const row_origin& origin = run_.pool.origin(i);
+        exact_row sum;
+        for (const row_origin::term& term : origin.terms) {
+            const auto part = term_of(i, term);
+            if (!part) {
+                return fault(i, "uses a row or a side that it may not use");
+            }
+            const cpp_rational factor =
+                cpp_rational(term.multiplier) / cpp_rational(origin.divisor);
+            for (const auto& [j, value] : part->a) {
+                sum.a[j] += factor * value;
+            }
+            sum.rhs += factor * part->rhs;
+        }
+        if (origin.divisor <= 0.0) {
+            return fault(i, "has a divisor that is not positive");
+        }
+        for (const auto& [j, value] : own.a) {
+            if (denominator(value) != 1 ||
+                model_.is_integer[static_cast<std::size_t>(j) - 1] == 0) {
+                return fault(i, "has a fraction or a continuous column");
+            }
+            sum.a[j] -= value;
+        }
+        for (const auto& [j, excess] : sum.a) {
+            const auto at = static_cast<std::size_t>(j) - 1;
+            const double bound = excess > 0 ? model_.lower[at] : model_.upper[at];
+            if (excess != 0 && (bound <= -no_bound || bound >= no_bound)) {
+                return fault(i, "needs a bound that is not there");
+            }
+            sum.rhs -= excess * (excess != 0 ? cpp_rational(bound) : cpp_rational(0));
+        }
+        if (own.rhs < cpp_rational(floor_of(sum.rhs))) {
+            fault(i, "has a smaller right-hand side than follows");
+        }
     }
 
     const model& model_;

@@ -15,12 +15,10 @@ struct verdict {
 };
 
 /// Derives every row of a run's pool again, in exact rational arithmetic. A row a * x <= rhs is
-/// right when it follows from the rows before it in one of two ways:
-///
-/// - from a row of the model, multiplied by the scale. Where a coefficient was rounded, the bounds
-///   of the column limit the difference. The right-hand side is rounded down.
-/// - from half the sum of earlier rows, with bounds substituted and all coefficients and the
-///   right-hand side rounded down; possibly divided by an integer and rounded down once more.
+/// right when it follows from its origin: the multiples of rows of the model and of earlier rows
+/// are added up and divided; every coefficient is moved to the one of the row, which costs a bound
+/// of its column; the right-hand side is rounded down. The row must have integer coefficients, in
+/// integer columns only.
 verdict replay(const model& program, const run_result& run);
 
 } // namespace zero_half::testing

@@ -1,95 +1,144 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <optional>
+#include <map>
 #include <random>
 #include <set>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "cuts/blossoms.hpp"
 #include "cuts/elimination.hpp"
 #include "cuts/greedy_search.hpp"
 #include "cuts/odd_cycles.hpp"
 #include "cuts/odd_sums.hpp"
 #include "cuts/parity_system.hpp"
+#include "zktarn/owners.hpp"
 
 namespace zero_half::testing {
 
 namespace {
 
-using zktarn::vector_mod::vector_add_nz;
-
 constexpr std::size_t no_limit = 1'000'000;
 
+int below(std::mt19937& random, int n) {
+    return static_cast<int>(random() % static_cast<unsigned>(n));
+}
+
 /// Rows over columns with bounds 0 and 1, and a point between them.
-struct problem {
-    std::vector<integral_row> pool;
+class problem {
+public:
+    problem(std::mt19937& random, int columns)
+        : lower_(at(columns), 0.0), upper_(at(columns), 1.0) {
+        bounds.resize(at(columns) + 1);
+        for (int j = 1; j <= columns; ++j) {
+            const double value = below(random, 3) == 0 ? 0.0 : below(random, 10) / 20.0;
+            const bool is_upper = below(random, 2) == 1;
+            bounds[at(j)] = {is_upper ? 1.0 : 0.0, value, is_upper};
+            point.push_back(is_upper ? 1.0 - value : value);
+        }
+    }
+
+    /// Adds a row with a slack from 0 to 1.
+    void add(const std::map<int, double>& row) {
+        std::vector<std::int32_t> columns;
+        std::vector<double> coefficients;
+        double activity = 0.0;
+        for (const auto& [j, value] : row) {
+            columns.push_back(j);
+            coefficients.push_back(value);
+            activity += value * point[at(j) - 1];
+        }
+        pool.add(columns, coefficients, std::ceil(activity - 1e-9), {});
+    }
+
+    parity_system system() const {
+        mixed_integer_rows model;
+        model.lower = lower_;
+        model.upper = upper_;
+        std::vector<double> slacks;
+        for (std::size_t i = 0; i < pool.size(); ++i) {
+            slacks.push_back(pool.slack(i, point.data()));
+        }
+        return parity_system(model, pool, slacks, bounds);
+    }
+
+    row_pool pool;
     std::vector<substitution> bounds;
     std::vector<double> point;
+
+private:
+    static std::size_t at(int j) { return static_cast<std::size_t>(j); }
+
+    std::vector<double> lower_;
+    std::vector<double> upper_;
 };
 
-/// Each row has so many coefficients, up to 4, and a slack from 0 to 1.2.
 problem random_problem(std::mt19937& random, int columns, int rows, int most_entries) {
-    const auto below = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
-    problem made;
-    made.bounds.resize(static_cast<std::size_t>(columns) + 1);
-    for (int j = 1; j <= columns; ++j) {
-        const double value = below(3) == 0 ? 0.0 : below(10) / 20.0;
-        const bool is_upper = below(2) == 1;
-        made.bounds[static_cast<std::size_t>(j)] = {is_upper ? 1.0 : 0.0, value, is_upper};
-        made.point.push_back(is_upper ? 1.0 - value : value);
-    }
+    problem made(random, columns);
     for (int i = 0; i < rows; ++i) {
-        zktarn::owned_vector a = new_vector(columns);
-        double activity = 0.0;
-        for (int k = below(most_entries) + 1; k > 0; --k) {
-            const int j = below(columns) + 1;
-            vector_add_nz(*a, j, 1.0 + below(4));
+        std::map<int, double> row;
+        for (int k = below(random, most_entries) + 1; k > 0; --k) {
+            row[below(random, columns) + 1] = 1.0 + below(random, 4);
         }
-        for (const auto [j, value] : zktarn::entries(a)) {
-            activity += value * made.point[static_cast<std::size_t>(j) - 1];
-        }
-        made.pool.emplace_back(std::move(a), std::ceil(activity - 1e-9), row_origin{i});
+        made.add(row);
     }
     return made;
 }
 
-/// The slack of the sum of these rows after the substitution, by the definition; nothing when the
-/// right-hand side is even.
-std::optional<double> slack_of_sum(const problem& instance, const std::vector<int>& members) {
+/// Each column is in at most two rows.
+problem random_column_graph(std::mt19937& random, int columns, int rows) {
+    problem made(random, columns);
+    std::vector<std::map<int, double>> parts(static_cast<std::size_t>(rows));
+    for (int j = 1; j <= columns; ++j) {
+        for (int end = 0; end < 2; ++end) {
+            parts[static_cast<std::size_t>(below(random, rows))][j] = 1.0 + below(random, 3);
+        }
+    }
+    for (const auto& row : parts) {
+        made.add(row);
+    }
+    return made;
+}
+
+/// The slack of the sum of these rows after the substitution, by the definition. Where the
+/// right-hand side is even, one odd column is substituted by its farther bound.
+double slack_of_sum(const problem& instance, const std::vector<std::int32_t>& members) {
     std::vector<double> sum(instance.bounds.size(), 0.0);
     double rhs = 0.0;
     double slack = 0.0;
-    for (const int i : members) {
-        const integral_row& row = instance.pool[static_cast<std::size_t>(i)];
-        double activity = 0.0;
-        for (const auto [index, value] : zktarn::entries(row.coefficients)) {
-            const auto j = static_cast<std::size_t>(index);
-            sum[j] += value;
-            rhs -= value * instance.bounds[j].bound;
-            activity += value * instance.point[j - 1];
+    for (const std::int32_t i : members) {
+        const auto row = static_cast<std::size_t>(i);
+        for (std::size_t k = 0; k < instance.pool.columns(row).size(); ++k) {
+            const auto j = static_cast<std::size_t>(instance.pool.columns(row)[k]);
+            sum[j] += instance.pool.coefficients(row)[k];
+            rhs -= instance.pool.coefficients(row)[k] * instance.bounds[j].bound;
         }
-        rhs += row.rhs;
-        slack += row.rhs - activity;
+        rhs += instance.pool.rhs(row);
+        slack += instance.pool.slack(row, instance.point.data());
     }
+    double change = std::numeric_limits<double>::infinity();
     for (std::size_t j = 1; j < sum.size(); ++j) {
-        slack += std::fmod(sum[j], 2.0) != 0.0 ? instance.bounds[j].distance : 0.0;
+        if (std::fmod(sum[j], 2.0) != 0.0) {
+            slack += instance.bounds[j].distance;
+            change = std::min(change, 1.0 - 2.0 * instance.bounds[j].distance);
+        }
     }
-    return std::fmod(rhs, 2.0) != 0.0 ? std::optional(slack) : std::nullopt;
+    return std::fmod(rhs, 2.0) != 0.0 ? slack : slack + change;
 }
 
-/// The least slack of all sums with an odd right-hand side.
+/// The least slack of all sums.
 double least_slack(const problem& instance) {
     double least = std::numeric_limits<double>::infinity();
     for (unsigned subset = 1; subset < 1u << instance.pool.size(); ++subset) {
-        std::vector<int> members;
+        std::vector<std::int32_t> members;
         for (unsigned i = 0; i < instance.pool.size(); ++i) {
             if ((subset >> i & 1u) != 0) {
-                members.push_back(static_cast<int>(i));
+                members.push_back(static_cast<std::int32_t>(i));
             }
         }
-        least = std::min(least, slack_of_sum(instance, members).value_or(least));
+        least = std::min(least, slack_of_sum(instance, members));
     }
     return least;
 }
@@ -98,19 +147,13 @@ double least_slack(const problem& instance) {
 double least_of(const problem& instance, const odd_sums& found) {
     double least = std::numeric_limits<double>::infinity();
     for (std::size_t i = 0; i < found.size(); ++i) {
-        const auto members = found.members(i);
-        const auto slack = slack_of_sum(instance, {members.begin(), members.end()});
-        EXPECT_TRUE(slack.has_value()) << "the right-hand side is even";
-        EXPECT_LT(slack.value_or(1.0), 1.0);
-        least = std::min(least, slack.value_or(least));
+        const odd_sum sum = found[i];
+        const double slack = slack_of_sum(instance, {sum.rows.begin(), sum.rows.end()});
+        EXPECT_LT(slack, 1.0);
+        EXPECT_NEAR(slack, sum.slack, 1e-9);
+        least = std::min(least, slack);
     }
     return least;
-}
-
-parity_system system_of(const problem& instance) {
-    parity_system made;
-    made.build(instance.pool, instance.bounds, instance.point.data());
-    return made;
 }
 
 bool never() {
@@ -118,9 +161,21 @@ bool never() {
 }
 
 void add_rows(const parity_system& system, odd_sums& found) {
-    found.reset(system);
-    for (std::size_t i = 0; i < system.rows().size(); ++i) {
-        found.add_if_violated(system.rows()[i]);
+    for (std::size_t i = 0; i < system.rows(); ++i) {
+        std::vector<std::int32_t> odd(system.odd_columns(i).begin(), system.odd_columns(i).end());
+        odd.push_back(system.slack_of(i));
+        found.add_if_violated(odd, system.is_odd(i));
+    }
+}
+
+/// Whether the best sum was found; some sums must have been when there is a violated one.
+void expect_best(const problem& instance, const odd_sums& found, int trial, int& with_cut) {
+    const double best = least_slack(instance);
+    if (best < 1.0 - 1e-5) {
+        ++with_cut;
+        ASSERT_NEAR(least_of(instance, found), best, 1e-9) << trial;
+    } else {
+        ASSERT_EQ(found.size(), 0u) << trial;
     }
 }
 
@@ -129,37 +184,77 @@ void add_rows(const parity_system& system, odd_sums& found) {
 TEST(OddCycles, FindTheLeastSlackWhereEveryRowHasAtMostTwoColumns) {
     std::mt19937 random(7);
     int with_cut = 0;
-    for (int trial = 0; trial < 3000; ++trial) {
+    for (int trial = 0; trial < 2000; ++trial) {
         const problem instance = random_problem(random, 6, 9, 2);
-        const parity_system system = system_of(instance);
-        ASSERT_TRUE(system.is_graph());
-        odd_sums found(no_limit);
+        const parity_system system = instance.system();
+        odd_sums found(system, no_limit);
         add_rows(system, found);
         find_odd_cycles(system, never, found);
+        expect_best(instance, found, trial, with_cut);
+    }
+    EXPECT_GT(with_cut, 500);
+}
+
+TEST(OddCycles, FindOnlyViolatedSumsInWeakenedRows) {
+    std::mt19937 random(12);
+    int found_some = 0;
+    for (int trial = 0; trial < 500; ++trial) {
+        const problem instance = random_problem(random, 8, 10, 5);
+        const parity_system system = instance.system();
+        odd_sums found(system, no_limit);
+        find_odd_cycles(system, never, found);
+        found_some += found.size() > 0 ? 1 : 0;
+        least_of(instance, found);
+    }
+    EXPECT_GT(found_some, 100);
+}
+
+TEST(Blossoms, FindTheLeastSlackWhereEveryColumnIsInAtMostTwoRows) {
+    std::mt19937 random(13);
+    int with_cut = 0;
+    for (int trial = 0; trial < 2000; ++trial) {
+        const problem instance = random_column_graph(random, 12, 8);
+        const parity_system system = instance.system();
+        ASSERT_TRUE(is_column_graph(system));
+        odd_sums found(system, no_limit);
+        find_blossoms(system, never, found);
+        add_rows(system, found);
         const double best = least_slack(instance);
         if (best < 1.0 - 1e-5) {
             ++with_cut;
             ASSERT_NEAR(least_of(instance, found), best, 1e-9) << trial;
-        } else {
-            ASSERT_EQ(found.size(), 0u) << trial;
         }
     }
     EXPECT_GT(with_cut, 500);
 }
 
+TEST(Blossoms, NeedEveryColumnInAtMostTwoRows) {
+    std::mt19937 random(14);
+    problem instance(random, 3);
+    for (int j = 1; j <= 3; ++j) {
+        instance.bounds[static_cast<std::size_t>(j)] = {0.0, 0.5, false};
+        instance.point[static_cast<std::size_t>(j) - 1] = 0.5;
+    }
+    instance.add({{1, 1.0}, {2, 1.0}});
+    instance.add({{1, 1.0}, {3, 1.0}});
+    EXPECT_TRUE(is_column_graph(instance.system()));
+    instance.add({{1, 1.0}, {2, 1.0}, {3, 2.0}, {1, 1.0}});
+    instance.add({{2, 1.0}, {3, 1.0}, {1, 1.0}});
+    EXPECT_FALSE(is_column_graph(instance.system()));
+}
+
 TEST(Elimination, FindsOnlyViolatedSums) {
     std::mt19937 random(8);
-    const zktarn::owned_generator own(3);
-    elimination gauss(*own);
+    const zktarn::owned_generator generator(3);
     int best_found = 0;
     int with_cut = 0;
     for (int trial = 0; trial < 1000; ++trial) {
         const problem instance = random_problem(random, 8, 10, 6);
-        const parity_system system = system_of(instance);
-        odd_sums found(no_limit);
+        const parity_system system = instance.system();
+        odd_sums found(system, no_limit);
         add_rows(system, found);
         for (int restart = 0; restart < 10; ++restart) {
-            gauss.find(system, never, found);
+            find_by_elimination(system, *generator, never, found);
         }
         const double best = least_slack(instance);
         with_cut += best < 1.0 - 1e-5 ? 1 : 0;
@@ -175,9 +270,8 @@ TEST(GreedySearch, FindsOnlyViolatedSums) {
     int found_some = 0;
     for (int trial = 0; trial < 300; ++trial) {
         const problem instance = random_problem(random, 8, 10, 6);
-        const parity_system system = system_of(instance);
-        odd_sums found(no_limit);
-        found.reset(system);
+        const parity_system system = instance.system();
+        odd_sums found(system, no_limit);
         find_by_greedy_search(system, never, found);
         found_some += found.size() > 0 ? 1 : 0;
         least_of(instance, found);
@@ -187,21 +281,20 @@ TEST(GreedySearch, FindsOnlyViolatedSums) {
 
 TEST(OddSums, KeepEachSumOnceSortedByPrice) {
     std::mt19937 random(10);
-    const zktarn::owned_generator own(3);
-    elimination gauss(*own);
+    const zktarn::owned_generator generator(3);
     const problem instance = random_problem(random, 10, 14, 4);
-    const parity_system system = system_of(instance);
-    odd_sums found(no_limit);
+    const parity_system system = instance.system();
+    odd_sums found(system, no_limit);
     add_rows(system, found);
-    gauss.find(system, never, found);
-    const std::size_t once = found.size();
-    ASSERT_GT(once, 2u);
+    find_by_elimination(system, *generator, never, found);
+    ASSERT_GT(found.size(), 2u);
     found.sort();
-    std::set<std::vector<int>> members;
+    std::set<std::vector<std::int32_t>> members;
     double before = 0.0;
-    for (std::size_t i = 0; i < once; ++i) {
-        std::vector<int> each(found.members(i).begin(), found.members(i).end());
-        const double price = *slack_of_sum(instance, each) + 0.2 * static_cast<double>(each.size());
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const odd_sum sum = found[i];
+        std::vector<std::int32_t> each(sum.rows.begin(), sum.rows.end());
+        const double price = slack_of_sum(instance, each) + 0.2 * static_cast<double>(each.size());
         EXPECT_GE(price, before - 1e-9);
         before = price;
         std::sort(each.begin(), each.end());
@@ -210,14 +303,11 @@ TEST(OddSums, KeepEachSumOnceSortedByPrice) {
 }
 
 TEST(OddSums, AreEnoughWhenTheirNumberIsReached) {
-    std::mt19937 random(11);
+    std::mt19937 random(15);
     const problem instance = random_problem(random, 6, 9, 2);
-    const parity_system system = system_of(instance);
-    odd_sums none(0);
-    none.reset(system);
-    EXPECT_TRUE(none.are_enough());
-    odd_sums some(1);
-    some.reset(system);
+    const parity_system system = instance.system();
+    EXPECT_TRUE(odd_sums(system, 0).are_enough());
+    odd_sums some(system, 1);
     EXPECT_FALSE(some.are_enough());
     find_odd_cycles(system, never, some);
     ASSERT_GT(some.size(), 0u);
@@ -227,38 +317,42 @@ TEST(OddSums, AreEnoughWhenTheirNumberIsReached) {
 TEST(ParitySystem, KeepsOnlyWhatCanBePartOfACut) {
     // Columns at their bounds, in the same rows, and in only one row; rows with much slack, with
     // equal odd columns, and without odd columns.
-    std::vector<substitution> bounds(6);
     const std::vector<double> point = {0.0, 0.5, 0.25, 0.5, 0.125};
+    const std::vector<double> lower(5, 0.0);
+    const std::vector<double> upper = {2.0, 2.0, 2.0, 2.0, 2.0};
+    mixed_integer_rows model;
+    model.lower = lower;
+    model.upper = upper;
+    std::vector<substitution> bounds(6);
     for (std::size_t j = 1; j <= 5; ++j) {
         bounds[j] = {0.0, point[j - 1], false};
     }
-    const auto row = [](std::vector<std::pair<int, double>> entries, double rhs) {
-        zktarn::owned_vector a = new_vector(5);
-        for (const auto& [j, value] : entries) {
-            vector_add_nz(*a, j, value);
-        }
-        return integral_row(std::move(a), rhs, row_origin{0});
+    row_pool pool;
+    std::vector<double> slacks;
+    const auto add = [&](const std::vector<std::int32_t>& columns,
+                         const std::vector<double>& coefficients, double rhs) {
+        pool.add(columns, coefficients, rhs, {});
+        slacks.push_back(pool.slack(pool.size() - 1, point.data()));
     };
-    std::vector<integral_row> pool;
-    pool.push_back(row({{1, 1.0}, {2, 1.0}, {3, 1.0}, {5, 2.0}}, 1.0)); // slack 0
-    pool.push_back(row({{2, 1.0}, {3, 3.0}, {4, 1.0}}, 2.0));           // slack 0.25
-    pool.push_back(row({{2, 1.0}, {3, 1.0}}, 2.0));                     // slack 1.25
-    pool.push_back(row({{2, 3.0}, {3, 1.0}, {1, 3.0}}, 2.0)); // slack 0.25, equal to the second
-    pool.push_back(row({{5, 2.0}}, 1.0));                     // slack 0.75, no odd column
-    parity_system system;
-    system.build(pool, bounds, point.data());
+    add({1, 2, 3, 5}, {1, 1, 1, 2}, 1); // slack 0
+    add({2, 3, 4}, {1, 3, 1}, 2);       // slack 0.25
+    add({2, 3}, {1, 1}, 2);             // slack 1.25
+    add({2, 3, 1}, {3, 1, 3}, 2);       // slack 0.25, equal to the second
+    add({5}, {2}, 1);                   // slack 0.75, no odd column
+    const parity_system system(model, pool, slacks, bounds);
     // Columns 2 and 3 are merged; column 4 is added to the slack of row 1, which becomes 0.75.
     EXPECT_EQ(system.columns(), 1);
     EXPECT_DOUBLE_EQ(system.value(1), 0.75);
-    ASSERT_EQ(system.rows().size(), 3u);
-    EXPECT_TRUE(system.is_graph());
-    EXPECT_EQ(system.pool_row(2), 0);
-    EXPECT_EQ(system.pool_row(3), 3);
-    EXPECT_EQ(system.pool_row(4), 4);
-    EXPECT_TRUE(system.rows()[0].is_odd);
-    EXPECT_FALSE(system.rows()[1].is_odd);
-    EXPECT_TRUE(system.rows()[2].is_odd);
-    EXPECT_DOUBLE_EQ(system.value(4), 0.75);
+    ASSERT_EQ(system.rows(), 3u);
+    EXPECT_EQ(system.pool_row(0), 0);
+    EXPECT_EQ(system.pool_row(1), 3);
+    EXPECT_EQ(system.pool_row(2), 4);
+    EXPECT_TRUE(system.is_odd(0));
+    EXPECT_FALSE(system.is_odd(1));
+    EXPECT_TRUE(system.is_odd(2));
+    EXPECT_DOUBLE_EQ(system.value(system.slack_of(2)), 0.75);
+    // Bounds that differ by an even number change no parity.
+    EXPECT_EQ(system.change(1).column, 0);
 }
 
 } // namespace zero_half::testing

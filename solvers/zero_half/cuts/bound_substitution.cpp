@@ -4,21 +4,30 @@
 
 namespace zero_half {
 
-std::vector<substitution> nearest_bounds(const model& program, const double* point) {
-    const auto n = static_cast<std::size_t>(program.column_count());
-    std::vector<substitution> bounds(n + 1);
+std::vector<substitution> nearest_bounds(const mixed_integer_rows& model, const double* point) {
+    const std::size_t n = model.lower.size();
+    std::vector<substitution> nearest(n + 1);
     for (std::size_t j = 0; j < n; ++j) {
-        const double lower = program.lower[j];
-        const double upper = program.upper[j];
-        substitution& nearest = bounds[j + 1];
-        if (lower > -no_bound) {
-            nearest = {lower, std::max(0.0, point[j] - lower), false};
+        substitution& best = nearest[j + 1];
+        if (model.lower[j] > -no_bound) {
+            best = {model.lower[j], std::max(0.0, point[j] - model.lower[j]), false};
         }
-        if (upper < no_bound && upper - point[j] < nearest.distance) {
-            nearest = {upper, std::max(0.0, upper - point[j]), true};
+        if (model.upper[j] < no_bound && model.upper[j] - point[j] < best.distance) {
+            best = {model.upper[j], std::max(0.0, model.upper[j] - point[j]), true};
         }
     }
-    return bounds;
+    return nearest;
+}
+
+substitution other_bound(const mixed_integer_rows& model, std::int32_t column,
+                         const substitution& nearest) {
+    const auto j = static_cast<std::size_t>(column) - 1;
+    const double range = model.upper[j] - model.lower[j];
+    if (!nearest.is_bounded() || model.lower[j] <= -no_bound || model.upper[j] >= no_bound) {
+        return {};
+    }
+    return {nearest.is_upper ? model.lower[j] : model.upper[j],
+            std::max(0.0, range - nearest.distance), !nearest.is_upper};
 }
 
 } // namespace zero_half

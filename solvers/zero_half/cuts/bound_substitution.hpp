@@ -1,9 +1,10 @@
 #pragma once
 
 #include <limits>
+#include <span>
 #include <vector>
 
-#include "input/model.hpp"
+#include "cuts/mixed_integer_rows.hpp"
 
 namespace zero_half {
 
@@ -18,6 +19,10 @@ struct substitution {
 };
 
 /// For each column, counted from 1, the substitution of the bound that is nearest to the point.
-std::vector<substitution> nearest_bounds(const model& program, const double* point);
+std::vector<substitution> nearest_bounds(const mixed_integer_rows& model, const double* point);
+
+/// The substitution of the column's other bound. An infinite distance where it has none.
+substitution other_bound(const mixed_integer_rows& model, std::int32_t column,
+                         const substitution& nearest);
 
 } // namespace zero_half

@@ -5,8 +5,9 @@
 #include <vector>
 
 #include "cuts/bound_substitution.hpp"
-#include "cuts/integral_rows.hpp"
-#include "lp/cut.hpp"
+#include "cuts/cut.hpp"
+#include "cuts/odd_sums.hpp"
+#include "cuts/vectors.hpp"
 
 namespace zero_half {
 
@@ -14,19 +15,24 @@ namespace zero_half {
 /// divisor of its coefficients, and its right-hand side is rounded down once more.
 class cg_rounding {
 public:
-    explicit cg_rounding(const model& program) : sum_(new_vector(program.column_count())) {}
+    cg_rounding(const mixed_integer_rows& model, const row_pool& pool)
+        : model_(model), pool_(pool), sum_(new_vector(model.column_count())),
+          row_(new_vector(model.column_count())) {}
 
     /// The sum of the rows, each column substituted by its bound, halved, rounded down, and the
     /// bounds substituted back. Nothing when a number is too large to be exact, when rounding needs
     /// a bound that a column does not have, or when no column is left.
-    std::optional<cut> halved_sum(std::span<const int> rows, std::span<const integral_row> pool,
-                                  const std::vector<substitution>& bounds);
-
-    /// A row of the pool divided by the greatest common divisor of its coefficients.
-    static std::optional<cut> divided_row(int row, std::span<const integral_row> pool);
+    std::optional<cut> halved_sum(const odd_sum& members, const std::vector<substitution>& bounds,
+                                  const double* point);
 
 private:
+    void add_row(std::size_t row);
+
+    const mixed_integer_rows& model_;
+    const row_pool& pool_;
+    /// Working vectors.
     zktarn::owned_vector sum_;
+    zktarn::owned_vector row_;
 };
 
 } // namespace zero_half

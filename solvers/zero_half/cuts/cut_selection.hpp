@@ -4,9 +4,9 @@
 #include <cstddef>
 #include <vector>
 
+#include "cuts/cut.hpp"
+#include "cuts/mixed_integer_rows.hpp"
 #include "cuts/vectors.hpp"
-#include "input/model.hpp"
-#include "lp/cut.hpp"
 
 namespace zero_half {
 
@@ -22,7 +22,7 @@ struct selection_options {
     };
     /// Sparse cuts at wide angles raise the bound more reliably than many cuts. Dense and nearly
     /// parallel cuts are taken only where there are few others.
-    std::array<pass, 3> passes = {{{200, 0.85, 0.8}, {30, 0.97, 0.8}, {8, 0.9999, 1.0}}};
+    std::array<pass, 3> passes = {{{200, 0.85, 0.8}, {60, 0.97, 0.8}, {8, 0.9999, 1.0}}};
     /// The largest ratio of two coefficients of a cut. A larger one makes the relaxation
     /// ill-conditioned.
     double max_dynamism = 1e6;
@@ -31,8 +31,8 @@ struct selection_options {
 /// Selects the cuts with the greatest efficacy that are at an angle to each other.
 class cut_selection {
 public:
-    cut_selection(const model& program, const selection_options& options)
-        : model_(program), options_(options), candidate_(new_vector(program.column_count())) {}
+    cut_selection(const mixed_integer_rows& model, const selection_options& options)
+        : model_(model), options_(options), candidate_(new_vector(model.column_count())) {}
 
     std::vector<cut> select(std::vector<cut> cuts);
 
@@ -43,7 +43,7 @@ private:
     bool is_dominated_by(const cut& selected, const cut& candidate) const;
     void run_pass(std::vector<cut>& cuts, const selection_options::pass& pass);
 
-    const model& model_;
+    const mixed_integer_rows& model_;
     selection_options options_;
     /// The coefficients of the cut that is compared with the selected ones.
     zktarn::owned_vector candidate_;

@@ -1,90 +1,183 @@
 #include "cuts/elimination.hpp"
 
+#include <algorithm>
+#include <bit>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 namespace zero_half {
 
-void elimination::find(const parity_system& system, const stop_predicate& should_stop,
-                       odd_sums& sums) {
-    copy_rows(system);
-    order_columns(system);
-    for (const std::int32_t column : order_) {
-        if (should_stop()) {
-            return;
+namespace {
+
+/// The rows with the least slack, as many as keep the words that an elimination touches below a
+/// limit.
+std::vector<std::size_t> rows_with_least_slack(const parity_system& system) {
+    constexpr double most_words = 3e8;
+    const auto columns = static_cast<double>(system.columns());
+    auto count = static_cast<double>(system.rows());
+    while (count * columns * (count + columns) / 64.0 > most_words) {
+        count *= 0.9;
+    }
+    std::vector<std::size_t> rows(system.rows());
+    std::iota(rows.begin(), rows.end(), std::size_t{0});
+    const auto kept = static_cast<std::size_t>(count);
+    if (kept < rows.size()) {
+        std::nth_element(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(kept), rows.end(),
+                         [&](std::size_t a, std::size_t b) {
+                             return std::pair(system.value(system.slack_of(a)), a) <
+                                    std::pair(system.value(system.slack_of(b)), b);
+                         });
+        rows.resize(kept);
+    }
+    return rows;
+}
+
+class elimination {
+public:
+    elimination(const parity_system& system, const zktarn::random::rng_state& random);
+
+    void run(const stop_predicate& should_stop, odd_sums& sums);
+
+private:
+    static constexpr std::size_t word_bits = 64;
+
+    std::span<std::uint64_t> bits(std::size_t row) {
+        return std::span(words_).subspan(row * width_, width_);
+    }
+    bool has(std::size_t row, std::size_t bit) const {
+        return (words_[row * width_ + bit / word_bits] >> (bit % word_bits) & 1u) != 0;
+    }
+    void set(std::size_t row, std::size_t bit) {
+        words_[row * width_ + bit / word_bits] |= std::uint64_t{1} << (bit % word_bits);
+    }
+    std::vector<std::int32_t> column_order();
+    std::size_t best_pivot(std::span<const std::size_t> rows);
+    void add(std::size_t pivot, std::size_t row);
+    /// Bits 0 to columns() - 1 are the columns, the others the slacks of `members_`.
+    std::int32_t element_of(std::size_t bit) const {
+        const auto columns = static_cast<std::size_t>(system_.columns());
+        return bit < columns ? static_cast<std::int32_t>(bit) + 1
+                             : system_.slack_of(members_[bit - columns]);
+    }
+    void offer(std::size_t row, odd_sums& sums);
+
+    const parity_system& system_;
+    const zktarn::random::rng_state& random_;
+    std::vector<std::size_t> members_;
+    std::size_t width_;
+    std::vector<std::uint64_t> words_;
+    std::vector<char> is_odd_;
+    /// For each row the total slack of the rows of which it is the sum.
+    std::vector<double> slack_;
+    /// The rows that have not been pivots.
+    std::vector<std::size_t> remaining_;
+    std::vector<std::int32_t> odd_;
+};
+
+elimination::elimination(const parity_system& system, const zktarn::random::rng_state& random)
+    : system_(system), random_(random), members_(rows_with_least_slack(system)),
+      width_((static_cast<std::size_t>(system.columns()) + members_.size() + word_bits - 1) /
+             word_bits),
+      words_(width_ * members_.size()) {
+    for (std::size_t row = 0; row < members_.size(); ++row) {
+        for (const std::int32_t column : system.odd_columns(members_[row])) {
+            set(row, static_cast<std::size_t>(column) - 1);
         }
-        eliminate(column, sums);
+        set(row, static_cast<std::size_t>(system.columns()) + row);
+        is_odd_.push_back(system.is_odd(members_[row]) ? 1 : 0);
+        slack_.push_back(system.value(system.slack_of(members_[row])));
+        remaining_.push_back(row);
     }
 }
 
-void elimination::copy_rows(const parity_system& system) {
-    remaining_ = system.rows().size();
-    rows_.resize(remaining_, system.elements());
-    slack_.resize(remaining_);
-    for (std::size_t i = 0; i < remaining_; ++i) {
-        rows_[i].clear();
-        rows_[i].add(system.rows()[i]);
-        slack_[i] = system.value(system.slack_of(i));
+std::vector<std::int32_t> elimination::column_order() {
+    std::vector<std::pair<double, std::int32_t>> keys;
+    for (std::int32_t column = 1; column <= system_.columns(); ++column) {
+        keys.emplace_back(-system_.value(column) * (0.5 + zktarn::random::rand_number(random_)),
+                          column);
     }
+    std::sort(keys.begin(), keys.end());
+    std::vector<std::int32_t> order(keys.size());
+    std::transform(keys.begin(), keys.end(), order.begin(),
+                   [](const auto& key) { return key.second; });
+    return order;
 }
 
-void elimination::order_columns(const parity_system& system) {
-    const auto n = static_cast<std::size_t>(system.columns());
-    order_.resize(n);
-    keys_.resize(n);
-    for (std::size_t i = 0; i < n; ++i) {
-        order_[i] = static_cast<std::int32_t>(i) + 1;
-        keys_[i] = system.value(order_[i]) * (0.5 + zktarn::random::rand_number(random_));
-    }
-    zktarn::sorting_mod::sort(0, system.columns() - 1, [this](std::int32_t a, std::int32_t b) {
-        const auto lower = static_cast<std::size_t>(a);
-        const auto upper = static_cast<std::size_t>(b);
-        if (keys_[lower] >= keys_[upper]) {
-            return false;
-        }
-        std::swap(keys_[lower], keys_[upper]);
-        std::swap(order_[lower], order_[upper]);
-        return true;
-    });
-}
-
-/// The place in `rows_with_column_` of the row with the least slack, after a random perturbation.
-std::size_t elimination::best_pivot() {
+std::size_t elimination::best_pivot(std::span<const std::size_t> rows) {
     constexpr double perturbation = 1e-3;
-    std::size_t best = 0;
+    std::size_t best = rows.front();
     double least = std::numeric_limits<double>::infinity();
-    for (std::size_t k = 0; k < rows_with_column_.size(); ++k) {
-        const double key =
-            slack_[rows_with_column_[k]] + perturbation * zktarn::random::rand_number(random_);
+    for (const std::size_t row : rows) {
+        const double key = slack_[row] + perturbation * zktarn::random::rand_number(random_);
         if (key < least) {
             least = key;
-            best = k;
+            best = row;
         }
     }
     return best;
 }
 
-void elimination::eliminate(std::int32_t column, odd_sums& sums) {
-    rows_with_column_.clear();
-    for (std::size_t i = 0; i < remaining_; ++i) {
-        if (zktarn::vector_mod::vector_is_elm(*rows_[i].odd, column) != 0) {
-            rows_with_column_.push_back(i);
+void elimination::add(std::size_t pivot, std::size_t row) {
+    const std::span<const std::uint64_t> summand = bits(pivot);
+    const std::span<std::uint64_t> sum = bits(row);
+    for (std::size_t w = 0; w < width_; ++w) {
+        sum[w] ^= summand[w];
+    }
+    is_odd_[row] = is_odd_[row] != is_odd_[pivot] ? 1 : 0;
+    slack_[row] += slack_[pivot];
+}
+
+/// Adds the row when it is violated. Most rows are not, so the slack is found first.
+void elimination::offer(std::size_t row, odd_sums& sums) {
+    odd_.clear();
+    double slack = 0.0;
+    const std::span<const std::uint64_t> words = bits(row);
+    for (std::size_t w = 0; w < width_; ++w) {
+        for (std::uint64_t rest = words[w]; rest != 0; rest &= rest - 1) {
+            const std::int32_t element =
+                element_of(w * word_bits + static_cast<std::size_t>(std::countr_zero(rest)));
+            slack += system_.value(element);
+            if (slack >= slack_limit) {
+                return;
+            }
+            odd_.push_back(element);
         }
     }
-    if (rows_with_column_.empty()) {
-        return;
-    }
-    const std::size_t pivot = rows_with_column_[best_pivot()];
-    for (const std::size_t i : rows_with_column_) {
-        if (i != pivot) {
-            rows_[i].add(rows_[pivot]);
-            slack_[i] += slack_[pivot];
-            sums.add_if_violated(rows_[i]);
+    sums.add_if_violated(odd_, is_odd_[row] != 0);
+}
+
+void elimination::run(const stop_predicate& should_stop, odd_sums& sums) {
+    std::vector<std::size_t> rows;
+    for (const std::int32_t column : column_order()) {
+        if (should_stop()) {
+            return;
         }
+        rows.clear();
+        for (const std::size_t row : remaining_) {
+            if (has(row, static_cast<std::size_t>(column) - 1)) {
+                rows.push_back(row);
+            }
+        }
+        if (rows.empty()) {
+            continue;
+        }
+        const std::size_t pivot = best_pivot(rows);
+        for (const std::size_t row : rows) {
+            if (row != pivot) {
+                add(pivot, row);
+                offer(row, sums);
+            }
+        }
+        remaining_.erase(std::find(remaining_.begin(), remaining_.end(), pivot));
     }
-    --remaining_;
-    std::swap(rows_[pivot], rows_[remaining_]);
-    std::swap(slack_[pivot], slack_[remaining_]);
+}
+
+} // namespace
+
+void find_by_elimination(const parity_system& system, const zktarn::random::rng_state& random,
+                         const stop_predicate& should_stop, odd_sums& sums) {
+    elimination(system, random).run(should_stop, sums);
 }
 
 } // namespace zero_half

@@ -2,103 +2,94 @@
 
 #include <limits>
 
+#include "cuts/row_sum.hpp"
+
 namespace zero_half {
 
 namespace {
 
 class greedy_search {
 public:
-    greedy_search(const parity_system& system, odd_sums& sums)
-        : system_(system),
-          sums_(sums), current_{new_index_set(system.elements())}, trial_{new_index_set(
-                                                                       system.elements())},
-          is_used_(system.rows().size()) {}
+    explicit greedy_search(const parity_system& system)
+        : system_(system), current_(system), trial_(system) {}
 
-    /// The current sum becomes the row alone.
-    void start(std::size_t row);
-    /// Adds the best row to the current sum. Returns false when every row was added before.
-    bool step();
+    void run_from(std::size_t start, odd_sums& sums);
 
 private:
-    double slack_with(const parity_row& row) const;
-    void try_sum_with(const parity_row& row);
+    double slack_with(std::size_t row) const;
+    std::size_t best_next(odd_sums& sums);
     void add(std::size_t row);
 
     const parity_system& system_;
-    odd_sums& sums_;
-    parity_row current_;
-    parity_row trial_;
+    row_sum current_;
+    row_sum trial_;
+    std::vector<std::int32_t> rows_;
+    std::vector<char> is_used_;
     double slack_ = 0.0;
-    std::vector<bool> is_used_;
 };
 
-/// The slack that the current sum would have with the row added.
-double greedy_search::slack_with(const parity_row& row) const {
-    double slack = slack_;
-    for (const auto [element, unused] : zktarn::entries(row.odd)) {
-        const double value = system_.value(element);
-        slack += zktarn::vector_mod::vector_is_elm(*current_.odd, element) != 0 ? -value : value;
+double greedy_search::slack_with(std::size_t row) const {
+    double slack = slack_ + system_.value(system_.slack_of(row));
+    for (const std::int32_t element : system_.odd_columns(row)) {
+        slack += current_.has(element) ? -system_.value(element) : system_.value(element);
     }
     return slack;
 }
 
-void greedy_search::try_sum_with(const parity_row& row) {
-    trial_.clear();
-    trial_.add(current_);
-    trial_.add(row);
-    sums_.add_if_violated(trial_);
-}
-
-void greedy_search::add(std::size_t row) {
-    slack_ = slack_with(system_.rows()[row]);
-    current_.add(system_.rows()[row]);
-    is_used_[row] = true;
-}
-
-void greedy_search::start(std::size_t row) {
-    current_.clear();
-    slack_ = 0.0;
-    is_used_.assign(is_used_.size(), false);
-    add(row);
-}
-
-bool greedy_search::step() {
-    const parity_rows& rows = system_.rows();
-    std::size_t best = rows.size();
+/// The row after which the slack is least; adds the violated sums on the way.
+std::size_t greedy_search::best_next(odd_sums& sums) {
+    std::size_t best = system_.rows();
     double least = std::numeric_limits<double>::infinity();
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        if (is_used_[i]) {
+    for (std::size_t row = 0; row < system_.rows(); ++row) {
+        if (is_used_[row] != 0) {
             continue;
         }
-        const double slack = slack_with(rows[i]);
-        if (slack < 1.0 && rows[i].is_odd != current_.is_odd) {
-            try_sum_with(rows[i]);
+        const double slack = slack_with(row);
+        if (slack < slack_limit) {
+            rows_.push_back(static_cast<std::int32_t>(row));
+            trial_.assign(rows_);
+            rows_.pop_back();
+            sums.add_if_violated(trial_.odd(), trial_.is_odd());
         }
         if (slack < least) {
             least = slack;
-            best = i;
+            best = row;
         }
     }
-    if (best == rows.size()) {
-        return false;
+    return best;
+}
+
+void greedy_search::add(std::size_t row) {
+    slack_ = slack_with(row);
+    current_.add(row);
+    rows_.push_back(static_cast<std::int32_t>(row));
+    is_used_[row] = 1;
+}
+
+void greedy_search::run_from(std::size_t start, odd_sums& sums) {
+    constexpr int most_steps = 8;
+    current_.clear();
+    rows_.clear();
+    is_used_.assign(system_.rows(), 0);
+    slack_ = 0.0;
+    add(start);
+    for (int step = 0; step < most_steps && !sums.are_enough(); ++step) {
+        const std::size_t next = best_next(sums);
+        if (next == system_.rows()) {
+            break;
+        }
+        add(next);
     }
-    add(best);
-    return true;
 }
 
 } // namespace
 
 void find_by_greedy_search(const parity_system& system, const stop_predicate& should_stop,
                            odd_sums& sums) {
-    constexpr int most_steps = 8;
-    greedy_search search(system, sums);
-    for (std::size_t row = 0; row < system.rows().size(); ++row) {
-        search.start(row);
-        for (int step = 0; step < most_steps; ++step) {
-            if (sums.are_enough() || should_stop() || !search.step()) {
-                break;
-            }
-        }
+    greedy_search search(system);
+    for (std::size_t start = 0; start < system.rows() && !sums.are_enough() && !should_stop();
+         ++start) {
+        search.run_from(start, sums);
     }
 }
 

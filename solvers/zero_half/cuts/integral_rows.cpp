@@ -3,150 +3,208 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <map>
 #include <optional>
-#include <span>
 #include <utility>
+#include <vector>
 
+#include "cuts/exact_limits.hpp"
+#include "cuts/integral_scale.hpp"
+#include "cuts/variable_bounds.hpp"
 #include "input/rounding.hpp"
 
 namespace zero_half {
 
 namespace {
 
-using zktarn::flag;
-
-constexpr double integrality_tolerance = 1e-9;
-constexpr double no_tolerance = 0.0;
-
-zktarn::owned_vector odd_support(const zktarn::owned_vector& coefficients) {
-    zktarn::owned_vector odd = new_vector(capacity(coefficients));
-    zktarn::vector_mod::vectors_combine(*odd, *coefficients, 1.0, 1.0, no_tolerance);
-    zktarn::vector_mod::vector_mod2(*odd, no_tolerance);
-    return odd;
-}
-
-/// One row of the model, its columns counted from 0.
-struct row_view {
-    std::span<const int> columns;
-    std::span<const double> values;
+/// A sum of rows of the model whose coefficients are integers but for rounding errors. Columns are
+/// counted from 0.
+struct scaled_sum {
+    std::map<std::int32_t, double> coefficients;
+    std::vector<row_origin::term> terms;
 };
 
-row_view view_row(const model& program, int i) {
-    const int first = program.rows.getVectorFirst(i);
-    const auto size = static_cast<std::size_t>(program.rows.getVectorSize(i));
-    return {{program.rows.getIndices() + first, size}, {program.rows.getElements() + first, size}};
+/// A coefficient as an integer and the rest that makes it exact.
+struct split_coefficient {
+    double whole = 0.0;
+    double rest = 0.0;
+};
+
+/// The sum of the terms as the model has it.
+struct exact_sum {
+    std::map<std::int32_t, split_coefficient> coefficients;
+    double rhs = 0.0;
+    /// By how much rounding errors may have moved the right-hand side.
+    double error = 0.0;
+};
+
+constexpr double unit_roundoff = std::numeric_limits<double>::epsilon();
+
+bool is_whole(double value) {
+    return std::trunc(value) == value;
 }
 
-bool is_over_integer_columns(const model& program, const row_view& row) {
-    return std::all_of(row.columns.begin(), row.columns.end(),
-                       [&](int j) { return program.is_integer[static_cast<std::size_t>(j)] != 0; });
+exact_sum sum_of(const mixed_integer_rows& model, const std::vector<row_origin::term>& terms) {
+    exact_sum sum;
+    for (const row_origin::term& term : terms) {
+        const auto row = static_cast<std::size_t>(term.row);
+        const auto columns = model.columns_of(row);
+        const auto values = model.values_of(row);
+        for (std::size_t k = 0; k < columns.size(); ++k) {
+            const double whole = nearest_integer(values[k] * term.multiplier);
+            split_coefficient& coefficient = sum.coefficients[columns[k]];
+            coefficient.whole += whole;
+            // The product itself would be rounded, and hide a rest.
+            coefficient.rest += std::fma(values[k], term.multiplier, -whole);
+        }
+        const double side = model.side(row, term.multiplier);
+        const double added = side * term.multiplier;
+        sum.rhs += added;
+        if (!is_whole(side) || !is_whole(term.multiplier)) {
+            sum.error += 4.0 * unit_roundoff * std::fabs(added);
+        }
+    }
+    return sum;
 }
 
-/// A factor that makes all coefficients of the row integers, within the tolerance.
-std::optional<double> integral_scale(const row_view& row) {
-    constexpr double most_denominator = 10'000.0;
-    constexpr double most_scale = 1e7;
-    flag found = 0;
-    double scale = 0.0;
-    zktarn::util::find_scalar_integral(
-        static_cast<std::int32_t>(row.values.size()),
-        [&](const std::int32_t& i, double& value, flag& marked, flag& selected) {
-            value = row.values[static_cast<std::size_t>(i - 1)];
-            marked = 0;
-            selected = 1;
-        },
-        integrality_tolerance, most_denominator, most_scale, found, scale);
-    return found != 0 ? std::optional(scale) : std::nullopt;
-}
-
-/// By how much a rounded coefficient can change the activity of the row. Infinite when it was
-/// rounded and the column has no bound on one side.
-double activity_error(const model& program, int column, double exact, double rounded) {
-    const double rounding_error = std::fabs(exact - rounded);
+/// The most that `difference` times the column can be, over its bounds.
+double most_over_bounds(const mixed_integer_rows& model, std::int32_t column, double difference) {
     const auto j = static_cast<std::size_t>(column);
-    return rounding_error == 0.0 ? 0.0
-                                 : rounding_error * std::max(std::fabs(program.lower[j]),
-                                                             std::fabs(program.upper[j]));
+    const double bound = difference > 0.0 ? model.upper[j] : model.lower[j];
+    if (difference == 0.0) {
+        return 0.0;
+    }
+    return std::fabs(bound) >= no_bound ? std::numeric_limits<double>::infinity()
+                                        : difference * bound;
 }
 
-/// A bound on the error of rhs * scale, compared with the decimal numbers that the file contains.
-double rhs_error(double rhs, double scale) {
-    const bool is_exact = std::trunc(rhs) == rhs && std::trunc(scale) == scale;
-    return is_exact ? 0.0 : 4.0 * std::numeric_limits<double>::epsilon() * std::fabs(rhs * scale);
-}
-
-/// The row times `scale`, bounded above by rhs * scale. Nothing when the numbers are too large or
-/// rounding would change the row too much.
-std::optional<integral_row> scaled_row(const model& program, int i, double scale, double rhs) {
-    constexpr double most_activity_error = 1e-6;
-    constexpr double most_rhs_error = 0.01;
-    /// With the tolerance 0.5 the floor is the nearest integer.
-    constexpr double to_nearest = 0.5;
-    const row_view row = view_row(program, i);
-    zktarn::owned_vector coefficients = new_vector(program.column_count());
-    double row_error = 0.0;
-    for (std::size_t k = 0; k < row.values.size(); ++k) {
-        const double exact = row.values[k] * scale;
-        const double rounded = zktarn::util::epsilon_floor(exact, to_nearest);
-        if (std::fabs(rounded) > largest_coefficient) {
+/// The greatest common divisor; nothing when a value is too large.
+std::optional<double> common_divisor(const std::vector<double>& values) {
+    constexpr double less_than_one = 0.5;
+    double divisor = 0.0;
+    for (const double each : values) {
+        if (std::fabs(each) > largest_coefficient) {
             return std::nullopt;
         }
-        row_error += activity_error(program, row.columns[k], exact, rounded);
+        divisor = zktarn::util::xgcd_r8(divisor, each, less_than_one);
+    }
+    return divisor;
+}
+
+/// Adds the sum to the pool, without its continuous columns, divided by the greatest common divisor
+/// and rounded down. Adds nothing when a column needs a bound that it does not have.
+void add_to_pool(const mixed_integer_rows& model, const scaled_sum& scaled, row_pool& pool) {
+    constexpr double largest_error = 0.01;
+    exact_sum exact = sum_of(model, scaled.terms);
+    std::vector<std::int32_t> columns;
+    std::vector<double> values;
+    for (const auto& [column, value] : exact.coefficients) {
+        const bool is_integer = model.is_integer[static_cast<std::size_t>(column)] != 0;
+        const auto place = scaled.coefficients.find(column);
+        const double rounded =
+            is_integer && place != scaled.coefficients.end() ? place->second : 0.0;
+        const double moved = most_over_bounds(model, column, rounded - value.whole - value.rest);
+        exact.rhs += moved;
+        exact.error += is_whole(moved) ? 0.0 : 16.0 * unit_roundoff * std::fabs(moved);
         if (rounded != 0.0) {
-            zktarn::vector_mod::vector_add_nz(*coefficients, row.columns[k] + 1, rounded);
+            columns.push_back(column + 1);
+            values.push_back(rounded);
         }
     }
-    const double scaled_rhs = rhs * scale;
-    const double tolerance = std::max(integrality_tolerance, rhs_error(rhs, scale));
-    if (!(row_error <= most_activity_error) || std::fabs(scaled_rhs) > largest_exact ||
-        tolerance > most_rhs_error) {
-        return std::nullopt;
+    const double error = std::max(integrality_tolerance, exact.error);
+    const std::optional<double> divisor = common_divisor(values);
+    if (columns.empty() || !divisor || !(std::fabs(exact.rhs) <= largest_exact) ||
+        error > largest_error) {
+        return;
     }
-    return integral_row(std::move(coefficients), floor_of(scaled_rhs + row_error, tolerance),
-                        row_origin{i, scale});
+    for (double& each : values) {
+        each /= *divisor;
+    }
+    pool.add(columns, values, floor_of(floor_of(exact.rhs, error) / *divisor, 0.0),
+             {scaled.terms, *divisor});
+}
+
+/// Adds the multiple of the bound that takes the column out, after the sum was multiplied so that
+/// all numbers stay integers.
+void substitute(std::int32_t column, const variable_bound& bound, scaled_sum& sum) {
+    constexpr double less_than_one = 0.5;
+    const double coefficient = sum.coefficients[column];
+    const double divisor = zktarn::util::xgcd_r8(coefficient, bound.own, less_than_one);
+    const double sum_factor = std::fabs(bound.own) / divisor;
+    const double bound_factor = std::fabs(coefficient) / divisor;
+    for (auto& entry : sum.coefficients) {
+        entry.second *= sum_factor;
+    }
+    for (row_origin::term& term : sum.terms) {
+        term.multiplier *= sum_factor;
+    }
+    sum.coefficients[bound.other_column] += bound_factor * bound.other;
+    sum.coefficients.erase(column);
+    sum.terms.push_back({bound.row, true, bound_factor * bound.multiplier});
+}
+
+/// Takes out the continuous columns that have a variable bound on the side that the row needs;
+/// constant bounds take out the others when the row is rounded. Nothing without a variable bound.
+std::optional<scaled_sum>
+with_variable_bounds(const mixed_integer_rows& model,
+                     const std::vector<std::vector<variable_bound>>& bounds, scaled_sum sum) {
+    bool is_changed = false;
+    const std::int32_t own_row = sum.terms.front().row;
+    const auto before = sum.coefficients;
+    for (const auto& entry : before) {
+        const auto j = static_cast<std::size_t>(entry.first);
+        if (model.is_integer[j] != 0) {
+            continue;
+        }
+        const auto place = std::find_if(bounds[j].begin(), bounds[j].end(), [&](const auto& each) {
+            return each.own * entry.second < 0.0 && each.row != own_row;
+        });
+        if (place != bounds[j].end()) {
+            substitute(entry.first, *place, sum);
+            is_changed = true;
+        }
+    }
+    return is_changed ? std::optional(std::move(sum)) : std::nullopt;
+}
+
+scaled_sum scaled_row(const mixed_integer_rows& model, std::size_t row, double multiplier) {
+    scaled_sum made;
+    const auto columns = model.columns_of(row);
+    const auto values = model.values_of(row);
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        made.coefficients[columns[k]] = nearest_integer(values[k] * multiplier);
+    }
+    made.terms.push_back({static_cast<std::int32_t>(row), true, multiplier});
+    return made;
 }
 
 } // namespace
 
-integral_row::integral_row(zktarn::owned_vector a, double b, row_origin source)
-    : coefficients(std::move(a)), odd(odd_support(coefficients)), rhs(b),
-      origin(std::move(source)) {}
-
-std::vector<integral_row> integral_rows_of(const model& program) {
-    std::vector<integral_row> rows;
-    const auto add = [&](int i, double scale, double rhs) {
-        if (std::optional<integral_row> row = scaled_row(program, i, scale, rhs)) {
-            rows.push_back(std::move(*row));
-        }
-    };
-    for (int i = 0; i < program.row_count(); ++i) {
-        const row_view row = view_row(program, i);
-        if (row.values.empty() || !is_over_integer_columns(program, row)) {
-            continue;
-        }
-        const std::optional<double> scale = integral_scale(row);
+row_pool integral_rows_of(const mixed_integer_rows& model) {
+    const auto bounds = variable_bounds_of(model);
+    row_pool pool;
+    for (std::size_t row = 0; row < model.row_count(); ++row) {
+        const auto columns = model.columns_of(row);
+        const auto scale = columns.empty() ? std::nullopt : integral_scale(model.values_of(row));
         if (!scale) {
             continue;
         }
-        const double lower = program.row_lower[static_cast<std::size_t>(i)];
-        const double upper = program.row_upper[static_cast<std::size_t>(i)];
-        if (upper < no_bound) {
-            add(i, *scale, upper);
-        }
-        if (lower > -no_bound && lower < upper) {
-            add(i, -*scale, lower);
+        const bool is_pure = std::all_of(columns.begin(), columns.end(), [&](int j) {
+            return model.is_integer[static_cast<std::size_t>(j)] != 0;
+        });
+        const bool is_equation = model.row_lower[row] == model.row_upper[row];
+        for (const double sign : {1.0, -1.0}) {
+            if (!model.has_side(row, sign) || (is_pure && is_equation && sign < 0.0)) {
+                continue;
+            }
+            const scaled_sum own = scaled_row(model, row, sign * *scale);
+            if (const auto substituted = with_variable_bounds(model, bounds, own)) {
+                add_to_pool(model, *substituted, pool);
+            }
+            add_to_pool(model, own, pool);
         }
     }
-    return rows;
-}
-
-integral_row integral_row_of(const cut& inequality, std::int32_t columns) {
-    zktarn::owned_vector coefficients = new_vector(columns);
-    for (std::size_t k = 0; k < inequality.columns.size(); ++k) {
-        zktarn::vector_mod::vector_add_nz(*coefficients, inequality.columns[k],
-                                          inequality.coefficients[k]);
-    }
-    return {std::move(coefficients), inequality.rhs, inequality.origin};
+    return pool;
 }
 
 } // namespace zero_half

@@ -4,13 +4,15 @@
 
 namespace zero_half {
 
-/// Exact separation for systems in which no row has more than two odd columns (Caprara and
-/// Fischetti 1996). The columns are the nodes of a graph, the rows its edges, and the slacks their
-/// lengths. For each column the shortest closed walk with an odd number of odd rows is the sum with
-/// the least slack of those that contain it. Odd cycle inequalities of stable sets and blossom
-/// inequalities of matchings are such sums.
+/// Odd cycle separation (Caprara and Fischetti 1996). The columns are the nodes of a graph with one
+/// further node 0. A row with at most two odd columns is an edge between them, of the length of its
+/// slack. A row with more odd columns is weakened to each pair of them: the values of the other
+/// columns are added to the length, and the parity of the edge may be changed at the cost of one of
+/// these columns. A bound of a column is an edge to node 0.
 ///
-/// Adds one sum for each column at most. Dijkstra's method is run once for each column.
+/// Adds for each column the sum of the rows on the shortest closed walk through the column with an
+/// odd number of odd edges. Where no row has more than two odd columns that is exact. Dijkstra's
+/// method is run once for each column, up to half the slack limit.
 void find_odd_cycles(const parity_system& system, const stop_predicate& should_stop,
                      odd_sums& sums);
 

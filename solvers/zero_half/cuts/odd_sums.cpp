@@ -3,53 +3,40 @@
 #include <algorithm>
 #include <utility>
 
+#include "cuts/hashing.hpp"
+
 namespace zero_half {
 
-namespace {
-
-/// The slack of a sum; or, when that reaches the limit, some value that is not below the limit.
-double limited_slack(const parity_system& system, const parity_row& sum) {
+bool odd_sums::add_if_violated(std::span<const std::int32_t> odd, bool is_odd) {
     double slack = 0.0;
-    for (const auto [element, unused] : zktarn::entries(sum.odd)) {
-        slack += system.value(element);
-        if (slack >= slack_limit) {
-            break;
-        }
-    }
-    return slack;
-}
-
-} // namespace
-
-void odd_sums::reset(const parity_system& system) {
-    system_ = &system;
-    sums_.clear();
-    members_.clear();
-    signatures_.clear();
-}
-
-void odd_sums::add_if_violated(const parity_row& sum) {
-    if (!sum.is_odd) {
-        return;
-    }
-    const double slack = limited_slack(*system_, sum);
-    if (slack >= slack_limit) {
-        return;
-    }
     std::uint64_t signature = 0;
-    for (const auto [element, unused] : zktarn::entries(sum.odd)) {
-        signature ^= system_->is_slack(element) ? system_->signature(element) : 0;
+    parity_change change;
+    for (const std::int32_t element : odd) {
+        slack += system_.value(element);
+        if (slack >= slack_limit) {
+            return false;
+        }
+        change = cheaper(change, system_.change(element));
+        signature ^= system_.is_slack(element) ? mixed(static_cast<std::uint64_t>(element)) : 0;
     }
-    if (!signatures_.insert(signature).second) {
-        return;
+    if (!is_odd) {
+        slack += change.cost;
     }
+    if (slack >= slack_limit || !signatures_.insert(signature).second) {
+        return false;
+    }
+    keep(slack, is_odd ? 0 : change.column, odd);
+    return true;
+}
+
+void odd_sums::keep(double slack, std::int32_t changed_column, std::span<const std::int32_t> odd) {
     const std::size_t first = members_.size();
-    for (const auto [element, unused] : zktarn::entries(sum.odd)) {
-        if (system_->is_slack(element)) {
-            members_.push_back(system_->pool_row(element));
+    for (const std::int32_t element : odd) {
+        if (system_.is_slack(element)) {
+            members_.push_back(system_.pool_row(system_.row_of(element)));
         }
     }
-    sums_.push_back({slack, first, members_.size() - first});
+    sums_.push_back({slack, changed_column, first, members_.size() - first});
 }
 
 void odd_sums::sort() {
@@ -62,8 +49,9 @@ void odd_sums::sort() {
     });
 }
 
-std::span<const int> odd_sums::members(std::size_t i) const {
-    return std::span(members_).subspan(sums_[i].first, sums_[i].count);
+odd_sum odd_sums::operator[](std::size_t i) const {
+    const kept_sum& sum = sums_[i];
+    return {sum.slack, std::span(members_).subspan(sum.first, sum.count), sum.changed_column};
 }
 
 } // namespace zero_half

@@ -1,100 +1,172 @@
 #include "cuts/separation.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
+#include "cuts/blossoms.hpp"
+#include "cuts/elimination.hpp"
 #include "cuts/greedy_search.hpp"
+#include "cuts/integral_rows.hpp"
 #include "cuts/odd_cycles.hpp"
+#include "cuts/row_sum.hpp"
 
 namespace zero_half {
 
 namespace {
 
-void set_efficacy(cut& candidate, const double* point) {
-    double activity = 0.0;
+/// Stands for the slack of a row that is to be left out.
+constexpr double too_much_slack = 2.0;
+
+cut cut_of_pool_row(const row_pool& pool, std::size_t row, double slack) {
+    const auto columns = pool.columns(row);
+    const auto coefficients = pool.coefficients(row);
     double square = 0.0;
-    for (std::size_t k = 0; k < candidate.columns.size(); ++k) {
-        activity += candidate.coefficients[k] * point[candidate.columns[k] - 1];
-        square += candidate.coefficients[k] * candidate.coefficients[k];
+    for (const double each : coefficients) {
+        square += each * each;
     }
-    candidate.violation = activity - candidate.rhs;
-    candidate.norm = std::sqrt(square);
+    cut made;
+    made.columns.assign(columns.begin(), columns.end());
+    made.coefficients.assign(coefficients.begin(), coefficients.end());
+    made.rhs = pool.rhs(row);
+    made.violation = -slack;
+    made.norm = std::sqrt(square);
+    made.pool_row = row;
+    return made;
+}
+
+void add_single_rows(const parity_system& system, odd_sums& sums) {
+    std::vector<std::int32_t> odd;
+    for (std::size_t i = 0; i < system.rows(); ++i) {
+        const auto columns = system.odd_columns(i);
+        odd.assign(columns.begin(), columns.end());
+        odd.push_back(system.slack_of(i));
+        sums.add_if_violated(odd, system.is_odd(i));
+    }
 }
 
 } // namespace
 
-separator::separator(const model& program, const zktarn::random::rng_state& random,
+separator::separator(const mixed_integer_rows& model, const zktarn::random::rng_state& random,
                      stop_predicate should_stop, const separation_options& options)
-    : model_(program), should_stop_(std::move(should_stop)), options_(options),
-      sums_(options.enough), elimination_(random), rounding_(program),
-      selection_(program, options.selection) {}
+    : model_(model), random_(random), should_stop_(std::move(should_stop)), options_(options),
+      pool_(integral_rows_of(model)), model_rows_(pool_.size()), is_in_use_(pool_.size(), 1),
+      rounding_(model_, pool_), selection_(model_, options.selection) {}
 
-std::vector<cut> separator::find(std::span<const integral_row> pool, const double* point) {
-    bounds_ = nearest_bounds(model_, point);
-    system_.build(pool, bounds_, point);
-    search();
-    std::vector<cut> cuts = violated_cuts(pool, point);
-    if (cuts.empty() && search_harder()) {
-        cuts = violated_cuts(pool, point);
+std::vector<std::size_t> separator::find(const double* point) {
+    const separated_point at = look_at(point);
+    std::vector<cut> cuts = violated_rows(at);
+    const std::size_t known = cuts.size();
+    add_blossoms(at, cuts);
+    add_sums(at, false, cuts);
+    if (cuts.size() == known) {
+        add_sums(at, true, cuts);
     }
     found_ = cuts.size();
-    return selection_.select(std::move(cuts));
+    put_into_pool(cuts);
+    // Rows of the model that rounding tightened are no denser than before: all are selected.
+    std::vector<std::size_t> selected;
+    std::erase_if(cuts, [&](const cut& each) {
+        const bool is_model_row = *each.pool_row < model_rows_;
+        if (is_model_row) {
+            selected.push_back(*each.pool_row);
+        }
+        return is_model_row;
+    });
+    for (const cut& each : selection_.select(std::move(cuts))) {
+        selected.push_back(*each.pool_row);
+        is_in_use_[*each.pool_row] = 1;
+    }
+    return selected;
 }
 
-/// Exact where every row is an edge of a graph; elsewhere several eliminations.
-void separator::search() {
-    sums_.reset(system_);
-    for (std::size_t i = 0; i < system_.rows().size(); ++i) {
-        sums_.add_if_violated(system_.rows()[i]);
+void separator::truncate(std::size_t count) {
+    pool_.truncate(count);
+    is_in_use_.resize(count);
+}
+
+separator::separated_point separator::look_at(const double* point) const {
+    separated_point at{point, nearest_bounds(model_, point), {}};
+    for (std::size_t i = 0; i < pool_.size(); ++i) {
+        at.slacks.push_back(pool_.slack(i, point));
     }
-    if (system_.is_graph()) {
-        find_odd_cycles(system_, should_stop_, sums_);
+    return at;
+}
+
+/// Cuts that were dropped from the relaxation, and rows of the model that making them integral
+/// tightened.
+std::vector<cut> separator::violated_rows(const separated_point& at) const {
+    std::vector<cut> violated;
+    for (std::size_t i = 0; i < pool_.size(); ++i) {
+        if (at.slacks[i] <= -options_.least_violation) {
+            violated.push_back(cut_of_pool_row(pool_, i, at.slacks[i]));
+        }
+    }
+    return violated;
+}
+
+/// Blossoms consist of rows of the model: cuts have columns in more than two rows.
+void separator::add_blossoms(const separated_point& at, std::vector<cut>& cuts) {
+    std::vector<double> slacks = at.slacks;
+    std::fill(slacks.begin() + static_cast<std::ptrdiff_t>(model_rows_), slacks.end(),
+              too_much_slack);
+    const parity_system system(model_, pool_, slacks, at.bounds);
+    if (system.columns() == 0 || !is_column_graph(system)) {
         return;
     }
-    for (int i = 0; i < options_.restarts && !sums_.are_enough() && !should_stop_(); ++i) {
-        elimination_.find(system_, should_stop_, sums_);
-    }
+    odd_sums sums(system, options_.enough);
+    find_blossoms(system, should_stop_, sums);
+    add_cuts_of(sums, at, cuts);
 }
 
-/// Returns false without a search where the first search was exact or the system is too large.
-bool separator::search_harder() {
-    if (system_.is_graph() || system_.rows().size() > options_.small_system) {
-        return false;
+/// Single rows, odd cycles, eliminations, and where that gives nothing a greedy search.
+void separator::add_sums(const separated_point& at, bool with_all_cuts, std::vector<cut>& cuts) {
+    std::vector<double> slacks = at.slacks;
+    for (std::size_t i = 0; i < slacks.size() && !with_all_cuts; ++i) {
+        slacks[i] = is_in_use_[i] != 0 ? slacks[i] : too_much_slack;
     }
-    find_by_greedy_search(system_, should_stop_, sums_);
-    return true;
+    const parity_system system(model_, pool_, slacks, at.bounds);
+    odd_sums sums(system, options_.enough);
+    add_single_rows(system, sums);
+    find_odd_cycles(system, should_stop_, sums);
+    for (int i = 0; i < options_.restarts && !sums.are_enough() && !should_stop_(); ++i) {
+        find_by_elimination(system, random_, should_stop_, sums);
+    }
+    if (sums.size() == 0 && system.rows() <= options_.small_system) {
+        find_by_greedy_search(system, should_stop_, sums);
+    }
+    add_cuts_of(sums, at, cuts);
 }
 
-/// The point may violate a row of the model after its coefficients were divided and its right-hand
-/// side was rounded.
-void separator::add_divided_rows(std::span<const integral_row> pool, const double* point,
-                                 std::vector<cut>& cuts) const {
-    for (std::size_t i = 0; i < pool.size() && pool[i].origin.model_row >= 0; ++i) {
-        if (system_.slack_in_pool(i) <= -options_.least_violation) {
-            add_if_violated(cg_rounding::divided_row(static_cast<int>(i), pool), point, cuts);
+void separator::add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts) {
+    constexpr std::size_t always_allowed = 50'000;
+    const std::size_t most_entries =
+        always_allowed + options_.most_entries * model_.entry_columns.size();
+    std::size_t entries = 0;
+    sums.sort();
+    const std::size_t before = cuts.size();
+    for (std::size_t i = 0;
+         i < sums.size() && cuts.size() - before < options_.most_cuts && entries < most_entries;
+         ++i) {
+        const odd_sum sum = sums[i];
+        for (const std::int32_t row : sum.rows) {
+            entries += pool_.columns(static_cast<std::size_t>(row)).size();
+        }
+        std::optional<cut> made = rounding_.halved_sum(sum, at.bounds, at.values);
+        if (made && made->violation >= options_.least_violation) {
+            cuts.push_back(std::move(*made));
         }
     }
 }
 
-void separator::add_if_violated(std::optional<cut> candidate, const double* point,
-                                std::vector<cut>& cuts) const {
-    if (!candidate) {
-        return;
+void separator::put_into_pool(std::vector<cut>& cuts) {
+    for (cut& each : cuts) {
+        if (!each.pool_row) {
+            each.pool_row = pool_.size();
+            pool_.add(each.columns, each.coefficients, each.rhs, std::move(each.origin));
+            is_in_use_.push_back(0);
+        }
     }
-    set_efficacy(*candidate, point);
-    if (candidate->violation >= options_.least_violation) {
-        cuts.push_back(std::move(*candidate));
-    }
-}
-
-std::vector<cut> separator::violated_cuts(std::span<const integral_row> pool, const double* point) {
-    std::vector<cut> cuts;
-    add_divided_rows(pool, point, cuts);
-    sums_.sort();
-    for (std::size_t i = 0; i < sums_.size() && cuts.size() < options_.most_cuts; ++i) {
-        add_if_violated(rounding_.halved_sum(sums_.members(i), pool, bounds_), point, cuts);
-    }
-    return cuts;
 }
 
 } // namespace zero_half

@@ -1,22 +1,23 @@
 #pragma once
 
 #include <optional>
-#include <span>
 #include <vector>
 
 #include "cuts/cg_rounding.hpp"
 #include "cuts/cut_selection.hpp"
-#include "cuts/elimination.hpp"
-#include "cuts/integral_rows.hpp"
+#include "cuts/odd_sums.hpp"
+#include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {
 
 struct separation_options {
     /// The most eliminations; they end when `enough` sums are found.
     int restarts = 10;
-    std::size_t enough = 200;
-    /// The most sums that are made into cuts, the most promising first.
-    std::size_t most_cuts = 100;
+    std::size_t enough = 1000;
+    /// The most sums that are made into cuts, the most promising first, and the most entries that
+    /// the rows of these sums may have, as a multiple of the entries of the model.
+    std::size_t most_cuts = 500;
+    std::size_t most_entries = 5;
     /// The greedy search is used where nothing else finds a cut, in systems with at most this many
     /// rows.
     std::size_t small_system = 300;
@@ -25,35 +26,58 @@ struct separation_options {
 };
 
 /// Finds zero-half cuts: sums of rows, halved and rounded down (Caprara and Fischetti 1996).
+///
+/// The pool holds the rows of the model that can be made integral, and behind them every violated
+/// cut that was found. Cuts that the selection passed over are rows of further sums only where the
+/// others give no cut, because they would make each search slower.
 class separator {
 public:
-    /// After `should_stop` returns true, `find` returns the cuts found by then. The model and the
-    /// generator have to outlive the separator.
-    separator(const model& program, const zktarn::random::rng_state& random,
+    /// After `should_stop` returns true, `find` returns the cuts found by then. The arrays of the
+    /// model and the generator have to outlive the separator. Throws std::bad_alloc.
+    separator(const mixed_integer_rows& model, const zktarn::random::rng_state& random,
               stop_predicate should_stop, const separation_options& options = {});
+    separator(const separator&) = delete;
+    separator& operator=(const separator&) = delete;
 
-    /// Cuts from rows of `pool` that `point` violates, and selected from all that were found. The
-    /// rows of the model come first in the pool.
-    std::vector<cut> find(std::span<const integral_row> pool, const double* point);
+    /// The selected ones of the violated cuts, as rows of the pool.
+    /// @param point  in. A value for each column of the model.
+    ///
+    /// A row of the pool that the point violates is returned again, whether it is new or not.
+    std::vector<std::size_t> find(const double* point);
+
+    const row_pool& pool() const { return pool_; }
+    /// The first rows of the pool are made of rows of the model, the others are cuts.
+    std::size_t model_rows() const { return model_rows_; }
     /// The number of violated cuts that the last call found before the selection.
     std::size_t found() const { return found_; }
 
-private:
-    void search();
-    bool search_harder();
-    std::vector<cut> violated_cuts(std::span<const integral_row> pool, const double* point);
-    void add_divided_rows(std::span<const integral_row> pool, const double* point,
-                          std::vector<cut>& cuts) const;
-    void add_if_violated(std::optional<cut> candidate, const double* point,
-                         std::vector<cut>& cuts) const;
+    /// Removes the cuts behind the first `count` rows of the pool.
+    void truncate(std::size_t count);
 
-    const model& model_;
+private:
+    /// What the searches need to know of a point.
+    struct separated_point {
+        const double* values;
+        std::vector<substitution> bounds;
+        /// Of the rows of the pool.
+        std::vector<double> slacks;
+    };
+
+    separated_point look_at(const double* point) const;
+    std::vector<cut> violated_rows(const separated_point& at) const;
+    void add_blossoms(const separated_point& at, std::vector<cut>& cuts);
+    void add_sums(const separated_point& at, bool with_all_cuts, std::vector<cut>& cuts);
+    void add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts);
+    void put_into_pool(std::vector<cut>& cuts);
+
+    mixed_integer_rows model_;
+    const zktarn::random::rng_state& random_;
     stop_predicate should_stop_;
     separation_options options_;
-    std::vector<substitution> bounds_;
-    parity_system system_;
-    odd_sums sums_;
-    elimination elimination_;
+    row_pool pool_;
+    std::size_t model_rows_;
+    /// For each row of the pool, whether it is of the model or was selected once.
+    std::vector<char> is_in_use_;
     cg_rounding rounding_;
     cut_selection selection_;
     std::size_t found_ = 0;

@@ -5,10 +5,9 @@
 
 #include <CoinPackedMatrix.hpp>
 
-namespace zero_half {
+#include "cuts/mixed_integer_rows.hpp"
 
-/// Bounds and sides of rows beyond +-no_bound are infinite.
-inline constexpr double no_bound = 1e30;
+namespace zero_half {
 
 /// A mixed-integer program:
 ///
@@ -39,6 +38,18 @@ struct model {
 
     int row_count() const { return static_cast<int>(row_lower.size()); }
     int column_count() const { return static_cast<int>(lower.size()); }
+    /// What separation reads of the model. `rows` has to be ordered by rows, without gaps.
+    mixed_integer_rows rows_and_bounds() const {
+        const auto entries = static_cast<std::size_t>(rows.getNumElements());
+        return {{rows.getVectorStarts(), row_lower.size() + 1},
+                {rows.getIndices(), entries},
+                {rows.getElements(), entries},
+                row_lower,
+                row_upper,
+                lower,
+                upper,
+                is_integer};
+    }
 };
 
 } // namespace zero_half

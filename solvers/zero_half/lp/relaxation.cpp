@@ -29,7 +29,8 @@ int relaxation::stop_handler::event(Event what) {
     return what == endOfIteration && should_stop_() ? stop : go_on;
 }
 
-relaxation::relaxation(const model& program, std::function<bool()> should_stop) {
+relaxation::relaxation(const model& program, std::function<bool()> should_stop)
+    : model_rows_(program.row_count()) {
     lp_.setLogLevel(0);
     lp_.loadProblem(program.rows, program.lower.data(), program.upper.data(),
                     program.objective.data(), program.row_lower.data(), program.row_upper.data());
@@ -130,16 +131,67 @@ bool relaxation::has_feasible_point() const {
     return copy.status() == optimal;
 }
 
-void relaxation::add(const std::vector<cut>& cuts) {
+void relaxation::add(const row_pool& pool, std::span<const std::size_t> rows) {
     std::vector<int> columns;
-    for (const cut& added : cuts) {
+    for (const std::size_t row : rows) {
         columns.clear();
-        for (const std::int32_t j : added.columns) {
+        for (const std::int32_t j : pool.columns(row)) {
             columns.push_back(j - 1);
         }
-        lp_.addRow(static_cast<int>(columns.size()), columns.data(), added.coefficients.data(),
-                   -COIN_DBL_MAX, added.rhs);
+        lp_.addRow(static_cast<int>(columns.size()), columns.data(), pool.coefficients(row).data(),
+                   -COIN_DBL_MAX, pool.rhs(row));
+        cuts_.push_back({row, 0});
     }
+}
+
+void relaxation::drop_slack_cuts(int rounds) {
+    std::vector<int> dropped;
+    std::vector<active_cut> kept;
+    for (std::size_t k = 0; k < cuts_.size(); ++k) {
+        const int row = model_rows_ + static_cast<int>(k);
+        const bool is_slack = lp_.getRowStatus(row) == ClpSimplex::basic;
+        const int slack_rounds = is_slack ? cuts_[k].slack_rounds + 1 : 0;
+        if (slack_rounds > rounds) {
+            dropped.push_back(row);
+        } else {
+            kept.push_back({cuts_[k].pool_row, slack_rounds});
+        }
+    }
+    if (!dropped.empty()) {
+        lp_.deleteRows(static_cast<int>(dropped.size()), dropped.data());
+    }
+    cuts_ = std::move(kept);
+}
+
+std::vector<std::size_t> relaxation::cuts() const {
+    std::vector<std::size_t> rows;
+    for (const active_cut& each : cuts_) {
+        rows.push_back(each.pool_row);
+    }
+    return rows;
+}
+
+/// By complementary slackness the optimal face consists of the feasible points in which every
+/// column with a reduced cost, and every row with a dual value, stays at its bound.
+std::vector<double> relaxation::another_optimum(const zktarn::random::rng_state& random) const {
+    constexpr double negligible = 1e-7;
+    ClpSimplex face(lp_);
+    for (int j = 0; j < lp_.numberColumns(); ++j) {
+        if (std::fabs(lp_.getReducedCost()[j]) > negligible) {
+            face.setColBounds(j, lp_.getColSolution()[j], lp_.getColSolution()[j]);
+        }
+        face.setObjCoeff(j, zktarn::random::rand_number(random) - 0.5);
+    }
+    for (int i = 0; i < lp_.numberRows(); ++i) {
+        if (std::fabs(lp_.getRowPrice()[i]) > negligible) {
+            face.setRowBounds(i, lp_.getRowActivity()[i], lp_.getRowActivity()[i]);
+        }
+    }
+    face.primal();
+    if (face.status() != optimal) {
+        return {};
+    }
+    return {face.getColSolution(), face.getColSolution() + face.numberColumns()};
 }
 
 } // namespace zero_half

@@ -1,15 +1,18 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include <ClpEventHandler.hpp>
 #include <ClpSimplex.hpp>
 
+#include "cuts/row_pool.hpp"
 #include "input/model.hpp"
-#include "lp/cut.hpp"
 #include "lp/safe_bound.hpp"
+#include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {
 
@@ -25,7 +28,17 @@ public:
 
     /// Solves by the dual simplex method, starting from the last basis.
     outcome solve();
-    void add(const std::vector<cut>& cuts);
+    /// Adds rows of the pool as cuts.
+    void add(const row_pool& pool, std::span<const std::size_t> rows);
+    /// Removes the cuts that were slack after each of the last `rounds` calls and this one. Call it
+    /// once after each solution.
+    void drop_slack_cuts(int rounds);
+    /// The rows of the pool that are cuts of the relaxation.
+    std::vector<std::size_t> cuts() const;
+
+    /// Another vertex of the optimal face, the optimum of a random objective over it. Empty when
+    /// the simplex method does not find it. The relaxation stays as it is.
+    std::vector<double> another_optimum(const zktarn::random::rng_state& random) const;
 
     /// After `optimal`: a lower bound on the objective of all feasible points. It is the objective
     /// at the point when that is proven up to a relative 1e-9, and less otherwise.
@@ -45,6 +58,11 @@ private:
         std::function<bool()> should_stop_;
     };
 
+    struct active_cut {
+        std::size_t pool_row;
+        int slack_rounds;
+    };
+
     void set_tolerance(double tolerance);
     void solve_afresh();
     outcome checked_outcome();
@@ -54,6 +72,9 @@ private:
     ClpSimplex lp_;
     std::optional<safe_bound> safe_bound_;
     double bound_ = 0.0;
+    /// The rows behind those of the model, in their order.
+    std::vector<active_cut> cuts_;
+    int model_rows_;
 };
 
 } // namespace zero_half

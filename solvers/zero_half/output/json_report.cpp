@@ -42,8 +42,10 @@ json record_of(const solved_model& solved) {
             {"bound", number_or_null(run.bound)},
             {"optimum", number_or_null(run.optimum)},
             {"gap_closed_percent", number_or_null(run.gap_closed(run.bound))},
-            {"cuts_kept", run.cuts()},
+            {"cuts_kept", run.cuts.size()},
             {"seconds", run.seconds},
+            {"cpu_seconds", run.cpu_seconds},
+            {"seed", run.seed},
             {"status", text_of(run.reason).name},
             {"rounds", rounds}};
 }

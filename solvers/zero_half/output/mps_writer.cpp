@@ -77,7 +77,7 @@ mps_writer::mps_writer(const solved_model& solved, std::ostream& stream)
     for (const std::string& name : model_.row_names) {
         rows_.push_back(row_names.add(name));
     }
-    for (std::size_t i = 1; i <= run_.cuts(); ++i) {
+    for (std::size_t i = 1; i <= run_.cuts.size(); ++i) {
         rows_.push_back(row_names.add("ZH" + std::to_string(i)));
     }
     objective_ = row_names.add("cost");
@@ -97,13 +97,15 @@ void mps_writer::add_model_rows() {
 }
 
 void mps_writer::add_cuts() {
-    for (std::size_t i = run_.first_cut; i < run_.pool.size(); ++i) {
-        for (const auto [j, coefficient] : zktarn::entries(run_.pool[i].coefficients)) {
-            entries_[static_cast<std::size_t>(j) - 1].push_back(
-                {&rows_[lower_.size()], coefficient});
+    for (const std::size_t row : run_.cuts) {
+        const auto columns = run_.pool.columns(row);
+        const auto coefficients = run_.pool.coefficients(row);
+        for (std::size_t k = 0; k < columns.size(); ++k) {
+            const auto j = static_cast<std::size_t>(columns[k]) - 1;
+            entries_[j].push_back({&rows_[lower_.size()], coefficients[k]});
         }
         lower_.push_back(-no_bound);
-        upper_.push_back(run_.pool[i].rhs);
+        upper_.push_back(run_.pool.rhs(row));
     }
 }
 

@@ -59,7 +59,7 @@ std::vector<line> lines_of(const std::deque<solved_model>& models, const layout&
             {shortened(labels[i], shape.label), std::to_string(program.row_count()),
              std::to_string(program.column_count()), with_digits(run.first_bound, shape.digits),
              with_digits(run.bound, shape.digits), with_digits(run.optimum, shape.digits),
-             with_two_decimals(run.gap_closed(run.bound)), std::to_string(run.cuts()),
+             with_two_decimals(run.gap_closed(run.bound)), std::to_string(run.cuts.size()),
              with_two_decimals(run.seconds), text_of(run.reason).word});
     }
     if (!shape.has_size) {

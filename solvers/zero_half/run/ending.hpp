@@ -11,6 +11,7 @@ enum class ending {
     gap_closed,
     no_cut_found,
     no_integer_point,
+    no_progress,
     rounds_used,
     time_used,
     interrupted,
@@ -27,12 +28,14 @@ struct ending_text {
 };
 
 /// All endings, in the order of the enumeration.
-inline constexpr std::array<ending_text, 9> ending_texts = {{
+inline constexpr std::array<ending_text, 10> ending_texts = {{
     {ending::integral, "integral", "integral", "the optimum of the relaxation is integral"},
     {ending::gap_closed, "gap_closed", "closed", "the requested share of the gap is closed"},
     {ending::no_cut_found, "no_cut_found", "no-cut", "no violated cut was found"},
     {ending::no_integer_point, "no_integer_point", "infeasible",
      "the cuts leave no point, so there is no integer point"},
+    {ending::no_progress, "no_progress", "stalled",
+     "several rounds in succession did not raise the bound"},
     {ending::rounds_used, "rounds_used", "rounds", "the limit of rounds was reached"},
     {ending::time_used, "time_used", "time", "the time limit was reached"},
     {ending::interrupted, "interrupted", "interrupt", "the user interrupted the run"},

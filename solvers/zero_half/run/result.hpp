@@ -1,10 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
-#include "cuts/integral_rows.hpp"
+#include "cuts/row_pool.hpp"
 #include "run/ending.hpp"
 
 namespace zero_half {
@@ -33,12 +34,17 @@ struct run_result {
     std::optional<double> optimum = {};
     ending reason = ending::no_cut_found;
     double seconds = 0.0;
+    /// Processor time, which other programs on the machine do not prolong.
+    double cpu_seconds = 0.0;
+    std::int32_t seed = 1;
     std::vector<round_figures> rounds = {};
-    /// The rows of the model scaled to integers, followed by the cuts.
-    std::vector<integral_row> pool = {};
+    /// The rows of the model made integral, followed by all violated cuts that were found.
+    row_pool pool = {};
     std::size_t first_cut = 0;
+    /// The rows of the pool that are cuts of the last relaxation. The others were not selected, or
+    /// dropped because they were slack.
+    std::vector<std::size_t> cuts = {};
 
-    std::size_t cuts() const { return pool.size() - first_cut; }
     /// The share of the gap between the first bound and the optimum that `reached` closes, in per
     /// cent, at most 100. Nothing without an optimum, or when `is_optimum_wrong`.
     std::optional<double> gap_closed(std::optional<double> reached) const;

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cmath>
 #include <cstdio>
+#include <ctime>
 #include <new>
 
 #include "cuts/separation.hpp"
@@ -11,7 +12,6 @@
 #include "lp/integral_point.hpp"
 #include "lp/relaxation.hpp"
 #include "run/bridge.hpp"
-#include "run/memory.hpp"
 
 namespace zero_half {
 
@@ -21,6 +21,10 @@ using clock = std::chrono::steady_clock;
 
 double seconds_since(clock::time_point start) {
     return std::chrono::duration<double>(clock::now() - start).count();
+}
+
+double cpu_seconds() {
+    return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
 }
 
 constexpr const char* heading =
@@ -38,6 +42,8 @@ std::string line_of(const round_figures& figures, std::optional<double> gap_clos
     return line;
 }
 
+constexpr int most_stalled_rounds = 15;
+
 /// One run, from the first relaxation to the last round.
 class run {
 public:
@@ -52,6 +58,7 @@ private:
     };
 
     step solve_first();
+    std::vector<std::size_t> separate();
     step execute_round();
     void take_bound();
     void record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms);
@@ -67,6 +74,7 @@ private:
     const model& model_;
     const run_options& options_;
     clock::time_point start_ = clock::now();
+    double cpu_start_ = cpu_seconds();
     bridge host_;
     zktarn::owned_generator random_;
     relaxation relaxation_;
@@ -77,6 +85,10 @@ private:
     bool is_integral_ = false;
     /// The bound as a minimisation.
     std::optional<double> lower_bound_;
+    /// The rounds since the bound rose.
+    int stalled_rounds_ = 0;
+    /// The violated cuts found in this round, selected or not.
+    std::size_t cuts_found_ = 0;
     /// The bounds of all relaxations so far, as the file counts them.
     std::vector<double> history_;
 };
@@ -84,22 +96,20 @@ private:
 run::run(const model& program, const run_options& options)
     : model_(program), options_(options), host_(options.show, options.has_output_function),
       random_(options.seed), relaxation_(program, [this] { return should_stop(); }),
-      separator_(program, *random_, [this] { return should_stop(); }) {
+      separator_(program.rows_and_bounds(), *random_, [this] { return should_stop(); }) {
     if (!random_) {
         throw std::bad_alloc();
     }
     result_.optimum = options.optimum;
     result_.is_maximised = program.is_maximised;
+    result_.seed = options.seed;
 }
 
 run_result run::execute() {
     step last = solve_first();
+    result_.first_cut = separator_.model_rows();
     host_.print_round(heading);
     std::optional<ending> reason = reason_to_end(last);
-    if (!reason) {
-        result_.pool = integral_rows_of(model_);
-        result_.first_cut = result_.pool.size();
-    }
     while (!reason) {
         last = execute_round();
         reason = reason_to_end(last);
@@ -110,7 +120,9 @@ run_result run::execute() {
     }
     host_.report("done", static_cast<int>(result_.rounds.size()), result_.bound.value_or(0.0),
                  history_);
+    result_.pool = separator_.pool();
     result_.seconds = seconds_since(start_);
+    result_.cpu_seconds = cpu_seconds() - cpu_start_;
     return std::move(result_);
 }
 
@@ -146,6 +158,9 @@ std::optional<ending> run::reason_to_end(const step& last) const {
     if (is_time_used()) {
         return ending::time_used;
     }
+    if (stalled_rounds_ >= most_stalled_rounds) {
+        return ending::no_progress;
+    }
     return last.has_cuts ? std::nullopt : std::optional(ending::no_cut_found);
 }
 
@@ -169,42 +184,71 @@ run::step run::solve_first() {
     return {outcome};
 }
 
+/// The rows of the pool to be added. A vertex that gives no cut, or cuts that have not raised the
+/// bound for some rounds, may be one of many with the same objective; then others are separated
+/// too.
+std::vector<std::size_t> run::separate() {
+    constexpr int most_other_points = 5;
+    constexpr int rounds_until_stall = 3;
+    std::vector<std::size_t> rows = separator_.find(relaxation_.point());
+    cuts_found_ = separator_.found();
+    bool is_wanted = rows.empty() || stalled_rounds_ >= rounds_until_stall;
+    for (int i = 0; i < most_other_points && is_wanted && !should_stop(); ++i) {
+        const std::vector<double> point = relaxation_.another_optimum(*random_);
+        if (point.empty()) {
+            break;
+        }
+        const std::vector<std::size_t> further = separator_.find(point.data());
+        cuts_found_ += separator_.found();
+        for (const std::size_t row : further) {
+            if (std::find(rows.begin(), rows.end(), row) == rows.end()) {
+                rows.push_back(row);
+            }
+        }
+        is_wanted = rows.empty();
+    }
+    return rows;
+}
+
 /// Separates the point and solves the relaxation with the cuts. When that does not succeed, the
 /// cuts of the round are removed; if they leave no point, they are kept, because they prove it.
 run::step run::execute_round() {
+    constexpr int most_slack_rounds = 5;
     const clock::time_point separation_start = clock::now();
-    const std::vector<cut> cuts = separator_.find(result_.pool, relaxation_.point());
+    const std::size_t pool_size = separator_.pool().size();
+    const std::vector<std::size_t> rows = separate();
     const double separation_ms = seconds_since(separation_start) * 1e3;
-    if (cuts.empty()) {
+    if (rows.empty()) {
         return {relaxation::outcome::optimal, false};
     }
     const clock::time_point relaxation_start = clock::now();
-    const auto pool_size = static_cast<std::ptrdiff_t>(result_.pool.size());
-    for (const cut& found : cuts) {
-        result_.pool.push_back(integral_row_of(found, model_.column_count()));
-    }
-    relaxation_.add(cuts);
+    relaxation_.drop_slack_cuts(most_slack_rounds);
+    relaxation_.add(separator_.pool(), rows);
     const relaxation::outcome outcome = relaxation_.solve();
     if (outcome == relaxation::outcome::optimal) {
         take_bound();
-        record_round(cuts.size(), separation_ms, seconds_since(relaxation_start) * 1e3);
+        record_round(rows.size(), separation_ms, seconds_since(relaxation_start) * 1e3);
     } else if (outcome != relaxation::outcome::infeasible) {
-        result_.pool.erase(result_.pool.begin() + pool_size, result_.pool.end());
+        separator_.truncate(pool_size);
+        return {outcome};
     }
+    result_.cuts = relaxation_.cuts();
     return {outcome};
 }
 
 /// Further rows cannot lower the bound, so a lower one comes from rounding errors and the last one
 /// remains. No bound is above the objective of an integer point.
 void run::take_bound() {
-    const double last = lower_bound_.value_or(relaxation_.bound());
-    double bound = std::max(last, relaxation_.bound());
+    const std::optional<double> last = lower_bound_;
+    double bound = std::max(last.value_or(relaxation_.bound()), relaxation_.bound());
     const std::optional<double> objective = integral_objective(model_, relaxation_.point());
     is_integral_ = objective && *objective <= bound + 1e-6 * (1.0 + std::fabs(bound));
     if (objective) {
         bound = std::min(bound, *objective);
     }
-    zktarn::assert_mod::tarnassert(bound >= last - 1e-6 * (1.0 + std::fabs(bound)));
+    zktarn::assert_mod::tarnassert(!last || bound >= *last - 1e-6 * (1.0 + std::fabs(bound)));
+    const bool has_risen = !last || bound > *last + 1e-6 * (1.0 + std::fabs(bound));
+    stalled_rounds_ = has_risen ? 0 : stalled_rounds_ + 1;
     lower_bound_ = bound;
     result_.bound = model_.in_sense_of_file(bound);
     history_.push_back(*result_.bound);
@@ -212,7 +256,7 @@ void run::take_bound() {
 
 void run::record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms) {
     const int round = static_cast<int>(result_.rounds.size()) + 1;
-    result_.rounds.push_back({round, *result_.bound, separator_.found(), cuts_kept, separation_ms,
+    result_.rounds.push_back({round, *result_.bound, cuts_found_, cuts_kept, separation_ms,
                               relaxation_ms, seconds_since(start_)});
     host_.print_round(line_of(result_.rounds.back(), result_.gap_closed(result_.bound)));
     host_.report("cutting", round, *result_.bound, history_);
@@ -221,7 +265,6 @@ void run::record_round(std::size_t cuts_kept, double separation_ms, double relax
 } // namespace
 
 run_result tighten(const model& program, const run_options& options) {
-    check_memory(program);
     return run(program, options).execute();
 }
 

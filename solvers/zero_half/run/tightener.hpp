@@ -7,8 +7,7 @@
 namespace zero_half {
 
 /// Tightens the relaxation of a model by cuts, round after round, and reports each round to the
-/// host. Throws `error` when the relaxation is infeasible, unbounded or cannot be solved, or when
-/// there is too little memory.
+/// host. Throws `error` when the relaxation is infeasible, unbounded or cannot be solved.
 run_result tighten(const model& program, const run_options& options);
 
 } // namespace zero_half

@@ -1,0 +1,42 @@
+#include "cuts/row_pool.hpp"
+
+#include <utility>
+
+#include "zktarn/zktarn_util.hpp"
+
+namespace zero_half {
+
+void row_pool::add(std::span<const std::int32_t> columns, std::span<const double> coefficients,
+                   double rhs, row_origin origin) {
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        columns_.push_back(columns[k]);
+        coefficients_.push_back(coefficients[k]);
+        if (zktarn::util::is_even_real(coefficients[k], 0.0) == 0) {
+            odd_.push_back(columns[k]);
+        }
+    }
+    starts_.push_back(columns_.size());
+    odd_starts_.push_back(odd_.size());
+    rhs_.push_back(rhs);
+    origins_.push_back(std::move(origin));
+}
+
+void row_pool::truncate(std::size_t count) {
+    starts_.resize(count + 1);
+    odd_starts_.resize(count + 1);
+    columns_.resize(starts_.back());
+    coefficients_.resize(starts_.back());
+    odd_.resize(odd_starts_.back());
+    rhs_.resize(count);
+    origins_.resize(count);
+}
+
+double row_pool::slack(std::size_t row, const double* point) const {
+    double slack = rhs_[row];
+    for (std::size_t k = starts_[row]; k < starts_[row + 1]; ++k) {
+        slack -= coefficients_[k] * point[columns_[k] - 1];
+    }
+    return slack;
+}
+
+} // namespace zero_half
