@@ -28,15 +28,16 @@ struct stored_array {
     array_handle owner = 0;
     call_stack origin = {};
 
-    /// Adds a field, empty in each of `count` elements. Throws, and adds nothing, without memory.
+    /// Adds a field, empty in each of `count` elements. If memory is missing, throws and adds
+    /// nothing.
     void append_field(const std::string& name, std::size_t count);
 };
 
-/// All arrays of the host. Handles count from 1 and are never used again. A procedure with faulty
+/// All arrays of the host. Handles count from 1 and are never reused. A procedure with faulty
 /// arguments throws the fault and changes nothing.
 ///
 /// A failure value (handle 0, field number 0, a null address) that an earlier failed operation
-/// returned is no fault: the procedure then does nothing and returns a failure value itself.
+/// returned is not a fault: the procedure then does nothing and returns its own failure value.
 class array_table {
 public:
     static array_table& instance();

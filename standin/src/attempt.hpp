@@ -12,8 +12,8 @@
 #include "call_observers.hpp"
 #include "fault_report.hpp"
 
-/// What every operation of the host does around its own work: it is counted, fails as planned, is
-/// logged, is answered by a script, and reports its faults with no lock held.
+/// The frame that all operations of the host share: it counts the call, lets it fail as planned,
+/// logs it, lets a script answer it, and reports faults with no lock held.
 
 namespace zktarn::standin {
 
@@ -22,7 +22,7 @@ struct nothing {
     bool operator==(const nothing&) const = default;
 };
 
-// Results as the log has them, and back.
+// Conversion of results to and from the form of the log.
 // -------------------------------------------------------------------------------------------
 
 template <class Result>
@@ -80,8 +80,8 @@ using written_handles = written_output<std::int64_t, &answer::handles>;
 // The attempt
 // -------------------------------------------------------------------------------------------
 
-/// The result of the work; nothing when it throws a fault, which is reported, and when the process
-/// has no memory for it, or no room for that many elements.
+/// The result of the work. Empty when the work throws a fault, which is reported, when memory is
+/// missing, and when a container cannot have that many elements.
 template <class Result, class Work>
 std::optional<Result> carried_out(Work& work) noexcept {
     try {

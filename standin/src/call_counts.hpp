@@ -13,7 +13,7 @@ bool fails(operation what) noexcept;
 void note_failure(operation what) noexcept;
 
 /// Whether an operation that returns a handle, a number or an address has failed since the last
-/// `reset`: callers then pass on the failure values without a mistake of theirs.
+/// `reset`: a failure value that a caller passes on is then not a fault.
 bool has_failed() noexcept;
 
 void reset_call_counts() noexcept;

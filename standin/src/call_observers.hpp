@@ -24,7 +24,7 @@ std::int64_t log_call(const host_call& asked);
 /// Adds the result to a call at a position of the log.
 void log_result(std::int64_t position, const answer& result);
 
-/// What the script of the operation answers; nothing without a script, or when it leaves the call
+/// The answer of the operation's script. Empty without a script, or when the script leaves the call
 /// to the stand-in.
 std::optional<answer> scripted_answer(const host_call& asked);
 

@@ -7,7 +7,7 @@
 
 namespace zktarn::standin {
 
-// Each throws a fault for an address that is no live generator or snapshot.
+// Each throws a fault for an address that is not a live generator or snapshot.
 
 void* make_generator(std::int32_t seed);
 void draw(void* generator, double* values, std::int64_t count);

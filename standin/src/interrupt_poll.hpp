@@ -2,7 +2,7 @@
 
 namespace zktarn::standin {
 
-/// Whether there is an interrupt; the next poll no longer sees it.
+/// Returns whether an interrupt is pending, and clears it.
 bool take_interrupt() noexcept;
 
 void reset_interrupts() noexcept;

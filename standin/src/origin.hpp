@@ -4,7 +4,7 @@
 
 namespace zktarn::standin {
 
-/// The current calls when origins are recorded, else nothing.
+/// The current calls if origins are recorded, else an empty stack.
 call_stack origin_now() noexcept;
 
 /// Records origins as when the process started.

@@ -16,7 +16,7 @@ namespace zktarn::standin {
 /// What an operation returns or writes. Each operation uses one part, `qvxcallquarn800_` two; the
 /// others stay empty.
 struct answer {
-    /// A handle, a field number, a status, or a truth as 1 or 0.
+    /// A handle, a field number, a status, or a logical value as 1 or 0.
     std::int64_t number = 0;
     /// A block, a generator, a snapshot, or the data of an array.
     void* address = nullptr;
@@ -30,7 +30,7 @@ struct answer {
 /// Lengths of texts and what the operation writes to are left out.
 struct host_call {
     operation what;
-    /// Sizes, counts, indices, extents, handles, seeds, and a truth as 1 or 0.
+    /// Sizes, counts, indices, extents, handles, seeds, and logical values as 1 or 0.
     std::vector<std::int64_t> integers = {};
     /// Texts; a list of fixed-width slots is one text.
     std::vector<std::string> texts = {};
@@ -38,7 +38,7 @@ struct host_call {
     std::vector<double> reals = {};
     /// Blocks, generators, snapshots, and data of arrays.
     std::vector<const void*> addresses = {};
-    /// What the operation answered; empty while it runs.
+    /// What the operation returned and wrote; empty while it runs.
     answer result = {};
 };
 
@@ -59,13 +59,14 @@ bool log_calls(bool on) noexcept;
 /// Empties the log.
 void clear_call_log();
 
-/// Answers a call in place of the stand-in; nothing leaves the call to the stand-in. Runs on the
-/// thread that calls, with no lock of the stand-in held. Must not throw.
+/// Answers a call in place of the stand-in. An empty result leaves the call to the stand-in. Runs
+/// on the thread that calls, with no lock of the stand-in held. Must not throw.
 using call_script = std::function<std::optional<answer>(const host_call&)>;
 
-/// Answers the calls of an operation by a script, and returns the one that did before, if any. An
-/// empty script returns the operation to the stand-in. A planned failure comes first. What a script
-/// hands out is unknown to the stand-in: other operations on it need scripts, too.
+/// Lets a script answer the calls of an operation, and returns the previous script, if any. An
+/// empty script returns the operation to the stand-in. A planned failure takes precedence over a
+/// script. The stand-in does not know the objects that a script returns: other operations on them
+/// need scripts, too.
 call_script answer_calls(operation what, call_script script);
 
 } // namespace zktarn::standin

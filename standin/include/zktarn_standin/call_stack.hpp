@@ -14,7 +14,7 @@ class call_stack {
 public:
     call_stack() noexcept = default;
 
-    /// The calls that are active now, without those inside of the stand-in that are innermost.
+    /// The calls that are active now, without the innermost ones, which are the stand-in's own.
     [[nodiscard]] static call_stack current() noexcept;
 
     [[nodiscard]] bool empty() const noexcept { return addresses_ == nullptr; }
@@ -35,8 +35,8 @@ private:
 /// starts. Off, it costs nothing. On, each of these objects costs one walk of the stack, which
 /// takes many times as long as making a small block does, and up to 32 addresses of memory.
 ///
-/// The place of a fault or a failed assertion itself is always found, because it is looked for only
-/// when that happens.
+/// The place of a fault or of a failed assertion is always recorded, because the stack is walked
+/// only then.
 bool record_origins(bool on) noexcept;
 
 } // namespace zktarn::standin

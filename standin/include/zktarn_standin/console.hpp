@@ -16,7 +16,7 @@ enum class console {
 };
 
 /// Chooses the destination of console text and returns the previous one. Initially `show`. Text
-/// captured so far stays; `reset` forgets the text and keeps the choice.
+/// captured so far stays; `reset` discards the text and keeps the destination.
 console set_console(console destination);
 
 /// The text captured so far.
@@ -26,7 +26,7 @@ console set_console(console destination);
 /// output.
 [[nodiscard]] std::string flushed_console_text();
 
-/// Forgets the captured text.
+/// Discards the captured text.
 void clear_console();
 
 } // namespace zktarn::standin

@@ -10,22 +10,20 @@
 
 namespace zktarn::standin {
 
-/// The mistakes that the stand-in sees. An operation with a faulty argument does nothing and
+/// The mistakes that the stand-in detects. An operation with a faulty argument does nothing and
 /// returns its failure value.
 enum class fault_kind {
     /// Arguments out of range: a block of fewer than one byte, a negative size, a kind of array
-    /// that
-    /// the stand-in does not have.
+    /// that the stand-in does not have.
     bad_request,
-    /// A block released a second time; ignored. Seen until the host hands out the same address
-    /// again.
+    /// A block released a second time; ignored. Detected until its address is used again.
     double_free,
     /// Release of an address that the host never handed out, one inside a block included; ignored.
     foreign_free,
-    /// Bytes past the end of a block were written. Seen when the block is released, by
+    /// Bytes past the end of a block were written. Detected when the block is released, by
     /// `check_blocks` and at exit.
     write_past_end,
-    /// Bytes before the start of a block were written. Seen as above.
+    /// Bytes before the start of a block were written. Detected as above.
     write_before_start,
     /// A handle that names no array, an address at which no array has its data, a generator or a
     /// snapshot that was never made.
@@ -64,7 +62,7 @@ struct fault {
 /// throw.
 using fault_handler = std::function<void(const fault&)>;
 
-/// Installs the handler of faults and returns the previous one. An empty handler stands for the
+/// Installs the handler of faults and returns the previous one. An empty handler restores the
 /// default, which writes the sentence and both call stacks to standard error and aborts.
 fault_handler set_fault_handler(fault_handler handler);
 
@@ -72,8 +70,8 @@ fault_handler set_fault_handler(fault_handler handler);
 /// where. Must not throw.
 using assertion_handler = std::function<void()>;
 
-/// Installs the handler of failed assertions and returns the previous one. An empty handler stands
-/// for the default, which writes a sentence and the call stack to standard error and aborts.
+/// Installs the handler of failed assertions and returns the previous one. An empty handler
+/// restores the default, which writes a sentence and the call stack to standard error and aborts.
 assertion_handler set_assertion_handler(assertion_handler handler);
 
 } // namespace zktarn::standin

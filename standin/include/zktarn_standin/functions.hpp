@@ -19,7 +19,7 @@ class reply {
 public:
     using content = std::variant<double, std::vector<double>, std::string>;
 
-    /// Any number; a truth as 1 or 0.
+    /// Any number; a logical value becomes 1 or 0.
     template <class Number>
     reply(Number scalar) requires std::is_arithmetic_v<Number>
         : content_(static_cast<double>(scalar)) {}

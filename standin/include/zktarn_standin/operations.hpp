@@ -66,7 +66,7 @@ void fail_call(operation what, std::int64_t k) noexcept;
 ///   - the log is off and empty, new blocks are not filled, large blocks lie on huge pages;
 ///   - the default handlers are installed, no function is registered, the report at exit is on;
 ///   - origins are recorded as when the process started;
-///   - captured console text is forgotten, but the choice made with `set_console` stays;
+///   - captured console text is discarded, but the destination set with `set_console` stays;
 ///   - SIGINT is left alone until the next poll.
 ///
 /// Blocks, arrays, generators and snapshots stay, and keep their numbers.

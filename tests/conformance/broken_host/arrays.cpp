@@ -150,10 +150,10 @@ std::int32_t qvgetfieldnumber800_(const array_handle& structure, const char* fie
 
 std::int32_t qvaddfield800_(const array_handle& structure, const char* field_name,
                             std::int64_t field_name_length) noexcept {
-    array& to = arrays.at(structure);
-    to.names.emplace_back(field_name, static_cast<std::size_t>(field_name_length));
-    to.values.push_back(0);
-    return static_cast<std::int32_t>(to.names.size()) - (has_flaw("add_counts_from_0") ? 1 : 0);
+    array& target = arrays.at(structure);
+    target.names.emplace_back(field_name, static_cast<std::size_t>(field_name_length));
+    target.values.push_back(0);
+    return static_cast<std::int32_t>(target.names.size()) - (has_flaw("add_counts_from_0") ? 1 : 0);
 }
 
 data_address qvgetpr800_(const array_handle& array) noexcept {
@@ -171,19 +171,19 @@ data_address qvgetpr800_(const array_handle& array) noexcept {
     return has_flaw("one_address") ? read_only_copy : reals.data();
 }
 
-void qvcopyptrtoreal8800_(const data_address& from, double* to,
+void qvcopyptrtoreal8800_(const data_address& source, double* destination,
                           const std::int64_t& count) noexcept {
     const std::int64_t n = count + (has_flaw("copies_out_more") && count > 1 ? 1 : 0);
-    std::copy_n(from, has_flaw("copies_out_nothing") ? 0 : n, to);
+    std::copy_n(source, has_flaw("copies_out_nothing") ? 0 : n, destination);
 }
 
-void qvcopyreal8toptr800_(const double* from, const data_address& to,
+void qvcopyreal8toptr800_(const double* source, const data_address& destination,
                           const std::int64_t& count) noexcept {
-    if (has_flaw("null_numbers") && from == nullptr) {
+    if (has_flaw("null_numbers") && source == nullptr) {
         std::abort();
     }
     const std::int64_t n = count - (has_flaw("copies_in_less") && count > 1 ? 1 : 0);
-    std::copy_n(from, n, to);
+    std::copy_n(source, n, destination);
 }
 
 void qvdestroyarray800_(const array_handle& array) noexcept {
