@@ -76,7 +76,8 @@ std::string shown(const std::string& text) {
     return "'" + line + "'" + (text.size() > 60 ? " and more" : "");
 }
 
-/// The console output of a call, flushed by the host alone or by this program as well.
+/// Compares the console output of a call with a text. The host flushes it; so does this program if
+/// `flush_here` is true.
 finding comes_out(const std::string& expected, bool flush_here,
                   const std::function<void()>& print_it) {
     const caught_output output;
@@ -107,7 +108,7 @@ void check_caught_console() {
             print(line + "\n");
         });
     });
-    check(flushes, "has all that was printed come out",
+    check(flushes, "makes all printed text visible",
           [] { return comes_out("flushed\n", false, [] { print("flushed\n"); }); });
 }
 
@@ -128,7 +129,7 @@ void check_console(const settings& wanted) {
         host::ioFlushOptim();
         return finding();
     });
-    note(prints, "not looked at; the console must now show the two lines '<100% of %d %s' and "
+    note(prints, "not checked; the console must now show the two lines '<100% of %d %s' and "
                  "'  and no more  >'");
 }
 

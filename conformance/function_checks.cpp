@@ -77,7 +77,7 @@ void check_function(const settings& wanted) {
         note(calls, "not called, because --function names no function");
         return;
     }
-    check(calls, "has '" + wanted.function + "' answer, twice, from an input that stays",
+    check(calls, "calls '" + wanted.function + "' twice and leaves the input unchanged",
           [&] { return answers(wanted); });
 }
 

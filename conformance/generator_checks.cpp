@@ -55,7 +55,7 @@ public:
 /// A snapshot that lives as long as this object.
 class snapshot {
 public:
-    explicit snapshot(void* of) : address(host::getRngStateOptim(of)) {}
+    explicit snapshot(void* source) : address(host::getRngStateOptim(source)) {}
     ~snapshot() {
         if (address != nullptr) {
             host::deleteRngStateOptim(address);
@@ -125,12 +125,12 @@ finding keeps_generators_apart() {
     if (a.address == nullptr || b.address == nullptr) {
         return no_generator;
     }
-    numbers of_a;
+    numbers drawn;
     for (int i = 0; i < 20; ++i) {
-        of_a.push_back(draw(a.address, 1)[0]);
+        drawn.push_back(draw(a.address, 1)[0]);
         draw(b.address, 1);
     }
-    return expect(of_a == numbers_of_seed(1), "draws from one change the numbers of the other");
+    return expect(drawn == numbers_of_seed(1), "draws from one change the numbers of the other");
 }
 
 finding serves_two_threads() {
@@ -219,7 +219,7 @@ void check_generators() {
     check("getRngStateOptim", "leaves the generator as it is", takes_snapshot_without_change);
     check("setRngStateOptim", "restores the numbers that followed the snapshot",
           [] { return repeats_by_snapshot(1); });
-    check("setRngStateOptim", "leaves the snapshot valid for more",
+    check("setRngStateOptim", "leaves the snapshot valid for another restoration",
           [] { return repeats_by_snapshot(3); });
     check("deleteRngOptim", "releases generators, one after the other", come_and_go);
     check("deleteRngStateOptim", "releases a snapshot after its generator",

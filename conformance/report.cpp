@@ -17,10 +17,10 @@ namespace {
 int checks = 0;
 int failed = 0;
 
-// The check that is running. The signal handler reads it, so it is no string.
+// The check that is running. A signal handler reads it, so it is not a std::string.
 std::array<char, 256> current = {};
 
-/// Not always standard output, which a check may have redirected.
+/// A copy of standard output, where there is one: a check may redirect standard output.
 int lines_go_to = STDOUT_FILENO;
 
 void set_current(const std::string& text) {

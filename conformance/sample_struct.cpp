@@ -8,7 +8,7 @@ namespace {
 
 using host::array_handle;
 
-struct int32_in_company {
+struct int32_with_neighbour {
     std::int32_t value;
     std::int32_t neighbour = -1;
 };
@@ -20,7 +20,7 @@ std::int64_t length(std::string_view text) {
 }
 
 /// A text. The characters behind it do not belong to it.
-std::string in_company(std::string_view text) {
+std::string with_trailing_characters(std::string_view text) {
     return std::string(text) + "#?";
 }
 
@@ -28,34 +28,37 @@ std::string in_company(std::string_view text) {
 
 array_handle make_struct(std::int64_t ndims, std::initializer_list<std::string_view> slots) {
     const std::int64_t extents[] = {1, 1};
-    const int32_in_company nfields{static_cast<std::int32_t>(slots.size())};
+    const int32_with_neighbour nfields{static_cast<std::int32_t>(slots.size())};
     std::string names;
     for (const std::string_view slot : slots) {
         names += slot;
     }
-    return host::qvcreatestructarray800_(ndims, extents, nfields.value, in_company(names).data(),
+    return host::qvcreatestructarray800_(ndims, extents, nfields.value,
+                                         with_trailing_characters(names).data(),
                                          length(*slots.begin()));
 }
 
 array_handle make_text(std::string_view text) {
-    return host::qvcreatestring800_(in_company(text).data(), length(text));
+    return host::qvcreatestring800_(with_trailing_characters(text).data(), length(text));
 }
 
 array_handle make_matrix(std::int64_t rows, std::int64_t columns) {
-    const int32_in_company is_real{0};
+    const int32_with_neighbour is_real{0};
     return host::qvcreatedoublematrix800_(rows, columns, is_real.value);
 }
 
 std::int32_t field_number(const array_handle& structure, std::string_view name) {
-    return host::qvgetfieldnumber800_(structure, in_company(name).data(), length(name));
+    return host::qvgetfieldnumber800_(structure, with_trailing_characters(name).data(),
+                                      length(name));
 }
 
 void set_field(const array_handle& structure, std::string_view name, const array_handle& value) {
-    host::qvsetfield800_(structure, first_element, in_company(name).data(), value, length(name));
+    host::qvsetfield800_(structure, first_element, with_trailing_characters(name).data(), value,
+                         length(name));
 }
 
 void set_field(const array_handle& structure, std::int32_t number, const array_handle& value) {
-    const int32_in_company field{number};
+    const int32_with_neighbour field{number};
     host::qvsetfieldbynumber800_(structure, first_element, field.value, value);
 }
 

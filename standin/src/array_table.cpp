@@ -50,7 +50,7 @@ void stored_array::append_field(const std::string& name, std::size_t count) {
     values.push_back(std::move(elements));
 }
 
-/// Never destroyed, so that arrays which are destroyed late are still known.
+/// Never destroyed, so that arrays can be destroyed while the process exits.
 array_table& array_table::instance() {
     static array_table& all = *new array_table;
     return all;
@@ -73,7 +73,7 @@ stored_array& array_table::find(const char* caller, array_handle handle, wanted 
         what == wanted::any || (what == wanted::structure) == (found.kind == array_kind::structure);
     if (!fits || (what == wanted::real && found.kind == array_kind::text)) {
         refuse(fault_kind::wrong_kind, caller,
-               described(handle, found.kind, found.made_by) + " is no " +
+               described(handle, found.kind, found.made_by) + " is not a " +
                    (what == wanted::structure ? "struct" : "real array"),
                found.origin);
     }
@@ -275,9 +275,9 @@ void array_table::check_data(operation caller, const double* address, std::int64
     }
     if (count > end - address) {
         refuse(fault_kind::out_of_range, caller,
-               described(handle, found.kind, found.made_by) + " does not have " +
-                   counted(count, "number") + " from there on, but " +
-                   std::to_string(end - address),
+               described(handle, found.kind, found.made_by) + " has " +
+                   counted(end - address, "number") + " from that address on, not " +
+                   std::to_string(count),
                found.origin);
     }
 }

@@ -84,7 +84,7 @@ private:
     std::mutex lock_;
     std::map<array_handle, stored_array> live_;
     std::map<const double*, array_handle> data_;
-    /// What each handle stands or stood for, from the first one on.
+    /// The array that each handle names or named, by handle.
     std::vector<past_array> made_;
 };
 

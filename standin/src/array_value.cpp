@@ -40,14 +40,15 @@ const std::vector<double>& array_value::reals() const& {
 
 const std::string& array_value::text() const& {
     if (kind != array_kind::text) {
-        report(fault_kind::wrong_kind, "text() was called for an array that is no text");
+        report(fault_kind::wrong_kind, "text() was called for an array that is not a text");
     }
     return text_;
 }
 
 std::vector<std::string> array_value::field_names() const {
     if (kind != array_kind::structure) {
-        report(fault_kind::wrong_kind, "field_names() was called for an array that is no struct");
+        report(fault_kind::wrong_kind,
+               "field_names() was called for an array that is not a struct");
     }
     std::vector<std::string> names;
     names.reserve(fields_.size());
@@ -59,7 +60,7 @@ std::vector<std::string> array_value::field_names() const {
 
 bool array_value::has_field(const std::string& name) const {
     if (kind != array_kind::structure) {
-        report(fault_kind::wrong_kind, "has_field() was called for an array that is no struct");
+        report(fault_kind::wrong_kind, "has_field() was called for an array that is not a struct");
     }
     return std::any_of(fields_.begin(), fields_.end(),
                        [&](const auto& each) { return each.first == name; });

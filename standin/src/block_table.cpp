@@ -51,7 +51,7 @@ struct block_table {
     bool huge_pages = true;
 };
 
-/// Never destroyed, so that blocks released late are still known.
+/// Never destroyed, so that blocks can be released while the process exits.
 block_table& table() {
     static block_table& all = *new block_table;
     return all;
@@ -81,7 +81,8 @@ void set_guard(unsigned char* guard) {
     std::memset(guard, guard_byte, guard_size);
 }
 
-/// Tells the system which pages to use. It may ignore that, so the answer does not matter.
+/// Advises the system which pages to use. The system may ignore the advice, so its result is not
+/// tested.
 void advise([[maybe_unused]] void* start, [[maybe_unused]] std::size_t size,
             [[maybe_unused]] bool huge_pages) {
 #ifdef __linux__

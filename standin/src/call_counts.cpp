@@ -58,7 +58,7 @@ bool hands_out(operation what) noexcept {
     }
 }
 
-/// Whether an operation has a failure value, or leaves something unwritten when it fails.
+/// Whether an operation has a failure value, or writes no output when it fails.
 bool can_fail(operation what) noexcept {
     return hands_out(what) || what == operation::instantiateRngOptim ||
            what == operation::getRandUniformOptim || what == operation::getRngStateOptim ||
@@ -89,9 +89,9 @@ void fail_call(operation what, std::int64_t k) noexcept {
 
 bool fails(operation what) noexcept {
     counts[position(what)].fetch_add(1, std::memory_order_relaxed);
-    auto& left = calls_to_failure[position(what)];
-    return left.load(std::memory_order_relaxed) >= 1 && can_fail(what) &&
-           left.fetch_sub(1, std::memory_order_relaxed) == 1;
+    auto& remaining = calls_to_failure[position(what)];
+    return remaining.load(std::memory_order_relaxed) >= 1 && can_fail(what) &&
+           remaining.fetch_sub(1, std::memory_order_relaxed) == 1;
 }
 
 void note_failure(operation what) noexcept {

@@ -17,18 +17,18 @@ struct call_log {
     std::mutex lock;
     bool on = false;
     std::vector<host_call> calls;
-    // The number of calls that were in the log before it was last emptied.
+    // The number of calls that have been removed from the log.
     std::int64_t forgotten = 0;
     std::array<std::shared_ptr<call_script>, operation_count> scripts;
 };
 
-/// Never destroyed: operations are called while the process winds down.
+/// Never destroyed: operations are called while the process exits.
 call_log& all() {
     static auto& log = *new call_log;
     return log;
 }
 
-/// Counts one observer more or less when there is one now and was none, or the other way round.
+/// Adds an observer if there is one now and was none before; removes one in the opposite case.
 void count_observer(bool before, bool now) noexcept {
     observers.fetch_add(static_cast<int>(now) - static_cast<int>(before));
 }
@@ -153,7 +153,7 @@ std::int64_t log_call(const host_call& asked) {
 
 void log_result(std::int64_t position, const answer& result) {
     const std::lock_guard guard(all().lock);
-    // The call may have been forgotten while it ran.
+    // The log may have been emptied while the call ran.
     if (position >= all().forgotten) {
         all().calls[static_cast<std::size_t>(position - all().forgotten)].result = result;
     }

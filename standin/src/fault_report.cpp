@@ -17,7 +17,7 @@ struct handlers {
     std::shared_ptr<assertion_handler> on_failed_assertion;
 };
 
-/// Never destroyed: solver code may still report while the process winds down.
+/// Never destroyed: solver code may still report while the process exits.
 handlers& installed() {
     static auto& all = *new handlers;
     return all;
@@ -33,8 +33,8 @@ Handler replace(std::shared_ptr<Handler> handlers::*which, Handler handler) {
     return next ? *next : Handler();
 }
 
-/// The handler itself, so that it keeps its state, and shared, so that it runs with no lock held
-/// and may install another one.
+/// The installed handler, not a copy, so that it keeps its state. It is shared, so that it runs
+/// with no lock held and may install another one.
 template <class Handler>
 std::shared_ptr<Handler> current(std::shared_ptr<Handler> handlers::*which) {
     const std::lock_guard guard(installed().lock);

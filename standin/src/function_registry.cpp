@@ -42,7 +42,7 @@ struct make_array {
     }
 };
 
-/// The function itself, so that it keeps its state.
+/// The registered function, not a copy, so that it keeps its state.
 std::shared_ptr<host_function> find(const std::string& name) {
     const std::lock_guard guard(registered().lock);
     const auto entry = registered().functions.find(name);
@@ -74,7 +74,8 @@ host_function set_function(const std::string& name, host_function function) {
 }
 
 void reset_functions() {
-    // Destroyed behind the lock: a function may own anything.
+    // Destroyed after the lock is released, because the destructor of a function may call the
+    // stand-in.
     std::map<std::string, std::shared_ptr<host_function>> removed;
     const std::lock_guard guard(registered().lock);
     registered().functions.swap(removed);

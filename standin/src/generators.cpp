@@ -16,8 +16,8 @@ namespace {
 // Draws the same numbers on every platform.
 using engine = std::mt19937_64;
 
-/// Generators or snapshots: both are an engine. Its handle is its number in the form of an address,
-/// which is never used again.
+/// Generators or snapshots; each is an engine. Its handle is its number in the form of an address,
+/// and is never reused.
 class engines {
 public:
     /// @param tag  distinguishes the handles of two kinds; less than `spacing`.
@@ -59,7 +59,7 @@ private:
     // Handles are aligned as addresses of engines would be.
     static constexpr std::uintptr_t spacing = 64;
 
-    /// 0 for an address that is no handle.
+    /// 0 for an address that is not a handle.
     std::int64_t number_of(const void* handle) const {
         const auto bits = reinterpret_cast<std::uintptr_t>(handle);
         return bits % spacing == tag_ ? static_cast<std::int64_t>(bits / spacing) : 0;
@@ -77,7 +77,7 @@ private:
                             described(number) + " was used after it was deleted");
         }
         standin::refuse(fault_kind::unknown_object, caller,
-                        std::string("the address is that of no ") + what_);
+                        std::string("the address is not that of a ") + what_);
     }
 
     const char* what_;

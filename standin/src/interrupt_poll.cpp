@@ -22,7 +22,7 @@ static_assert(std::atomic<std::int64_t>::is_always_lock_free);
 std::atomic<std::int64_t> polls_to_interrupt = 0;
 
 /// Held by polls and settings, which change the handler; the signal handler does not take it. Never
-/// destroyed, because a solver may poll while the process winds down.
+/// destroyed, because a solver may poll while the process exits.
 std::mutex& handler_lock() {
     static auto& lock = *new std::mutex;
     return lock;
@@ -72,7 +72,7 @@ void start_listening() noexcept {
     listening = true;
 }
 
-/// Restores the handler that was there, unless the program has installed another one since.
+/// Restores the previous handler, unless the program has installed another one since.
 void stop_listening() noexcept {
     struct sigaction installed = {};
     sigaction(SIGINT, nullptr, &installed);
@@ -88,7 +88,7 @@ void set_listening(bool on) noexcept {
     }
 }
 
-/// A program that was started with SIGINT ignored, as in the background, goes on ignoring it.
+/// A program that was started with SIGINT ignored, as in the background, continues to ignore it.
 bool is_ignored() noexcept {
     struct sigaction installed = {};
     sigaction(SIGINT, nullptr, &installed);

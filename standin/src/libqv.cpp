@@ -71,7 +71,7 @@ host_call struct_array_call(std::int64_t ndims, const std::int64_t* extents, std
     return asked;
 }
 
-/// The `count` reals at an address, where there are any.
+/// The `count` reals at an address; none if it is null or the count below 1.
 std::vector<double> logged_reals(const double* reals, std::int64_t count) {
     return reals == nullptr || count < 1 ? std::vector<double>()
                                          : std::vector<double>(reals, reals + count);

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Stands before a record. The guard stands right behind the record.
+/// Precedes a record. The guard follows the record at once.
 struct alignas(__STDCPP_DEFAULT_NEW_ALIGNMENT__) record_header {
     record_header* next;
     std::size_t size;
@@ -59,7 +59,7 @@ void* make_record(std::size_t size) noexcept {
     return header + 1;
 }
 
-/// Takes a record out of its list. Null for an object that is no record.
+/// Removes a record from its list. Returns null for an object that is not a record.
 record_header* remove_record(const void* object) noexcept {
     const std::lock_guard locked(lock);
     for (record_header** link = &list_of(object); *link != nullptr; link = &(*link)->next) {

@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
-/// Checks of a host, for a program that calls them itself: a host that exists only inside of its
-/// own process. Any other host needs no code: `zktarn_host_conformance` is a whole program.
+/// The checks of a host, as procedures for a host that exists only inside its own process. Any
+/// other host is checked by the program `zktarn_host_conformance`.
 ///
-/// Each check prints one line to standard output. One process checks once, on one thread.
+/// Each check prints one line to standard output. A process may run the checks once, on one thread.
 
 namespace zktarn::host_conformance {
 
@@ -20,12 +20,12 @@ struct settings {
     bool console_is_standard_output = true;
 };
 
-/// From now on, a signal that ends the process fails the check that is running, prints the summary
-/// and ends the process with exit status 1. Replaces the handlers of SIGABRT, SIGBUS, SIGFPE,
-/// SIGILL and SIGSEGV.
+/// Installs a handler for signals that end the process: it fails the check that is running, prints
+/// the summary and exits with status 1. Replaces the handlers of SIGABRT, SIGBUS, SIGFPE, SIGILL
+/// and SIGSEGV.
 void report_signals();
 
-/// Runs every check, those that may end the process last.
+/// Runs every check. Those that may end the process come last.
 void check_host(const settings& wanted);
 
 /// Prints the numbers of checks and of failures. Returns whether every check passed.

@@ -115,7 +115,7 @@ TEST_F(ArrayFaults, OnlyAStructHasFields) {
     const array_handle others[] = {scalar, text, matrix};
     const std::string names[] = {the_scalar(scalar), the_text(text), the_matrix(matrix)};
     for (int i = 0; i < 3; ++i) {
-        const std::string sentence = names[i] + " is no struct";
+        const std::string sentence = names[i] + " is not a struct";
         set_field(others[i], 1, "x", scalar);
         expect_fault(fault_kind::wrong_kind, "qvsetfield800_: " + sentence);
         set_field_number(others[i], 1, 1, scalar);
@@ -130,9 +130,9 @@ TEST_F(ArrayFaults, OnlyAStructHasFields) {
 TEST_F(ArrayFaults, OnlyARealArrayHasData) {
     EXPECT_EQ(data_of(structure), nullptr);
     expect_fault(fault_kind::wrong_kind,
-                 "qvgetpr800_: " + the_struct(structure) + " is no real array");
+                 "qvgetpr800_: " + the_struct(structure) + " is not a real array");
     EXPECT_EQ(data_of(text), nullptr);
-    expect_fault(fault_kind::wrong_kind, "qvgetpr800_: " + the_text(text) + " is no real array");
+    expect_fault(fault_kind::wrong_kind, "qvgetpr800_: " + the_text(text) + " is not a real array");
     EXPECT_NE(data_of(scalar), nullptr);
     EXPECT_NE(data_of(matrix), nullptr);
 }
@@ -309,11 +309,11 @@ protected:
 
 TEST_F(CopyFaults, NoMoreIsCopiedThanThereIsFromThereOn) {
     expect_refused(data_of(matrix), 5, fault_kind::out_of_range,
-                   the_matrix(matrix) + " does not have 5 numbers from there on, but 4");
+                   the_matrix(matrix) + " has 4 numbers from that address on, not 5");
     expect_refused(data_of(matrix) + 3, 2, fault_kind::out_of_range,
-                   the_matrix(matrix) + " does not have 2 numbers from there on, but 1");
+                   the_matrix(matrix) + " has 1 number from that address on, not 2");
     expect_refused(data_of(scalar) + 1, 1, fault_kind::out_of_range,
-                   the_scalar(scalar) + " does not have 1 number from there on, but 0");
+                   the_scalar(scalar) + " has 0 numbers from that address on, not 1");
     expect_refused(data_of(matrix), largest, fault_kind::out_of_range,
                    the_matrix(matrix) + " does not have " + std::to_string(largest) +
                        " numbers from there on, but 4");
@@ -322,7 +322,7 @@ TEST_F(CopyFaults, NoMoreIsCopiedThanThereIsFromThereOn) {
 TEST_F(CopyFaults, AnEmptyMatrixHasNoNumbers) {
     const array_handle empty = make_matrix(0, 1);
     expect_refused(data_of(empty), 1, fault_kind::out_of_range,
-                   the_matrix(empty) + " does not have 1 number from there on, but 0");
+                   the_matrix(empty) + " has 0 numbers from that address on, not 1");
     destroy(empty);
 }
 

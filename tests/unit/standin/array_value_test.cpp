@@ -42,16 +42,16 @@ protected:
 
     void expect_no_characters(const array_value& value) {
         EXPECT_EQ(value.text(), "");
-        expect_fault(fault_kind::wrong_kind, "text() was called for an array that is no text");
+        expect_fault(fault_kind::wrong_kind, "text() was called for an array that is not a text");
     }
 
     void expect_no_fields(const array_value& value) {
         EXPECT_TRUE(value.field_names().empty());
         expect_fault(fault_kind::wrong_kind,
-                     "field_names() was called for an array that is no struct");
+                     "field_names() was called for an array that is not a struct");
         EXPECT_FALSE(value.has_field("x"));
         expect_fault(fault_kind::wrong_kind,
-                     "has_field() was called for an array that is no struct");
+                     "has_field() was called for an array that is not a struct");
         expect_no_field(value, "x");
     }
 

@@ -229,23 +229,23 @@ TEST_F(GeneratorFaults, AGeneratorIsNoSnapshotAndASnapshotNoGenerator) {
     const std::int64_t count = 1;
     host::getRandUniformOptim(state, &number, &count);
     expect_fault(fault_kind::unknown_object,
-                 "getRandUniformOptim: the address is that of no generator");
+                 "getRandUniformOptim: the address is not that of a generator");
     setRngStateOptim(generator, generator);
     expect_fault(fault_kind::unknown_object,
-                 "setRngStateOptim: the address is that of no snapshot");
+                 "setRngStateOptim: the address is not that of a snapshot");
 }
 
 TEST_F(GeneratorFaults, AGeneratorIsOneThatWasMade) {
     for (void* const address : never_handed_out(generator)) {
         expect_no_generator(address, fault_kind::unknown_object,
-                            "the address is that of no generator");
+                            "the address is not that of a generator");
     }
 }
 
 TEST_F(GeneratorFaults, ASnapshotIsOneThatWasMade) {
     for (void* const address : never_handed_out(state)) {
         expect_no_snapshot(address, fault_kind::unknown_object,
-                           "the address is that of no snapshot");
+                           "the address is not that of a snapshot");
     }
 }
 
