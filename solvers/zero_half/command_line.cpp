@@ -63,6 +63,8 @@ void declare_options(CLI::App& app, command_line& options, std::string& display_
                    "Integer optimum of the only model; default: from optima.csv beside it")
         ->check(check_finite);
     app.add_option("--cuts", options.cuts_file, "Write the only model with its cuts as MPS");
+    app.add_option("--certificate", options.certificate_file,
+                   "Write how the cuts of the only model follow, for check_cuts");
     app.add_option("--json", options.json_file, "Write all figures as JSON");
     app.add_option("--plot", options.plot_file, "Draw the bounds as .svg or .png, by gnuplot")
         ->check(check_picture);
@@ -85,8 +87,9 @@ bool parse(int argc, char** argv, command_line& options, int& status) {
     declare_options(app, options, display_level);
     try {
         app.parse(argc, argv);
-        if (options.files.size() > 1 && (options.run.optimum || !options.cuts_file.empty())) {
-            throw CLI::ValidationError("--optimum and --cuts are for one model");
+        if (options.files.size() > 1 && (options.run.optimum || !options.cuts_file.empty() ||
+                                         !options.certificate_file.empty())) {
+            throw CLI::ValidationError("--optimum, --cuts and --certificate are for one model");
         }
     } catch (const CLI::ParseError& found) {
         status = app.exit(found) == 0 ? success : wrong_usage;

@@ -12,6 +12,7 @@ struct command_line {
     run_options run;
     /// Empty: not written.
     std::string cuts_file;
+    std::string certificate_file;
     std::string json_file;
     std::string plot_file;
 };

@@ -15,6 +15,7 @@
 #include "input/error.hpp"
 #include "input/optima.hpp"
 #include "input/read_model.hpp"
+#include "output/cut_certificate.hpp"
 #include "output/json_report.hpp"
 #include "output/mps_writer.hpp"
 #include "output/plot.hpp"
@@ -160,6 +161,8 @@ int write_all(const command_line& options, const std::deque<solved_model>& model
     }
     status = write_to(options.cuts_file, status,
                       [&](const std::string& file) { write_model(models.front(), file); });
+    status = write_to(options.certificate_file, status,
+                      [&](const std::string& file) { write_certificate(models.front(), file); });
     return write_to(options.plot_file, status,
                     [&](const std::string& file) { write_plot(models, file); });
 }
