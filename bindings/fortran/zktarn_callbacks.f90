@@ -98,7 +98,7 @@ module zktarn_callbacks
     public :: qvcalloutputfcn, cbhasinterrupt, cbstopfromoutputfcn, cbhasoutputfcn
     public :: cbisdisplayoff, cbisdisplayfinal, cbisctrlcon
 
-    ! What Fortran has besides
+    ! Additional procedures
 
     interface
         !> Stores a value of n bytes in the slot of `list`; see zktarn_util.h. `value` may be absent
@@ -274,7 +274,7 @@ contains
         call c_cbdatalistfinalise(c_loc(records), size(records, kind=c_int32_t))
     end subroutine
 
-    !> Fails by a disassociated `cb`, without memory. cbfree releases the record.
+    !> If memory is missing, `cb` is disassociated. cbfree releases the record.
     subroutine cbinit(cb)
         type(cbdata), pointer, intent(out) :: cb
         type(c_ptr) :: address
@@ -283,7 +283,7 @@ contains
         if (c_associated(address)) call c_f_pointer(address, cb)
     end subroutine
 
-    !> Releases a record of cbinit; `cb` may be disassociated, and is afterwards.
+    !> Releases a record of cbinit. `cb` may be disassociated, and always is afterwards.
     subroutine cbfree(cb)
         type(cbdata), pointer, intent(inout) :: cb
         type(c_ptr) :: address
@@ -293,7 +293,7 @@ contains
         cb => null()
     end subroutine
 
-    !> Fails by 0, when the host cannot make the struct. qvfreecbarray destroys it.
+    !> Returns 0 if the host cannot make the struct. qvfreecbarray destroys it.
     function qvinitcbarray(phase) result(structure)
         character(*), intent(in) :: phase
         integer(c_int64_t) :: structure
@@ -307,7 +307,7 @@ contains
         call c_addrealscalartoqvstruct(structure, name, len(name, kind=c_size_t), value)
     end subroutine
 
-    !> All of `values`.
+    !> Passes all elements of `values`.
     subroutine addrealvectoqvstruct(structure, name, values)
         integer(c_int64_t), intent(in) :: structure
         character(*), intent(in) :: name

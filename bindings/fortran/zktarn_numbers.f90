@@ -160,7 +160,7 @@ module zktarn_numbers
     end interface
     public :: find_scalar_integral
 
-    !> The arrays that find_scalar_integral goes through; marks and selection may be absent.
+    !> The arrays whose elements find_scalar_integral reads; marks and selection may be absent.
     type :: plain_set
         real(c_double), pointer :: values(:) => null()
         integer(flag_kind), pointer :: marked(:) => null()
@@ -169,7 +169,7 @@ module zktarn_numbers
 
 contains
 
-    !> Elements with a true mark are left out; where there is a selection, so are those without it.
+    !> Skips elements with a true mark and, if a selection is present, elements not selected.
     subroutine find_scalar_integral_array(values, eps, max_den, max_scalar, found, scalar, marked, &
         selected)
         real(c_double), intent(in), target :: values(:)

@@ -1,8 +1,8 @@
 !> Control of the stand-in host in Fortran.
 !>
 !> The C++ headers of zktarn_standin hold the contract of each procedure; here a comment gives what
-!> differs. A name begins with standin_, and an operation of the host with op_. A text that comes
-!> out is an allocatable character, a list an allocatable array. A callback is a module procedure
+!> differs. A name begins with standin_, and an operation of the host with op_. An output text is an
+!> allocatable character, an output list an allocatable array. A callback is a module procedure
 !> with the attribute bind(c); its context is an address that must stay valid until the callback is
 !> replaced: c_loc of a variable with the attribute target, or c_null_ptr.
 module zktarn_standin
@@ -61,7 +61,7 @@ module zktarn_standin
         integer(c_int64_t) :: order = 0
     end type
 
-    !> A generator, a snapshot or an array that is not given back.
+    !> A generator, a snapshot or an array that has not been released.
     type, bind(c), public :: standin_live_object
         integer(c_int) :: made_by = 0
         integer(c_int64_t) :: number = 0
@@ -102,14 +102,14 @@ module zktarn_standin
         end subroutine
 
         !> Answers a call of an operation in place of the stand-in, by the standin_answer_ procedures,
-        !> and returns true; or returns false.
+        !> and returns true; false leaves it to the stand-in.
         function standin_script(call, answer, context) bind(c) result(answered)
             import :: c_bool, c_ptr
             type(c_ptr), value :: call, answer, context
             logical(c_bool) :: answered
         end function
 
-        !> Copies a text into a buffer and returns the length of all of it.
+        !> Copies a text into a buffer and returns the length of the whole text.
         function text_source(buffer, capacity) bind(c) result(length)
             import :: c_ptr, c_size_t
             type(c_ptr), value :: buffer
@@ -179,7 +179,7 @@ module zktarn_standin
             integer(c_int64_t), value :: k
         end subroutine
 
-        !> An absent handler stands for the default, which writes the sentence and aborts.
+        !> An absent handler restores the default, which writes the sentence and aborts.
         subroutine standin_set_fault_handler(handler, context) &
             bind(c, name="zktarn_standin_set_fault_handler")
             import :: c_ptr, standin_fault_handler
@@ -187,7 +187,7 @@ module zktarn_standin
             type(c_ptr), value :: context
         end subroutine
 
-        !> An absent handler stands for the default, which writes a sentence and aborts.
+        !> An absent handler restores the default, which writes a sentence and aborts.
         subroutine standin_set_assertion_handler(handler, context) &
             bind(c, name="zktarn_standin_set_assertion_handler")
             import :: c_ptr, standin_assertion_handler
@@ -325,7 +325,7 @@ module zktarn_standin
     end interface
     public :: standin_reply
 
-    !> The k-th call or request from now on, k of any kind of integer below.
+    !> Plans for the k-th call or request from now; k is an integer of 32 or of 64 bits.
     interface standin_fail_call
         module procedure fail_call_short, fail_call_long
     end interface
@@ -602,7 +602,7 @@ contains
         text = text_from(c_memory_report)
     end function
 
-    !> Everything that is not given back, in words.
+    !> The memory report, and a line for each object that has not been released.
     function standin_report() result(text)
         character(:), allocatable :: text
         text = text_from(c_report)
@@ -806,7 +806,7 @@ contains
         previous = c_listen_for_sigint(logical(on, c_bool))
     end function
 
-    ! What is not given back
+    ! Leaks
 
     function standin_live_blocks() result(blocks)
         type(standin_block), allocatable :: blocks(:)
@@ -893,7 +893,7 @@ contains
         call c_reply_text(reply, text, len(text, kind=c_size_t))
     end subroutine
 
-    !> Registers a function under a name, in place of the one that had it.
+    !> Registers a function under a name and replaces the previous one.
     subroutine standin_set_function(name, function, context)
         character(*), intent(in) :: name
         procedure(standin_function) :: function

@@ -163,8 +163,8 @@ module zktarn_types
             type(c_ptr), value :: context
         end subroutine
 
-        !> Makes a value that was just copied bit for bit independent of the original. Returns 1;
-        !> or 0 when it cannot, and then releases what it had made by then.
+        !> Makes a value that was just copied bit for bit independent of the original, and returns
+        !> 1. If it fails, it releases what it has allocated and returns 0.
         function value_copy(value, context) bind(c) result(copied)
             import :: c_int64_t, c_ptr
             type(c_ptr), value :: value, context

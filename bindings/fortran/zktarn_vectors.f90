@@ -173,7 +173,7 @@ contains
         call c_vectorinitialise(c_loc(records), size(records, kind=c_int32_t))
     end subroutine
 
-    !> Fails by 0 with `vec` disassociated, without memory.
+    !> Returns 0, with `vec` disassociated, if memory is missing.
     function vector_alloc(vec, n, no_coef, no_ind, no_elm) result(made)
         type(vector), pointer, intent(out) :: vec
         integer(c_int32_t), intent(in) :: n
@@ -185,7 +185,7 @@ contains
         if (made /= 0) call c_f_pointer(address, vec)
     end function
 
-    !> `vec` may be disassociated, and is afterwards.
+    !> `vec` may be disassociated, and always is afterwards.
     subroutine vector_free(vec)
         type(vector), pointer, intent(inout) :: vec
         type(c_ptr) :: address

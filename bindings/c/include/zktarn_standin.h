@@ -6,13 +6,13 @@
  * procedure; here a comment gives what differs.
  *
  *  - Everything is process-wide and callable from any thread.
- *  - A text that goes in is an address and a length.
- *  - A text that comes out goes to a buffer of `capacity` bytes, as with snprintf: as much as fits,
- *    always ended by a zero byte when capacity is not 0. The result is the length of the whole text
- *    without that byte, so a call with NULL and 0 asks for the length.
- *  - A list that comes out goes to an array of `capacity` elements: as many as fit. The result is
- *    the number of all of them.
- *  - A procedure without memory for its answer gives an empty text or list.
+ *  - An input text is an address and a length.
+ *  - An output text is written to a buffer of `capacity` bytes, as by snprintf: as much as fits,
+ *    followed by a zero byte unless capacity is 0. The result is the length of the whole text
+ *    without that byte; a call with NULL and 0 returns the length alone.
+ *  - An output list is written to an array of `capacity` elements: as many as fit. The result is
+ *    the length of the whole list.
+ *  - If memory for an output is missing, the text or list is empty.
  */
 
 #include <stdbool.h>
@@ -29,8 +29,7 @@
 extern "C" {
 #endif
 
-/* Operations ------------------------------------------------------------------------------------
- */
+/* Operations ----------------------------------------------------------------------------------- */
 
 /* Every operation of the host, in the order of its libraries. */
 typedef enum zktarn_standin_operation {
@@ -69,8 +68,7 @@ ZKTARN_STANDIN_C_API int64_t zktarn_standin_calls(zktarn_standin_operation opera
 ZKTARN_STANDIN_C_API void zktarn_standin_fail_call(zktarn_standin_operation operation, int64_t k);
 ZKTARN_STANDIN_C_API void zktarn_standin_reset(void);
 
-/* Memory manager --------------------------------------------------------------------------------
- */
+/* Memory manager ------------------------------------------------------------------------------- */
 
 typedef struct zktarn_standin_block {
     const void* address;
@@ -88,8 +86,7 @@ ZKTARN_STANDIN_C_API size_t zktarn_standin_live_blocks(zktarn_standin_block* blo
 ZKTARN_STANDIN_C_API int64_t zktarn_standin_check_blocks(void);
 ZKTARN_STANDIN_C_API size_t zktarn_standin_memory_report(char* buffer, size_t capacity);
 
-/* What is not given back ------------------------------------------------------------------------
- */
+/* Leaks ---------------------------------------------------------------------------------------- */
 
 typedef struct zktarn_standin_live_object {
     zktarn_standin_operation made_by;
@@ -98,12 +95,11 @@ typedef struct zktarn_standin_live_object {
 
 ZKTARN_STANDIN_C_API size_t zktarn_standin_live_objects(zktarn_standin_live_object* objects,
                                                         size_t capacity);
-/* Everything that is not given back, in words. */
+/* The memory report, and a line for each object that has not been released. */
 ZKTARN_STANDIN_C_API size_t zktarn_standin_report(char* buffer, size_t capacity);
 ZKTARN_STANDIN_C_API bool zktarn_standin_report_at_exit(bool on);
 
-/* Faults ----------------------------------------------------------------------------------------
- */
+/* Faults --------------------------------------------------------------------------------------- */
 
 typedef enum zktarn_standin_fault_kind {
     zktarn_fault_bad_request,
@@ -138,23 +134,21 @@ typedef struct zktarn_standin_fault {
 
 typedef void (*zktarn_standin_fault_handler)(const zktarn_standin_fault* fault, void* context);
 
-/* A NULL handler stands for the default, which writes the sentence to standard error and aborts. */
+/* A NULL handler restores the default, which writes the sentence to standard error and aborts. */
 ZKTARN_STANDIN_C_API void zktarn_standin_set_fault_handler(zktarn_standin_fault_handler handler,
                                                            void* context);
 
 ZKTARN_STANDIN_C_API bool zktarn_standin_record_origins(bool on);
 
-/* Assertions ------------------------------------------------------------------------------------
- */
+/* Assertions ----------------------------------------------------------------------------------- */
 
 typedef void (*zktarn_standin_assertion_handler)(void* context);
 
-/* A NULL handler stands for the default, which writes a sentence to standard error and aborts. */
+/* A NULL handler restores the default, which writes a sentence to standard error and aborts. */
 ZKTARN_STANDIN_C_API void
 zktarn_standin_set_assertion_handler(zktarn_standin_assertion_handler handler, void* context);
 
-/* Arrays ----------------------------------------------------------------------------------------
- */
+/* Arrays --------------------------------------------------------------------------------------- */
 
 typedef enum zktarn_standin_array_kind {
     zktarn_array_structure,
@@ -163,20 +157,20 @@ typedef enum zktarn_standin_array_kind {
     zktarn_array_text
 } zktarn_standin_array_kind;
 
-/* An array of the host as it was when it was looked at. */
+/* A copy of a host array, made when the array was inspected. */
 typedef struct zktarn_standin_array zktarn_standin_array;
 
 /*
- * A copy of a live array, to be released by zktarn_standin_free_array; NULL without memory. An
- * unknown handle is a fault, and the copy then an empty real array.
+ * A copy of a live array, to be released by zktarn_standin_free_array; NULL if memory is missing.
+ * An unknown handle is a fault; the copy is then an empty real array.
  */
 ZKTARN_STANDIN_C_API zktarn_standin_array* zktarn_standin_inspect(int64_t handle);
 /* The array may be NULL. */
 ZKTARN_STANDIN_C_API void zktarn_standin_free_array(zktarn_standin_array* array);
 
 /*
- * What is asked of an array of another kind, or of a field that does not exist, is a fault, and the
- * answer is then 0.0, no numbers, no text, no fields. Results that are addresses belong to `array`.
+ * Reading a value of another kind, or a field that does not exist, is a fault; the result is then
+ * 0.0, no numbers, no text or no fields. Addresses returned are valid as long as `array`.
  */
 ZKTARN_STANDIN_C_API zktarn_standin_array_kind
 zktarn_standin_array_kind_of(const zktarn_standin_array* array);
@@ -199,8 +193,7 @@ ZKTARN_STANDIN_C_API bool zktarn_standin_array_has_field(const zktarn_standin_ar
 ZKTARN_STANDIN_C_API const zktarn_standin_array*
 zktarn_standin_array_field(const zktarn_standin_array* array, const char* name, size_t name_length);
 
-/* Functions of the host's language --------------------------------------------------------------
- */
+/* Functions of the host's language ------------------------------------------------------------- */
 
 /* What a function returns, set by one of the three below; the real scalar 0.0 when none is called.
  */
@@ -218,31 +211,30 @@ typedef void (*zktarn_standin_function)(const zktarn_standin_array* input,
                                         zktarn_standin_reply* reply, void* context);
 
 /*
- * Registers a function under a name, in place of the one that had it. NULL removes the name.
- * Returns true when a function had the name before.
+ * Registers a function under a name and replaces the previous one. NULL removes the name. Returns
+ * true if the name was registered before.
  */
 ZKTARN_STANDIN_C_API bool zktarn_standin_set_function(const char* name, size_t name_length,
                                                       zktarn_standin_function function,
                                                       void* context);
 
-/* Call log --------------------------------------------------------------------------------------
- */
+/* Call log ------------------------------------------------------------------------------------- */
 
-/* One call of a host operation: its arguments by kind, and what it answered. */
+/* One call of a host operation: its arguments by kind, and its result. */
 typedef struct zktarn_standin_call zktarn_standin_call;
 
 ZKTARN_STANDIN_C_API bool zktarn_standin_log_calls(bool on);
 ZKTARN_STANDIN_C_API void zktarn_standin_clear_call_log(void);
 ZKTARN_STANDIN_C_API size_t zktarn_standin_logged_call_count(void);
 /*
- * A copy of a logged call, counted from 1, to be released by zktarn_standin_free_call; NULL for a
- * number that no call has, and without memory.
+ * A copy of a logged call, counted from 1, to be released by zktarn_standin_free_call; NULL if no
+ * call has that number, or if memory is missing.
  */
 ZKTARN_STANDIN_C_API zktarn_standin_call* zktarn_standin_logged_call(size_t number);
 /* The call may be NULL. */
 ZKTARN_STANDIN_C_API void zktarn_standin_free_call(zktarn_standin_call* call);
 
-/* Results that are addresses belong to `call`; the number of elements goes to *count. */
+/* Addresses returned are valid as long as `call`; the number of elements is written to *count. */
 ZKTARN_STANDIN_C_API zktarn_standin_operation
 zktarn_standin_call_operation(const zktarn_standin_call* call);
 ZKTARN_STANDIN_C_API const int64_t* zktarn_standin_call_integers(const zktarn_standin_call* call,
@@ -273,7 +265,7 @@ ZKTARN_STANDIN_C_API void zktarn_standin_answer_reals(zktarn_standin_answer* ans
 ZKTARN_STANDIN_C_API void zktarn_standin_answer_handles(zktarn_standin_answer* answer,
                                                         const int64_t* handles, size_t n);
 
-/* Answers a call in place of the stand-in and returns true; or returns false. */
+/* Answers a call in place of the stand-in and returns true; false leaves it to the stand-in. */
 typedef bool (*zktarn_standin_script)(const zktarn_standin_call* call,
                                       zktarn_standin_answer* answer, void* context);
 
@@ -281,8 +273,7 @@ typedef bool (*zktarn_standin_script)(const zktarn_standin_call* call,
 ZKTARN_STANDIN_C_API bool zktarn_standin_answer_calls(zktarn_standin_operation operation,
                                                       zktarn_standin_script script, void* context);
 
-/* Console ---------------------------------------------------------------------------------------
- */
+/* Console -------------------------------------------------------------------------------------- */
 
 typedef enum zktarn_standin_console {
     zktarn_console_show,
@@ -296,8 +287,7 @@ ZKTARN_STANDIN_C_API size_t zktarn_standin_console_text(char* buffer, size_t cap
 ZKTARN_STANDIN_C_API size_t zktarn_standin_flushed_console_text(char* buffer, size_t capacity);
 ZKTARN_STANDIN_C_API void zktarn_standin_clear_console(void);
 
-/* Interrupts ------------------------------------------------------------------------------------
- */
+/* Interrupts ----------------------------------------------------------------------------------- */
 
 ZKTARN_STANDIN_C_API void zktarn_standin_raise_interrupt(void);
 ZKTARN_STANDIN_C_API void zktarn_standin_interrupt_at_poll(int64_t k);

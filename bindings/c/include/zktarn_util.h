@@ -33,7 +33,7 @@
 #define ZKTARN_C_API
 #endif
 
-/* The result says whether the call failed, or is all that the call is for. */
+/* Marks a result that reports a failure, or that is the only effect of the call. */
 #define ZKTARN_C_RESULT __attribute__((warn_unused_result))
 
 #ifdef __cplusplus
@@ -206,8 +206,8 @@ typedef void (*zktarn_element_supplier)(int32_t index, double* value, zktarn_fla
                                         zktarn_flag* selected, void* context);
 
 /*
- * Makes a value that was just copied bit for bit independent of the original. Returns 1; or 0 when
- * it cannot, and then releases what it had made by then: the copy counts as empty.
+ * Makes a value that was just copied bit for bit independent of the original, and returns 1. If it
+ * fails, it releases what it has allocated and returns 0; the copy then counts as empty.
  */
 typedef zktarn_flag (*zktarn_value_copy)(void* value, void* context);
 
@@ -224,15 +224,15 @@ ZKTARN_C_API void zktarn_cbstatusdatainitialise(zktarn_cbstatusdata* first, int3
 ZKTARN_C_API void zktarn_cbdatainitialise(zktarn_cbdata* first, int32_t count);
 /* Needed before any other use of a record that is not {0}. */
 ZKTARN_C_API void zktarn_cbdatalistinitialise(zktarn_cbdatalist* first, int32_t count);
-/* Fails, without storage for a copy, by leaving the slot of that copy empty. */
+/* If memory for a copy is missing, the slot of that copy is empty. */
 ZKTARN_C_API void zktarn_cbdatalistcopy(zktarn_cbdatalist* first, int32_t count);
 ZKTARN_C_API void zktarn_cbdatalistfinalise(zktarn_cbdatalist* first, int32_t count);
 
 /* callbacks_util ------------------------------------------------------------------------------- */
 
-/* Fails by *cb = NULL, without memory. zktarn_cbfree releases the record. */
+/* If memory is missing, *cb is NULL. zktarn_cbfree releases the record. */
 ZKTARN_C_API void zktarn_cbinit(zktarn_cbdata** cb);
-/* Fails by returning 0, when the host cannot make the struct. zktarn_qvfreecbarray destroys it. */
+/* Returns 0 if the host cannot make the struct. zktarn_qvfreecbarray destroys it. */
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_array_handle zktarn_qvinitcbarray(const char* phase,
                                                                       size_t phase_length);
 ZKTARN_C_API void zktarn_addrealscalartoqvstruct(zktarn_array_handle structure, const char* name,
@@ -248,7 +248,7 @@ ZKTARN_C_API void zktarn_lowercasee(char* text, size_t text_length);
 
 /* memory_mod ----------------------------------------------------------------------------------- */
 
-/* Each fails by returning 0, without host memory or with a byte count beyond 64 bits. */
+/* Each returns 0 if the host has no memory or the byte count exceeds 2^63 - 1. */
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_l4_1d_array(zktarn_l4_1d_array* array,
                                                                      int64_t n);
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_allocmem_i8_1d_array(zktarn_i8_1d_array* array,
@@ -273,19 +273,19 @@ ZKTARN_C_API void zktarn_freemem_i1_1d_array(zktarn_i1_1d_array* array);
 ZKTARN_C_API void zktarn_freemem_r8_1d_array(zktarn_r8_1d_array* array);
 ZKTARN_C_API void zktarn_freemem_i4_2d_array(zktarn_i4_2d_array* array);
 ZKTARN_C_API void zktarn_freemem_r8_2d_array(zktarn_r8_2d_array* array);
-/* Fails by returning NULL, without host memory or when nbytes < 1. */
+/* Returns NULL if the host has no memory or nbytes < 1. */
 ZKTARN_C_API ZKTARN_C_RESULT void* zktarn_mallocate(int64_t nbytes);
-/* The address may be NULL, which goes to the host as it is. */
+/* The address may be NULL; it is passed to the host. */
 ZKTARN_C_API void zktarn_mdeallocate(void* address);
 
 /* random --------------------------------------------------------------------------------------- */
 
-/* Fails by returning 0 and a NULL handle, when the host makes no generator. */
+/* Returns 0, with a NULL handle, if the host creates no generator. */
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_instantiaterng(zktarn_rng_state* rng, int32_t seed);
 ZKTARN_C_API void zktarn_deleterng(zktarn_rng_state* rng);
-/* Fails by returning DBL_MAX: no generator, or the host delivers no number. */
+/* Returns DBL_MAX if there is no generator or the host writes no number. */
 ZKTARN_C_API double zktarn_rand_number(const zktarn_rng_state* rng);
-/* Fails by returning 0 and *state = NULL, when the host makes no snapshot. */
+/* Returns 0, with *state NULL, if the host creates no snapshot. */
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_getrngstate(const zktarn_rng_state* rng,
                                                             zktarn_saved_state* state);
 /* The state may be NULL, and then nothing happens. */
@@ -316,14 +316,14 @@ ZKTARN_C_API void zktarn_xcopy_i4(const int32_t* source, int32_t* destination, i
 ZKTARN_C_API void zktarn_xcopy_r8(const double* source, double* destination, int32_t n);
 ZKTARN_C_API void zktarn_xzero_i4(int32_t* array, int32_t n);
 ZKTARN_C_API void zktarn_xzero_r8(double* array, int32_t n);
-/* Fails by *found = 0, with *num and *den 0.0. */
+/* If no fraction is found, *found is 0, *num and *den are 0.0. */
 ZKTARN_C_API void zktarn_get_rational_rep(double x, double eps, double max_den, zktarn_flag* found,
                                           double* num, double* den);
-/* Fails by returning 0.0 for arguments that the manual refuses. */
+/* Returns 0.0 for arguments out of range. */
 ZKTARN_C_API ZKTARN_C_RESULT double zktarn_xgcd_r8(double a, double b, double eps);
-/* Fails by returning 0 for arguments that the manual refuses. */
+/* Returns 0 for arguments out of range. */
 ZKTARN_C_API ZKTARN_C_RESULT int32_t zktarn_xgcd_i4(int32_t a, int32_t b);
-/* Fails by *found = 0, with *scalar 0.0. `skip_marked` and `selected_only` may be NULL. */
+/* If no scalar is found, *found is 0, *scalar 0.0. `skip_marked`, `selected_only` may be NULL. */
 ZKTARN_C_API void zktarn_find_scalar_integral(int32_t n, zktarn_element_supplier get_element,
                                               void* context, double eps, double max_den,
                                               double max_scalar, zktarn_flag* found, double* scalar,
@@ -349,7 +349,7 @@ ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vectors_are_identical(const zkta
 
 /* vector_type ---------------------------------------------------------------------------------- */
 
-/* Fails by returning 0 and *vec = NULL, without memory. Each flag may be NULL. */
+/* Returns 0, with *vec NULL, if memory is missing. Each flag may be NULL. */
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_vector_alloc(zktarn_vector** vec, int32_t n,
                                                              const zktarn_flag* no_coef,
                                                              const zktarn_flag* no_ind,
@@ -361,8 +361,8 @@ ZKTARN_C_API void zktarn_vectorinitialise(zktarn_vector* first, int32_t count);
 /* Procedures that a compiler inlines ----------------------------------------------------------- */
 
 /*
- * The library exports these too, for other languages and for their addresses. In a checked build a
- * call goes to the library, which checks its arguments.
+ * The library exports these too, for other languages and for programs that take their addresses. In
+ * a checked build they are not inlined: the library checks their arguments.
  */
 #if defined(ZKTARN_C_BUILDING) || defined(ZKTARN_CHECKED)
 
@@ -441,8 +441,7 @@ static inline void zktarn_vector_rem_elm(zktarn_vector* v, int32_t j) {
 
 #endif
 
-/* What C has besides ----------------------------------------------------------------------------
- */
+/* Additional functions ------------------------------------------------------------------------- */
 
 /* The version of the library in use, as "major.minor.patch". */
 ZKTARN_C_API const char* zktarn_version(void);
@@ -455,12 +454,13 @@ ZKTARN_C_API void zktarn_cbfree(zktarn_cbdata** cb);
 ZKTARN_C_API void zktarn_qvfreecbarray(zktarn_array_handle* structure);
 
 /*
- * Stores a value of n bytes in the slot of `list`, in place of the value it had, which is destroyed
- * last. The slot takes over what the components of the value own; `value` may be NULL when n is 0.
+ * Stores a copy of a value of n bytes in the slot of `list`, then destroys the previous value. The
+ * slot becomes the owner of what the components of the value own; `value` may be NULL when n is 0.
  * `copy` and `destroy` run when the record is copied and finalised; each may be NULL. The context
- * goes to both of them and must outlive every copy of the record.
+ * is passed to both of them and must outlive every copy of the record.
  *
- * Returns 1; or 0 without memory, with the slot as it was and the components still the caller's.
+ * Returns 1. If memory is missing, returns 0, leaves the slot unchanged, and the caller still owns
+ * the components.
  */
 ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_store_value(zktarn_cbdatalist* list,
                                                             const void* value, size_t n,
@@ -469,9 +469,9 @@ ZKTARN_C_API ZKTARN_C_RESULT zktarn_flag zktarn_store_value(zktarn_cbdatalist* l
                                                             void* context);
 
 /*
- * The address of the value that zktarn_store_value stored, aligned for every type of C; NULL for an
- * empty slot, for a value that anything else stored, and for a copy that its procedure refused.
- * Its size goes to *n, 0 with NULL; `n` may be NULL.
+ * The address of the value that zktarn_store_value stored, aligned for every type of C. NULL for an
+ * empty slot, for a value that was stored in any other way, and for a copy whose copy procedure
+ * failed. Writes the size of the value to *n, 0 for NULL; `n` may be NULL.
  */
 ZKTARN_C_API ZKTARN_C_RESULT void* zktarn_stored_value(const zktarn_cbdatalist* list, size_t* n);
 

@@ -7,12 +7,12 @@
 
 #include "zktarn/zktarn_util.hpp"
 
-/// Arguments of C as arguments of C++, and the test of their addresses in a checked build.
+/// Conversion of C arguments to C++ arguments, and the test of addresses in a checked build.
 
 namespace zktarn::c {
 
-/// Whether one of the addresses, none of which may be null, is null. A checked build reports it to
-/// the host; an ordinary build does not look.
+/// Whether one of the addresses is null, which violates the contract. A checked build reports it to
+/// the host; an ordinary build does not test and returns false.
 template <class... Address>
 bool any_null([[maybe_unused]] Address... addresses) noexcept {
 #ifdef ZKTARN_CHECKED
@@ -31,7 +31,7 @@ bool null_elements(const void* address, Count count) noexcept {
     return count >= 1 && any_null(address);
 }
 
-/// Whether there are records to work on; the address of none may be null.
+/// Whether there are records to work on. If there are none, the address may be null.
 template <class Record>
 bool has_records(const Record* first, std::int32_t count) noexcept {
     return count >= 1 && !any_null(first);

@@ -3,7 +3,8 @@
 #include <cstddef>
 #include <type_traits>
 
-/// The C records are the C++ ones: size, alignment, and type-by-type the offset of each component.
+/// Asserts that each C record has the size, the alignment and the component offsets of its C++
+/// counterpart.
 
 namespace zktarn::c {
 

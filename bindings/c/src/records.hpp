@@ -3,7 +3,7 @@
 #include "zktarn/zktarn_util.hpp"
 #include "zktarn_util.h"
 
-/// The C records as the C++ ones. records.cpp asserts that they are the same byte for byte.
+/// Conversion of C records to C++ records. records.cpp asserts that they have the same layout.
 
 namespace zktarn::c {
 

@@ -10,8 +10,9 @@
 
 /// Values of n bytes in the slot of a cbdatalist.
 ///
-/// The procedures of a value type get the value alone, so what C passes for one value (its size,
-/// procedures and context) lies in front of its bytes. The length parameters give the size of both.
+/// The procedures of a value type receive only the value. So the size, the procedures and the
+/// context of one value are stored in a header before its bytes. The length parameters hold the
+/// size of both.
 
 using namespace zktarn;
 using c::cpp;
@@ -80,7 +81,7 @@ zktarn_flag zktarn_store_value(zktarn_cbdatalist* list, const void* value, size_
     if (n >= 1) {
         std::memcpy(bytes_of(stored), value, n);
     }
-    // The old value goes last: something inside of it may have been stored.
+    // The old value is destroyed last, because `value` may be a part of it.
     cbdatalist old;
     old.slot = {stored, &bytes_type, parameters};
     std::swap(cpp(list).slot, old.slot);

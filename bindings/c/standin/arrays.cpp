@@ -19,7 +19,7 @@ static_assert(zktarn_array_text == static_cast<int>(standin::array_kind::text));
 
 namespace {
 
-// Neither type is ever complete in C: an address of one is an address of its C++ counterpart.
+// The C types are never complete: an address of one is the address of its C++ counterpart.
 
 const standin::array_value& cpp(const zktarn_standin_array* array) noexcept {
     return *reinterpret_cast<const standin::array_value*>(array);

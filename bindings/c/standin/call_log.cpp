@@ -16,7 +16,7 @@ namespace standin = zktarn::standin;
 
 namespace {
 
-// Neither type is ever complete in C: an address of one is an address of its C++ counterpart.
+// The C types are never complete: an address of one is the address of its C++ counterpart.
 
 const standin::host_call& cpp(const zktarn_standin_call* call) noexcept {
     return *reinterpret_cast<const standin::host_call*>(call);

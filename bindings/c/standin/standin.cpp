@@ -37,7 +37,7 @@ zktarn_standin_block in_c(const standin::block& block) {
     return {block.address, block.nbytes, block.order};
 }
 
-/// One line a call; empty without memory for it.
+/// One line for each call; empty if memory is missing.
 std::string lines_of(const standin::call_stack& stack) noexcept {
     try {
         std::string text;
@@ -104,7 +104,7 @@ size_t zktarn_standin_memory_report(char* buffer, size_t capacity) {
     return text_into(buffer, capacity, standin::memory_report);
 }
 
-// What is not given back
+// Leaks
 
 size_t zktarn_standin_live_objects(zktarn_standin_live_object* objects, size_t capacity) {
     return list_into(objects, capacity, standin::live_objects,

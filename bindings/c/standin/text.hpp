@@ -6,12 +6,12 @@
 #include <new>
 #include <string_view>
 
-/// Texts and lists in buffers of the caller. C has no exceptions, so an answer for which there is
-/// no memory is empty.
+/// Texts and lists in buffers of the caller. C has no exceptions, so if memory is missing the text
+/// or list is empty.
 
 namespace zktarn::standin_c {
 
-/// Copies as much of a text as fits and ends it with a zero byte; returns the length of all of it.
+/// Copies as much of a text as fits, followed by a zero byte. Returns the length of the whole text.
 inline std::size_t copy_text(char* buffer, std::size_t capacity, std::string_view text) noexcept {
     if (capacity >= 1) {
         const std::size_t length = std::min(text.size(), capacity - 1);
