@@ -44,10 +44,10 @@ double power_of_two(int exponent) noexcept {
 /// fmod(big, small) for 0 <= small <= big, faster than the C library's where the quotient is below
 /// 2^53.
 ///
-/// No integer lies between a quotient and its rounding, so the truncated quotient is the integral
-/// one or one more. The remainder is a multiple of the last place of `small` and at most `small`,
-/// so it is a real and `fma` computes it without rounding. If the quotient was one too large, the
-/// remainder is negative, and adding `small` once is exact again.
+/// No integer lies between a quotient and its rounding, so the truncated rounded quotient is the
+/// integral quotient or one more. The remainder is a multiple of the last place of `small` and at
+/// most `small`, so it is a real and `fma` computes it without rounding. If the quotient was one
+/// too large, the remainder is negative, and adding `small` once is exact again.
 double remainder(double big, double small) noexcept {
     constexpr double integers_are_exact_below = 0x1p53;
     const double quotient = big / small;

@@ -11,8 +11,8 @@
 #include "zktarn/util/detail/nearest.hpp"
 #include "zktarn/util/detail/rational.hpp"
 
-// That the screen and the table reject no denominator that fits, and that every search ends, is
-// proved in docs/numerics.md.
+// A denominator fits if a fraction with it is within eps of x. docs/numerics.md proves that the
+// screen and the table reject no denominator that fits, and that every search ends.
 
 namespace zktarn::util {
 
@@ -133,8 +133,8 @@ fraction try_by_table(const screen& screened, double eps, double bound) noexcept
         }
         possible.add_power(multiples_by_bases(to_fixed_fraction(offset)));
     }
-    for (std::uint32_t left = possible.any; left != 0; left &= left - 1) {
-        const int base = std::countr_zero(left);
+    for (std::uint32_t untried = possible.any; untried != 0; untried &= untried - 1) {
+        const int base = std::countr_zero(untried);
         if (const fraction hit = try_candidates(screened, eps, bound, possible, base);
             hit.found()) {
             return hit;
@@ -145,7 +145,7 @@ fraction try_by_table(const screen& screened, double eps, double bound) noexcept
 
 fraction search_denominators(double x, double eps, double bound) noexcept {
     const screen screened(x, eps);
-    // The rest of the margin is for the rounding of x * 10^power.
+    // A quarter of the margin covers the rounding of x * 10^power.
     const bool by_table =
         bound <= largest_tabled_bound && screened.limit(bound) <= multiples_by_bases.margin * 0.75;
     return by_table ? try_by_table(screened, eps, bound) : try_each_base(screened, eps, bound);
@@ -164,7 +164,8 @@ fraction try_convergent(double x, double eps, double p, double q) noexcept {
 
 /// a * b + c with one rounding, for integers.
 double multiply_add(double a, double b, double c) noexcept {
-    // Up to here the plain operations are exact, and every machine has them.
+    // Up to this bound the plain product and sum are exact, and faster where no fused instruction
+    // exists.
     constexpr double exact = 0x1p52;
     const double product = a * b;
     if (std::fabs(product) <= exact && std::fabs(c) <= exact) {

@@ -98,16 +98,16 @@ double grown(double scalar, double value, double eps, std::uint32_t candidates) 
     return scalar + scalar;
 }
 
-/// What bounds the growth of a scalar.
+/// The limits of the growth of a scalar.
 struct limits {
     double eps;
     /// At most the largest real, so that a scalar that becomes infinite exceeds it.
     double largest;
-    /// Why a trial ends whose scalar exceeds `largest`.
+    /// The outcome of a trial whose scalar exceeds `largest`.
     verdict when_exceeded;
-    /// Products below this have their factors looked up in the table. Times 19 they are below
-    /// 2^31 - 1. A quarter of the margin is for eps, so that the table lists the factor 3 for a
-    /// product that is integral itself; the rest covers rounding errors.
+    /// For products below this the table lists the factors to test. Times 19 they are below 2^31 -
+    /// 1. A quarter of the margin covers eps, so that the table lists the factor 3 for a product
+    /// that is integral itself; the rest covers rounding errors.
     double tabled_below;
 
     limits(double tolerance, double max_scalar) noexcept
@@ -117,53 +117,53 @@ struct limits {
     }
 };
 
-/// Doubles a scalar until it needs a closer look: until the table lists a factor, or the scalar or
-/// the magnitude of its product with the value exceeds its limit.
+/// Doubles a scalar until it must be tested: until the table lists a factor, or the scalar or the
+/// magnitude of its product with the value exceeds its limit.
 ///
 /// Doubling a real is exact, so the fraction of the product is doubled by a shift.
 double doubled(double scalar, double magnitude, detail::fixed_fraction fraction,
-               const limits& within) noexcept {
+               const limits& growth) noexcept {
     do {
         scalar += scalar;
         magnitude += magnitude;
         fraction <<= 1;
-    } while (multiples_by_factors(fraction) == 0 && scalar <= within.largest &&
-             magnitude < within.tabled_below);
+    } while (multiples_by_factors(fraction) == 0 && scalar <= growth.largest &&
+             magnitude < growth.tabled_below);
     return scalar;
 }
 
 /// Grows a scalar until it makes one value integral.
 ///
 /// A product below 1/2 does not count as the integer 0. Each step at least doubles a positive
-/// scalar, which therefore exceeds its limit in the end. A scalar of 0 would never grow; it comes
-/// from a processor that flushes subnormals to zero.
+/// scalar, which therefore exceeds its limit in the end. A scalar of 0, the result of flushing a
+/// subnormal to zero, would never grow.
 ///
 /// Not inlined: the caller then keeps no reals in registers, which each call of the supplier would
 /// make it save and restore.
-[[gnu::noinline]] trial make_integral(double value, double scalar, const limits& within) noexcept {
+[[gnu::noinline]] trial make_integral(double value, double scalar, const limits& growth) noexcept {
     if (!(scalar > 0.0)) {
         return {verdict::endless, 0.0};
     }
-    while (scalar <= within.largest) {
+    while (scalar <= growth.largest) {
         const double product = value * scalar;
         const double magnitude = std::fabs(product);
-        if (magnitude < within.tabled_below) [[likely]] {
+        if (magnitude < growth.tabled_below) [[likely]] {
             const double offset = detail::offset_from_nearest(product);
-            if (std::fabs(offset) <= within.eps && magnitude >= 0.5) {
+            if (std::fabs(offset) <= growth.eps && magnitude >= 0.5) {
                 return {verdict::found, scalar};
             }
             const detail::fixed_fraction fraction = detail::to_fixed_fraction(offset);
             const std::uint32_t listed = multiples_by_factors(fraction);
-            scalar = listed == 0 ? doubled(scalar, magnitude, fraction, within)
-                                 : grown(scalar, value, within.eps, listed);
+            scalar = listed == 0 ? doubled(scalar, magnitude, fraction, growth)
+                                 : grown(scalar, value, growth.eps, listed);
         } else {
-            if (magnitude >= 0.5 && is_integral(product, within.eps)) {
+            if (magnitude >= 0.5 && is_integral(product, growth.eps)) {
                 return {verdict::found, scalar};
             }
-            scalar = grown(scalar, value, within.eps, all_factors);
+            scalar = grown(scalar, value, growth.eps, all_factors);
         }
     }
-    return {within.when_exceeded, 0.0};
+    return {growth.when_exceeded, 0.0};
 }
 
 /// Grows a scalar from `start` until it has made each element integral once.
@@ -172,13 +172,13 @@ trial scale_to_integral(const elements& set, double start, double max_scalar) no
     if (!(last.scalar <= max_scalar)) {
         return {verdict::too_large, 0.0};
     }
-    const limits within(set.eps, max_scalar);
+    const limits growth(set.eps, max_scalar);
     for (std::int64_t i = 1; i <= set.count; ++i) {
         const element each = set.get(i);
         if (!set.takes_part(each)) {
             continue;
         }
-        last = make_integral(each.value, last.scalar, within);
+        last = make_integral(each.value, last.scalar, growth);
         if (last.outcome != verdict::found) {
             return last;
         }

@@ -95,10 +95,9 @@ ZKTARN_API_INLINE void vector_rem_elm(vector& v, const std::int32_t& j) noexcept
 
 /// Makes j a listed entry and stores its coefficient. In list mode searches the list.
 ///
-/// @param v      in/out. A member stays where it is listed. Any other index is appended to the
-/// list,
-///               which needs room for it, and in marks mode marked with 1. In dense mode nothing is
-///               listed and nz stays.
+/// @param v      in/out. If j is a member, the list stays as it is. Any other j is appended to the
+///               list, which needs room for it, and gets mark 1 in marks mode. In dense mode there
+///               is no list, and nz stays.
 /// @param j      in.
 /// @param value  in, optional. Stored in coef(j), 0.0 included. When absent, coef(j) stays.
 ZKTARN_API_INLINE void vector_add_nz(vector& v, const std::int32_t& j,
@@ -129,7 +128,7 @@ ZKTARN_API_INLINE void vector_rem_nz(vector& v, const std::int32_t& k) noexcept 
     v.nz -= 1;
 }
 
-/// Sets the mark of every listed index to 0. List and nz stay. Marks mode, or nz < 1, where nothing
+/// Sets the mark of every listed index to 0. List and nz stay. Marks mode. If nz < 1, nothing
 /// happens. Takes time proportional to nz.
 ZKTARN_API_INLINE void vector_clean_index(vector& v) noexcept {
     for (std::int64_t k = 1, count = v.nz; k <= count; ++k) {
@@ -146,9 +145,8 @@ ZKTARN_API_INLINE void vector_clear(vector& v) noexcept {
 /// Drops every listed entry that has no mark (marks mode) or whose coefficient is 0.0 or -0.0. A
 /// NaN is kept.
 ///
-/// Looks at position 1, 2, ... in turn. An entry that is dropped gets mark 0, the last entry moves
-/// to its position, and that position is looked at again. Needs `coef` and `ind`, or nz < 1, where
-/// nothing happens.
+/// Tests position 1, 2, ... in turn. A dropped entry gets mark 0, the last entry moves to its
+/// position, and that position is tested again. Needs `coef` and `ind`. If nz < 1, nothing happens.
 ZKTARN_API void vector_rem_zeros(vector& v) noexcept;
 
 // Whole vectors
@@ -156,14 +154,15 @@ ZKTARN_API void vector_rem_zeros(vector& v) noexcept;
 
 /// x := alpha * x + beta * y.
 ///
-/// @param x      in/out. Any mode. Indices of y that are no members of x are appended in y's order.
+/// @param x      in/out. Any mode. Indices of y that are not members of x are appended in y's
+///               order.
 /// @param y      in. Marks or list mode; a dense y contributes nothing. May be x itself, which then
 ///               counts as a copy taken before the call.
 /// @param alpha  in. Scales x unless |alpha - 1| <= tol or the difference is NaN. A dense x lists
 ///               nothing and is never scaled.
 /// @param beta   in. Nothing of y is added when |beta| <= tol or beta is NaN.
-/// @param tol    in. Decides these two questions only; no result is rounded to zero by it. When it
-///               is NaN, x is not scaled and nothing is added.
+/// @param tol    in. Used in these two tests only: no result is rounded to zero. When it is NaN, x
+///               is not scaled and nothing is added.
 ///
 /// A listed entry without a mark counts as 0.0, in x and in y. Each sum is one fused multiply-add.
 /// When x has coefficients, entries that are exactly zero are dropped at the end as by
@@ -176,12 +175,11 @@ ZKTARN_API void vectors_combine(vector& x, const vector& y, const double& alpha,
 ///
 /// @param x  in/out. Marks mode. Coefficients are neither read nor written. Needs room for every
 ///           index that only y lists, until the indices of both are dropped.
-/// @param y  in. Needs `ind` unless nz < 1, where nothing happens. May be the same record as x,
-/// which
-///           then becomes empty.
+/// @param y  in. Needs `ind` unless nz < 1, and then nothing happens. May be the same record as x,
+///           which then becomes empty.
 ///
-/// Appends the indices that only y lists in y's order. Then drops the indices of both as
-/// `vector_rem_zeros` drops zeros, and stops at the first entry kept after the last of them.
+/// Appends the indices that only y lists, in y's order. Then drops the common indices as
+/// `vector_rem_zeros` drops zeros, and stops at the first kept entry after the last of these drops.
 ZKTARN_API void vectors_calc_sym_diff(vector& x, const vector& y) noexcept;
 
 /// Reduces coefficients modulo 2. A listed coefficient for which `is_even_real` holds within tol

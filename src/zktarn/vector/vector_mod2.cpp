@@ -17,7 +17,7 @@ using util::detail::modulo_2;
 }
 
 /// Reduces each entry when it is tested, and drops it when the remainder is zero. A second test of
-/// an entry gives the same result as long as 0 and 1 are their own remainders.
+/// an entry gives the same result, because 0 and 1 are their own remainders for tol < 0.5.
 struct reducing_entries {
     vector& v;
     double tol;

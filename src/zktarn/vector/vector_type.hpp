@@ -57,7 +57,7 @@ struct vector {
 
 /// Releases the arrays of a vector that exist, in the order `coef`, `ind`, `elm`, then the record.
 ///
-/// @param vec  in/out. A record that `vector_alloc` created, or null, where nothing happens. Null
+/// @param vec  in/out. A record that `vector_alloc` created. If it is null, nothing happens. Null
 ///             afterwards.
 ZKTARN_API void vector_free(vector*& vec) noexcept;
 

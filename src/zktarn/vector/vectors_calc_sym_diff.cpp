@@ -9,8 +9,8 @@ namespace zktarn::vector_mod {
 
 namespace {
 
-/// Drops the entries without a mark. An entry that is dropped ends with mark 0: it has that mark
-/// already, unless the caller wrote a negative one.
+/// Drops the entries without a mark. The mark of a dropped entry becomes 0; it differs only if the
+/// caller wrote a negative mark.
 struct unmarked_entries {
     std::int32_t* elm = nullptr;
     std::int32_t all_marks = 0;
@@ -46,8 +46,8 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     std::int64_t common = 0;
     std::int64_t previous = 0;
     bool ascending = true;
-    // Indices of both vectors lose their mark and stay listed until the compaction; the others of y
-    // are marked and listed.
+    // Indices of both vectors lose their mark and stay listed until the compaction. The other
+    // indices of y are marked and listed.
     detail::append_if_new<true>(
         x, y.ind.data, y.nz,
         [=](std::int64_t j) __attribute__((always_inline)) { detail::prefetch_write(elm, j); },
@@ -62,7 +62,7 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     if (common < 1) {
         return;
     }
-    // Indices that ascend are distinct, so that none of those appended has lost its mark again.
+    // Ascending indices are distinct, so every appended index still has its mark.
     const std::int64_t kept_from = ascending ? old_nz : x.nz;
     x.nz = static_cast<std::int32_t>(
         detail::compact(x.ind.data, {x.nz, kept_from, common}, unmarked_entries{elm}));

@@ -7,7 +7,7 @@
 #include "zktarn/vector/detail/combine_unmarked.hpp"
 #include "zktarn/vector/detail/vectors_combine_variants.hpp"
 
-// That header can be deleted; large vectors are then combined in list order as well.
+// combine_in_blocks.hpp is optional: without it large vectors are combined in list order, too.
 #if __has_include("zktarn/vector/detail/combine_in_blocks.hpp")
 #include "zktarn/vector/detail/combine_in_blocks.hpp"
 #else
@@ -26,17 +26,17 @@ namespace detail {
 
 namespace {
 
-/// Every way except the one for arrays that stay in the cache.
+/// Chooses among the methods for arrays that do not stay in the cache.
 [[gnu::always_inline]] inline void combine_in_other_ways(vector& x, const vector& y,
-                                                         const factors& by) noexcept {
+                                                         const factors& weights) noexcept {
     if (&x == &y) {
-        combine_with_itself(x, by);
+        combine_with_itself(x, weights);
     } else if (!x.elm.present()) {
-        combine_unmarked(x, y, by);
+        combine_unmarked(x, y, weights);
     } else if (suits_blocks(x, y, {})) {
-        combine_in_blocks(x, y, by);
+        combine_in_blocks(x, y, weights);
     } else {
-        combine_in_list_order(x, y, by);
+        combine_in_list_order(x, y, weights);
     }
 }
 
@@ -131,12 +131,12 @@ void merge_support(vector& x, const vector& y) noexcept {
 }
 
 /// A combination in which no sums are formed: y is not added, or coefficients are missing.
-[[gnu::noinline]] void combine_without_sums(vector& x, const vector& y, const factors& by,
+[[gnu::noinline]] void combine_without_sums(vector& x, const vector& y, const factors& weights,
                                             bool merges) noexcept {
-    // Entries that no scaling pass has looked at may have been zero before.
+    // Entries may have been zero before the call; only a scaling pass would have found them.
     bool drop = x.coef.present();
-    if (drop && by.scales) {
-        drop = scale_entries(x, by.alpha);
+    if (drop && weights.scales) {
+        drop = scale_entries(x, weights.alpha);
     }
     if (merges) {
         merge_support(x, y);

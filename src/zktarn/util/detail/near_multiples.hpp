@@ -17,7 +17,7 @@ using fixed_fraction = std::uint64_t;
 /// A table of which multiples of a real can be near an integer.
 ///
 /// The multiple m * p of a real p is as far from an integer as m times the fractional part of p. So
-/// the fractional part tells which of a few fixed multiples are worth a closer look. The table cuts
+/// the fractional part shows which of a few fixed multiples can be near an integer. The table cuts
 /// [0, 1) into slices of equal width and has one word a slice: bit i is set if multipliers[i] * f
 /// is within `margin` of an integer for some f in the slice.
 template <std::size_t Count>

@@ -2,7 +2,7 @@
 
 namespace zktarn::util::detail {
 
-/// The integer nearest to a real below 2^51 in magnitude; of two, the even one.
+/// The integer nearest to a real below 2^51 in magnitude; the even one if two are nearest.
 ///
 /// Between 2^52 and 2^53 the doubles are the integers, so adding 3 * 2^51 rounds to an integer and
 /// subtracting it again is exact.
@@ -11,7 +11,7 @@ namespace zktarn::util::detail {
     return (value + integers_only) - integers_only;
 }
 
-/// Such a real less its nearest integer. The difference is exact.
+/// A real below 2^51 in magnitude, minus its nearest integer. The difference is exact.
 [[gnu::always_inline]] inline double offset_from_nearest(double value) noexcept {
     return value - nearest(value);
 }

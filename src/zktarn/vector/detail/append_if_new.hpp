@@ -7,8 +7,8 @@
 
 namespace zktarn::vector_mod::detail {
 
-/// For each of the first `count` indices of `source`, in order: calls `is_new(j)` and, where it
-/// returns 1 and not 0, appends j to the list of x.
+/// For each of the first `count` indices of `source`, in order: calls `is_new(j)`, which returns 1
+/// or 0, and appends j to the list of x if the result is 1.
 ///
 /// No branch depends on `is_new`, because its results cannot be predicted: each index is written
 /// behind the last entry, unless the list is full, and the entry count advances by the result.

@@ -1,6 +1,7 @@
 #pragma once
 
-/// What a checked build (ZKTARN_CHECKED) verifies of whole vectors; nothing in any other build.
+/// The checks of whole vectors in a checked build (ZKTARN_CHECKED). Any other build has none of
+/// them.
 
 #ifdef ZKTARN_CHECKED
 
@@ -12,7 +13,7 @@ namespace zktarn::vector_mod::detail {
 
 using vector_type::vector;
 
-/// The capacity, by the first array that there is; 0 when there is none.
+/// The capacity: the length of the first array that exists; 0 when none exists.
 inline std::int64_t capacity(const vector& v) noexcept {
     return v.coef.present()  ? v.coef.extent[0]
            : v.ind.present() ? v.ind.extent[0]
@@ -107,8 +108,8 @@ inline bool has_member(const vector& v, std::int32_t j) noexcept {
     return false;
 }
 
-/// Whether the list of x has room for the indices that only y lists. Marks without a list have no
-/// room. In dense mode nothing is listed.
+/// Whether the list of x has room for the indices that only y lists. A vector with marks and
+/// without a list has no room. A dense vector needs none.
 inline bool has_room_for(const vector& x, const vector& y) noexcept {
     if (!x.ind.present()) {
         return !x.elm.present() || y.nz < 1;

@@ -14,12 +14,12 @@
 /// x := alpha * x + beta * y where x has marks and both vectors have coefficients, inlined into one
 /// function for each instruction set.
 ///
-/// The plain way scales every listed entry, adds every entry of y in the order of y's list, and
-/// drops zeros. Three ways save visits to entries; each has the result of the plain way, bit for
-/// bit and position for position:
+/// The plain method scales every listed entry, adds every entry of y in the order of y's list, and
+/// drops zeros. Three methods save visits to entries. Each has the result of the plain method, bit
+/// for bit and position for position:
 ///
-/// - `find_kept_tail`: appended entries have marks, and are not visited again by the last pass when
-///   no coefficient of theirs is zero.
+/// - `find_kept_tail`: the last pass skips the appended entries, which have marks, if none of their
+///   coefficients is zero.
 /// - `add_to_nonzeros`: after a scaling pass that found nothing to drop, a sum that is zero is
 ///   flagged in its mark, so that the last pass reads marks only.
 /// - `combine_in_blocks`, in a header of its own: large vectors, block by block of the index space.
@@ -54,12 +54,12 @@ struct coefficient_reader {
     }
 };
 
-/// The bit that flags a mark whose coefficient has become zero. Marks of x are below it: a larger
-/// one ends the use of flags.
+/// The bit that flags a mark whose coefficient has become zero. Valid marks are below it. Where a
+/// larger mark is found, flags are not used.
 inline constexpr std::int32_t zero_flag = std::int32_t{1} << 30;
 
 /// Scales every listed entry of x. Returns true when one of them is now zero, has no mark, or has a
-/// mark that looks flagged.
+/// mark of `zero_flag` or more.
 [[gnu::always_inline]] inline bool scale_marked(vector& x, double alpha) noexcept {
     const std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
@@ -79,7 +79,7 @@ inline constexpr std::int32_t zero_flag = std::int32_t{1} << 30;
     return unusual;
 }
 
-/// Where sums are zero.
+/// Which sums are zero: of members, of new indices.
 enum zero_sums : std::int64_t { no_zero = 0, zero_of_member = 1, zero_of_new = 2 };
 
 /// Adds beta times the entries of y from list position `first` on, counted from 0, to x.
@@ -108,8 +108,8 @@ enum zero_sums : std::int64_t { no_zero = 0, zero_of_member = 1, zero_of_new = 2
     return zeros;
 }
 
-/// The position from which on all entries of x are kept. Entries from position `old_nz` on have
-/// been appended, and so have marks; but where y lists an index twice, the second sum may be zero.
+/// The position from which on all entries of x are kept. Entries from position `old_nz` on were
+/// appended and have marks. But if y lists an index twice, its second sum may be zero.
 [[gnu::always_inline]] inline std::int64_t find_kept_tail(const vector& x, std::int64_t old_nz,
                                                           std::int64_t zeros) noexcept {
     if ((zeros & zero_of_new) != 0) {
@@ -163,7 +163,7 @@ inline void clear_flags(std::int32_t* elm, const std::int32_t* list, std::int64_
 
 /// What `add_and_flag_zeros` did.
 struct flagged_sums {
-    /// How many entries of y were added before one whose mark has the flag already.
+    /// The number of entries of y added; it ends before an entry whose mark is flagged already.
     std::int64_t added = 0;
     std::int64_t flags = 0;
     std::int64_t zeros_appended = 0;
@@ -247,17 +247,17 @@ struct flagged_sums {
     }
 }
 
-/// x := alpha * x + beta * y, where all arrays stay in the cache: the plain way, without
+/// x := alpha * x + beta * y, where all arrays stay in the cache: the plain method, without
 /// prefetches.
 [[gnu::always_inline]] inline void combine_in_cache(vector& x, const vector& y,
-                                                    const factors& by) noexcept {
+                                                    const factors& weights) noexcept {
     std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
     const auto no_prefetch = [](std::int64_t) {};
-    if (by.scales) {
+    if (weights.scales) {
         walk<false>(
             x.ind.data, x.nz, no_prefetch, [=](std::int64_t j) __attribute__((always_inline)) {
-                coef[j - 1] = by.alpha * membership(elm[j - 1]).coefficient(coef[j - 1]);
+                coef[j - 1] = weights.alpha * membership(elm[j - 1]).coefficient(coef[j - 1]);
             });
     }
     const coefficient_reader y_coef(y);
@@ -265,7 +265,7 @@ struct flagged_sums {
         x, y.ind.data, y.nz, no_prefetch, [=](std::int64_t j) __attribute__((always_inline)) {
             const membership known(elm[j - 1]);
             const double old = known.coefficient(coef[j - 1]);
-            coef[j - 1] = std::fma(by.beta, y_coef(j), old);
+            coef[j - 1] = std::fma(weights.beta, y_coef(j), old);
             elm[j - 1] = known.after_add();
             return known.is_new;
         });
@@ -275,11 +275,11 @@ struct flagged_sums {
 
 /// x := alpha * x + beta * y, in list order.
 [[gnu::always_inline]] inline void combine_in_list_order(vector& x, const vector& y,
-                                                         const factors& by) noexcept {
-    if (by.scales && !scale_marked(x, by.alpha)) {
-        add_to_nonzeros(x, y, by.beta);
+                                                         const factors& weights) noexcept {
+    if (weights.scales && !scale_marked(x, weights.alpha)) {
+        add_to_nonzeros(x, y, weights.beta);
     } else {
-        add_and_drop(x, y, by.beta);
+        add_and_drop(x, y, weights.beta);
     }
 }
 

@@ -64,14 +64,14 @@ template <class Scale>
     }
 }
 
-/// x := alpha * x + beta * x. Each entry is scaled just when it is added to, so that y counts as a
+/// x := alpha * x + beta * x. An entry is scaled in the step that adds to it, so that y counts as a
 /// copy taken before the call.
-[[gnu::always_inline]] inline void combine_with_itself(vector& x, const factors& by) noexcept {
-    const double alpha = by.scales ? by.alpha : 1.0;
+[[gnu::always_inline]] inline void combine_with_itself(vector& x, const factors& weights) noexcept {
+    const double alpha = weights.scales ? weights.alpha : 1.0;
     const auto scale = [=](double c) __attribute__((always_inline)) {
         return alpha * c;
     };
-    summation<decltype(scale)> sums{x.coef.data, coefficient_reader(x), by.beta, scale};
+    summation<decltype(scale)> sums{x.coef.data, coefficient_reader(x), weights.beta, scale};
     std::int32_t* const elm = x.elm.data;
     if (elm != nullptr) {
         append_if_new<true>(
@@ -93,17 +93,17 @@ template <class Scale>
 
 /// x := alpha * x + beta * y, where x has no marks and y is another record.
 [[gnu::always_inline]] inline void combine_unmarked(vector& x, const vector& y,
-                                                    const factors& by) noexcept {
+                                                    const factors& weights) noexcept {
     const auto same = [](double c) __attribute__((always_inline)) {
         return c;
     };
-    summation<decltype(same)> sums{x.coef.data, coefficient_reader(y), by.beta, same};
+    summation<decltype(same)> sums{x.coef.data, coefficient_reader(y), weights.beta, same};
     if (!x.ind.present()) {
         add_to_dense(y, sums);
         return;
     }
-    // Entries that no scaling pass has looked at may have been zero before.
-    const bool drop = !by.scales || scale_entries(x, by.alpha);
+    // Entries may have been zero before the call; only a scaling pass would have found them.
+    const bool drop = !weights.scales || scale_entries(x, weights.alpha);
     add_to_listed(x, y, sums);
     if (drop || sums.zero) {
         drop_zeros(x, x.nz);

@@ -5,22 +5,23 @@
 #include <cstdint>
 #include <limits>
 
-/// Drops entries from an index list; the last entry moves into each hole.
+/// Drops entries from an index list. The last entry moves to the position of each dropped entry,
+/// which is called free here.
 ///
-/// The rule, entry by entry: look at position k. An entry that is kept stays there, and k advances.
-/// An entry that is dropped is replaced by the last entry, the list is shortened by one, and
-/// position k is looked at again. Followed literally, this mispredicts a branch at most drops.
+/// The rule, entry by entry: test position k. If the entry is kept, k advances. If it is dropped,
+/// the last entry replaces it, the list is shortened by one, and position k is tested again.
+/// Followed literally, the rule mispredicts a branch at most drops.
 ///
-/// The result has a simple form: the holes of the front are filled, in order, with the kept entries
-/// of the back, in reverse order. So entries are tested in blocks of up to 64, one bit an entry,
-/// from both ends, until the two blocks meet:
+/// The result has a simple form: the free positions of the front are filled, in order, with the
+/// kept entries of the back, in reverse order. So entries are tested in blocks of up to 64, one bit
+/// for each, from both ends, until the two blocks meet:
 ///
 ///     position  0         front.first  front.end()   back.first            length
 ///               | all kept | k - k - k | not tested   | k k - k | moved or dropped |
-///                              ^ first hole                   ^ last kept entry
+///                              ^ first free position          ^ last kept entry
 ///
-/// The last kept entry of the back block moves into the first hole of the front block, and the list
-/// ends before the position that it leaves. After each move the list is the one that the rule has
+/// The last kept entry of the back block moves to the first free position of the front block, and
+/// the list then ends before its old position. After each move the list equals the list of the rule
 /// at that point.
 
 namespace zktarn::vector_mod::detail {
@@ -76,7 +77,7 @@ public:
 
     /// Drops entries and returns how many are left.
     [[gnu::always_inline]] std::int64_t run() noexcept {
-        block front{0, 0, 0};      // bits: holes
+        block front{0, 0, 0};      // bits: free positions
         block back{length_, 0, 0}; // bits: kept entries
         for (;;) {
             while (front.bits == 0 && front.end() < std::min(back.first, kept_from_)) {
@@ -101,16 +102,17 @@ public:
             front.bits &= front.bits - 1;
             back.bits ^= std::uint64_t{1} << (last - back.first);
         }
-        // Now holes and kept entries to fill them are in one block only, or there are no holes.
+        // Now one block has all free positions and all kept entries that fill them, or none is
+        // free.
         if (front.bits == 0) {
-            // Bits behind the last entry count as holes that nothing fills.
+            // Bits behind the last entry count as free positions that nothing fills.
             return finish({back.first, back.count, ~back.bits}, back.bits);
         }
         return finish(front, front.bits ^ low_bits(front.count));
     }
 
 private:
-    /// `count` entries from position `first`, and a bit for each.
+    /// `count` entries from position `first` on, and a bit for each.
     struct block {
         std::int64_t first;
         std::int64_t count;
@@ -146,31 +148,32 @@ private:
         return word;
     }
 
-    /// Moves the last kept entry into a hole. Returns true when the rule would stop here: it finds
+    /// Moves the last kept entry to a free position. Returns true where the rule stops: it finds
     /// that entry to be kept after `most_drops` drops.
-    [[gnu::always_inline]] bool move(std::int64_t last, std::int64_t hole) noexcept {
-        judge_.removed(list_ + hole, list_ + hole + 1);
+    [[gnu::always_inline]] bool move(std::int64_t last, std::int64_t free) noexcept {
+        judge_.removed(list_ + free, list_ + free + 1);
         judge_.removed(list_ + last + 1, list_ + length_);
-        list_[hole] = list_[last];
+        list_[free] = list_[last];
         drops_ += length_ - last;
         length_ = last;
         return drops_ == most_drops_;
     }
 
-    /// Fills the holes of a block with kept entries of the same block, behind which all is dropped.
-    [[gnu::always_inline]] std::int64_t finish(block holes, std::uint64_t kept) noexcept {
-        while (holes.bits != 0) {
-            const std::int64_t hole = holes.lowest();
-            if (kept >> (hole - holes.first) == 0) {
-                judge_.removed(list_ + hole, list_ + length_);
-                return hole;
+    /// Fills the free positions of a block with kept entries of the same block. All entries behind
+    /// the block are dropped.
+    [[gnu::always_inline]] std::int64_t finish(block unfilled, std::uint64_t kept) noexcept {
+        while (unfilled.bits != 0) {
+            const std::int64_t free = unfilled.lowest();
+            if (kept >> (free - unfilled.first) == 0) {
+                judge_.removed(list_ + free, list_ + length_);
+                return free;
             }
-            const std::int64_t last = block{holes.first, holes.count, kept}.highest();
-            if (move(last, hole)) {
+            const std::int64_t last = block{unfilled.first, unfilled.count, kept}.highest();
+            if (move(last, free)) {
                 return length_;
             }
-            kept ^= std::uint64_t{1} << (last - holes.first);
-            holes.bits &= (holes.bits - 1) & low_bits(last - holes.first);
+            kept ^= std::uint64_t{1} << (last - unfilled.first);
+            unfilled.bits &= (unfilled.bits - 1) & low_bits(last - unfilled.first);
         }
         return length_;
     }

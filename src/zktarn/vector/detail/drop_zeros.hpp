@@ -24,7 +24,7 @@ struct marked_entries {
     [[gnu::always_inline]] bool drops(std::int64_t j) const noexcept {
         return elm[j - 1] < 1 || is_zero(coef[j - 1]);
     }
-    // Whatever is dropped is removed in the end, so it can lose its mark at once.
+    // Every dropped entry is removed in the end, so its mark can be cleared at once.
     [[gnu::always_inline]] void tested(const std::int32_t* block,
                                        std::uint64_t word) const noexcept {
         clear_marks(elm, block, word);
@@ -47,9 +47,9 @@ struct listed_entries {
 /// Drops entries of `list` and returns how many are left. Entries from position `kept_from` on are
 /// known to be kept.
 ///
-/// While drops are rare, one branch an entry is the fastest way, because it is predicted. A drop
-/// costs about as much as eight entries that are tested in blocks: where there were more drops than
-/// that, and 16 more, the rest is compacted in blocks.
+/// While drops are rare, one branch for each entry is fastest, because the processor predicts it. A
+/// drop costs about as much as testing eight entries in blocks. So when the drops exceed one eighth
+/// of the entries plus 16, the rest is compacted in blocks.
 template <bool prefetches, entry_judge Entries>
 [[gnu::always_inline]] inline std::int64_t drop(std::int32_t* list, std::int64_t length,
                                                 std::int64_t kept_from, Entries entries) noexcept {

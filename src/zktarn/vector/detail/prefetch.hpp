@@ -4,8 +4,8 @@
 
 /// Prefetching for loops over an index list, whose elements lie anywhere in memory.
 ///
-/// Everything here is always_inline. GCC takes a function whose only effect is a prefetch for one
-/// without any effect, and deletes calls of it before they are inlined.
+/// Everything here is always_inline. GCC treats a function whose only effect is a prefetch as one
+/// without effects, and deletes its calls before they are inlined.
 
 namespace zktarn::vector_mod::detail {
 
