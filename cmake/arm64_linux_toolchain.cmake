@@ -12,7 +12,8 @@ endif()
 find_program(QEMU_AARCH64 qemu-aarch64 REQUIRED)
 set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/lib/on_arm64.sh")
 
-# Programs run here, and everything else is for there: nothing of this machine is included or linked.
+# Programs come from the building machine; headers, libraries and packages come from the target
+# only.
 set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

@@ -12,9 +12,9 @@ function(zktarn_warnings target)
     $<$<BOOL:${ZKTARN_WERROR}>:-Werror>)
 endfunction()
 
-# A jump or a return that an overwritten address leads astray is stopped by the processor, where it
-# and the compiler can: landing pads and shadow stacks on x86-64, landing pads and signed return
-# addresses on Arm. On macOS plain 64-bit Arm code is not checked.
+# Where processor and compiler support it, the processor stops a jump or a return to an overwritten
+# address: landing pads and shadow stacks on x86-64, landing pads and signed return addresses on
+# Arm. On macOS plain 64-bit Arm code is not checked.
 include(CheckCXXCompilerFlag)
 if(NOT APPLE)
   check_cxx_compiler_flag(-fcf-protection=full ZKTARN_HAS_CF_PROTECTION)
@@ -23,23 +23,24 @@ endif()
 if(ZKTARN_HAS_CF_PROTECTION)
   set(ZKTARN_CONTROL_FLOW_GUARD -fcf-protection=full)
   set(ZKTARN_NO_CONTROL_FLOW_GUARD -fcf-protection=none)
-  # Said to the linker, since start files that say nothing would take the mark away. They return to
-  # where they were called from, but begin with no landing pad, so that mark is left to the system.
+  # The linker drops the mark for shadow stacks if the system's start files have no mark, so this
+  # sets it. Start files do work with a shadow stack. They may have no landing pads, so that mark is
+  # left to the linker.
   set(ZKTARN_SHADOW_STACK LINKER:-z,shstk)
 elseif(ZKTARN_HAS_BRANCH_PROTECTION)
   set(ZKTARN_CONTROL_FLOW_GUARD -mbranch-protection=standard)
   set(ZKTARN_NO_CONTROL_FLOW_GUARD -mbranch-protection=none)
 endif()
 
-# Neither contraction nor any other relaxation of IEEE 754 may change a result. Exceptions and type
-# information have no place in code that throws nothing and is called from hosts that unwind nothing;
-# nor has a guarded stack, on by default on some systems, in code that never ends the process.
+# Neither contraction nor any other relaxation of IEEE 754 may change a result. The code throws
+# nothing, and its hosts cannot unwind it, so it has neither exceptions nor type information. It
+# never ends the process, so it has no stack guard, which some systems add by default.
 function(zktarn_library_rules target)
   zktarn_warnings(${target})
   target_compile_options(${target} PRIVATE
     -ffp-contract=off -fno-fast-math -fno-exceptions -fno-rtti -fno-stack-protector
     ${ZKTARN_CONTROL_FLOW_GUARD}
-    # Where symbols are bound to their library anyway, Clang complains about an option to do so.
+    # On macOS symbols are bound to their library anyway, and Clang warns about this option.
     $<$<NOT:$<BOOL:${APPLE}>>:-fno-semantic-interposition>)
   set_target_properties(${target} PROPERTIES
     POSITION_INDEPENDENT_CODE ON

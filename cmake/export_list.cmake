@@ -1,7 +1,7 @@
 # zktarn_restrict_exports(TARGET): hides what the linker would export beside the procedures that are marked
-# ZKTARN_API: templates and inline functions of the standard library, whose visibility is not ours to set.
-# Everything else in namespace zktarn is hidden already, by the compiler. The test of the exported names
-# compares the result with its list.
+# ZKTARN_API: templates and inline functions of the standard library, which have a visibility of
+# their own. Everything else in namespace zktarn is hidden already, by the compiler. The test of the
+# exported names compares the result with its list.
 function(zktarn_restrict_exports target)
   set(script "${CMAKE_CURRENT_BINARY_DIR}/${target}.exports")
   if(APPLE)

@@ -1,7 +1,7 @@
 #pragma once
 
-// How libc++ was configured on macOS. Apple's headers bring this along as <__config_site>; the
-// headers used on Linux leave it to whoever uses them, and are made to see it before anything else.
+// How libc++ was configured on macOS. Apple's headers contain this as <__config_site>. The headers
+// used on Linux do not, so the toolchain includes this file before any other.
 
 #define _LIBCPP_ABI_VERSION 1
 #define _LIBCPP_ABI_NAMESPACE __1
@@ -18,5 +18,5 @@
 #define _LIBCPP_HARDENING_MODE _LIBCPP_HARDENING_MODE_NONE
 #define _LIBCPP_PSTL_BACKEND_SERIAL
 
-// What the libc++ of the oldest macOS does not have is not to be used.
+// Refuses what the libc++ of the oldest supported macOS does not have.
 #define _LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS 1

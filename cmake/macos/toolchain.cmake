@@ -54,7 +54,7 @@ foreach(tool IN ITEMS AR NM OBJDUMP RANLIB STRIP INSTALL_NAME_TOOL)
   find_program(CMAKE_${tool} "${name}" REQUIRED)
 endforeach()
 
-# Programs come from this machine, libraries and packages never.
+# Programs come from the building machine; headers, libraries and packages come from the SDK only.
 set(CMAKE_FIND_ROOT_PATH "${CMAKE_OSX_SYSROOT}")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

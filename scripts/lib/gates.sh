@@ -21,8 +21,8 @@ fuzz       | all   | library llvm tests            | no difference from rules an
 macos      | all   | library llvm                  | 64-bit Arm macOS: library builds, binary interface
 arm64      | all   | library arm64 tests           | 64-bit Arm: no warning, tests under an emulator
 identity   | all   | library clang arm64 tests     | the same bits from every compiler and processor
-tools      | all   | library tests                 | the tools do what they say
-mutation   | all   | library solver tests          | tests notice a sample of faults put into the library
+tools      | all   | library tests                 | the tools pass their own tests
+mutation   | all   | library solver tests          | tests detect a sample of faults put into the library
 benchmarks | all   | library solver tests benchmarks | benchmarks build and run
 fresh      | all   | fresh                         | the demo and the tests run on a bare Debian 12
 '
@@ -30,7 +30,7 @@ fresh      | all   | fresh                         | the demo and the tests run 
 on_mac=false
 [ "$(uname)" = Darwin ] && on_mac=true
 
-# Gates that a Mac has no tools for, or that ask what a Mac is itself.
+# Gates that do not run on a Mac, because they need tools or a system that it does not have.
 not_on_mac=" valgrind arm64 mutation fresh "
 
 # gate_field NAME COLUMN: the loop (2), the parts (3) or the guarantee (4) of a gate.
@@ -111,15 +111,15 @@ gate_clang() {
 
 gate_checked() { build_and_test checked; }
 
-# Under a sanitizer fewer random cases have to do, and proofs that take another solver long are left to
-# the other builds.
+# Under a sanitizer, runs fewer random cases and leaves out the proofs that take the other solver
+# long.
 gate_asan_ubsan() {
     local -x ZKTARN_TEST_SCALE=0.1 GTEST_FILTER='-*Optimum*/misc03:*Optimum*/stein27'
     build_and_test asan-ubsan -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
 }
 
-# Threads share the stand-in; of the library they share what the test names, each of which has to be
-# reported. Death tests fork, which the sanitizer does not survive.
+# Threads may share the stand-in. They must not share the objects of the library that the tests
+# name; the sanitizer has to report each. Death tests fork, which the sanitizer does not support.
 gate_tsan() {
     configure tsan -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
     make_targets tsan standin_test library_threads_test
@@ -136,10 +136,10 @@ test_program() { find "$build_dir/$1/tests" -type f -name "$2" -perm -u+x; }
 
 # reports_race_of OBJECT: the test that shares one between threads has to fail with a data race.
 reports_race_of() {
-    local said
-    if said=$("$(test_program tsan library_threads_test)" --gtest_also_run_disabled_tests \
-        --gtest_filter="*DISABLED_${1}IsShared" 2>&1) || [[ $said != *"data race"* ]]; then
-        echo "the sanitizer reports no data race where $1 is shared: $said"
+    local output
+    if output=$("$(test_program tsan library_threads_test)" --gtest_also_run_disabled_tests \
+        --gtest_filter="*DISABLED_${1}IsShared" 2>&1) || [[ $output != *"data race"* ]]; then
+        echo "the sanitizer reports no data race where $1 is shared: $output"
         return 1
     fi
     echo "shared: a data race is reported where $1 is shared"
@@ -207,7 +207,7 @@ gate_macos() {
     run_tests "$preset" --verbose --tests-regex '^abi[.]macos_library$' | sed 's/^[0-9]*: //'
 }
 
-# Under the emulator one random case in ten has to do.
+# Under the emulator, runs one random case in ten.
 gate_arm64() {
     local -x ZKTARN_TEST_SCALE=0.1
     build_and_test arm64-linux
@@ -221,7 +221,7 @@ gate_tools() {
 }
 
 # A sample of the faults that tools/mutation can make, always the same one, so that a failure can be
-# repeated.
+# reproduced.
 gate_mutation() {
     build gcc
     python3 tools/mutation/mutate.py --build "$build_dir/gcc" --jobs "$jobs" --sample 130 --seed 20261121 \

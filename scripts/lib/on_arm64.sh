@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # on_arm64.sh PROGRAM [ARGUMENT...]: runs a program for 64-bit Arm Linux on an emulator.
 #
-# A death test may start its own program anew, which the kernel could not do. So the program is told
-# that its name is that of this script, and a start without a program is one of the same program.
+# A death test may restart its own program, which the kernel cannot run. So the program gets the
+# name of this script, and the script without a program argument runs the same program again.
 case ${1-} in
 -* | '') ;;
 *)
@@ -16,9 +16,9 @@ if [ -z "${ON_ARM64_PROGRAM-}" ]; then
     exit 2
 fi
 
-# The emulator knows fork, but not the ways of a clone.
+# The emulator supports fork, but not every form of clone.
 GTEST_DEATH_TEST_USE_FORK=1
 export GTEST_DEATH_TEST_USE_FORK
-# Processes that are to be ended by a signal leave nothing behind.
+# A process that a signal ends writes no core file.
 ulimit -c 0
 exec qemu-aarch64 -L /usr/aarch64-linux-gnu -0 "$0" "$ON_ARM64_PROGRAM" "$@"

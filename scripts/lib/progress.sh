@@ -1,5 +1,6 @@
 # shellcheck shell=bash
-# A line that shows how far a long step is: on a terminal only, and gone when the step ends.
+# Shows the progress of a long step in one line, on a terminal only. The line is removed when the
+# step ends.
 
 # clock SECONDS
 clock() { printf '%d:%02d' $(($1 / 60)) $(($1 % 60)); }

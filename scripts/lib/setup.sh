@@ -23,8 +23,9 @@ short() {
     [[ $1 == "$PWD"/* ]] && echo "${1#"$PWD"/}" || echo "$1"
 }
 
-# Makes the build folder and holds it until the script ends, however it ends. The lock is on the open
-# file, and perl is on every Debian and every Mac, where a command for it is not.
+# Creates the build folder and locks it until the script ends. The lock is on an open file, so the
+# system releases it in every case. perl takes the lock, because Debian and macOS have perl, but no
+# common command for locks.
 claim_build_dir() {
     { mkdir -p "$log_dir" && [ -w "$log_dir" ] && : >>"$build_dir/lock"; } 2>/dev/null ||
         fail "cannot write to $build_dir; set ZKTARN_BUILD_DIR to a folder where this user can write"
@@ -42,7 +43,7 @@ packages_of() {
         !/^#/ && index(parts, " " $1 " ") && $column != "-" && !seen[$column]++ { print $column }' "$packages"
 }
 
-# as_root COMMAND...: with sudo where the user is somebody else.
+# as_root COMMAND...: as root, by sudo for any other user.
 as_root() {
     if [ "$(id -u)" -eq 0 ]; then "$@"; else sudo "$@"; fi
 }
@@ -70,7 +71,8 @@ install_debian() {
 }
 
 # install_npm MANIFEST FOLDER: installs into FOLDER the npm packages that the lock file in the folder
-# MANIFEST pins, unless they are there. It runs nothing of theirs, and needs no node but npm's own.
+# MANIFEST pins, unless they are there. It runs no script of the packages, and needs no node except
+# npm's.
 install_npm() {
     local lock=package-lock.json log=$log_dir/setup.log
     cmp -s "$1/$lock" "$2/installed.json" && return
