@@ -277,7 +277,7 @@ protected:
     }
 };
 
-TEST_P(Campaign, LeavesNothingBehindWhateverFails) {
+TEST_P(Campaign, LeaksNothingWhateverFails) {
     std::int64_t injected = 0;
     for (const injector& failing : injectors()) {
         std::int64_t k = 1;

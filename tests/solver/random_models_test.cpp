@@ -205,7 +205,7 @@ void check(const model& program) {
 
 } // namespace
 
-TEST(RandomModels, GetNoFalseBoundNoFalseSentenceAndNoInvalidCut) {
+TEST(RandomModels, GetNoFalseBoundNoFalseStatementAndNoInvalidCut) {
     const char* const scale = std::getenv("ZKTARN_TEST_SCALE");
     const int trials = static_cast<int>(6000 * (scale == nullptr ? 1.0 : std::atof(scale)));
     model_generator generator(20261122);

@@ -148,13 +148,13 @@ TEST_F(Bridge, CbinitLeavesANullHandleWithoutMemory) {
     EXPECT_EQ(cb, nullptr);
 }
 
-TEST_F(Bridge, CbinitForgetsAnInterrupt) {
+TEST_F(Bridge, CbinitClearsTheInterruptFlag) {
     see_interrupt();
     begin_solve();
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 0);
 }
 
-TEST_F(Bridge, CbinitForgetsAnInterruptWithoutMemoryToo) {
+TEST_F(Bridge, CbinitClearsTheInterruptFlagWithoutMemoryToo) {
     see_interrupt();
     cbdata* cb = nullptr;
     fail_record(1);
@@ -322,7 +322,7 @@ TEST_F(Bridge, OneAfterTruncationStops) {
     }
 }
 
-TEST_F(Bridge, EveryRealIsAnAnswer) {
+TEST_F(Bridge, TheFunctionMayReturnAnyReal) {
     for (const double no : {nan, -nan, inf, -inf, 5e-324, 1e300, -1e300, 2147483647.0, 2147483648.0,
                             -2147483648.0, 4294967297.0, 18446744073709551617.0, -4294967295.0}) {
         EXPECT_EQ(stop_for(no), 0) << no;
@@ -473,20 +473,20 @@ TEST_F(Bridge, AShortLineNeedsNoMemory) {
 // Interrupts
 // --------------------------------------------------------------------------------------
 
-TEST_F(Bridge, StatusThreeIsAnInterruptThatIsNotRemembered) {
+TEST_F(Bridge, StatusThreeDoesNotSetTheInterruptFlag) {
     EXPECT_EQ(cbhasinterrupt(stopped, polling), 1);
     EXPECT_THAT(calls(), IsEmpty());
     EXPECT_EQ(cbhasinterrupt(running, polling), 0);
     EXPECT_THAT(calls(), ElementsAre(poll));
 }
 
-TEST_F(Bridge, APollThatSeesNoneAnswersSo) {
+TEST_F(Bridge, APollWithoutAnInterruptReturnsZero) {
     EXPECT_EQ(cbhasinterrupt(running, polling), 0);
     EXPECT_EQ(cbhasinterrupt(running, polling), 0);
     EXPECT_THAT(calls(), ElementsAre(poll, poll));
 }
 
-TEST_F(Bridge, AnInterruptIsRememberedUntilTheNextSolve) {
+TEST_F(Bridge, TheInterruptFlagStaysSetUntilTheNextSolve) {
     see_interrupt();
     for (const std::int32_t ctrlc : {polling, no_poll}) {
         EXPECT_EQ(cbhasinterrupt(running, ctrlc), 1);

@@ -69,7 +69,7 @@ TEST(Cbdata, HasItsDefaults) {
     }
 }
 
-TEST(Cbdata, MayBeReadAsTwoWideIntegersInItsMiddle) {
+TEST(Cbdata, FieldsInItsMiddleMayBeReadAsTwoWideIntegers) {
     const cbdata record;
     std::int64_t wide[2] = {};
     std::memcpy(wide, &record.node, sizeof wide);
@@ -398,7 +398,7 @@ TEST_F(Cbdatalist, FinalisesByTheFinalProcedureWhereThereIsOne) {
     EXPECT_EQ(list->second_handle, 6);
 }
 
-TEST_F(Cbdatalist, FinalisesTwiceWithoutHarm) {
+TEST_F(Cbdatalist, MayBeFinalisedTwice) {
     raw_list list;
     put_owner(*list, 1);
     _cbdatalistfinalise(*list, 1);

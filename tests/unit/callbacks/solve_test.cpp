@@ -181,7 +181,7 @@ TEST_F(Solve, SurvivesEveryFailureOfTheHost) {
     EXPECT_GT(failures, 50);
 }
 
-TEST_F(Solve, AnEmptyAnswerIsSeenByTheHost) {
+TEST_F(Solve, AnEmptyResultIsPassedToTheHost) {
     std::vector<std::string> sentences;
     standin::set_fault_handler(
         [&](const standin::fault& found) { sentences.push_back(found.sentence); });

@@ -85,7 +85,7 @@ TEST_F(ValueSlot, ReplacesItsObjectAndKeepsTheHandles) {
     EXPECT_EQ(list.second_handle, 6);
 }
 
-TEST_F(ValueSlot, KeepsWhatItHasWhenThereIsNoMemory) {
+TEST_F(ValueSlot, KeepsItsObjectWhenThereIsNoMemory) {
     cbdatalist list;
     ASSERT_TRUE(store(list, progress{0.5, 7}));
     fail_record(1);

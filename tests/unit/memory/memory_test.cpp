@@ -90,7 +90,7 @@ TYPED_TEST(Allocmem1d, AttachesOneElement) {
     EXPECT_EQ(array.extent[0], 1);
 }
 
-TYPED_TEST(Allocmem1d, LeavesNewStorageAsItComes) {
+TYPED_TEST(Allocmem1d, LeavesNewStorageUninitialised) {
     auto array = this->stale();
     TypeParam::alloc(array, 3);
     const auto* const bytes = reinterpret_cast<const unsigned char*>(array.data);
@@ -99,7 +99,7 @@ TYPED_TEST(Allocmem1d, LeavesNewStorageAsItComes) {
     }
 }
 
-TYPED_TEST(Allocmem1d, SucceedsWithoutTheHostWhenNothingIsAskedFor) {
+TYPED_TEST(Allocmem1d, SucceedsWithoutTheHostWhenTheSizeIsBelowOne) {
     for (const std::int64_t n : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{-5}, smallest}) {
         auto array = this->stale();
         EXPECT_EQ(TypeParam::alloc(array, n), 1);
@@ -158,7 +158,7 @@ TYPED_TEST(Allocmem1d, FailureDropsABlockThatItHeld) {
     EXPECT_FALSE(array.present());
 }
 
-TYPED_TEST(Allocmem1d, FreememGivesTheBlockBackAndKeepsTheExtents) {
+TYPED_TEST(Allocmem1d, FreememReleasesTheBlockAndKeepsTheExtents) {
     auto array = this->stale();
     TypeParam::alloc(array, 5);
     TypeParam::free(array);
@@ -169,7 +169,7 @@ TYPED_TEST(Allocmem1d, FreememGivesTheBlockBackAndKeepsTheExtents) {
     EXPECT_EQ(array.lower_bound[0], 1);
 }
 
-TYPED_TEST(Allocmem1d, FreememTwiceGivesTheBlockBackOnce) {
+TYPED_TEST(Allocmem1d, FreememTwiceReleasesTheBlockOnce) {
     auto array = this->stale();
     TypeParam::alloc(array, 5);
     TypeParam::free(array);
@@ -219,7 +219,7 @@ TYPED_TEST(Allocmem2d, SucceedsWithoutTheHostWhenTheProductIsBelowOne) {
     EXPECT_THAT(this->host.calls(), IsEmpty());
 }
 
-TYPED_TEST(Allocmem2d, TwoNegativeExtentsAskForTheirProduct) {
+TYPED_TEST(Allocmem2d, TwoNegativeExtentsRequestTheirProduct) {
     auto array = this->stale();
     EXPECT_EQ(TypeParam::alloc(array, {-2, -3}), 1);
     EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(6 * TypeParam::width)));
@@ -345,7 +345,7 @@ TEST_F(Memory, AnExtentOfTheArrayItselfServesAsTheCount) {
     EXPECT_EQ(array.extent[0], 1);
 }
 
-TEST_F(Memory, MallocateAnswersWhatTheHostAnswers) {
+TEST_F(Memory, MallocateReturnsWhatTheHostReturns) {
     const void* const first = mallocate(1);
     const void* const second = mallocate(100);
     EXPECT_THAT(host.blocks(), ElementsAre(first, second));
@@ -356,14 +356,14 @@ TEST_F(Memory, MallocateAnswersWhatTheHostAnswers) {
                 ElementsAre(malloc_of(1), malloc_of(100), malloc_of(8), malloc_of(largest)));
 }
 
-TEST_F(Memory, MallocateOfNothingIsNullWithoutAHostCall) {
+TEST_F(Memory, MallocateBelowOneByteIsNullWithoutAHostCall) {
     EXPECT_EQ(mallocate(0), nullptr);
     EXPECT_EQ(mallocate(-1), nullptr);
     EXPECT_EQ(mallocate(smallest), nullptr);
     EXPECT_THAT(host.calls(), IsEmpty());
 }
 
-TEST_F(Memory, MdeallocateHandsTheAddressOnAndDoesNotClearIt) {
+TEST_F(Memory, MdeallocatePassesTheAddressAndDoesNotClearIt) {
     void* const block = mallocate(16);
     void* address = block;
     mdeallocate(address);
@@ -371,7 +371,7 @@ TEST_F(Memory, MdeallocateHandsTheAddressOnAndDoesNotClearIt) {
     EXPECT_THAT(host.calls(), ElementsAre(malloc_of(16), free_of(block)));
 }
 
-TEST_F(Memory, MdeallocateHandsNullOnToo) {
+TEST_F(Memory, MdeallocatePassesNullToo) {
     mdeallocate(nullptr);
     EXPECT_THAT(host.calls(), ElementsAre(free_of(nullptr)));
 }

@@ -116,7 +116,7 @@ TYPED_TEST(Owners, ReleaseAtOnceWhenTheyAreReset) {
     EXPECT_TRUE(nothing_is_live());
 }
 
-TYPED_TEST(Owners, HandOverWhatTheyOwn) {
+TYPED_TEST(Owners, TransferWhatTheyOwn) {
     auto owned = TypeParam::make();
     TypeParam::release(owned);
     EXPECT_FALSE(owned);
@@ -191,7 +191,7 @@ TEST_F(OwnersOnTheStandin, AVectorHasTheArraysThatAreAskedFor) {
     EXPECT_EQ(&*dense, dense.operator->());
 }
 
-TEST_F(OwnersOnTheStandin, ARefusedVectorLeavesNothingBehind) {
+TEST_F(OwnersOnTheStandin, ARefusedVectorLeaksNothing) {
     for (std::int64_t request = 1; request <= 3; ++request) {
         standin::fail_request(request);
         EXPECT_FALSE(owned_vector(4));
@@ -261,7 +261,7 @@ TEST_F(OwnersOnTheStandin, AnArrayThatIsTooLargeIsRefused) {
     EXPECT_TRUE(array.elements().empty());
 }
 
-TEST_F(OwnersOnTheStandin, ASnapshotBringsTheNumbersBack) {
+TEST_F(OwnersOnTheStandin, ASnapshotRestoresTheNumbers) {
     const owned_generator rng(3);
     const owned_snapshot before(*rng);
     ASSERT_TRUE(rng && before);

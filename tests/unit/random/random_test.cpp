@@ -142,7 +142,7 @@ TEST_F(Random, TakesASnapshot) {
     EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::getRngStateOptim, 3)));
 }
 
-TEST_F(Random, ReportsAHostThatDeliversNoSnapshot) {
+TEST_F(Random, ReportsAHostThatCreatesNoSnapshot) {
     const rng_state rng{handle(3)};
     saved_state state = handle(99);
     answer_handle(operation::getRngStateOptim, 0);
@@ -150,7 +150,7 @@ TEST_F(Random, ReportsAHostThatDeliversNoSnapshot) {
     EXPECT_EQ(state, nullptr);
 }
 
-TEST_F(Random, AsksForASnapshotWithoutAGeneratorToo) {
+TEST_F(Random, RequestsASnapshotWithoutAGeneratorToo) {
     saved_state state = handle(99);
     answer_handle(operation::getRngStateOptim, 0);
     EXPECT_EQ(getrngstate(rng_state{}, state), 0);
@@ -230,7 +230,7 @@ protected:
     }
 };
 
-TEST_F(RandomNumbers, ComeBackWithASnapshot) {
+TEST_F(RandomNumbers, AreRestoredByASnapshot) {
     rng_state rng;
     ASSERT_EQ(instantiaterng(rng, 42), 1);
     draws(rng, 5);

@@ -199,7 +199,7 @@ TEST(Sort, SortsDescendingIfTheProcedureDoes) {
     EXPECT_TRUE(std::is_sorted(elements.rbegin(), elements.rend()));
 }
 
-TEST(Sort, CountsEveryNonzeroAnswerAsTrue) {
+TEST(Sort, CountsEveryNonzeroResultAsTrue) {
     for (const flag yes : {flag{1}, flag{-1}, flag{2}, flag{1} << 32, flag{1} << 62}) {
         int calls = 0;
         sort(1, 3, [&](std::int32_t, std::int32_t) {

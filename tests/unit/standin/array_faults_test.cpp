@@ -68,7 +68,7 @@ protected:
     std::size_t objects = 0;
 };
 
-TEST_F(ArrayFaults, AHandleThatWasNeverGivenOutNamesNoArray) {
+TEST_F(ArrayFaults, AHandleThatWasNeverReturnedNamesNoArray) {
     for (const array_handle array : {array_handle{-1}, matrix + 1, largest}) {
         use(array, "the handle " + std::to_string(array) + " names no array",
             fault_kind::unknown_object);
@@ -137,7 +137,7 @@ TEST_F(ArrayFaults, OnlyARealArrayHasData) {
     EXPECT_NE(data_of(matrix), nullptr);
 }
 
-TEST_F(ArrayFaults, AnElementIsOneOfThoseThatThereAre) {
+TEST_F(ArrayFaults, AnElementOutOfRangeIsAFault) {
     for (const std::int64_t element : {std::int64_t{0}, std::int64_t{-1}, std::int64_t{3}}) {
         const std::string sentence =
             the_struct(structure) + " has no element " + std::to_string(element);
@@ -148,7 +148,7 @@ TEST_F(ArrayFaults, AnElementIsOneOfThoseThatThereAre) {
     }
 }
 
-TEST_F(ArrayFaults, AFieldIsOneOfThoseThatThereAre) {
+TEST_F(ArrayFaults, AFieldThatDoesNotExistIsAFault) {
     set_field(structure, 1, "z", scalar);
     expect_fault(fault_kind::out_of_range,
                  "qvsetfield800_: " + the_struct(structure) + " has no field 'z'");
@@ -160,7 +160,7 @@ TEST_F(ArrayFaults, AFieldIsOneOfThoseThatThereAre) {
     }
 }
 
-TEST_F(ArrayFaults, AFieldThatIsNotThereHasTheNumber0AndIsNoFault) {
+TEST_F(ArrayFaults, AFieldThatDoesNotExistHasTheNumber0WithoutAFault) {
     EXPECT_EQ(field_number(structure, "z"), 0);
     EXPECT_TRUE(faults.empty());
 }
@@ -264,7 +264,7 @@ TEST_F(ArrayFaults, TheWidthOfASlotIsNotNegative) {
     expect_fault(fault_kind::bad_request, "qvcreatestructarray800_: the length of a text is -1");
 }
 
-TEST_F(ArrayFaults, OnlyRealMatricesAreKnown) {
+TEST_F(ArrayFaults, OnlyRealMatricesAreSupported) {
     for (const std::int32_t complexity : {1, -1}) {
         EXPECT_EQ(make_matrix(1, 1, complexity), 0);
         expect_fault(fault_kind::bad_request,
@@ -272,7 +272,7 @@ TEST_F(ArrayFaults, OnlyRealMatricesAreKnown) {
     }
 }
 
-TEST_F(ArrayFaults, TooLargeAnArrayIsNotMadeAndIsNoFault) {
+TEST_F(ArrayFaults, AnArrayThatIsTooLargeIsRefusedWithoutAFault) {
     // More numbers than can be counted, and more than fit an address.
     EXPECT_EQ(make_matrix(largest, 2), 0);
     EXPECT_EQ(make_matrix(largest, 1), 0);
@@ -307,7 +307,7 @@ protected:
     }
 };
 
-TEST_F(CopyFaults, NoMoreIsCopiedThanThereIsFromThereOn) {
+TEST_F(CopyFaults, ACopyBeyondTheEndOfTheDataIsAFault) {
     expect_refused(data_of(matrix), 5, fault_kind::out_of_range,
                    the_matrix(matrix) + " has 4 numbers from that address on, not 5");
     expect_refused(data_of(matrix) + 3, 2, fault_kind::out_of_range,
@@ -330,7 +330,7 @@ TEST_F(CopyFaults, TheNumberToBeCopiedIsNotNegative) {
     expect_refused(data_of(matrix), -1, fault_kind::bad_request, "-1 numbers are to be copied");
 }
 
-TEST_F(CopyFaults, AnAddressIsThatOfData) {
+TEST_F(CopyFaults, AnAddressOutsideOfDataIsAFault) {
     const std::string sentence = "no array has data at the address";
     expect_refused(nullptr, 1, fault_kind::unknown_object, sentence);
     // Below and above all data.
@@ -340,7 +340,7 @@ TEST_F(CopyFaults, AnAddressIsThatOfData) {
                    sentence);
 }
 
-TEST_F(CopyFaults, DataAreGoneWithTheirArray) {
+TEST_F(CopyFaults, DataOfADestroyedArrayAreAFault) {
     // The only data far and wide, in pages of their own.
     const array_handle gone = make_matrix(10'000'000, 1);
     double* const address = data_of(gone);

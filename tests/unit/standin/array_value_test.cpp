@@ -142,7 +142,7 @@ TEST_F(ArrayValue, AStructShowsTheFieldsOfItsStructs) {
     EXPECT_EQ(taken(outer).field("options").field("display").text(), "off");
 }
 
-TEST_F(ArrayValue, WhatIsTakenFromOneThatGoesStays) {
+TEST_F(ArrayValue, PartsTakenFromATemporaryStayValid) {
     const array_handle made = make_struct({1, 1}, 3, "xst", 1);
     set_field(made, 1, "x", make_matrix(1, 2));
     set_field(made, 1, "s", make_struct({1, 1}, 1, "y", 1));
@@ -185,7 +185,7 @@ TEST_F(ArrayValue, OfAnUnknownHandleIsAFault) {
                  "inspect: " + the_scalar(gone) + " was used after it was destroyed");
 }
 
-TEST_F(ArrayValue, LookingIsNoOperation) {
+TEST_F(ArrayValue, InspectingIsNotCountedAsAnOperation) {
     const array_handle made = make_scalar(1.0);
     fail_call(operation::qvgetpr800_, 1);
     EXPECT_EQ(inspect(made).scalar(), 1.0);

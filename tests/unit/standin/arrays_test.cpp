@@ -25,7 +25,7 @@ protected:
     }
 };
 
-TEST_F(Arrays, AStructHasTheExtentsAndTheFieldsAskedFor) {
+TEST_F(Arrays, AStructHasTheRequestedExtentsAndFields) {
     const array_handle made = make_struct({2, 3}, 3, "x   fvalflag", 4);
     const array_value seen = inspect(made);
     EXPECT_EQ(seen.kind, array_kind::structure);
@@ -165,7 +165,7 @@ TEST_F(Arrays, APartOfTheDataIsCopiedAndNoMore) {
     destroy(made);
 }
 
-TEST_F(Arrays, NothingIsCopiedWhereNothingIsAskedFor) {
+TEST_F(Arrays, ACountOfZeroCopiesNothing) {
     numbers values = {5.0};
     host::qvcopyptrtoreal8800_(nullptr, values.data(), 0);
     host::qvcopyreal8toptr800_(values.data(), nullptr, 0);
@@ -251,7 +251,7 @@ TEST_F(Arrays, AValueThatIsStoredBelongsToTheStruct) {
     destroy(made);
 }
 
-TEST_F(Arrays, HandlesAreNeverUsedAgain) {
+TEST_F(Arrays, HandlesAreNeverReused) {
     const array_handle first = make_scalar(1.0);
     EXPECT_GT(first, 0);
     destroy(first);
@@ -267,7 +267,7 @@ TEST_F(Arrays, HandlesAreNeverUsedAgain) {
     destroy(later);
 }
 
-TEST_F(Arrays, WhatIsLiveStaysLiveThroughAReset) {
+TEST_F(Arrays, LiveArraysStayLiveThroughAReset) {
     const array_handle made = make_struct({1, 1}, 1, "x", 1);
     set_field(made, 1, "x", make_scalar(6.0));
     reset();

@@ -286,7 +286,7 @@ TEST_F(Scripts, AnswerInPlaceOfTheStandIn) {
     EXPECT_TRUE(live_blocks().empty());
 }
 
-TEST_F(Scripts, LeaveACallToTheStandInWithNothing) {
+TEST_F(Scripts, LeaveACallToTheStandInByAnEmptyResult) {
     answer_calls(operation::utIsInterruptPending,
                  [n = 0](const host_call&) mutable -> std::optional<answer> {
                      return ++n == 1 ? std::optional<answer>(answer{.number = 1}) : std::nullopt;
@@ -316,7 +316,7 @@ TEST_F(Scripts, WriteWhatTheOperationWrites) {
     EXPECT_EQ(output, 42);
 }
 
-TEST_F(Scripts, ComeBehindPlannedFailures) {
+TEST_F(Scripts, YieldToPlannedFailures) {
     answer_calls(operation::instantiateRngOptim,
                  [](const host_call&) { return answer{.address = reinterpret_cast<void*>(64)}; });
     fail_call(operation::instantiateRngOptim, 1);

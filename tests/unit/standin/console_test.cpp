@@ -25,7 +25,7 @@ protected:
     }
 };
 
-TEST_F(Console, ShowsTextAndKeepsNoneAtTheBeginning) {
+TEST_F(Console, ShowsAndDoesNotCaptureTextInitially) {
     EXPECT_EQ(shown_by([] { EXPECT_EQ(print_text("Iter  F-count\n"), 0); }), "Iter  F-count\n");
     EXPECT_EQ(console_text(), "");
 }
@@ -76,7 +76,7 @@ TEST_F(Console, ReturnsThePreviousChoiceAndKeepsWhatItHas) {
     EXPECT_EQ(console_text(), "kept");
 }
 
-TEST_F(Console, ClearingForgetsTheText) {
+TEST_F(Console, ClearingDiscardsTheText) {
     set_console(console::capture);
     print_text("a");
     host::ioFlushOptim();
@@ -88,7 +88,7 @@ TEST_F(Console, ClearingForgetsTheText) {
     EXPECT_EQ(flushed_console_text(), "");
 }
 
-TEST_F(Console, KnowsWhatWasThereAtTheLastFlush) {
+TEST_F(Console, KnowsTheTextCapturedAtTheLastFlush) {
     set_console(console::capture);
     host::ioFlushOptim();
     EXPECT_EQ(flushed_console_text(), "");
@@ -103,7 +103,7 @@ TEST_F(Console, KnowsWhatWasThereAtTheLastFlush) {
     EXPECT_EQ(flushed_console_text(), "abc");
 }
 
-TEST_F(Console, ResetForgetsTheTextAndKeepsTheChoice) {
+TEST_F(Console, ResetDiscardsTheTextAndKeepsTheDestination) {
     set_console(console::capture);
     print_text("a");
     host::ioFlushOptim();

@@ -85,7 +85,7 @@ TEST_F(DefaultHandlersDeathTest, AFailedAssertionStopsWithItsNumber) {
     EXPECT_STOP(host::assertOptim(false), "an assertion of the solver failed (number 3)");
 }
 
-TEST_F(DefaultHandlersDeathTest, AnEmptyHandlerStandsForTheDefault) {
+TEST_F(DefaultHandlersDeathTest, AnEmptyHandlerRestoresTheDefault) {
     set_fault_handler([](const fault&) {});
     set_fault_handler({});
     EXPECT_STOP(take(0), "a block of 0 bytes was requested; at least 1 is needed");
@@ -94,7 +94,7 @@ TEST_F(DefaultHandlersDeathTest, AnEmptyHandlerStandsForTheDefault) {
     EXPECT_STOP(host::assertOptim(false), "an assertion of the solver failed (number 1)");
 }
 
-TEST_F(DefaultHandlersDeathTest, WhatTheProgramPrintedBeforeIsNotLost) {
+TEST_F(DefaultHandlersDeathTest, WhatTheProgramPrintedBeforeIsFlushed) {
     EXPECT_EXIT(
         {
             keep_coverage();

@@ -69,7 +69,7 @@ TEST_F(ExitDeathTest, ALeakIsReportedAndTheExitStatusKept) {
                 "  block 2: 24 bytes\n"));
 }
 
-TEST_F(ExitDeathTest, NothingIsReportedWhenEverythingWasGivenBack) {
+TEST_F(ExitDeathTest, NothingIsReportedWhenEverythingWasReleased) {
     EXPECT_EXIT(
         {
             qvFreeExOptim(qvMallocExOptim(8));
@@ -110,7 +110,7 @@ TEST_F(ExitDeathTest, DamageFoundAtExitStops) {
         "block 1 (8 bytes) was written past its end");
 }
 
-TEST_F(ExitDeathTest, DamageFoundAtExitIsToldToTheHandlerBeforeTheReport) {
+TEST_F(ExitDeathTest, DamageFoundAtExitReachesTheHandlerBeforeTheReport) {
     EXPECT_EXIT(
         {
             set_fault_handler([](const fault& found) { print(found.sentence + "\n"); });
@@ -131,7 +131,7 @@ struct owner {
 
 owner made_before_any_block;
 
-TEST_F(ExitDeathTest, BlocksOfStaticObjectsAreGivenBackBeforeTheReport) {
+TEST_F(ExitDeathTest, BlocksOfStaticObjectsAreReleasedBeforeTheReport) {
     EXPECT_EXIT(
         {
             made_before_any_block.address = qvMallocExOptim(8);

@@ -196,7 +196,7 @@ TEST_F(Failures, ACallWithAFaultUsesAPlannedFailureUp) {
     faults.clear();
 }
 
-TEST_F(Failures, ACallThatFailsLooksAtNoArguments) {
+TEST_F(Failures, ACallThatFailsTestsNoArguments) {
     fail_call(operation::qvgetpr800_, 1);
     EXPECT_EQ(data_of(-5), nullptr);
     fail_call(operation::qvcreatestring800_, 1);
@@ -204,7 +204,7 @@ TEST_F(Failures, ACallThatFailsLooksAtNoArguments) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(Failures, ResetForgetsWhatWasPlanned) {
+TEST_F(Failures, ResetClearsPlannedFailures) {
     for (int i = 0; i < operation_count; ++i) {
         fail_call(static_cast<operation>(i), 1);
     }
@@ -297,7 +297,7 @@ protected:
     array_handle none = -1;
 };
 
-TEST_F(AfterAFailure, TheHandle0IsNoFault) {
+TEST_F(AfterAFailure, TheHandle0IsAccepted) {
     set_field(none, 1, "x", none);
     set_field_number(none, 1, 1, none);
     EXPECT_EQ(field_number(none, "x"), 0);
@@ -321,13 +321,13 @@ TEST_F(AfterAFailure, TheHandle0EmptiesAField) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(AfterAFailure, TheFieldNumber0IsNoFault) {
+TEST_F(AfterAFailure, TheFieldNumber0IsAccepted) {
     set_field_number(structure, 1, 0, none);
     EXPECT_TRUE(inspect(structure).field("x").reals().empty());
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(AfterAFailure, AValueThatHasNoPlaceGoes) {
+TEST_F(AfterAFailure, AValueThatCannotBeStoredIsDestroyed) {
     const std::size_t before = live_objects().size();
     set_field(none, 1, "x", make_scalar(1.0));
     set_field_number(none, 1, 1, make_text("x"));
@@ -336,7 +336,7 @@ TEST_F(AfterAFailure, AValueThatHasNoPlaceGoes) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(AfterAFailure, AValueThatHasAPlaceStaysThere) {
+TEST_F(AfterAFailure, AValueThatAFieldOwnsStaysThere) {
     const array_handle value = make_scalar(1.0);
     set_field(structure, 1, "x", value);
     set_field(none, 1, "x", value);
@@ -356,7 +356,7 @@ protected:
     }
 };
 
-TEST_F(FailureForAnyReason, MakesNullsGood) {
+TEST_F(FailureForAnyReason, MakesNullsAcceptable) {
     const std::function<void()> failing[] = {
         [] { make_struct({-1}); },
         [] { make_matrix(0x7FFFFFFFFFFFFFFF, 0x7FFFFFFFFFFFFFFF); },
@@ -378,7 +378,7 @@ TEST_F(FailureForAnyReason, MakesNullsGood) {
     }
 }
 
-TEST_F(FailureForAnyReason, MakesNoNullsGoodWhereItGivesNone) {
+TEST_F(FailureForAnyReason, MakesNoNullsAcceptableWhereItReturnsNone) {
     set_field(scalar, 1, "x", scalar);
     field_number(scalar, "x");
     destroy(-1);
@@ -398,7 +398,7 @@ TEST_F(FailureForAnyReason, MakesNoNullsGoodWhereItGivesNone) {
     EXPECT_TRUE(minds_0());
 }
 
-TEST_F(AfterAFailure, ANullAddressIsNoFaultAndNothingIsCopied) {
+TEST_F(AfterAFailure, ANullAddressIsAcceptedAndNothingIsCopied) {
     double values[] = {1.0, 2.0};
     host::qvcopyptrtoreal8800_(nullptr, values, 2);
     host::qvcopyreal8toptr800_(values, nullptr, 2);
@@ -407,7 +407,7 @@ TEST_F(AfterAFailure, ANullAddressIsNoFaultAndNothingIsCopied) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(AfterAFailure, EverythingElseIsAFaultAsBefore) {
+TEST_F(AfterAFailure, AnyOtherFaultIsReported) {
     const auto expect_one_fault = [this](fault_kind kind) {
         ASSERT_EQ(faults.size(), 1u);
         EXPECT_EQ(faults[0].kind, kind);
@@ -428,7 +428,7 @@ TEST_F(AfterAFailure, EverythingElseIsAFaultAsBefore) {
     expect_one_fault(fault_kind::bad_request);
 }
 
-TEST_F(AfterAFailure, ThatEndsWithAReset) {
+TEST_F(AfterAFailure, ResetEndsTheExemption) {
     reset();
     set_fault_handler([this](const fault& found) { faults.push_back(found); });
     destroy(none);

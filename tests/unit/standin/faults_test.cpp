@@ -62,7 +62,7 @@ TEST_F(Faults, ABadRequestUsesUpNoPlannedFailure) {
     EXPECT_EQ(faults.size(), 1u);
 }
 
-TEST_F(Faults, ABlockGivenBackTwiceIsNamedWithSizeAndNumber) {
+TEST_F(Faults, ABlockReleasedTwiceIsNamedWithSizeAndNumber) {
     void* const address = take(24);
     const std::int64_t order = requests();
     qvFreeExOptim(address);
@@ -75,7 +75,7 @@ TEST_F(Faults, ABlockGivenBackTwiceIsNamedWithSizeAndNumber) {
                  last("24 bytes") + " was released twice");
 }
 
-TEST_F(Faults, ABlockGivenBackTwiceIsSeenAfterOtherRequestsToo) {
+TEST_F(Faults, ABlockReleasedTwiceIsDetectedAfterOtherRequestsToo) {
     void* const address = take(24);
     const block first = {address, 24, requests()};
     const std::string first_name = last("24 bytes");
@@ -113,7 +113,7 @@ void* take_again(void* address, std::int64_t nbytes) {
     return again == address ? again : nullptr;
 }
 
-TEST_F(Faults, AnAddressHandedOutAgainCanBeGivenBackAgain) {
+TEST_F(Faults, AReusedAddressCanBeReleasedAgain) {
 #ifdef ZKTARN_TEST_EMULATED
     GTEST_SKIP() << "the emulator gives every large block new pages";
 #endif
@@ -165,7 +165,7 @@ TEST_F(Faults, AnAddressJustOutsideABlockIsForeignAndNamesNone) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(Faults, AWriteUpTo64BytesPastTheEndIsSeenWhenTheBlockIsGivenBack) {
+TEST_F(Faults, AWriteUpTo64BytesPastTheEndIsDetectedAtTheRelease) {
     for (const std::int64_t nbytes : {1, 24, 63, 64, 65}) {
         for (const int distance : {0, 1, 63}) {
             unsigned char* const bytes = take(nbytes);
@@ -179,7 +179,7 @@ TEST_F(Faults, AWriteUpTo64BytesPastTheEndIsSeenWhenTheBlockIsGivenBack) {
     }
 }
 
-TEST_F(Faults, AWriteUpTo64BytesBeforeTheStartIsSeenWhenTheBlockIsGivenBack) {
+TEST_F(Faults, AWriteUpTo64BytesBeforeTheStartIsDetectedAtTheRelease) {
     for (const int distance : {1, 2, 64}) {
         unsigned char* const bytes = take(16);
         const block damaged = {bytes, 16, requests()};
@@ -190,7 +190,7 @@ TEST_F(Faults, AWriteUpTo64BytesBeforeTheStartIsSeenWhenTheBlockIsGivenBack) {
     }
 }
 
-TEST_F(Faults, CheckBlocksReportsADamagedBlockOnceAndThenItIsGivenBackQuietly) {
+TEST_F(Faults, CheckBlocksReportsADamagedBlockOnceAndItsReleaseDoesNot) {
     unsigned char* const sound = take(8);
     unsigned char* const past = take(8);
     const block past_block = {past, 8, requests()};
@@ -265,7 +265,7 @@ TEST_F(Handlers, TheAssertionHandlerReturnedIsThePreviousOne) {
     EXPECT_FALSE(set_assertion_handler({}));
 }
 
-TEST_F(Handlers, OnlyFailedAssertionsAreTold) {
+TEST_F(Handlers, OnlyFailedAssertionsReachTheHandler) {
     int told = 0;
     set_assertion_handler([&] { ++told; });
     host::assertOptim(true);

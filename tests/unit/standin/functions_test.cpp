@@ -93,7 +93,7 @@ TEST_F(Functions, ANumberIsReturnedAsAScalar) {
     EXPECT_EQ(value.scalar(), 40.0);
 }
 
-TEST_F(Functions, AnyNumberAndATruthAreReturnedAsAScalar) {
+TEST_F(Functions, AnyNumberAndALogicalValueAreReturnedAsAScalar) {
     set_function("whole", [](const array_value&) { return 7; });
     EXPECT_EQ(returned_by("whole").scalar(), 7.0);
     set_function("stop", [](const array_value& value) { return value.scalar() > 19.0; });
@@ -166,7 +166,7 @@ TEST_F(Functions, EachNameHasItsOwnFunction) {
     EXPECT_EQ(returned_by("g").scalar(), 2.0);
 }
 
-TEST_F(Functions, AFunctionThatNobodyRegisteredIsUnknown) {
+TEST_F(Functions, AFunctionThatIsNotRegisteredIsUnknown) {
     expect_unknown("tarnCallback");
     set_function("f", [](const array_value&) { return 1.0; });
     expect_unknown("F");
@@ -174,14 +174,14 @@ TEST_F(Functions, AFunctionThatNobodyRegisteredIsUnknown) {
     expect_unknown("");
 }
 
-TEST_F(Functions, AnEmptyFunctionTakesTheNameOut) {
+TEST_F(Functions, AnEmptyFunctionRemovesTheName) {
     set_function("f", [](const array_value&) { return 1.0; });
     EXPECT_TRUE(set_function("f", {}));
     expect_unknown("f");
     EXPECT_FALSE(set_function("f", {}));
 }
 
-TEST_F(Functions, ResetTakesAllOut) {
+TEST_F(Functions, ResetRemovesAllFunctions) {
     set_function("f", [](const array_value&) { return 1.0; });
     reset();
     set_fault_handler([this](const fault& found) { faults.push_back(found); });
@@ -236,7 +236,7 @@ TEST_F(Functions, NoLockIsHeldWhileAFunctionRuns) {
     EXPECT_EQ(returned_by("outer").scalar(), 22.0);
 }
 
-TEST_F(Functions, OneThatThrowsIsAFault) {
+TEST_F(Functions, AFunctionThatThrowsAnExceptionIsAFault) {
     set_function("f", [](const array_value&) -> reply { throw std::runtime_error("no more"); });
     array_handle output = unwritten;
     EXPECT_EQ(call_function("f", input, output), 1);
@@ -244,7 +244,7 @@ TEST_F(Functions, OneThatThrowsIsAFault) {
     expect_fault(fault_kind::function_threw, "the host-language function 'f' threw: no more");
 }
 
-TEST_F(Functions, OneThatThrowsAnythingIsAFault) {
+TEST_F(Functions, AFunctionThatThrowsAnythingElseIsAFault) {
     set_function("f", [](const array_value&) -> reply { throw 1; });
     array_handle output = unwritten;
     EXPECT_EQ(call_function("f", input, output), 1);
@@ -252,7 +252,7 @@ TEST_F(Functions, OneThatThrowsAnythingIsAFault) {
     expect_fault(fault_kind::function_threw, "the host-language function 'f' threw");
 }
 
-TEST_F(Functions, OneKeepsItsStateFromCallToCall) {
+TEST_F(Functions, AFunctionKeepsItsStateFromCallToCall) {
     set_function("count", [calls = 0](const array_value&) mutable { return ++calls; });
     EXPECT_EQ(returned_by("count").scalar(), 1.0);
     EXPECT_EQ(returned_by("count").scalar(), 2.0);
@@ -267,7 +267,7 @@ struct registers_at_its_end {
     }
 };
 
-TEST_F(Functions, WhatAFunctionHoldsGoesWithNoLockHeld) {
+TEST_F(Functions, AFunctionIsDestroyedWithNoLockHeld) {
     set_function("f", [held = std::make_shared<registers_at_its_end>()](const array_value&) {
         return held ? 1.0 : 0.0;
     });

@@ -105,7 +105,7 @@ TEST_F(Generators, NumbersAreUniformFrom0To1) {
     }
 }
 
-TEST_F(Generators, NoNumbersAreDrawnWhereNoneAreAskedFor) {
+TEST_F(Generators, ACountOfZeroDrawsNothing) {
     void* const generator = instantiateRngOptim(7);
     const std::int64_t none = 0;
     double untouched = -1.0;
@@ -115,7 +115,7 @@ TEST_F(Generators, NoNumbersAreDrawnWhereNoneAreAskedFor) {
     deleteRngOptim(generator);
 }
 
-TEST_F(Generators, NoMoreNumbersAreDrawnThanAskedFor) {
+TEST_F(Generators, NoMoreNumbersAreDrawnThanRequested) {
     void* const generator = instantiateRngOptim(7);
     numbers values(5, -1.0);
     const std::int64_t three = 3;
@@ -162,7 +162,7 @@ TEST_F(Generators, TakingASnapshotChangesNothing) {
     deleteRngOptim(generator);
 }
 
-TEST_F(Generators, NoGeneratorHasNoSnapshotAndThatIsNoFault) {
+TEST_F(Generators, ASnapshotOfANullGeneratorIsNullWithoutAFault) {
     EXPECT_EQ(getRngStateOptim(nullptr), nullptr);
 }
 
@@ -224,7 +224,7 @@ std::vector<void*> never_handed_out(void* good) {
             reinterpret_cast<void*>(~std::uintptr_t{63})};
 }
 
-TEST_F(GeneratorFaults, AGeneratorIsNoSnapshotAndASnapshotNoGenerator) {
+TEST_F(GeneratorFaults, GeneratorsAndSnapshotsHaveDifferentHandles) {
     double number = 0.0;
     const std::int64_t count = 1;
     host::getRandUniformOptim(state, &number, &count);
@@ -285,7 +285,7 @@ TEST_F(GeneratorFaults, TheNumberToBeDrawnIsNotNegative) {
     EXPECT_EQ(drawn(generator, 1), first_of_seed(1, 1));
 }
 
-TEST_F(GeneratorFaults, AHandleIsNeverUsedAgain) {
+TEST_F(GeneratorFaults, AHandleIsNeverReused) {
     std::set<void*> seen;
     for (int i = 0; i < 100; ++i) {
         void* const made = instantiateRngOptim(i);

@@ -59,7 +59,7 @@ TEST_F(Interrupts, ThereIsNoneAtTheBeginning) {
     EXPECT_EQ(polls(3), "000");
 }
 
-TEST_F(Interrupts, OneIsAnsweredOnce) {
+TEST_F(Interrupts, OneIsReportedByOnePoll) {
     raise_interrupt();
     EXPECT_EQ(polls(3), "100");
     raise_interrupt();
@@ -74,7 +74,7 @@ TEST_F(Interrupts, OneIsPlannedForAPoll) {
     EXPECT_EQ(polls(5), "00100");
 }
 
-TEST_F(Interrupts, APlanReplacesThePlanBefore) {
+TEST_F(Interrupts, APlanReplacesAnEarlierPlan) {
     interrupt_at_poll(1);
     interrupt_at_poll(2);
     EXPECT_EQ(polls(4), "0100");
@@ -98,7 +98,7 @@ TEST_F(Interrupts, APlannedAndARaisedOneAreOneAtTheSamePoll) {
     EXPECT_EQ(polls(3), "100");
 }
 
-TEST_F(Interrupts, ResetForgetsThem) {
+TEST_F(Interrupts, ResetClearsThem) {
     raise_interrupt();
     interrupt_at_poll(1);
     reset();
@@ -262,7 +262,7 @@ char next_word(int from) {
     return read(from, &word, 1) == 1 ? word : '\0';
 }
 
-TEST_F(Interrupts, CtrlCIsAnsweredByAPollAndEndsTheProcessTheSecondTime) {
+TEST_F(Interrupts, CtrlCIsReportedByAPollAndEndsTheProcessTheSecondTime) {
     int ends[2] = {};
     ASSERT_EQ(pipe(ends), 0);
     const pid_t solver = fork();

@@ -133,7 +133,7 @@ TEST_F(LiveObjectsAtExitDeathTest, AreNotReportedWhenTheReportIsOff) {
         testing::ExitedWithCode(status), exactly(""));
 }
 
-TEST_F(LiveObjectsAtExitDeathTest, NothingIsReportedWhenAllWereGivenBack) {
+TEST_F(LiveObjectsAtExitDeathTest, NothingIsReportedWhenAllWereReleased) {
     EXPECT_EXIT(
         {
             destroy(make_struct());

@@ -68,7 +68,7 @@ TEST_F(Records, AreRefusedOnceAndNotAfterThePlanIsTakenBack) {
     }
 }
 
-TEST_F(Records, OrdinaryObjectsAreNone) {
+TEST_F(Records, OrdinaryObjectsAreNotRecords) {
     const std::int64_t before = record_requests();
     const auto numbers = std::make_unique<std::vector<int>>(1000);
     fail_record(1);
@@ -78,7 +78,7 @@ TEST_F(Records, OrdinaryObjectsAreNone) {
     EXPECT_EQ(live_records(), 0);
 }
 
-TEST_F(Records, ManyOfThemAreKnownUntilTheyAreDeleted) {
+TEST_F(Records, ManyOfThemAreTrackedUntilTheyAreDeleted) {
     std::vector<double*> all;
     for (int i = 0; i < 3000; ++i) {
         all.push_back(new (std::nothrow) double(i));
@@ -103,7 +103,7 @@ TEST_F(Records, MayBeMadeOnTwoThreads) {
 
 using RecordsDeathTest = Records;
 
-TEST_F(RecordsDeathTest, AWritePastTheEndIsSeenWhenOneIsDeleted) {
+TEST_F(RecordsDeathTest, AWritePastTheEndIsDetectedWhenOneIsDeleted) {
     EXPECT_DEATH(
         {
             auto* const record = static_cast<unsigned char*>(::operator new(12, std::nothrow));

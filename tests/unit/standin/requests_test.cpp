@@ -169,7 +169,7 @@ TEST_F(Requests, AreNumberedOnAfterAReset) {
     qvFreeExOptim(kept);
 }
 
-TEST_F(Requests, LargerThanAnyHostCanMeetAreRefusedWithoutAFault) {
+TEST_F(Requests, LargerThanAnyMemoryAreRefusedWithoutAFault) {
     const std::int64_t before = requests();
     EXPECT_EQ(qvMallocExOptim(largest), nullptr);
     EXPECT_EQ(qvMallocExOptim(largest - 63), nullptr);
@@ -199,7 +199,7 @@ TEST_F(Requests, LiveBlocksComeByOrderNumberWithAddressAndSize) {
     }
 }
 
-TEST_F(Requests, NullIsGivenBackWithoutEffect) {
+TEST_F(Requests, ReleasingNullHasNoEffect) {
     const std::string before = memory_report();
     qvFreeExOptim(nullptr);
     EXPECT_EQ(memory_report(), before);
@@ -214,7 +214,7 @@ TEST_F(FailRequest, FailsTheKthRequestOnce) {
     EXPECT_EQ(met(5), "11011");
 }
 
-TEST_F(FailRequest, ReplacesWhatWasPlannedBefore) {
+TEST_F(FailRequest, ReplacesAnEarlierPlan) {
     fail_request(1);
     fail_request(2);
     EXPECT_EQ(met(3), "101");
@@ -253,7 +253,7 @@ TEST_F(FailRequestsFrom, FailsTheKthRequestAndAllAfterIt) {
     EXPECT_EQ(met(3), "000");
 }
 
-TEST_F(FailRequestsFrom, ReplacesWhatWasPlannedBefore) {
+TEST_F(FailRequestsFrom, ReplacesAnEarlierPlan) {
     fail_request(1);
     fail_requests_from(2);
     EXPECT_EQ(met(3), "100");

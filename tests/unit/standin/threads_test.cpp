@@ -226,7 +226,7 @@ TEST_F(Threads, APlannedFailureMeetsExactlyOneCall) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(Threads, AnInterruptIsAnsweredByExactlyOnePoll) {
+TEST_F(Threads, AnInterruptIsReportedByExactlyOnePoll) {
     std::atomic<int> answered = 0;
     interrupt_at_poll(thread_count * rounds / 2);
     raise_interrupt();
@@ -268,7 +268,7 @@ TEST_F(Threads, FunctionsAreCalledAtTheSameTime) {
     EXPECT_EQ(wrong, 0);
 }
 
-TEST_F(Threads, AFaultIsToldOnTheThreadThatCausedIt) {
+TEST_F(Threads, AFaultIsReportedOnTheThreadThatCausedIt) {
     thread_local int told_here = 0;
     std::atomic<int> right = 0;
     set_fault_handler([](const fault&) { ++told_here; });

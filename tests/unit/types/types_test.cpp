@@ -78,7 +78,7 @@ TEST(OptionalRef, RefersToVariables) {
     EXPECT_EQ(&*optional_ref<const double>(constant), &constant);
 }
 
-TEST(OptionalRef, GivesItsValueOrTheFallback) {
+TEST(OptionalRef, ReturnsItsValueOrTheFallback) {
     const double value = 2.0;
     EXPECT_EQ(optional_ref<const double>(value).value_or(9.0), 2.0);
     EXPECT_EQ(optional_ref<const double>().value_or(9.0), 9.0);

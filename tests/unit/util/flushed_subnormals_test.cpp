@@ -42,7 +42,7 @@ answer scalar_for(const std::vector<element>& elements, double max_scalar) {
     return a;
 }
 
-TEST_F(FlushedSubnormals, AScalarOfZeroIsGivenUp) {
+TEST_F(FlushedSubnormals, AScalarOfZeroEndsTheSearch) {
     // The reciprocal is subnormal, so it becomes 0, which no doubling changes.
     for (const double max_scalar : {1.0, 1e6, inf}) {
         const answer a = scalar_for({{1.7e308}}, max_scalar);

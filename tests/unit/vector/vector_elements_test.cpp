@@ -212,7 +212,7 @@ TEST_F(VectorElements, AnIndexMayBeAComponentOfTheRecord) {
     EXPECT_EQ(marks->elm(1), 0);
 }
 
-TEST_F(VectorElements, RemNzMovesTheLastEntryIntoTheHole) {
+TEST_F(VectorElements, RemNzMovesTheLastEntryToTheFreePosition) {
     PROCEDURE(vector_rem_nz, "RNS_11vector_type6vectorERKi");
     marks.list({4, 6, 8});
     vector_rem_nz(*marks, 1);
@@ -258,7 +258,7 @@ TEST_F(VectorElements, ClearOfAnEmptyVectorSetsTheCountAlone) {
     EXPECT_EQ(marks->elm(5), 1);
 }
 
-TEST_F(VectorElements, TheSearchLooksAtNothingBesideTheList) {
+TEST_F(VectorElements, TheSearchReadsNothingBesideTheList) {
     PROCEDURE(vector_get_coef, "RKNS_11vector_type6vectorERKi");
     // The index in question stands on both sides of the list, and not in it.
     constexpr std::int32_t most = 140;

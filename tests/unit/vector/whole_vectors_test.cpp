@@ -391,7 +391,7 @@ TEST(Mod2, AnEntryThatIsNoMemberCountsAsZero) {
     EXPECT_EQ(v->coef(1), 0.0);
 }
 
-TEST(Mod2, KeepsToTheRuleForLargeAndForNoTolerances) {
+TEST(Mod2, FollowsTheRuleForLargeNegativeAndNaNTolerances) {
     made_vector v(n);
     v.entries({{1, 1.0}, {2, 2.0}, {3, 3.0}});
     vector_mod2(*v, 1.0);
