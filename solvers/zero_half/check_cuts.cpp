@@ -60,7 +60,7 @@ private:
         return cpp_rational(value);
     }
 
-    /// A side or a bound, which has to be there. Bounds of integer columns are rounded inwards.
+    /// A side or a bound, which must exist. Bounds of integer columns are rounded inwards.
     static cpp_rational limit(double value, bool is_integer, bool is_upper) {
         if (std::fabs(value) >= 1e30) {
             throw std::runtime_error("a bound or a side is used that is not there");

@@ -56,8 +56,8 @@ void register_output_function(display show) {
                                   });
 }
 
-/// From the beginning, so that an interrupt before the first poll is not lost. A program that was
-/// started with SIGINT ignored goes on ignoring it.
+/// Called at the start, so that an interrupt before the first poll is not lost. A program that was
+/// started with SIGINT ignored continues to ignore it.
 void listen_for_interrupts() {
     struct sigaction installed = {};
     ::sigaction(SIGINT, nullptr, &installed);
@@ -66,7 +66,7 @@ void listen_for_interrupts() {
     }
 }
 
-/// What is wrong with the result of a run, or an empty text.
+/// The error in the result of a run as a sentence; empty if there is none.
 std::string fault_of(const run_result& run) {
     if (run.reason == ending::numeric_error) {
         return "it could not be decided whether the relaxation with the cuts of the last round has "

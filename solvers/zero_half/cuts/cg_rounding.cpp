@@ -12,7 +12,7 @@ namespace {
 
 constexpr double no_tolerance = 0.0;
 
-/// A sum of integers that notices when it may no longer be exact.
+/// A sum of integers that detects when it may no longer be exact.
 class exact_sum {
 public:
     void add(double term) {

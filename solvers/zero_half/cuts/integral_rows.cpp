@@ -17,14 +17,14 @@ namespace zero_half {
 
 namespace {
 
-/// A sum of rows of the model whose coefficients are integers but for rounding errors. Columns are
+/// A sum of rows of the model whose coefficients are integers up to rounding errors. Columns are
 /// counted from 0.
 struct scaled_sum {
     std::map<std::int32_t, double> coefficients;
     std::vector<row_origin::term> terms;
 };
 
-/// A coefficient as an integer and the rest that makes it exact.
+/// A coefficient as an integer, and the remainder that the integer omits.
 struct split_coefficient {
     double whole = 0.0;
     double rest = 0.0;

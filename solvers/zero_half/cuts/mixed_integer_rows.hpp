@@ -6,7 +6,7 @@
 
 namespace zero_half {
 
-/// A bound of this magnitude or more is none.
+/// A bound of this magnitude or more counts as infinite.
 inline constexpr double no_bound = 1e30;
 
 /// What separation reads of a model: row_lower <= A x <= row_upper, lower <= x <= upper, and which

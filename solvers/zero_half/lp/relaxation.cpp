@@ -89,7 +89,7 @@ void relaxation::solve_afresh() {
     lp_ = fresh;
 }
 
-/// What the simplex method says, where it is proven.
+/// The result of the simplex method, where it is proven.
 relaxation::outcome relaxation::checked_outcome() {
     switch (lp_.status()) {
     case optimal:

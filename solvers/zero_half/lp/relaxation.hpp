@@ -20,7 +20,7 @@ namespace zero_half {
 class relaxation {
 public:
     /// `infeasible` and `unbounded` are proven in exact arithmetic. `undecided`: the simplex method
-    /// failed, or there is no proof of what it says.
+    /// failed, or its result is not proven.
     enum class outcome { optimal, infeasible, unbounded, stopped, undecided };
 
     /// The simplex method calls `should_stop` in each iteration and stops when it returns true.

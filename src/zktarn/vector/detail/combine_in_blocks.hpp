@@ -9,21 +9,24 @@
 #include "zktarn/vector/detail/combine_marked.hpp"
 
 /// x := alpha * x + beta * y, block by block of the index space.
-/// In list order each entry of a large vector lies on another page, and most of the time goes into
-/// page walks. But only the order in which indices are listed is fixed, not the order of visits. So
-/// both lists are sorted into blocks of the index space, and a block is scaled, added to and tested
-/// for zeros while its part of the arrays is in the cache. Then y's new indices are appended in y's
-/// order, and the holes are closed. What is sorted takes room behind the list of x.
+///
+/// In list order each entry of a large vector lies on another page, and page walks take most of the
+/// time. But only the order in which indices are listed is fixed, not the order of visits. So both
+/// lists are sorted into blocks of the index space, and a block is scaled, added to and tested for
+/// zeros while its part of the arrays is in the cache. Then y's new indices are appended in y's
+/// order, and dropped entries are replaced by the last ones. The sorted entries are stored behind
+/// the list of x, in its scratch positions.
 
 namespace zktarn::vector_mod::detail {
 
-/// The sizes from which on blocks gain more than the sorting costs.
+/// The sizes from which on blocks save more time than the sorting costs.
 struct block_limits {
     std::int64_t capacity = std::int64_t{1} << 19;
     std::int64_t y_nz = std::int64_t{1} << 12;
 };
 
-/// Whether x and y are large enough, and the list of x has room for what is sorted.
+/// Whether x and y are large enough, and the list of x has room for the sorted entries and the
+/// notes.
 [[gnu::always_inline]] inline bool suits_blocks(const vector& x, const vector& y,
                                                 const block_limits& least) noexcept {
     const std::int64_t nz = std::int64_t{x.nz} + y.nz;
@@ -58,7 +61,7 @@ struct sorted_entries {
 
 /// x := alpha * x + beta * y, where `suits_blocks` holds and y is another record than x.
 [[gnu::always_inline]] inline void combine_in_blocks(vector& x, const vector& y,
-                                                     const factors& by) noexcept {
+                                                     const factors& weights) noexcept {
     enum note : unsigned char { kept, dropped, not_new };
     std::int32_t* const list = x.ind.data;
     const marked_entries in_x{x.coef.data, x.elm.data};
@@ -75,17 +78,17 @@ struct sorted_entries {
     auto* const x_notes = reinterpret_cast<note*>(room + 2 * (xs.nz + ys.nz));
     note* const y_notes = x_notes + xs.nz + ys.nz;
     for (std::size_t b = 0; b < xs.ends.size() - 1; ++b) {
-        for (std::int64_t k = xs.begin(b); by.scales && k < xs.ends[b]; ++k) {
+        for (std::int64_t k = xs.begin(b); weights.scales && k < xs.ends[b]; ++k) {
             in_x.prefetch(xs.ahead(k));
             const std::int64_t j = xs.all[k].j;
-            coef[j] = by.alpha * membership(elm[j]).coefficient(coef[j]);
+            coef[j] = weights.alpha * membership(elm[j]).coefficient(coef[j]);
         }
         for (std::int64_t k = ys.begin(b); k < ys.ends[b]; ++k) {
             in_x.prefetch(ys.ahead(k));
             y_coef.prefetch(ys.ahead(k));
             const auto [j, position] = ys.all[k];
             const membership known(elm[j]);
-            coef[j] = std::fma(by.beta, y_coef(j), known.coefficient(coef[j]));
+            coef[j] = std::fma(weights.beta, y_coef(j), known.coefficient(coef[j]));
             elm[j] = known.after_add();
             y_notes[position] = known.is_new != 0 ? kept : not_new;
         }
@@ -103,18 +106,18 @@ struct sorted_entries {
             y_notes[position] = drops ? dropped : y_notes[position];
         }
     }
-    std::int64_t left = xs.nz;
+    std::int64_t length = xs.nz;
     for (std::int64_t k = 0; k < ys.nz; ++k) {
-        list[left] = y.ind.data[k];
-        x_notes[left] = y_notes[k];
-        left += std::int64_t{y_notes[k] != not_new};
+        list[length] = y.ind.data[k];
+        x_notes[length] = y_notes[k];
+        length += std::int64_t{y_notes[k] != not_new};
     }
-    for (std::int64_t k = 0; k < left; ++k) {
-        for (; k < left && x_notes[k] == dropped; x_notes[k] = x_notes[left]) {
-            list[k] = list[--left];
+    for (std::int64_t k = 0; k < length; ++k) {
+        for (; k < length && x_notes[k] == dropped; x_notes[k] = x_notes[length]) {
+            list[k] = list[--length];
         }
     }
-    x.nz = static_cast<std::int32_t>(left);
+    x.nz = static_cast<std::int32_t>(length);
 }
 
 } // namespace zktarn::vector_mod::detail
