@@ -66,7 +66,8 @@ host_call struct_array_call(std::int64_t ndims, const std::int64_t* extents, std
     for (std::int64_t i = 0; i < std::min<std::int64_t>(ndims, 2); ++i) {
         asked.integers.push_back(extents[i]);
     }
-    asked.integers.insert(asked.integers.end(), {nfields, slot_width});
+    asked.integers.push_back(nfields);
+    asked.integers.push_back(slot_width);
     asked.texts = {logged_text(field_names, nfields * slot_width)};
     return asked;
 }
