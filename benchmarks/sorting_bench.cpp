@@ -37,7 +37,7 @@ struct table {
     }
 };
 
-/// Tables of one size, shuffled anew before each round.
+/// Tables of one size, shuffled again before each round.
 class tables {
 public:
     explicit tables(std::int32_t n) : n_(n) {}

@@ -11,9 +11,9 @@ namespace {
 /// Sorted lists of indices, and room for what is made of them.
 struct sorted_lists {
     explicit sorted_lists(std::int32_t) {}
-    void load(const sparse_problem& from) {
-        load(x, from.x);
-        load(y, from.y);
+    void load(const sparse_problem& source) {
+        load(x, source.x);
+        load(y, source.y);
         result.resize(x.size() + y.size());
     }
     void sym_diff() {

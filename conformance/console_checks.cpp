@@ -67,7 +67,7 @@ private:
     int before_;
 };
 
-/// The beginning of a text, with its line feeds visible.
+/// The first characters of a text, with its line feeds visible.
 std::string shown(const std::string& text) {
     std::string line;
     for (const char c : text.substr(0, 60)) {

@@ -22,7 +22,7 @@ constexpr const char* usage =
     "  --answer NUMBER      it must return that number, for instance 20.5 = value + the sum of\n"
     "                       column + the number of characters of phase\n"
     "  --console elsewhere  the host's console is not standard output: the texts are printed for\n"
-    "                       you to look at\n"
+    "                       you to check\n"
     "\n"
     "The exit status is 0 when every check passed, 1 when one failed, 2 for wrong arguments.\n";
 

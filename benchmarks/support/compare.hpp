@@ -11,10 +11,9 @@
 /// Contenders that do the same job, timed side by side in one process.
 ///
 /// A comparison runs in rounds. In each round every contender does the job the same number of
-/// times, and the order of the contenders is drawn anew, so that whatever slows the machine down
-/// for a while slows all of them alike. What is reported are medians over the rounds: the time of
-/// one repetition for each contender, and the ratio of the first contender's time to that of each
-/// other one, taken round by round.
+/// times, in a new random order, so that a slowdown of the machine affects all of them equally.
+/// Reported are medians over the rounds: the time of one repetition for each contender, and the
+/// ratio of the first contender's time to that of each other contender in the same round.
 
 namespace zktarn::bench {
 
@@ -26,7 +25,8 @@ struct contender {
     std::function<void(std::int64_t repetitions)> prepare;
 };
 
-/// A contender that does `job(i)` for i = 0, 1, ...: with fresh input, i says which one to use.
+/// A contender that does `job(i)` for i = 0, 1, ...: with fresh input, i is the number of the
+/// input.
 template <class Job>
 contender doing(std::string name, Job job,
                 std::function<void(std::int64_t repetitions)> prepare = {}) {
@@ -38,7 +38,7 @@ contender doing(std::string name, Job job,
     return {std::move(name), std::move(run), std::move(prepare)};
 }
 
-/// Registers a comparison. The first contender is the one the others are held against.
+/// Registers a comparison. The others are compared with the first contender.
 ///
 /// A round repeats the job until it can be timed well, but not more often than `most_repetitions`,
 /// which bounds the fresh input that must be held at a time.

@@ -43,8 +43,8 @@ std::string processor() {
     return "unknown";
 }
 
-/// With ZKTARN_BENCH_PAGES=small no memory of this process lies on huge pages, whoever allocates
-/// it.
+/// With ZKTARN_BENCH_PAGES=small no memory of this process is on huge pages, whichever allocator it
+/// is from.
 std::string choose_pages() {
     const char* const wanted = std::getenv("ZKTARN_BENCH_PAGES");
     const std::string pages = wanted == nullptr ? "as the system has them" : wanted;
@@ -78,7 +78,7 @@ int main(int argc, char** argv) {
     benchmark::AddCustomContext("pages", choose_pages());
 
     zktarn::bench::register_comparisons();
-    // A filter that matches nothing is a mistake, of which Google Benchmark has told by then.
+    // A filter that matches nothing is an error, which Google Benchmark has reported before.
     const bool any = benchmark::RunSpecifiedBenchmarks() > 0;
     benchmark::Shutdown();
     return any ? 0 : 1;

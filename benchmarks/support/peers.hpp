@@ -13,7 +13,7 @@
 #include <Eigen/SparseCore>
 #endif
 
-/// Sparse vectors of other libraries. A comparison goes without a peer that is not installed.
+/// Sparse vectors of other libraries. A comparison leaves out a peer that is not installed.
 
 namespace zktarn::bench {
 
@@ -26,9 +26,9 @@ struct coin_pair {
         x.reserve(n + 1);
         y.reserve(n + 1);
     }
-    void load(const sparse_problem& from) {
-        load(x, from.x);
-        load(y, from.y);
+    void load(const sparse_problem& source) {
+        load(x, source.x);
+        load(y, source.y);
     }
     /// x += beta * y, then a pass that drops what is smaller than a tolerance.
     void combine(double beta) {
@@ -63,9 +63,9 @@ struct eigen_pair {
     using vector = Eigen::SparseVector<double>;
 
     explicit eigen_pair(std::int32_t n) : x(n + 1), y(n + 1), result(n + 1) {}
-    void load(const sparse_problem& from) {
-        load(x, from.x);
-        load(y, from.y);
+    void load(const sparse_problem& source) {
+        load(x, source.x);
+        load(y, source.y);
         result.reserve(x.nonZeros() + y.nonZeros());
     }
     /// The sum, without entries that are zero.

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-/// Shell sorts as they are written for one occasion: the limit for one that serves all.
+/// Shell sorts written for one kind of data: the limit for a general one.
 
 namespace zktarn::bench {
 

@@ -40,9 +40,9 @@ struct raw_vector {
 
 struct raw_pair {
     explicit raw_pair(std::int32_t n) : x(n), y(n) {}
-    void load(const sparse_problem& from) {
-        x.load(from.x);
-        y.load(from.y);
+    void load(const sparse_problem& source) {
+        x.load(source.x);
+        y.load(source.y);
     }
     raw_vector x;
     raw_vector y;
@@ -75,7 +75,7 @@ void limit_mod2(raw_vector& v);
 /// The same with the remainder from `std::fmod`, which needs no range.
 void raw_mod2_by_fmod(raw_vector& v);
 
-/// Drops entries that are zero; the last one moves into each hole.
+/// Drops entries that are zero; the last entry moves to the position of each.
 void raw_drop_zeros(raw_vector& v);
 void marked_drop_zeros(raw_vector& v);
 void limit_drop_zeros(raw_vector& v);
@@ -91,7 +91,7 @@ double raw_sum_at(const raw_vector& x, const raw_vector& y);
 /// Stores y's coefficients in x, and lists and marks what x does not have.
 void raw_store_at(raw_vector& x, const raw_vector& y);
 
-/// `raw_combine` without marks: each index of y is looked for in the list of x, entry by entry.
+/// `raw_combine` without marks: searches the list of x for each index of y, entry by entry.
 void raw_combine_lists(raw_vector& x, const raw_vector& y, double beta);
 
 } // namespace zktarn::bench

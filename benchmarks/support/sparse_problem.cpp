@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    /// Distinct indices: a shuffle that goes only so far.
+    /// Distinct indices: a partial shuffle.
     void shuffle_front(std::size_t count) {
         for (std::size_t k = 0; k < count; ++k) {
             std::swap(indices_[k], indices_[k + generator_() % (indices_.size() - k)]);

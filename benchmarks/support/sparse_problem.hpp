@@ -24,7 +24,7 @@ struct sparse_problem {
     std::vector<entry> y;
 };
 
-/// All values are integers from -9 to 9, and where nothing else is said none is zero.
+/// All values are integers from -9 to 9, and nonzero unless stated otherwise.
 enum class relation {
     /// Half of y's indices are x's, and a tenth of those have the same value.
     overlapping,

@@ -39,9 +39,9 @@ struct library_pair {
     library_pair(const library_pair&) = delete;
     library_pair& operator=(const library_pair&) = delete;
 
-    void load(const sparse_problem& from) {
-        load(*x, from.x);
-        load(*y, from.y);
+    void load(const sparse_problem& source) {
+        load(*x, source.x);
+        load(*y, source.y);
     }
 
     vector_type::vector* x = nullptr;

@@ -163,7 +163,7 @@ gate_coverage() {
     python3 tools/coverage/report.py --build "$build_dir/coverage" --compiler "$clang"
 }
 
-# Each fuzzer for a minute from its seeds, which stay as they are.
+# Runs each fuzzer for a minute from its seeds, and leaves the seeds unchanged.
 gate_fuzz() {
     configure fuzz -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
     make_targets fuzz fuzzers

@@ -16,7 +16,7 @@ program covering
 
     type(run_options) :: chosen
     type(program_01) :: given
-    type(reporter) :: to
+    type(reporter) :: bridge
     type(outcome) :: found
     type(goal), target :: wanted
     character(:), allocatable :: message
@@ -26,15 +26,15 @@ program covering
     call read_program(chosen%path, given, message)
     if (message /= '') call fail(1, message)
 
-    if (chosen%quiet) to%display = display_off
+    if (chosen%quiet) bridge%display = display_off
     if (chosen%has_goal) then
         wanted%objective = chosen%goal
-        to%has_output_function = 1
+        bridge%has_output_function = 1
         call standin_set_function('tarnCallback', stop_at_goal, c_loc(wanted))
     end if
-    call begin_reports(to)
-    call solve(given, to, chosen%every, found)
-    call end_reports(to)
+    call begin_reports(bridge)
+    call solve(given, bridge, chosen%every, found)
+    call end_reports(bridge)
     if (chosen%has_goal) call standin_remove_function('tarnCallback')
     call free_program(given)
     call print_outcome()

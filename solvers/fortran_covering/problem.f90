@@ -26,7 +26,7 @@ module problem
 
 contains
 
-    !> Reads a file. On failure `message` says why, and nothing is left to release.
+    !> Reads a file. On failure `message` gives the reason, and there is nothing to release.
     subroutine read_program(path, read_in, message)
         character(*), intent(in) :: path
         type(program_01), intent(out) :: read_in
@@ -95,15 +95,15 @@ contains
             if (message /= '') return
             allocate (target%costs(target%n))
             read (rest, *, iostat=status) target%costs
-            if (status /= 0 .or. target%n < 1) message = 'there is not one cost a variable'
+            if (status /= 0 .or. target%n < 1) message = 'the number of costs is not the number of variables'
         case ('row')
             call read_row(rest, target, message)
         case default
-            message = "'"//word//"' is no statement"
+            message = "'"//word//"' is not a statement"
         end select
     end subroutine
 
-    !> Takes the first word off a line; '' at its end.
+    !> Removes the first word of a line and returns it; '' at the end of the line.
     subroutine next_word(line, word)
         character(:), allocatable, intent(inout) :: line
         character(:), allocatable, intent(out) :: word
@@ -127,7 +127,7 @@ contains
             message = 'the host has no memory for a row'
             return
         end if
-        ! Owned by the program from here on, so a failure below releases it with all others.
+        ! The program owns it from here on, so a failure below releases it with all others.
         target%constraints = [target%constraints, made]
         do
             call next_word(line, word)
@@ -152,13 +152,13 @@ contains
         if (status /= 0) message = "there is no number behind '>='"
     end subroutine
 
-    subroutine free_program(gone)
-        type(program_01), intent(inout) :: gone
+    subroutine free_program(released)
+        type(program_01), intent(inout) :: released
         integer :: i
-        do i = 1, size(gone%constraints)
-            call vector_free(gone%constraints(i)%row)
+        do i = 1, size(released%constraints)
+            call vector_free(released%constraints(i)%row)
         end do
-        deallocate (gone%constraints)
-        allocate (gone%constraints(0))
+        deallocate (released%constraints)
+        allocate (released%constraints(0))
     end subroutine
 end module

@@ -33,7 +33,7 @@ module search
         real(dp) :: rhs = 0
     end type
 
-    !> State of the search, all costs nonnegative: where one was negative, the variable is
+    !> State of the search. All costs are nonnegative: a variable with a negative cost is
     !> complemented.
     type :: state
         integer :: n = 0
@@ -43,7 +43,7 @@ module search
         !> Every objective value is a multiple of 1 / scale; 0 when no scale is known.
         real(dp) :: scale = 0
         type(ordered_row), allocatable :: rows(:)
-        !> 0, 1 or free; the variables that are fixed, in the order in which that happened.
+        !> 0, 1 or free for each variable; the fixed variables, in the order of fixing.
         integer, allocatable :: x(:)
         integer, allocatable :: trail(:)
         integer :: fixed = 0
@@ -53,10 +53,11 @@ module search
 
 contains
 
-    !> Finds a best point of `given`. Reports each `every` nodes, and at each better point.
-    subroutine solve(given, to, every, found)
+    !> Finds a best point of `given`. Reports progress after every `every` nodes and at each better
+    !> point.
+    subroutine solve(given, bridge, every, found)
         type(program_01), intent(in) :: given
-        type(reporter), intent(inout) :: to
+        type(reporter), intent(inout) :: bridge
         integer, intent(in) :: every
         type(outcome), intent(out) :: found
         type(state) :: current
@@ -66,10 +67,10 @@ contains
             found%status = no_memory
             return
         end if
-        call enumerate(current, to, every, found)
-        if (cbstopfromoutputfcn(to%status) /= 0) then
+        call enumerate(current, bridge, every, found)
+        if (cbstopfromoutputfcn(bridge%status) /= 0) then
             found%status = stopped
-        else if (ends(to)) then
+        else if (ends(bridge)) then
             found%status = interrupted
         else if (found%found) then
             found%status = solved
@@ -78,7 +79,7 @@ contains
 
     ! Preparation
 
-    !> Complements, scales and orders. False without memory for the surrogate constraint.
+    !> Complements, scales and orders. False if memory for the surrogate constraint is missing.
     logical function prepared(given, made)
         type(program_01), intent(in) :: given
         type(state), intent(out) :: made
@@ -154,9 +155,9 @@ contains
     ! Enumeration
 
     !> Depth first; a branching variable is tried at 1, then at 0.
-    subroutine enumerate(current, to, every, found)
+    subroutine enumerate(current, bridge, every, found)
         type(state), intent(inout) :: current
-        type(reporter), intent(inout) :: to
+        type(reporter), intent(inout) :: bridge
         integer, intent(in) :: every
         type(outcome), intent(inout) :: found
         integer, allocatable :: variable(:), depth_of_trail(:)
@@ -166,9 +167,9 @@ contains
         depth = 0
         do
             found%nodes = found%nodes + 1
-            if (mod(found%nodes, every) == 0) call show(to, 'search', found)
-            if (ends(to)) return
-            call examine(current, found, to, branching)
+            if (mod(found%nodes, every) == 0) call show(bridge, 'search', found)
+            if (ends(bridge)) return
+            call examine(current, found, bridge, branching)
             if (branching > 0) then
                 depth = depth + 1
                 variable(depth) = branching
@@ -188,12 +189,12 @@ contains
         end do
     end subroutine
 
-    !> Works on one node: fixes what is implied, bounds, and keeps a better point. `branching` is
-    !> the variable to branch on, or 0 when the node is done.
-    subroutine examine(current, found, to, branching)
+    !> Processes one node: fixes implied variables, computes the bound, and keeps a better point.
+    !> `branching` is the variable to branch on, or 0 if the node is pruned.
+    subroutine examine(current, found, bridge, branching)
         type(state), intent(inout) :: current
         type(outcome), intent(inout) :: found
-        type(reporter), intent(inout) :: to
+        type(reporter), intent(inout) :: bridge
         integer, intent(out) :: branching
         real(dp) :: bound, fixed_cost, cover
         integer :: i, candidate
@@ -213,11 +214,12 @@ contains
             branching = 0
         else if (branching == 0) then
             call keep(current, fixed_cost, found)
-            call show(to, 'incumbent', found)
+            call show(bridge, 'incumbent', found)
         end if
     end subroutine
 
-    !> Fixes every variable without which some row cannot be satisfied. False when one cannot be.
+    !> Fixes every variable whose other value would violate a row. False if a row cannot be
+    !> satisfied.
     logical function propagated(current)
         type(state), intent(inout) :: current
         integer :: i, k, j, before
@@ -318,8 +320,8 @@ contains
         where (current%complemented) found%x = 1 - found%x
     end subroutine
 
-    subroutine show(to, phase, found)
-        type(reporter), intent(inout) :: to
+    subroutine show(bridge, phase, found)
+        type(reporter), intent(inout) :: bridge
         character(*), intent(in) :: phase
         type(outcome), intent(in) :: found
         character(80) :: line
@@ -329,8 +331,8 @@ contains
             write (line, '(a10, i10, a)') phase, found%nodes, ' nodes'
         end if
         call lowercasee(line)
-        call print_line(to, trim(line))
-        call report(to, phase, found%nodes, found%best, found%x)
-        if (associated(to%solve)) to%solve%nodes_explored = found%nodes
+        call print_line(bridge, trim(line))
+        call report(bridge, phase, found%nodes, found%best, found%x)
+        if (associated(bridge%solve)) bridge%solve%nodes_explored = found%nodes
     end subroutine
 end module

@@ -19,8 +19,8 @@ struct command_line {
 
 enum exit_status { success = 0, failure = 1, wrong_usage = 2, interrupted = 130 };
 
-/// Parses the arguments into `options`. Returns true when the program goes on. Otherwise it has
-/// printed the help, the version or what is wrong, and `status` is its exit status.
+/// Parses the arguments into `options`. Returns true when the program continues. Otherwise it has
+/// printed the help, the version or an error, and `status` is its exit status.
 bool parse(int argc, char** argv, command_line& options, int& status);
 
 } // namespace zero_half

@@ -175,7 +175,7 @@ void array_table::store(operation caller, array_handle structure, std::int64_t i
     }
 }
 
-/// A value that cannot be stored after a failure is destroyed, because nobody else has its handle.
+/// A value that cannot be stored after a failure is destroyed, because its handle is lost.
 void array_table::destroy_unowned(array_handle value) {
     const auto entry = live_.find(value);
     if (entry != live_.end() && entry->second.owner == 0) {

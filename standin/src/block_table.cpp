@@ -40,7 +40,7 @@ constexpr std::int64_t largest_block = std::numeric_limits<std::int64_t>::max() 
 struct block_table {
     std::mutex lock;
     std::unordered_map<const void*, block> live;
-    // Released blocks whose address has not been handed out again.
+    // Released blocks whose address has not been used again.
     std::unordered_map<const void*, block> freed;
     std::int64_t requests = 0;
     std::int64_t refusals = 0;
@@ -149,7 +149,7 @@ fault bad_release(const block_table& m, const void* address) {
         }
     }
     return {fault_kind::foreign_free, block{address, 0, 0},
-            "an address that the memory manager never handed out was released"};
+            "an address that the memory manager never returned was released"};
 }
 
 std::vector<block> sorted_blocks(const block_table& m) {

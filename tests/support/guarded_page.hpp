@@ -38,9 +38,9 @@ public:
 private:
     char* begin() const { return static_cast<char*>(pages_) + size_; }
 
-    static std::int32_t* copied(const std::vector<std::int32_t>& all, char* to) {
-        std::memcpy(to, all.data(), all.size() * sizeof all[0]);
-        return reinterpret_cast<std::int32_t*>(to);
+    static std::int32_t* copied(const std::vector<std::int32_t>& all, char* target) {
+        std::memcpy(target, all.data(), all.size() * sizeof all[0]);
+        return reinterpret_cast<std::int32_t*>(target);
     }
 
     std::size_t size_;

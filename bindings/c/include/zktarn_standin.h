@@ -177,10 +177,10 @@ zktarn_standin_array_kind_of(const zktarn_standin_array* array);
 ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_rows(const zktarn_standin_array* array);
 ZKTARN_STANDIN_C_API int64_t zktarn_standin_array_columns(const zktarn_standin_array* array);
 ZKTARN_STANDIN_C_API double zktarn_standin_array_scalar(const zktarn_standin_array* array);
-/* The numbers, column by column; their number goes to *count. */
+/* The numbers, column by column; writes their count to *count. */
 ZKTARN_STANDIN_C_API const double* zktarn_standin_array_reals(const zktarn_standin_array* array,
                                                               size_t* count);
-/* The characters, not ended by a zero byte; their number goes to *length. */
+/* The characters, not ended by a zero byte; writes their count to *length. */
 ZKTARN_STANDIN_C_API const char* zktarn_standin_array_characters(const zktarn_standin_array* array,
                                                                  size_t* length);
 ZKTARN_STANDIN_C_API size_t zktarn_standin_array_field_count(const zktarn_standin_array* array);
@@ -253,7 +253,7 @@ ZKTARN_STANDIN_C_API void* zktarn_standin_call_result_address(const zktarn_stand
 ZKTARN_STANDIN_C_API size_t zktarn_standin_call_in_words(const zktarn_standin_call* call,
                                                          char* buffer, size_t capacity);
 
-/* What a script answers; each operation uses one part, qvxcallquarn800_ two. */
+/* The answer of a script; each operation uses one part, qvxcallquarn800_ two. */
 typedef struct zktarn_standin_answer zktarn_standin_answer;
 
 ZKTARN_STANDIN_C_API void zktarn_standin_answer_number(zktarn_standin_answer* answer,

@@ -44,9 +44,9 @@ void copy_value(void* first, const std::int32_t& /*count*/) noexcept {
 }
 
 void destroy_value(void* value) noexcept {
-    const auto& gone = *static_cast<const header*>(value);
-    if (gone.present && gone.destroy != nullptr) {
-        gone.destroy(bytes_of(value), gone.context);
+    const auto& stored = *static_cast<const header*>(value);
+    if (stored.present && stored.destroy != nullptr) {
+        stored.destroy(bytes_of(value), stored.context);
     }
 }
 

@@ -67,8 +67,8 @@ relaxation::outcome relaxation::solve() {
     return result;
 }
 
-/// Loads the program anew, without scaling, and solves it by the primal method, which starts from a
-/// feasible point if there is one. Clp has been seen to call a program infeasible for which this
+/// Loads the program again, without scaling, and solves it by the primal method, which starts from
+/// a feasible point if there is one. Clp has been seen to call a program infeasible for which this
 /// finds an optimum or a ray.
 void relaxation::solve_afresh() {
     ClpSimplex fresh;

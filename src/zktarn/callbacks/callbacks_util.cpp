@@ -16,7 +16,7 @@ namespace {
 
 flag interrupt_seen = 0;
 
-/// Polls the host if ctrlc says so. Returns whether the host reported an interrupt.
+/// Polls the host if ctrlc is 1. Returns whether the host reported an interrupt.
 bool poll(std::int32_t ctrlc) noexcept {
     if (cbisctrlcon(ctrlc) == 0) {
         return false;

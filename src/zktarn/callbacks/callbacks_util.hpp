@@ -94,7 +94,7 @@ ZKTARN_API void addrealvectoqvstruct(const array_handle& structure, std::string_
 ///   2. the status is 3;
 ///   3. a poll reports an interrupt.
 ///
-/// When the call fails, stop is 0 and the solve goes on.
+/// When the call fails, stop is 0.
 ZKTARN_API void qvcalloutputfcn(const array_handle& structure, flag& stop,
                                 const std::int32_t& status, const std::int32_t& ctrlc) noexcept;
 

@@ -21,8 +21,8 @@
 /// stores it in a struct, which then owns it.
 ///
 /// Failure. An operation fails by its failure value: handle 0, field number 0, or a null address.
-/// The library does not test for it and goes on, so the host must accept its own failure values as
-/// later arguments:
+/// The library does not test for it, so the host must accept its own failure values as later
+/// arguments:
 ///
 ///     failed                                   and then the host receives
 ///     an operation that creates an array       handle 0, as any handle of any operation

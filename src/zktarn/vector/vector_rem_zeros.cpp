@@ -6,10 +6,10 @@ namespace zktarn::vector_mod {
 void detail::drop_zeros(vector& v, std::int64_t kept_from) noexcept {
     std::int32_t* const list = v.ind.data;
     const double* const coef = v.coef.data;
-    const std::int64_t left =
+    const std::int64_t nz =
         v.elm.present() ? drop<true>(list, v.nz, kept_from, marked_entries{coef, v.elm.data})
                         : drop<true>(list, v.nz, kept_from, listed_entries{coef});
-    v.nz = static_cast<std::int32_t>(left);
+    v.nz = static_cast<std::int32_t>(nz);
 }
 
 void vector_rem_zeros(vector& v) noexcept {

@@ -18,7 +18,7 @@ enum class fault_kind {
     bad_request,
     /// A block released a second time; ignored. Detected until its address is used again.
     double_free,
-    /// Release of an address that the host never handed out, one inside a block included; ignored.
+    /// Release of an address that the host never returned, such as one inside a block; ignored.
     foreign_free,
     /// Bytes past the end of a block were written. Detected when the block is released, by
     /// `check_blocks` and at exit.

@@ -57,7 +57,7 @@ inline constexpr int operation_count = static_cast<int>(operation::qvxprintf800_
 ///
 /// Once an array operation has failed, whatever the reason, handle 0, field number 0 and null
 /// addresses are accepted until `reset`, because the failed call returned them. An array that is
-/// stored through one of them is destroyed, because nobody else has its handle.
+/// stored through one of them is destroyed, because its handle is lost.
 void fail_call(operation what, std::int64_t k) noexcept;
 
 /// Restores the initial settings before the next test:

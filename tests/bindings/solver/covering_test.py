@@ -112,9 +112,9 @@ class Scenarios:
         for text, sentence in [
                 ("", "has no line 'minimize'"),
                 ("variables 0\n", "line 1: the number of variables is not positive"),
-                ("minimize 1 2\n", "line 1: there is not one cost a variable"),
-                ("variables 2\nminimize 1\n", "line 2: there is not one cost a variable"),
-                ("variables 2\nmaximize 1 2\n", "line 2: 'maximize' is no statement"),
+                ("minimize 1 2\n", "line 1: the number of costs is not the number of variables"),
+                ("variables 2\nminimize 1\n", "line 2: the number of costs is not the number of variables"),
+                ("variables 2\nmaximize 1 2\n", "line 2: 'maximize' is not a statement"),
                 ("variables 2\nminimize 1 2\nrow 1:1 3:1 >= 1\n", "line 3: '3:1' is not a variable"),
                 ("variables 2\nminimize 1 2\nrow 1:1 2 >= 1\n", "line 3: '2' is not a variable"),
                 ("variables 2\nminimize 1 2\nrow 1:1\n", "line 3: '' is not a variable"),

@@ -85,9 +85,9 @@ void* getRngStateOptim(void* generator) noexcept {
     if (has_flaw("no_snapshot")) {
         return nullptr;
     }
-    auto& from = *static_cast<engine*>(generator);
-    const engine copy = from;
-    from.counter += has_flaw("snapshot_draws") ? 1U : 0U;
+    auto& source = *static_cast<engine*>(generator);
+    const engine copy = source;
+    source.counter += has_flaw("snapshot_draws") ? 1U : 0U;
     return new engine(copy);
 }
 

@@ -47,7 +47,7 @@ TEST_F(DefaultHandlersDeathTest, ADoubleFreeStops) {
 TEST_F(DefaultHandlersDeathTest, AForeignAddressStops) {
     int local = 0;
     EXPECT_STOP(qvFreeExOptim(&local),
-                "an address that the memory manager never handed out was released");
+                "an address that the memory manager never returned was released");
     EXPECT_STOP(qvFreeExOptim(take(24) + 8),
                 "an address inside " + next("24 bytes") + " was released");
 }

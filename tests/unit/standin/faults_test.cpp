@@ -133,7 +133,7 @@ TEST_F(Faults, AnAddressOfTheStackIsForeign) {
     int local = 0;
     qvFreeExOptim(&local);
     expect_fault(fault_kind::foreign_free, {&local, 0, 0},
-                 "an address that the memory manager never handed out was released");
+                 "an address that the memory manager never returned was released");
 }
 
 // Blocks begin at multiples of 64 bytes. The addresses in the next two tests are none, so none of
@@ -159,7 +159,7 @@ TEST_F(Faults, AnAddressJustOutsideABlockIsForeignAndNamesNone) {
     for (const int offset : {-63, -1, 100, 163}) {
         qvFreeExOptim(bytes + offset);
         expect_fault(fault_kind::foreign_free, {bytes + offset, 0, 0},
-                     "an address that the memory manager never handed out was released");
+                     "an address that the memory manager never returned was released");
     }
     qvFreeExOptim(bytes);
     EXPECT_TRUE(faults.empty());

@@ -19,8 +19,8 @@ using numbers = std::vector<double>;
 /// No call has written this.
 constexpr array_handle unwritten = -77;
 
-double number_in(const reply& from) {
-    return std::get<double>(from.contents());
+double number_in(const reply& result) {
+    return std::get<double>(result.contents());
 }
 
 /// Functions of the host's language, called with a scalar.

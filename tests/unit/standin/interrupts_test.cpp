@@ -257,9 +257,9 @@ TEST_F(Interrupts, ASecondSignalAfterTwoSecondsIsAFirstOne) {
 }
 
 /// What a process says next; 0 when it has ended.
-char next_word(int from) {
+char next_word(int pipe_end) {
     char word = 0;
-    return read(from, &word, 1) == 1 ? word : '\0';
+    return read(pipe_end, &word, 1) == 1 ? word : '\0';
 }
 
 TEST_F(Interrupts, CtrlCIsReportedByAPollAndEndsTheProcessTheSecondTime) {

@@ -148,7 +148,7 @@ TEST(FunctionRef, ConvertsResultsAndDropsThemForVoid) {
 }
 
 TEST(FunctionRef, PassesReferencesThrough) {
-    const auto copy = [](double& to, const double& from) { to = from; };
+    const auto copy = [](double& target, const double& source) { target = source; };
     const function_ref<void(double&, const double&)> assign = copy;
     double target = 0.0;
     assign(target, 2.5);

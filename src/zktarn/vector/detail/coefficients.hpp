@@ -15,7 +15,7 @@ namespace zktarn::vector_mod::detail {
 /// The mark of an index, and the membership that it states.
 struct membership {
     std::int64_t mark;
-    /// 1 when the index is no member, else 0.
+    /// 1 when the index is not a member, else 0.
     std::int64_t is_new;
 
     [[gnu::always_inline]] explicit membership(std::int32_t index_mark) noexcept

@@ -81,8 +81,8 @@ public:
         block back{length_, 0, 0}; // bits: kept entries
         for (;;) {
             while (front.bits == 0 && front.end() < std::min(back.first, kept_from_)) {
-                const std::int64_t left = std::min(back.first, kept_from_) - front.end();
-                front = {front.end(), std::min(block_size, left), 0};
+                const std::int64_t untested = std::min(back.first, kept_from_) - front.end();
+                front = {front.end(), std::min(block_size, untested), 0};
                 front.bits = test(front, block_size);
             }
             while (front.bits != 0 && back.bits == 0 && front.end() < back.first) {
