@@ -6,9 +6,14 @@ namespace zktarn::vector_mod {
 void detail::drop_zeros(vector& v, std::int64_t kept_from) noexcept {
     std::int32_t* const list = v.ind.data;
     const double* const coef = v.coef.data;
-    const std::int64_t nz =
-        v.elm.present() ? drop<true>(list, v.nz, kept_from, marked_entries{coef, v.elm.data})
-                        : drop<true>(list, v.nz, kept_from, listed_entries{coef});
+    std::int64_t nz = 0;
+    if (!v.elm.present()) {
+        nz = drop<true>(list, v.nz, kept_from, listed_entries{coef});
+    } else if (v.nz + kept_from <= v.ind.extent[0]) {
+        nz = drop_collected(list, v.nz, kept_from, marked_entries{coef, v.elm.data});
+    } else {
+        nz = drop<true>(list, v.nz, kept_from, marked_entries{coef, v.elm.data});
+    }
     v.nz = static_cast<std::int32_t>(nz);
 }
 

@@ -26,7 +26,10 @@ namespace detail {
 
 namespace {
 
+using combine_function = void (*)(vector&, const vector&, double, double, bool) noexcept;
+
 /// Chooses among the methods for arrays that do not stay in the cache.
+template <combine_function in_list_order>
 [[gnu::always_inline]] inline void combine_in_other_ways(vector& x, const vector& y,
                                                          const factors& weights) noexcept {
     if (&x == &y) {
@@ -36,7 +39,7 @@ namespace {
     } else if (suits_blocks(x, y, {})) {
         combine_in_blocks(x, y, weights);
     } else {
-        combine_in_list_order(x, y, weights);
+        in_list_order(x, y, weights.alpha, weights.beta, weights.scales);
     }
 }
 
@@ -45,10 +48,15 @@ namespace {
     return x.elm.present() && &x != &y && x.elm.extent[0] < prefetch_from;
 }
 
-// Not inlined, so that short calls save few registers.
+// Functions of their own: the loops keep their pointers in registers, and short calls save few.
+[[gnu::noinline]] void combine_in_list_order_portable(vector& x, const vector& y, double alpha,
+                                                      double beta, bool scales) noexcept {
+    combine_in_list_order(x, y, {alpha, beta, scales});
+}
+
 [[gnu::noinline]] void combine_otherwise_portable(vector& x, const vector& y, double alpha,
                                                   double beta, bool scales) noexcept {
-    combine_in_other_ways(x, y, {alpha, beta, scales});
+    combine_in_other_ways<combine_in_list_order_portable>(x, y, {alpha, beta, scales});
 }
 
 } // namespace
@@ -65,10 +73,16 @@ void combine_portable(vector& x, const vector& y, double alpha, double beta, boo
 
 namespace {
 
+[[gnu::noinline, gnu::target("avx2,fma")]] void
+combine_in_list_order_fused(vector& x, const vector& y, double alpha, double beta,
+                            bool scales) noexcept {
+    combine_in_list_order(x, y, {alpha, beta, scales});
+}
+
 [[gnu::noinline, gnu::target("avx2,fma")]] void combine_otherwise_fused(vector& x, const vector& y,
                                                                         double alpha, double beta,
                                                                         bool scales) noexcept {
-    combine_in_other_ways(x, y, {alpha, beta, scales});
+    combine_in_other_ways<combine_in_list_order_fused>(x, y, {alpha, beta, scales});
 }
 
 } // namespace
@@ -83,8 +97,6 @@ namespace {
 }
 
 namespace {
-
-using combine_function = void (*)(vector&, const vector&, double, double, bool) noexcept;
 
 // Runs while the library is being loaded, before anything of the process is ready, sanitizers
 // included.

@@ -25,7 +25,7 @@ UTIL = r"zktarn::util::(detail::)?(\(anonymous namespace\)::)?"
 ASKED_FOR = (
     # beta * y + x, scalar and in as many copies as there are loops.
     (re.compile(VECTOR_MOD + r"(\(anonymous namespace\)::)?(vectors_combine|combine|"
-                             r"combine(_otherwise)?_(portable|fused))\("), None),
+                             r"combine(_otherwise|_in_list_order)?_(portable|fused))\("), None),
     # The exact remainder.
     (re.compile(UTIL + r"(remainder|real_gcd|xgcd_r8)\("), 1),
     # Integers too large for an exact product: numerator and denominator of the next convergent.

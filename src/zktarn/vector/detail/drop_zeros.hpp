@@ -22,7 +22,7 @@ struct marked_entries {
         prefetch_read(coef, j);
     }
     [[gnu::always_inline]] bool drops(std::int64_t j) const noexcept {
-        return elm[j - 1] < 1 || is_zero(coef[j - 1]);
+        return (elm[j - 1] < 1) | is_zero(coef[j - 1]);
     }
     // Every dropped entry is removed in the end, so its mark can be cleared at once.
     [[gnu::always_inline]] void tested(const std::int32_t* block,
@@ -71,6 +71,39 @@ template <bool prefetches, entry_judge Entries>
         drops += 1;
         if (drops > 16 + k / 8) {
             return k + compact(list + k, {length - k, kept_from - k}, entries);
+        }
+    }
+    return length;
+}
+
+/// As `drop`, where the list has room for `kept_from` positions behind its entries. No branch
+/// depends on a test: the positions of dropped entries are collected there, and then the last kept
+/// entries move to these positions.
+template <entry_judge Entries>
+[[gnu::always_inline]] inline std::int64_t drop_collected(std::int32_t* list, std::int64_t length,
+                                                          std::int64_t kept_from,
+                                                          Entries entries) noexcept {
+    std::int32_t* const dropped = list + length;
+    std::int64_t count = 0;
+    std::int32_t position = 0;
+    walk<true>(
+        list,
+        kept_from, [=](std::int64_t j) __attribute__((always_inline)) { entries.prefetch(j); },
+        [&](std::int64_t j) __attribute__((always_inline)) {
+            dropped[count] = position;
+            ++position;
+            count += static_cast<std::int64_t>(entries.drops(j));
+        });
+    for (std::int64_t i = 0; i < count; ++i) {
+        entries.tested(list + dropped[i], 1);
+    }
+    for (std::int64_t i = 0; i < count;) {
+        --length;
+        if (length == dropped[count - 1]) {
+            --count;
+        } else {
+            list[dropped[i]] = list[length];
+            ++i;
         }
     }
     return length;
