@@ -14,7 +14,7 @@ endfunction()
 
 # Where processor and compiler support it, the processor stops a jump or a return to an overwritten
 # address: landing pads and shadow stacks on x86-64, landing pads and signed return addresses on
-# Arm. On macOS plain 64-bit Arm code is not checked.
+# Arm. On macOS the processor does not check plain 64-bit Arm code.
 include(CheckCXXCompilerFlag)
 if(NOT APPLE)
   check_cxx_compiler_flag(-fcf-protection=full ZKTARN_HAS_CF_PROTECTION)

@@ -46,7 +46,7 @@ contains
                 if (allocated(chosen%path) .or. index(word, '--') == 1) status = 1
                 chosen%path = word
             end select
-            if (status /= 0) message = "'"//word//"' cannot be used so; "//usage
+            if (status /= 0) message = "'"//word//"' is not a valid argument here; "//usage
             i = i + 1
         end do
         if (message == '' .and. .not. allocated(chosen%path)) message = 'no file; '//usage

@@ -61,7 +61,7 @@ void getRandUniformOptim(void* generator, double* values, const std::int64_t* co
 /// Failure: null. The host must accept a null generator; null is the best result then.
 void* getRngStateOptim(void* generator) noexcept;
 
-/// Restores a generator from a snapshot: it draws the same numbers again that followed the
+/// Restores a generator from a snapshot: the generator then draws the numbers that followed the
 /// snapshot. Neither address is null. The snapshot stays valid, and the library still owns it.
 void setRngStateOptim(void* generator, void* state) noexcept;
 

@@ -105,9 +105,9 @@ struct limits {
     double largest;
     /// The outcome of a trial whose scalar exceeds `largest`.
     verdict when_exceeded;
-    /// For products below this the table lists the factors to test. Times 19 they are below 2^31 -
-    /// 1. A quarter of the margin covers eps, so that the table lists the factor 3 for a product
-    /// that is integral itself; the rest covers rounding errors.
+    /// For products below this the table lists the factors to test. Such a product times 19 is
+    /// below 2^31 - 1. A quarter of the margin covers eps, so that the table lists the factor 3 for
+    /// a product that is integral itself; the rest covers rounding errors.
     double tabled_below;
 
     limits(double tolerance, double max_scalar) noexcept

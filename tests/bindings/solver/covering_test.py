@@ -105,9 +105,9 @@ class Scenarios:
 
     def bad_input(self):
         self.demand(self.run(), 2, "no file")
-        self.demand(self.run("a", "b"), 2, "'b' cannot be used so")
-        self.demand(self.run("a", "--every", "0"), 2, "'0' cannot be used so")
-        self.demand(self.run("a", "--stop-at"), 2, "cannot be used so")
+        self.demand(self.run("a", "b"), 2, "'b' is not a valid argument here")
+        self.demand(self.run("a", "--every", "0"), 2, "'0' is not a valid argument here")
+        self.demand(self.run("a", "--stop-at"), 2, "is not a valid argument here")
         self.demand(self.run(self.work / "none"), 1, "there is no file")
         for text, sentence in [
                 ("", "has no line 'minimize'"),
