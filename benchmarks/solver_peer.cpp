@@ -1,6 +1,7 @@
 // Closes what CglZeroHalf closes: solver_peer MODEL ROUNDS SECONDS. Solves the relaxation, adds all
-// cuts of CglZeroHalf with default settings, and repeats. Prints as one line the bound without cuts,
-// the last bound, rounds, cuts, seconds of separation and all seconds, both of processor time.
+// cuts of CglZeroHalf with default settings, and repeats. Prints as one line the bound without
+// cuts, the last bound, rounds, cuts, seconds of separation and all seconds, both of processor
+// time.
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>

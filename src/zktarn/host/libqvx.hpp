@@ -22,7 +22,7 @@ extern "C" {
 /// The function must return a real array of at least one element. Its first element, truncated
 /// toward zero, stops the solve when it is 1.
 ///
-/// Failure: leaves the output 0. The library then continues the solve.
+/// Failure: leaves the output 0. `qvcalloutputfcn` then does not stop the solve.
 std::int32_t qvxcallquarn800_(const std::int32_t& noutputs, array_handle* outputs,
                               const std::int32_t& ninputs, const array_handle* inputs,
                               const char* name, std::int64_t name_length) noexcept;

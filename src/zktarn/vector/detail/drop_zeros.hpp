@@ -49,7 +49,7 @@ struct listed_entries {
 ///
 /// While drops are rare, one branch for each entry is fastest, because the processor predicts it. A
 /// drop costs about as much as testing eight entries in blocks. So when the drops exceed one eighth
-/// of the entries plus 16, the rest is compacted in blocks.
+/// of the entries tested plus 16, the rest is compacted in blocks.
 template <bool prefetches, entry_judge Entries>
 [[gnu::always_inline]] inline std::int64_t drop(std::int32_t* list, std::int64_t length,
                                                 std::int64_t kept_from, Entries entries) noexcept {
