@@ -16,7 +16,7 @@ using host::array_handle;
 
 constexpr const char* calls = "qvxcallquarn800_";
 
-/// The handle that the function returned; 0 without one.
+/// The handle that the function returned, or 0.
 array_handle call(const std::string& function, const array_handle& input) {
     const std::int32_t noutputs[] = {1, -1};
     const std::int32_t ninputs[] = {1, -1};

@@ -25,7 +25,7 @@ static void add(zktarn_vector* row, int32_t j, double value) {
     zktarn_vector_add_nz(row, j, &value);
 }
 
-/* Creates, fills, prints and releases the row in one mode. Returns 0 without memory for it. */
+/* Creates, fills, prints and releases the row in one mode. Returns 0 if memory is missing. */
 static int show(const struct mode* m) {
     zktarn_vector* row = NULL;
     if (!zktarn_vector_alloc(&row, COLUMNS, NULL, &m->no_ind, &m->no_elm)) {

@@ -27,7 +27,7 @@ constexpr mode modes[] = {
     {"dense", 1, 1, "every j, a zero included"},
 };
 
-/// Creates, fills, prints and releases the row in one mode. Returns false without memory for it.
+/// Creates, fills, prints and releases the row in one mode. Returns false if memory is missing.
 bool show(const mode& m) {
     const zktarn::owned_vector row(columns, {}, m.no_ind, m.no_elm);
     if (!row) {

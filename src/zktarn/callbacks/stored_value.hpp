@@ -80,8 +80,8 @@ template <class T>
     return true;
 }
 
-/// The object in the slot; null when the slot is empty, when its value is of another type, and in a
-/// copy that was made without memory for the object.
+/// The object in the slot. Null if the slot is empty, if its value is of another type, and in a
+/// copy for which memory was missing.
 template <class T>
 [[nodiscard]] T* stored(cbdatalist& list) noexcept {
     if (list.slot.value == nullptr || list.slot.type != &detail::descriptor<T>::type) {
