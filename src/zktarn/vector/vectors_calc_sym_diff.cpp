@@ -32,6 +32,24 @@ struct unmarked_entries {
     }
 };
 
+/// Drops entries without a mark from the list of x by the rule of `compaction`, which stops after
+/// `common` drops. Entries from list position `kept_from`, counted from 0, on are known to be kept.
+void drop_common(vector& x, std::int64_t kept_from, std::int64_t common) noexcept {
+    std::int32_t* const list = x.ind.data;
+    const std::int64_t nz = x.nz;
+    unmarked_entries judge{x.elm.data};
+    if (nz + kept_from <= x.ind.extent[0]) {
+        std::int32_t* const dropped = list + nz;
+        const std::int64_t count = detail::collect_dropped(list, kept_from, dropped, judge);
+        // The counts differ if a vector listed an index twice, or x listed one without a mark.
+        if (count == common && judge.all_marks >= 0) [[likely]] {
+            x.nz = static_cast<std::int32_t>(detail::fill_positions(list, nz, dropped, count));
+            return;
+        }
+    }
+    x.nz = static_cast<std::int32_t>(detail::compact(list, {nz, kept_from, common}, judge));
+}
+
 } // namespace
 
 void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
@@ -43,7 +61,6 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     ZKTARN_CHECK(detail::has_room_for(x, y));
     std::int32_t* const elm = x.elm.data;
     const std::int64_t old_nz = x.nz;
-    std::int64_t common = 0;
     std::int64_t previous = 0;
     bool ascending = true;
     // Indices of both vectors lose their mark and stay listed until the compaction. The other
@@ -54,18 +71,17 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
         [&](std::int64_t j) __attribute__((always_inline)) {
             const std::int32_t is_new = elm[j - 1] < 1;
             elm[j - 1] = is_new;
-            common += 1 - is_new;
             ascending &= j > previous;
             previous = j;
             return is_new;
         });
+    const std::int64_t common = y.nz - (x.nz - old_nz);
     if (common < 1) {
         return;
     }
     // Ascending indices are distinct, so every appended index still has its mark.
     const std::int64_t kept_from = ascending ? old_nz : x.nz;
-    x.nz = static_cast<std::int32_t>(
-        detail::compact(x.ind.data, {x.nz, kept_from, common}, unmarked_entries{elm}));
+    drop_common(x, kept_from, common);
 }
 
 } // namespace zktarn::vector_mod

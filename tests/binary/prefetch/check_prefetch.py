@@ -19,7 +19,7 @@ PREFETCH = re.compile(r"\s*[0-9a-f]+:\s+(prefetch\w*|prfm)\s")
 # What is counted together, and the least number with each compiler. Names of templates are matched
 # in part, because not every objdump can demangle them.
 PARTS = (
-    ("vectors_calc_sym_diff", r"vectors_calc_sym_diff", 1, 1),
+    ("vectors_calc_sym_diff", r"vectors_calc_sym_diff", 2, 2),
     ("compaction of a symmetric difference", r"compact.*unmarked_entries", 2, 2),
     ("vector_mod2", r"compact.*reducing_entries", 4, 4),
     ("vectors_are_identical", r"vectors_are_identical", 7, 7),

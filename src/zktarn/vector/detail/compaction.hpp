@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <limits>
 
+#include "zktarn/vector/detail/prefetch.hpp"
+
 /// Drops entries from an index list. The last entry moves to the position of each dropped entry,
 /// which is called free here.
 ///
@@ -192,6 +194,40 @@ template <entry_judge Judge> // NOLINTNEXTLINE(readability-non-const-parameter):
 [[gnu::noinline]] std::int64_t compact(std::int32_t* list, const extent& part,
                                        Judge judge) noexcept {
     return compaction<Judge>(list, part, judge).run();
+}
+
+/// Writes the positions of the entries that are dropped, among the first `tested`, to `dropped`,
+/// which has room for all of them, and returns their number. No branch depends on a test.
+template <entry_judge Judge>
+[[gnu::always_inline]] inline std::int64_t
+collect_dropped(const std::int32_t* list, std::int64_t tested, std::int32_t* dropped,
+                Judge& judge) noexcept {
+    std::int64_t count = 0;
+    std::int32_t position = 0;
+    walk<true>(
+        list, tested, [&](std::int64_t j) __attribute__((always_inline)) { judge.prefetch(j); },
+        [&](std::int64_t j) __attribute__((always_inline)) {
+            dropped[count] = position;
+            ++position;
+            count += static_cast<std::int64_t>(judge.drops(j));
+        });
+    return count;
+}
+
+/// Replaces the entries at `count` ascending positions as the rule does: each by the last entry
+/// that is kept. Returns how many entries are left.
+inline std::int64_t fill_positions(std::int32_t* list, std::int64_t length,
+                                   const std::int32_t* dropped, std::int64_t count) noexcept {
+    for (std::int64_t i = 0; i < count;) {
+        --length;
+        if (length == dropped[count - 1]) {
+            --count;
+        } else {
+            list[dropped[i]] = list[length];
+            ++i;
+        }
+    }
+    return length;
 }
 
 } // namespace zktarn::vector_mod::detail

@@ -76,37 +76,17 @@ template <bool prefetches, entry_judge Entries>
     return length;
 }
 
-/// As `drop`, where the list has room for `kept_from` positions behind its entries. No branch
-/// depends on a test: the positions of dropped entries are collected there, and then the last kept
-/// entries move to these positions.
+/// As `drop`, where the list has room for `kept_from` positions behind its entries.
 template <entry_judge Entries>
 [[gnu::always_inline]] inline std::int64_t drop_collected(std::int32_t* list, std::int64_t length,
                                                           std::int64_t kept_from,
                                                           Entries entries) noexcept {
     std::int32_t* const dropped = list + length;
-    std::int64_t count = 0;
-    std::int32_t position = 0;
-    walk<true>(
-        list,
-        kept_from, [=](std::int64_t j) __attribute__((always_inline)) { entries.prefetch(j); },
-        [&](std::int64_t j) __attribute__((always_inline)) {
-            dropped[count] = position;
-            ++position;
-            count += static_cast<std::int64_t>(entries.drops(j));
-        });
+    const std::int64_t count = collect_dropped(list, kept_from, dropped, entries);
     for (std::int64_t i = 0; i < count; ++i) {
         entries.tested(list + dropped[i], 1);
     }
-    for (std::int64_t i = 0; i < count;) {
-        --length;
-        if (length == dropped[count - 1]) {
-            --count;
-        } else {
-            list[dropped[i]] = list[length];
-            ++i;
-        }
-    }
-    return length;
+    return fill_positions(list, length, dropped, count);
 }
 
 /// Drops every entry of v that counts as zero, as `vector_rem_zeros`. Entries from list position
