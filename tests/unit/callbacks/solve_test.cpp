@@ -190,7 +190,7 @@ TEST_F(Solve, AnEmptyResultIsPassedToTheHost) {
     solve.run();
     EXPECT_EQ(solve.rounds, 5);
     ASSERT_EQ(sentences.size(), 1u);
-    EXPECT_THAT(sentences[0], testing::HasSubstr("does not have 1 number"));
+    EXPECT_THAT(sentences[0], testing::HasSubstr("has 0 numbers from that address on, not 1"));
 }
 
 } // namespace

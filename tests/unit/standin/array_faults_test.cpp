@@ -315,8 +315,8 @@ TEST_F(CopyFaults, ACopyBeyondTheEndOfTheDataIsAFault) {
     expect_refused(data_of(scalar) + 1, 1, fault_kind::out_of_range,
                    the_scalar(scalar) + " has 0 numbers from that address on, not 1");
     expect_refused(data_of(matrix), largest, fault_kind::out_of_range,
-                   the_matrix(matrix) + " does not have " + std::to_string(largest) +
-                       " numbers from there on, but 4");
+                   the_matrix(matrix) + " has 4 numbers from that address on, not " +
+                       std::to_string(largest));
 }
 
 TEST_F(CopyFaults, AnEmptyMatrixHasNoNumbers) {
