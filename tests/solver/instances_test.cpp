@@ -73,6 +73,7 @@ TEST_P(Instance, HasValidCutsByExactDerivation) {
         const run_result run = run_of(program, best->value);
         EXPECT_LE(*run.bound, best->value + 1e-6 * (1.0 + std::fabs(best->value)));
         const verdict exact = replay(program, run);
+        EXPECT_GT(exact.cuts, 0u);
         EXPECT_EQ(exact.cuts, run.pool.size() - run.first_cut);
         EXPECT_EQ(exact.faults, std::vector<std::string>());
         for (std::size_t row = 0; row < run.pool.size(); ++row) {
