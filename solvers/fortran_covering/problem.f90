@@ -149,7 +149,7 @@ contains
             end if
         end do
         read (line, *, iostat=status) target%constraints(size(target%constraints))%rhs
-        if (status /= 0) message = "there is no number behind '>='"
+        if (status /= 0) message = "the number after '>=' is missing"
     end subroutine
 
     subroutine free_program(released)

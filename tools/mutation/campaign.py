@@ -188,19 +188,19 @@ def run_all(campaign, mutants, jobs, report):
     waiting = queue.Queue()
     for each in mutants:
         waiting.put(each)
-    outcomes, troubles = [], []
+    outcomes, errors = [], []
 
     def work(number):
         place = campaign.bench.place(f"place-{number}")
-        while not troubles:
+        while not errors:
             try:
                 mutant = waiting.get_nowait()
             except queue.Empty:
                 return
             try:
                 outcome = campaign.try_mutant(mutant, place)
-            except Exception as trouble:  # passed on to the main thread
-                troubles.append(trouble)
+            except Exception as error:  # passed on to the main thread
+                errors.append(error)
                 return
             outcomes.append(outcome)
             report(outcome)
@@ -210,6 +210,6 @@ def run_all(campaign, mutants, jobs, report):
         each.start()
     for each in threads:
         each.join()
-    if troubles:
-        raise troubles[0]
+    if errors:
+        raise errors[0]
     return sorted(outcomes, key=lambda o: (o.mutant.file, o.mutant.start, o.mutant.replacement))

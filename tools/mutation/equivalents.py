@@ -18,7 +18,7 @@ import re
 from dataclasses import dataclass
 from pathlib import Path
 
-from workbench import Trouble, module_of
+from workbench import ToolError, module_of
 
 CHANGE = re.compile(
     r"(relational|logical|arithmetic|assignment|negation|condition|constant|statement|arguments)"
@@ -92,7 +92,7 @@ def _read_entry(lines, name, listed):
     (first, heading), *rest = lines
     words = heading.split(" ", 1)
     if len(words) != 2:
-        raise Trouble(f"{name}:{first}: an entry begins with a module and a procedure")
+        raise ToolError(f"{name}:{first}: an entry begins with a module and a procedure")
     changes = 0
     for number, line in rest:
         found = CHANGE.fullmatch(line)
@@ -103,6 +103,6 @@ def _read_entry(lines, name, listed):
         entry.count += int(count or 1)
         changes += 1
     if changes == 0:
-        raise Trouble(f"{name}:{first}: an entry needs a line with an operator and its change")
+        raise ToolError(f"{name}:{first}: an entry needs a line with an operator and its change")
     if changes == len(rest):
-        raise Trouble(f"{name}:{first}: an entry needs a reason")
+        raise ToolError(f"{name}:{first}: an entry needs a reason")

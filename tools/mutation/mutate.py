@@ -12,7 +12,7 @@ from pathlib import Path
 import equivalents
 from campaign import Campaign, run_all
 from operators import mutants_of
-from workbench import Trouble, Workbench
+from workbench import ToolError, Workbench
 
 HERE = Path(__file__).resolve().parent
 
@@ -132,7 +132,7 @@ def main():
     mutants = all_mutants(arguments)
     selected = chosen(arguments, mutants)
     if not selected:
-        raise Trouble("there is no mutant to try; see --files and --again")
+        raise ToolError("there is no mutant to try; see --files and --again")
     bench = Workbench(
         arguments.root, arguments.build, arguments.work, arguments.sources, arguments.library,
         leave_out=LEAVE_OUT,
@@ -157,6 +157,6 @@ def main():
 if __name__ == "__main__":
     try:
         sys.exit(main())
-    except (Trouble, OSError, ValueError) as trouble:
-        print(f"mutate.py: {trouble}", file=sys.stderr)
+    except (ToolError, OSError, ValueError) as error:
+        print(f"mutate.py: {error}", file=sys.stderr)
         sys.exit(2)

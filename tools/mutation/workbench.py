@@ -27,7 +27,7 @@ SONAME = "lib{}.so.1"
 CHECKED = "-D_GLIBCXX_ASSERTIONS"
 
 
-class Trouble(Exception):
+class ToolError(Exception):
     """What keeps the tool from working, in a sentence."""
 
 
@@ -64,7 +64,7 @@ def call(command, cwd=None):
 def must(command, what, cwd=None):
     done = call(command, cwd)
     if done.returncode != 0:
-        raise Trouble(f"{what}: {done.stdout.strip()[-2000:]}")
+        raise ToolError(f"{what}: {done.stdout.strip()[-2000:]}")
     return done.stdout
 
 
@@ -89,7 +89,7 @@ class Workbench:
         self.sources, self.library = sources, library
         self.soname = SONAME.format(library)
         if not (self.build / "compile_commands.json").is_file():
-            raise Trouble(f"there is no compile_commands.json in {build}; build the tests first")
+            raise ToolError(f"there is no compile_commands.json in {build}; build the tests first")
         shutil.rmtree(self.work, ignore_errors=True)
         for each in ("objects", "programs"):
             (self.work / each).mkdir(parents=True)
@@ -113,7 +113,7 @@ class Workbench:
             elif file.startswith("tests/"):
                 tests[target_object] = unit
         if not library:
-            raise Trouble(f"{self.build} compiles nothing of {self.sources}")
+            raise ToolError(f"{self.build} compiles nothing of {self.sources}")
         return library, tests
 
     def _read_includes(self):
@@ -184,7 +184,7 @@ class Workbench:
         verdict, output = self.run(program, executable, bench, limit=120)
         program.seconds = time.monotonic() - start
         if verdict != "passed":
-            raise Trouble(f"{program.name} fails without any mutant: {output.strip()[-2000:]}")
+            raise ToolError(f"{program.name} fails without any mutant: {output.strip()[-2000:]}")
 
     def _precompile(self):
         """Headers from elsewhere, which are most of what a compiler reads here."""

@@ -118,7 +118,7 @@ class Scenarios:
                 ("variables 2\nminimize 1 2\nrow 1:1 3:1 >= 1\n", "line 3: '3:1' is not a variable"),
                 ("variables 2\nminimize 1 2\nrow 1:1 2 >= 1\n", "line 3: '2' is not a variable"),
                 ("variables 2\nminimize 1 2\nrow 1:1\n", "line 3: '' is not a variable"),
-                ("variables 2\nminimize 1 2\nrow 1:1 >=\n", "there is no number behind '>='"),
+                ("variables 2\nminimize 1 2\nrow 1:1 >=\n", "the number after '>=' is missing"),
                 ("variables 2\nminimize 1 2\nminimize 1 2\n", "line 3: there is a second 'minimize'"),
                 ("variables 2\nvariables 3\n", "line 2: there is a second 'variables'"),
                 ("variables 2\nminimize 1 2\nrow 1:1 1:2 >= 1\n", "line 3: '1:2' repeats a variable")]:
