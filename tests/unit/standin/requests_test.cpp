@@ -75,9 +75,13 @@ std::string flags_of_mapping(const void* address) {
     return {};
 }
 
-/// Whether this kernel has huge pages at all.
+/// Whether this kernel has huge pages at all; an emulator shows the kernel's folder without them.
 bool has_huge_pages() {
+#ifdef ZKTARN_TEST_EMULATED
+    return false;
+#else
     return std::ifstream("/sys/kernel/mm/transparent_hugepage/enabled").good();
+#endif
 }
 
 bool has_flag(const std::string& flags, const std::string& flag) {
