@@ -15,6 +15,7 @@
 
 #ifdef ZKTARN_CHECKED
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -44,9 +45,9 @@ inline void report_violation(const char* condition, const char* procedure, std::
     const int wanted =
         std::snprintf(text.data(), text.size(), "violated: %s, in %s (%.*s:%d)", condition,
                       procedure, static_cast<int>(file.size()), file.data(), line);
-    const std::size_t length = wanted < 0 ? 0 : static_cast<std::size_t>(wanted);
-    const std::size_t shown = length < text.size() ? length : text.size() - 1;
-    callbacks_util::cbprintdisplay(0, 0, 2, std::string_view(text.data(), shown));
+    const int shown = std::clamp(wanted, 0, static_cast<int>(text.size()) - 1);
+    const std::string_view sentence(text.data(), static_cast<std::size_t>(shown));
+    callbacks_util::cbprintdisplay(0, 0, 2, sentence);
     assert_mod::tarnassert(0);
 }
 

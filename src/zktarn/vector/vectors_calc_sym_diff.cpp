@@ -61,12 +61,14 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     ZKTARN_CHECK(detail::has_room_for(x, y));
     std::int32_t* const elm = x.elm.data;
     const std::int64_t old_nz = x.nz;
+    // Appending to x changes y.nz if x and y are one record.
+    const std::int64_t y_nz = y.nz;
     std::int64_t previous = 0;
     bool ascending = true;
     // Indices of both vectors lose their mark and stay listed until the compaction. The other
     // indices of y are marked and listed.
     detail::append_if_new<true>(
-        x, y.ind.data, y.nz,
+        x, y.ind.data, y_nz,
         [=](std::int64_t j) __attribute__((always_inline)) { detail::prefetch_write(elm, j); },
         [&](std::int64_t j) __attribute__((always_inline)) {
             const std::int32_t is_new = elm[j - 1] < 1;
@@ -75,7 +77,7 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
             previous = j;
             return is_new;
         });
-    const std::int64_t common = y.nz - (x.nz - old_nz);
+    const std::int64_t common = y_nz - (x.nz - old_nz);
     if (common < 1) {
         return;
     }

@@ -276,6 +276,21 @@ TEST(SymDiff, OfEqualSupportsIsEmpty) {
     EXPECT_EQ(x->nz, 0);
 }
 
+TEST(SymDiff, OfAVectorWithItselfReadsTheListAsItWas) {
+    made_vector x(n);
+    made_vector same(n);
+    made_vector copy(n);
+    for (vector* const v : {&*x, &*same, &*copy}) {
+        v->ind(1) = v->ind(2) = 4;
+        v->ind(3) = 5;
+        v->nz = 3;
+    }
+    vectors_calc_sym_diff(*x, *copy);
+    vectors_calc_sym_diff(*same, *same);
+    EXPECT_THAT(listing(*x), ElementsAre(5, 4, 5, 4));
+    EXPECT_EQ(listing(*same), listing(*x));
+}
+
 TEST(SymDiff, WithAnEmptyVectorChangesNothing) {
     made_vector x(n);
     made_vector y(n);
