@@ -66,29 +66,6 @@ void listen_for_interrupts() {
     }
 }
 
-/// The error in the result of a run as a sentence; empty if there is none.
-std::string fault_of(const run_result& run) {
-    if (run.reason == ending::numeric_error) {
-        return "it could not be decided whether the relaxation with the cuts of the last round has "
-               "an optimum, its numbers are too far apart; the bound is that of the round before";
-    }
-    if (run.is_optimum_wrong()) {
-        char sentence[160];
-        if (run.reason == ending::no_integer_point) {
-            std::snprintf(sentence, sizeof sentence,
-                          "the given optimum %.12g is wrong: there is no integer point",
-                          *run.optimum);
-        } else {
-            std::snprintf(sentence, sizeof sentence,
-                          "the given optimum %.12g is wrong: no point has a value %s the bound "
-                          "%.12g",
-                          *run.optimum, run.is_maximised ? "above" : "below", *run.bound);
-        }
-        return sentence;
-    }
-    return "";
-}
-
 /// Reads a model and tightens its relaxation. Throws `error`.
 solved_model solve(const std::string& file, run_options options, bool is_first) {
     if (!options.optimum) {
@@ -125,7 +102,7 @@ int solve_all(const command_line& options, std::deque<solved_model>& models) {
         if (run.reason == ending::interrupted) {
             return interrupted;
         }
-        if (const std::string fault = fault_of(run); !fault.empty()) {
+        if (const std::string fault = run.fault(); !fault.empty()) {
             print_error(file + ": " + fault);
             status = failure;
         }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 #include <optional>
 #include <string>
 #include <vector>
@@ -149,6 +150,26 @@ TEST_F(Run, ThrowsWhenTheRelaxationHasNoOptimum) {
     model_.row_upper.assign(model_.row_upper.size(), no_bound);
     model_.upper.assign(model_.upper.size(), no_bound);
     EXPECT_THROW(run_and_get_ending(), error);
+}
+
+TEST_F(Run, ReturnsTheIntegralOptimumAsItsPoint) {
+    const run_result run = tighten(model_, options_);
+    ASSERT_TRUE(run.is_integral);
+    ASSERT_EQ(run.point.size(), static_cast<std::size_t>(model_.column_count()));
+    double objective = model_.constant;
+    for (std::size_t j = 0; j < run.point.size(); ++j) {
+        EXPECT_EQ(run.point[j], std::round(run.point[j])) << j;
+        objective += model_.objective[j] * run.point[j];
+    }
+    EXPECT_EQ(objective, -4.0);
+}
+
+TEST_F(Run, ReturnsTheFractionalPointOfTheLastRelaxation) {
+    options_.rounds = 0;
+    const run_result run = tighten(model_, options_);
+    EXPECT_FALSE(run.is_integral);
+    // The relaxation of the stable sets has 1/2 everywhere.
+    EXPECT_EQ(run.point, std::vector<double>(static_cast<std::size_t>(model_.column_count()), 0.5));
 }
 
 TEST_F(Run, IsTheSameForTheSameSeed) {

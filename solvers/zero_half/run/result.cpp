@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 
 namespace zero_half {
 
@@ -28,6 +29,26 @@ std::optional<double> run_result::gap_closed(std::optional<double> reached) cons
     const double negligible = 1e-9 * (1.0 + std::fabs(*optimum));
     return gap <= negligible ? 100.0
                              : std::min(100.0, 100.0 * std::fabs(*reached - *first_bound) / gap);
+}
+
+std::string run_result::fault() const {
+    if (reason == ending::numeric_error) {
+        return "it could not be decided whether the relaxation with the cuts of the last round has "
+               "an optimum, its numbers are too far apart; the bound is that of the round before";
+    }
+    if (!is_optimum_wrong()) {
+        return "";
+    }
+    char sentence[160];
+    if (reason == ending::no_integer_point) {
+        std::snprintf(sentence, sizeof sentence,
+                      "the given optimum %.12g is wrong: there is no integer point", *optimum);
+    } else {
+        std::snprintf(sentence, sizeof sentence,
+                      "the given optimum %.12g is wrong: no point has a value %s the bound %.12g",
+                      *optimum, is_maximised ? "above" : "below", *bound);
+    }
+    return sentence;
 }
 
 } // namespace zero_half

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "cuts/row_pool.hpp"
@@ -44,6 +45,11 @@ struct run_result {
     /// The rows of the pool that are cuts of the last relaxation. The others were not selected, or
     /// dropped because they were slack.
     std::vector<std::size_t> cuts = {};
+    /// The optimum of the last relaxation that was solved. Where it is integral, its integer
+    /// columns are rounded, and it satisfies all rows. Empty when no relaxation was solved.
+    std::vector<double> point = {};
+    /// Whether the point is integral with the bound as its objective, so an optimum of the model.
+    bool is_integral = false;
 
     /// The share of the gap between the first bound and the optimum that `reached` closes, in per
     /// cent, at most 100. Nothing without an optimum, or when `is_optimum_wrong`.
@@ -51,6 +57,9 @@ struct run_result {
     /// Whether the run disproves the optimum that the caller gave: it is beyond a bound, or there
     /// is no integer point.
     bool is_optimum_wrong() const;
+    /// What the caller has to know before using the result, as a sentence: the last relaxation
+    /// could not be decided, or the given optimum is wrong. Empty when there is no such error.
+    std::string fault() const;
 };
 
 } // namespace zero_half

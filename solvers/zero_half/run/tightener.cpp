@@ -61,6 +61,7 @@ private:
     std::vector<std::size_t> separate();
     step execute_round();
     void take_bound();
+    void take_point();
     void record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms);
 
     bool is_time_used() const { return seconds_since(start_) >= options_.seconds; }
@@ -80,9 +81,6 @@ private:
     relaxation relaxation_;
     separator separator_;
     run_result result_;
-    /// Whether the point of the last relaxation, rounded, is an integer point with the bound as its
-    /// objective.
-    bool is_integral_ = false;
     /// The bound as a minimisation.
     std::optional<double> lower_bound_;
     /// The rounds since the bound rose.
@@ -145,7 +143,7 @@ std::optional<ending> run::reason_to_end(const step& last) const {
     if (host_.is_interrupted()) {
         return ending::interrupted;
     }
-    if (is_integral_) {
+    if (result_.is_integral) {
         return ending::integral;
     }
     const std::optional<double> closed = result_.gap_closed(result_.bound);
@@ -242,7 +240,7 @@ void run::take_bound() {
     const std::optional<double> last = lower_bound_;
     double bound = std::max(last.value_or(relaxation_.bound()), relaxation_.bound());
     const std::optional<double> objective = integral_objective(model_, relaxation_.point());
-    is_integral_ = objective && *objective <= bound + 1e-6 * (1.0 + std::fabs(bound));
+    result_.is_integral = objective && *objective <= bound + 1e-6 * (1.0 + std::fabs(bound));
     if (objective) {
         bound = std::min(bound, *objective);
     }
@@ -252,6 +250,16 @@ void run::take_bound() {
     lower_bound_ = bound;
     result_.bound = model_.in_sense_of_file(bound);
     history_.push_back(*result_.bound);
+    take_point();
+}
+
+void run::take_point() {
+    result_.point.assign(relaxation_.point(), relaxation_.point() + model_.column_count());
+    for (std::size_t j = 0; result_.is_integral && j < result_.point.size(); ++j) {
+        if (model_.is_integer[j] != 0) {
+            result_.point[j] = std::round(result_.point[j]);
+        }
+    }
 }
 
 void run::record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms) {
