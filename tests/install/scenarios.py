@@ -73,6 +73,37 @@ DEFINITION_MAIN = """
 """ + MAIN
 
 
+# The host has no record for the first request, so vector_alloc fails; the second one succeeds.
+RECORDS_MAIN = """
+#include "zktarn/zktarn_util.hpp"
+#include "zktarn_standin/records.hpp"
+
+int main() {
+    zktarn::vector_type::vector* v = nullptr;
+    zktarn::standin::fail_record(1);
+    if (zktarn::vector_type::vector_alloc(v, 10, {}, {}, 1) != 0 || v != nullptr) {
+        return 1;
+    }
+    if (zktarn::vector_type::vector_alloc(v, 10, {}, {}, 1) != 1 ||
+        zktarn::standin::record_requests() != 2 || zktarn::standin::live_records() != 1) {
+        return 2;
+    }
+    zktarn::vector_type::vector_free(v);
+    return zktarn::standin::live_records() == 0 ? 0 : 3;
+}
+"""
+
+# The checks of a host as its author runs them, inside a process of his own.
+CHECKS_MAIN = """
+#include "zktarn_conformance/check_host.hpp"
+
+int main() {
+    zktarn::host_conformance::check_host({});
+    return zktarn::host_conformance::summary() ? 0 : 1;
+}
+"""
+
+
 def fail(sentence):
     sys.exit(f"install: {sentence}")
 
@@ -267,6 +298,45 @@ class Scenarios:
         self.must(moved / "bin/consumer_static")
         if self.run(moved / "bin/consumer").returncode == 0:
             fail("the program runs without the shared library that it links")
+
+    def standin_records(self):
+        """The archive replaces operator new of the program that links it."""
+        self.build_and_run(self.consume(libraries="zktarn::util zktarn::standin_records",
+                                        main=RECORDS_MAIN))
+
+    def build_and_check(self, main):
+        """Builds a program of the conformance archive, and runs it on the stand-in."""
+        libraries = "zktarn::host_conformance zktarn::standin"
+        configured = self.consume(components="COMPONENTS conformance standin", libraries=libraries,
+                                  main=main)
+        self.build_and_run(configured)
+        self.passes(self.work / "consumer/build/consumer")
+
+    def passes(self, program):
+        said = self.must(program)
+        if not re.search(r"^ok   qvMallocExOptim: .*^[1-9][0-9]* checks, 0 failed$", said,
+                         re.MULTILINE | re.DOTALL):
+            fail(f"{program} does not report checks that passed:\n{said}")
+
+    def conformance(self):
+        """A program without a main of its own is the program of the package."""
+        self.build_and_check("")
+        self.passes(self.work / "moved/bin/zktarn_host_conformance")
+
+    def conformance_from_main(self):
+        self.build_and_check(CHECKS_MAIN)
+
+    def conformance_without_standin(self):
+        """The author of a host needs no other host."""
+        for component in ("util", "conformance"):
+            self.must(self.cmake, "--install", self.build, "--prefix", self.work / "first",
+                      "--component", component)
+        configured = self.consume(components="COMPONENTS conformance", main=CHECKS_MAIN,
+                                  libraries="zktarn::host_conformance", prefix=self.work / "first")
+        if configured.returncode != 0:
+            fail(f"did not configure\n{configured.stdout}{configured.stderr}")
+        self.must(self.cmake, "--build", self.work / "consumer/build", "--target",
+                  "CMakeFiles/consumer.dir/main.cpp.o")
 
     def checked_definition(self):
         """A checked build says so to whoever uses it, and an ordinary one does not."""
