@@ -10,7 +10,7 @@ log_dir=$build_dir/logs
 packages=$root/scripts/lib/packages
 export root build_dir log_dir
 # Python keeps what it has compiled beside the sources unless it has another place for it.
-export PYTHONPYCACHEPREFIX=$build_dir/python
+export PYTHONPYCACHEPREFIX=$build_dir/pycache
 
 # Ends the script with one sentence on standard error.
 fail() {

@@ -1,0 +1,111 @@
+#include "exceptions.hpp"
+
+#include <utility>
+
+#include "python_host.hpp"
+
+namespace zktarn::python_host {
+
+namespace {
+
+constexpr const char* key = "zktarn.stored_exception";
+
+/// How many exceptions have been stored and not been raised: an upper bound, because a thread may
+/// end with one. While it is 0, nothing else needs to be looked at.
+Py_ssize_t stored = 0;
+
+/// The exception of the threads that are none of Python's.
+PyObject* shared = nullptr;
+
+/// Takes the exception that is set, complete with its traceback; null when none is set.
+reference take_current() noexcept {
+    PyObject* type = nullptr;
+    PyObject* value = nullptr;
+    PyObject* traceback = nullptr;
+    PyErr_Fetch(&type, &value, &traceback);
+    if (type != nullptr) {
+        PyErr_NormalizeException(&type, &value, &traceback);
+        if (traceback != nullptr) {
+            PyException_SetTraceback(value, traceback);
+        }
+    }
+    Py_XDECREF(type);
+    Py_XDECREF(traceback);
+    return reference(value);
+}
+
+/// The exception of this thread of Python, borrowed; null without one.
+PyObject* own() noexcept {
+    PyObject* const values = PyThreadState_GetDict();
+    return values == nullptr ? nullptr : PyDict_GetItemString(values, key);
+}
+
+/// Sets or, by null, removes the exception of this thread of Python. Returns false when memory is
+/// missing.
+bool set_own(PyObject* exception) noexcept {
+    PyObject* const values = PyThreadState_GetDict();
+    if (values == nullptr) {
+        return false;
+    }
+    const int status = exception == nullptr ? PyDict_DelItemString(values, key)
+                                            : PyDict_SetItemString(values, key, exception);
+    if (status != 0) {
+        PyErr_Clear();
+    }
+    return status == 0;
+}
+
+/// Whether `next` takes the place of `first`: an interrupt must not be lost behind an error.
+bool prevails(PyObject* next, PyObject* first) noexcept {
+    return next != first && PyObject_IsInstance(next, PyExc_Exception) == 0 &&
+           PyObject_IsInstance(first, PyExc_Exception) == 1;
+}
+
+} // namespace
+
+void store_exception(const interpreter_lock& lock) noexcept {
+    reference exception = take_current();
+    if (!exception) {
+        return;
+    }
+    PyObject* const first = lock.is_python_thread() ? own() : shared;
+    if (first != nullptr) {
+        if (!prevails(exception.get(), first)) {
+            return;
+        }
+        PyException_SetContext(exception.get(), reference::share(first).release());
+        --stored;
+    }
+    ++stored;
+    if (lock.is_python_thread() && set_own(exception.get())) {
+        return;
+    }
+    Py_XDECREF(std::exchange(shared, exception.release()));
+}
+
+bool has_stored_exception(const interpreter_lock& lock) noexcept {
+    return stored > 0 && (shared != nullptr || (lock.is_python_thread() && own() != nullptr));
+}
+
+} // namespace zktarn::python_host
+
+int zktarn_python_raise() {
+    using namespace zktarn::python_host;
+    if (stored == 0) {
+        return 0;
+    }
+    reference exception = reference::share(own());
+    if (exception) {
+        set_own(nullptr);
+    } else {
+        exception = reference(std::exchange(shared, nullptr));
+    }
+    if (!exception) {
+        return 0;
+    }
+    --stored;
+    PyErr_Restore(reference::share(reinterpret_cast<PyObject*>(Py_TYPE(exception.get()))).release(),
+                  reference::share(exception.get()).release(),
+                  PyException_GetTraceback(exception.get()));
+    return -1;
+}

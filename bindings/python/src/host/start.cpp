@@ -1,0 +1,12 @@
+#define ZKTARN_PYTHON_START
+#include "numpy_api.hpp"
+
+#include "python_host.hpp"
+
+int zktarn_python_start() {
+    static bool started = false;
+    if (!started) {
+        started = _import_array() == 0;
+    }
+    return started ? 0 : -1;
+}

@@ -1,0 +1,17 @@
+"""Takes the package from the build tree: ZKTARN_PYTHON_DIR, or what the preset `python` builds.
+
+    cmake --preset python && cmake --build --preset python --target zktarn_python
+    /usr/bin/python3 -m pytest tests/bindings/python
+"""
+
+import os
+import pathlib
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parents[3]
+PACKAGE_DIR = os.environ.get("ZKTARN_PYTHON_DIR", str(ROOT / "build" / "python" / "python"))
+
+sys.path.insert(0, PACKAGE_DIR)
+# Programs that a test starts take the same package.
+os.environ["PYTHONPATH"] = os.pathsep.join(
+    [PACKAGE_DIR] + [path for path in [os.environ.get("PYTHONPATH")] if path])
