@@ -36,21 +36,28 @@ std::atomic<bool>& recorded() noexcept {
     return on;
 }
 
+/// The symbol that contains an address; its file is "" where neither a library nor a program does.
+Dl_info symbol_at(void* address) noexcept {
+    Dl_info symbol = {};
+    symbol.dli_fname = "";
+    dladdr(address, &symbol);
+    return symbol;
+}
+
 std::string_view file_name(const Dl_info& symbol) {
-    const std::string_view path = symbol.dli_fname == nullptr ? "" : symbol.dli_fname;
+    const std::string_view path = symbol.dli_fname;
     return path.substr(path.rfind('/') + 1);
 }
 
-/// Whether a call is inside of one of the stand-in's four libraries.
+constexpr std::array<std::string_view, 4> libraries = {"libzkoptimutil", "libqv", "libqvx",
+                                                       "libut"};
+
+/// Whether a call is inside one of the stand-in's libraries.
 bool is_in_standin(void* address) noexcept {
-    Dl_info symbol = {};
-    if (dladdr(address, &symbol) == 0) {
-        return false;
-    }
+    const Dl_info symbol = symbol_at(address);
     const std::string_view file = file_name(symbol);
     const std::string_view library = file.substr(0, file.find('.'));
-    return library == "libzkoptimutil" || library == "libqv" || library == "libqvx" ||
-           library == "libut";
+    return std::find(libraries.begin(), libraries.end(), library) != libraries.end();
 }
 
 std::string hexadecimal(std::uintptr_t number) {
@@ -66,16 +73,14 @@ std::string demangled(const char* symbol) {
     return name;
 }
 
-/// "solve(model const&) (solver)", or "solver+0x1f2a" without a name.
+/// "solve(model const&) (solver)", "solver+0x1f2a" without a name, or "+0x7f12ab00" without a file.
 std::string described(void* address) {
-    Dl_info symbol = {};
-    const auto place = reinterpret_cast<std::uintptr_t>(address);
-    if (dladdr(address, &symbol) == 0) {
-        return hexadecimal(place);
-    }
+    const Dl_info symbol = symbol_at(address);
     const std::string file(file_name(symbol));
     if (symbol.dli_sname == nullptr) {
-        return file + "+" + hexadecimal(place - reinterpret_cast<std::uintptr_t>(symbol.dli_fbase));
+        return file + "+" +
+               hexadecimal(reinterpret_cast<std::uintptr_t>(address) -
+                           reinterpret_cast<std::uintptr_t>(symbol.dli_fbase));
     }
     return demangled(symbol.dli_sname) + " (" + file + ")";
 }
@@ -93,9 +98,8 @@ call_stack call_stack::current() noexcept {
     try {
         const auto depth = std::min(static_cast<std::size_t>(end - first), deepest);
         stack.addresses_ = std::make_shared<const std::vector<void*>>(first, first + depth);
-    } catch (const std::bad_alloc&) {
+    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch)
         // Without memory the stack stays empty.
-        return stack;
     }
 #endif
     return stack;

@@ -73,6 +73,9 @@ std::string_view text_argument(operation caller, const char* text, std::int64_t 
         refuse(fault_kind::bad_request, caller,
                "the length of a text is " + std::to_string(length));
     }
+    if (text == nullptr && length > 0) {
+        refuse(fault_kind::bad_request, caller, "the address of a text is null");
+    }
     return {text, static_cast<std::size_t>(length)};
 }
 

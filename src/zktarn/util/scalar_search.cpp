@@ -149,7 +149,7 @@ double doubled(double scalar, double magnitude, detail::fixed_fraction fraction,
         const double magnitude = std::fabs(product);
         if (magnitude < growth.tabled_below) [[likely]] {
             const double offset = detail::offset_from_nearest(product);
-            if (std::fabs(offset) <= growth.eps && magnitude >= 0.5) {
+            if (magnitude >= 0.5 && std::fabs(offset) <= growth.eps) {
                 return {verdict::found, scalar};
             }
             const detail::fixed_fraction fraction = detail::to_fixed_fraction(offset);

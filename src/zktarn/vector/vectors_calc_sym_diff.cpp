@@ -67,7 +67,7 @@ void vectors_calc_sym_diff(vector& x, const vector& y) noexcept {
     bool ascending = true;
     // Indices of both vectors lose their mark and stay listed until the compaction. The other
     // indices of y are marked and listed.
-    detail::append_if_new<true>(
+    detail::append_if_new(
         x, y.ind.data, y_nz,
         [=](std::int64_t j) __attribute__((always_inline)) { detail::prefetch_write(elm, j); },
         [&](std::int64_t j) __attribute__((always_inline)) {

@@ -127,7 +127,7 @@ namespace {
 void merge_support(vector& x, const vector& y) noexcept {
     if (x.elm.present()) {
         std::int32_t* const elm = x.elm.data;
-        append_if_new<true>(
+        append_if_new(
             x, y.ind.data,
             y.nz, [=](std::int64_t j) __attribute__((always_inline)) { prefetch_write(elm, j); },
             [=](std::int64_t j) __attribute__((always_inline)) {

@@ -259,6 +259,13 @@ TEST_F(ArrayFaults, TheLengthOfATextIsNotNegative) {
     expect_fault(fault_kind::bad_request, "qvaddfield800_" + sentence);
 }
 
+TEST_F(ArrayFaults, TheAddressOfATextIsNotNull) {
+    EXPECT_EQ(host::qvgetfieldnumber800_(structure, nullptr, 1), 0);
+    expect_fault(fault_kind::bad_request, "qvgetfieldnumber800_: the address of a text is null");
+    // An empty text has no address.
+    EXPECT_EQ(host::qvgetfieldnumber800_(structure, nullptr, 0), 0);
+}
+
 TEST_F(ArrayFaults, TheWidthOfASlotIsNotNegative) {
     EXPECT_EQ(make_struct({1, 1}, 1, "x", -1), 0);
     expect_fault(fault_kind::bad_request, "qvcreatestructarray800_: the length of a text is -1");

@@ -97,6 +97,17 @@ TEST_F(CallLog, HasConditionsFlushesAndPolls) {
     EXPECT_EQ(poll.result.number, 1);
 }
 
+TEST_F(CallLog, HasNoTextOrNumbersWhereTheArgumentsAreFaulty) {
+    const array_handle structure = make_struct();
+    last();
+    host::qvgetfieldnumber800_(structure, nullptr, 2);
+    EXPECT_EQ(last(), (host_call{operation::qvgetfieldnumber800_, {structure}, {""}}));
+    host::qvgetfieldnumber800_(structure, "x", -1);
+    EXPECT_EQ(last(), (host_call{operation::qvgetfieldnumber800_, {structure}, {""}}));
+    EXPECT_EQ(faults.size(), 2u);
+    destroy(structure);
+}
+
 TEST_F(CallLog, HasArgumentsAndResultsOfStructs) {
     const std::int64_t extents[] = {1, 1};
     const array_handle structure =

@@ -156,6 +156,13 @@ TEST_F(CallStacks, OriginsAreNotRecordedUnlessWanted) {
     EXPECT_FALSE(record_origins(false));
 }
 
+TEST_F(CallStacks, AnotherValueInTheEnvironmentLeavesOriginsOff) {
+    setenv("ZKTARN_STANDIN_ORIGINS", "0", 1);
+    reset();
+    EXPECT_FALSE(record_origins(false));
+    unsetenv("ZKTARN_STANDIN_ORIGINS");
+}
+
 TEST_F(CallStacks, AnAssertionHandlerSeesWhereItWasMade) {
     call_stack seen;
     set_assertion_handler([&] { seen = call_stack::current(); });

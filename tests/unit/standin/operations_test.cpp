@@ -10,12 +10,17 @@
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libut.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
+#include "zktarn/version.hpp"
 
 namespace zktarn::standin {
 
 namespace {
 
 class Operations : public StandinTest {};
+
+TEST_F(Operations, HaveTheVersionOfTheLibrary) {
+    EXPECT_STREQ(zktarn_standin_version(), ZKTARN_VERSION_STRING);
+}
 
 struct exported {
     operation what;

@@ -1,6 +1,8 @@
 #include "zktarn_standin/records.hpp"
 
+#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <new>
 #include <thread>
@@ -8,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "unit/standin/standin_fixture.hpp"
 #include "zktarn/callbacks/callbacks_util.hpp"
 #include "zktarn/vector/vector_type.hpp"
 #include "zktarn_standin/control.hpp"
@@ -101,11 +104,23 @@ TEST_F(Records, MayBeMadeOnTwoThreads) {
     other.join();
 }
 
+TEST_F(Records, MayBeTooLargeForTheMemory) {
+    // The size is a variable, so that the compiler does not reject it.
+    volatile std::size_t size = std::numeric_limits<std::size_t>::max() / 2;
+    EXPECT_EQ(::operator new(size, std::nothrow), nullptr);
+    EXPECT_THROW(static_cast<void>(::operator new(size)), std::bad_alloc);
+    size = 0;
+    void* const empty = ::operator new(size);
+    EXPECT_NE(empty, nullptr);
+    ::operator delete(empty);
+}
+
 using RecordsDeathTest = Records;
 
 TEST_F(RecordsDeathTest, AWritePastTheEndIsDetectedWhenOneIsDeleted) {
     EXPECT_DEATH(
         {
+            keep_coverage();
             auto* const record = static_cast<unsigned char*>(::operator new(12, std::nothrow));
             unsigned char* volatile end = record + 12;
             *end = 1;

@@ -341,6 +341,35 @@ TEST(SymDiff, AnEntryThatIsDroppedEndsUnmarkedWhateverItsMarkWas) {
     }
 }
 
+TEST(SymDiff, ANegativeMarkBecomesZeroThoughNothingElseIsDropped) {
+    made_vector x(n);
+    made_vector y(n);
+    x.list({1});
+    x->elm(1) = -1;
+    x->elm(2) = 1;
+    y.list({2});
+    vectors_calc_sym_diff(*x, *y);
+    EXPECT_EQ(x->nz, 0);
+    EXPECT_EQ(x->elm(1), 0);
+    EXPECT_EQ(x->elm(2), 0);
+}
+
+TEST(SymDiff, UsesTheRoomBehindTheListUpToItsEnd) {
+    // The positions of dropped entries are noted behind the list where they fit: 4 of 4, 4 of 3.
+    for (const std::int32_t length : {8, 7}) {
+        made_vector x(length);
+        made_vector y(length);
+        x.list({1, 2, 3, 4});
+        y.list({1, 2, 3, 4});
+        vectors_calc_sym_diff(*x, *y);
+        EXPECT_EQ(x->nz, 0);
+        x.list({1, 2, 3, 4});
+        y->nz = 3;
+        vectors_calc_sym_diff(*x, *y);
+        EXPECT_THAT(listing(*x), ElementsAre(4));
+    }
+}
+
 TEST(SymDiff, ReadsNothingBesideTheListOfTheOther) {
     // More entries than are looked ahead, so that some are looked ahead to and the last are not.
     std::vector<std::int32_t> indices(16);

@@ -15,14 +15,14 @@ namespace zktarn::vector_mod::detail {
 ///
 /// @param source    may be the list of x itself: entries are appended behind those that are read.
 /// @param prefetch  void(std::int64_t j): prefetches what `is_new(j)` will read and write.
-template <bool prefetches, class Prefetch, class IsNew>
+template <class Prefetch, class IsNew>
 [[gnu::always_inline]] inline void append_if_new(vector_type::vector& x, const std::int32_t* source,
                                                  std::int64_t count, Prefetch prefetch,
                                                  IsNew is_new) noexcept {
     std::int32_t* const list = x.ind.data;
     const std::int64_t capacity = x.ind.extent[0];
     std::int64_t nz = x.nz;
-    walk<prefetches>(
+    walk(
         source, count, prefetch, [&](std::int64_t j) __attribute__((always_inline)) {
             if (nz < capacity) [[likely]] {
                 list[nz] = static_cast<std::int32_t>(j);

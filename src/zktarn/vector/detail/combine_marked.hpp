@@ -64,7 +64,7 @@ struct unmarked_reader {
     const std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
     bool zeros = false;
-    walk<true>(
+    walk(
         x.ind.data, x.nz,
         [=](std::int64_t j) __attribute__((always_inline)) {
             prefetch_read(elm, j);
@@ -86,7 +86,7 @@ template <class Reader>
     std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
     bool zeros = false;
-    append_if_new<true>(
+    append_if_new(
         x, y.ind.data, y.nz,
         [=](std::int64_t j) __attribute__((always_inline)) {
             prefetch_write(elm, j);
@@ -110,16 +110,15 @@ template <class Reader>
                                                     const factors& weights) noexcept {
     std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
-    const auto no_prefetch = [](std::int64_t) {};
     if (weights.scales) {
-        walk<false>(
-            x.ind.data, x.nz, no_prefetch, [=](std::int64_t j) __attribute__((always_inline)) {
+        walk(
+            x.ind.data, x.nz, no_prefetch{}, [=](std::int64_t j) __attribute__((always_inline)) {
                 coef[j - 1] = weights.alpha * membership(elm[j - 1]).coefficient(coef[j - 1]);
             });
     }
     const coefficient_reader y_coef(y);
-    append_if_new<false>(
-        x, y.ind.data, y.nz, no_prefetch, [=](std::int64_t j) __attribute__((always_inline)) {
+    append_if_new(
+        x, y.ind.data, y.nz, no_prefetch{}, [=](std::int64_t j) __attribute__((always_inline)) {
             const membership known(elm[j - 1]);
             const double old = known.coefficient(coef[j - 1]);
             coef[j - 1] = std::fma(weights.beta, y_coef(j), old);

@@ -18,7 +18,7 @@ inline bool scale_entries(vector& x, double alpha) noexcept {
     const coefficient_reader old(x);
     double* const coef = x.coef.data;
     bool found = false;
-    walk<true>(
+    walk(
         x.ind.data, x.nz, [=](std::int64_t j) __attribute__((always_inline)) { old.prefetch(j); },
         [&](std::int64_t j) __attribute__((always_inline)) {
             coef[j - 1] = alpha * old(j);
@@ -74,7 +74,7 @@ template <class Scale>
     summation<decltype(scale)> sums{x.coef.data, coefficient_reader(x), weights.beta, scale};
     std::int32_t* const elm = x.elm.data;
     if (elm != nullptr) {
-        append_if_new<true>(
+        append_if_new(
             x, x.ind.data,
             x.nz, [&](std::int64_t j) __attribute__((always_inline)) { sums.y_coef.prefetch(j); },
             [&](std::int64_t j) __attribute__((always_inline)) {

@@ -131,10 +131,11 @@ private:
     /// positions on, which is tested next from this end.
     [[gnu::always_inline]] std::uint64_t test(const block& tested, std::int64_t ahead) noexcept {
         const std::int32_t* const entries = list_ + tested.first;
+        // Not negative: an entry of the back is tested only behind a whole block of the front.
         const std::int64_t next = tested.first + ahead;
         std::uint64_t word = 0;
         // From the last entry to the first, so that each result enters at the low end.
-        if (next >= 0 && next + tested.count <= end_) {
+        if (next + tested.count <= end_) {
             for (std::int64_t i = tested.count - 1; i >= 0; --i) {
                 judge_.prefetch(std::int64_t{list_[next + i]});
                 word =
@@ -204,7 +205,7 @@ collect_dropped(const std::int32_t* list, std::int64_t tested, std::int32_t* dro
                 Judge& judge) noexcept {
     std::int64_t count = 0;
     std::int32_t position = 0;
-    walk<true>(
+    walk(
         list, tested, [&](std::int64_t j) __attribute__((always_inline)) { judge.prefetch(j); },
         [&](std::int64_t j) __attribute__((always_inline)) {
             dropped[count] = position;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 /// Prefetching for loops over an index list, whose elements lie anywhere in memory.
 ///
@@ -29,18 +30,23 @@ template <class T>
 /// nothing.
 inline constexpr std::int64_t prefetch_from = std::int64_t{1} << 14;
 
-/// Calls `visit(j)` for each entry of a list, in order; with `prefetches`, after `prefetch(j)` for
-/// the entry `lookahead` positions on.
-template <bool prefetches, class Prefetch, class Visit>
+/// Stands for the prefetch of a walk over arrays that stay in the cache.
+struct no_prefetch {};
+
+/// Calls `visit(j)` for each entry of a list, in order, and before it `prefetch(j)` for the entry
+/// `lookahead` positions on.
+template <class Prefetch, class Visit>
 [[gnu::always_inline]] inline void walk(const std::int32_t* list, std::int64_t count,
                                         Prefetch prefetch, Visit visit) noexcept {
     const std::int32_t* const end = list + count;
-    if (prefetches && count > lookahead) {
-        do {
-            prefetch(std::int64_t{list[lookahead]});
-            visit(std::int64_t{*list});
-            ++list;
-        } while (list != end - lookahead);
+    if constexpr (!std::is_same_v<Prefetch, no_prefetch>) {
+        if (count > lookahead) {
+            do {
+                prefetch(std::int64_t{list[lookahead]});
+                visit(std::int64_t{*list});
+                ++list;
+            } while (list != end - lookahead);
+        }
     }
     for (; list != end; ++list) {
         visit(std::int64_t{*list});
