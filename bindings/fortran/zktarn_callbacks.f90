@@ -178,6 +178,8 @@ module zktarn_callbacks
             integer(c_int64_t) :: c_qvinitcbarray
         end function
 
+        !> Destroys a struct of qvinitcbarray with its fields. The handle may be 0, and is 0
+        !> afterwards.
         subroutine qvfreecbarray(structure) bind(c, name="zktarn_qvfreecbarray")
             import :: c_int64_t
             integer(c_int64_t), intent(inout) :: structure

@@ -202,6 +202,7 @@ module zktarn_standin
             type(c_ptr) :: standin_inspect
         end function
 
+        !> Releases a copy of standin_inspect; a null address is ignored.
         subroutine standin_free_array(array) bind(c, name="zktarn_standin_free_array")
             import :: c_ptr
             type(c_ptr), value :: array
@@ -234,6 +235,7 @@ module zktarn_standin
         subroutine standin_clear_call_log() bind(c, name="zktarn_standin_clear_call_log")
         end subroutine
 
+        !> The number of logged calls.
         function standin_logged_call_count() bind(c, name="zktarn_standin_logged_call_count")
             import :: c_size_t
             integer(c_size_t) :: standin_logged_call_count
@@ -246,17 +248,20 @@ module zktarn_standin
             type(c_ptr) :: standin_logged_call
         end function
 
+        !> Releases a copy of standin_logged_call; a null address is ignored.
         subroutine standin_free_call(call) bind(c, name="zktarn_standin_free_call")
             import :: c_ptr
             type(c_ptr), value :: call
         end subroutine
 
+        !> The operation that was called, one of the constants op_.
         function standin_call_operation(call) bind(c, name="zktarn_standin_call_operation")
             import :: c_int, c_ptr
             type(c_ptr), value :: call
             integer(c_int) :: standin_call_operation
         end function
 
+        !> The number of texts among the arguments of a call.
         function standin_call_text_count(call) bind(c, name="zktarn_standin_call_text_count")
             import :: c_ptr, c_size_t
             type(c_ptr), value :: call
@@ -269,6 +274,7 @@ module zktarn_standin
             integer(c_int64_t) :: standin_call_result
         end function
 
+        !> What the operation returned when that is an address; otherwise a null address.
         function standin_call_result_address(call) &
             bind(c, name="zktarn_standin_call_result_address")
             import :: c_ptr
@@ -289,6 +295,7 @@ module zktarn_standin
             type(c_ptr), value :: answer, address
         end subroutine
 
+        !> The number of fields of a struct.
         function standin_field_count(array) bind(c, name="zktarn_standin_array_field_count")
             import :: c_ptr, c_size_t
             type(c_ptr), value :: array
@@ -618,6 +625,7 @@ contains
         text = text_from(c_flushed_console_text)
     end function
 
+    !> What happened, in one sentence.
     function standin_sentence(fault) result(text)
         type(standin_fault), intent(in) :: fault
         character(:), allocatable :: text
@@ -842,6 +850,7 @@ contains
         reals = numbers
     end function
 
+    !> The characters of a text, trailing blanks included.
     function standin_characters(array) result(text)
         type(c_ptr), intent(in) :: array
         character(:), allocatable :: text
@@ -864,6 +873,7 @@ contains
         name = characters_at(c_loc(buffer), length)
     end function
 
+    !> Whether a struct has a field of that name.
     function standin_has_field(array, name) result(has)
         type(c_ptr), intent(in) :: array
         character(*), intent(in) :: name
@@ -902,6 +912,7 @@ contains
         replaced = c_set_function(name, len(name, kind=c_size_t), function, context)
     end subroutine
 
+    !> Removes the function with that name, if there is one.
     subroutine standin_remove_function(name)
         character(*), intent(in) :: name
         logical(c_bool) :: replaced

@@ -24,6 +24,7 @@ identity   | all   | library clang arm64 tests     | the same bits from every co
 tools      | all   | library tests                 | the tools pass their own tests
 mutation   | all   | library solver tests          | tests detect a sample of faults put into the library
 benchmarks | all   | library solver tests benchmarks | benchmarks build and run
+docs       | all   | docs                          | the site: every public name described, no dead link
 fresh      | all   | fresh                         | the demo and the tests run on a bare Debian 12
 '
 
@@ -31,7 +32,7 @@ on_mac=false
 [ "$(uname)" = Darwin ] && on_mac=true
 
 # Gates that do not run on a Mac, because they need tools or a system that it does not have.
-not_on_mac=" valgrind arm64 mutation fresh "
+not_on_mac=" valgrind arm64 mutation docs fresh "
 
 # gate_field NAME COLUMN: the loop (2), the parts (3) or the guarantee (4) of a gate.
 gate_field() {
@@ -235,6 +236,11 @@ gate_benchmarks() {
     for program in "$build_dir"/gcc/benchmarks/*_bench; do
         ZKTARN_BENCH_ROUNDS=1 "$program" --benchmark_min_time=0.01
     done
+}
+
+gate_docs() {
+    python3 docs/site/make_site.py . "$build_dir/docs" "$build_dir/site"
+    python3 docs/site/check_links.py "$build_dir/site"
 }
 
 gate_fresh() { tests/fresh/fresh.sh "$build_dir/fresh"; }

@@ -59,6 +59,7 @@ inline void report_violation(const char* condition, const char* procedure, std::
 
 #else
 
+/// Verifies a precondition in a checked build; this is the macro of every other build.
 #define ZKTARN_CHECK(condition) static_cast<void>(0)
 
 #endif

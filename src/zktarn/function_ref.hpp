@@ -21,6 +21,7 @@ namespace zktarn {
 template <class Signature>
 class function_ref;
 
+/// The same, for a signature with a result and arguments.
 template <class Result, class... Args>
 class function_ref<Result(Args...)> {
 public:

@@ -59,24 +59,31 @@ public:
     }
 
 protected:
+    /// Owns nothing.
     owner() noexcept = default;
+    /// Takes over what `other` owns and leaves `other` false.
     owner(owner&& other) noexcept
         : held_(std::exchange(other.held_, Handle{})), made_(std::exchange(other.made_, false)) {}
+    /// The same; releases what was owned before.
     owner& operator=(owner&& other) noexcept {
         owner taken(std::move(other));
         std::swap(held_, taken.held_);
         std::swap(made_, taken.made_);
         return *this;
     }
+    /// Releases what is owned, if anything.
     ~owner() { reset(); }
 
+    /// The record or handle; empty when nothing is owned.
     Handle held_{};
+    /// Whether something is owned.
     bool made_ = false;
 };
 
 /// Owns a sparse vector.
 class owned_vector : public owner<vector_type::vector*, owned_vector> {
 public:
+    /// What is owned.
     using record = vector_type::vector;
 
     /// Owns nothing.
@@ -231,13 +238,16 @@ private:
 
 /// An element index of a vector and its coefficient.
 struct entry {
+    /// The element index, from 1.
     std::int32_t index;
+    /// Its coefficient.
     double value;
 };
 
 /// A position in an `entry_range`.
 class entry_iterator {
 public:
+    /// What the standard library reads of an iterator.
     using iterator_concept = std::forward_iterator_tag;
     using iterator_category = std::input_iterator_tag;
     using difference_type = std::ptrdiff_t;
@@ -245,12 +255,15 @@ public:
     using reference = entry;
     using pointer = void;
 
+    /// A position in no vector, for assignment only.
     entry_iterator() noexcept = default;
 
+    /// The entry at this position.
     [[nodiscard]] entry operator*() const noexcept {
         const std::int32_t j = index();
         return {j, coef_ != nullptr ? coef_[j - 1] : 1.0};
     }
+    /// Goes to the next member.
     entry_iterator& operator++() noexcept {
         ++position_;
         skip_unmarked();
@@ -261,6 +274,7 @@ public:
         ++*this;
         return before;
     }
+    /// Whether both are at the same position of one vector.
     [[nodiscard]] bool operator==(const entry_iterator& other) const noexcept {
         return position_ == other.position_;
     }
@@ -295,9 +309,11 @@ class entry_range {
 public:
     /// An empty range.
     entry_range() noexcept = default;
+    /// The entries of `v`.
     explicit entry_range(const vector_type::vector& v) noexcept
         : begin_(v, 0, positions(v)), end_(v, positions(v), positions(v)) {}
 
+    /// The first entry, and the end behind the last one.
     [[nodiscard]] entry_iterator begin() const noexcept { return begin_; }
     [[nodiscard]] entry_iterator end() const noexcept { return end_; }
 

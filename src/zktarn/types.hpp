@@ -83,15 +83,19 @@ struct host_array {
     }
 };
 
+/// An array of one dimension.
 template <class T>
 using array_1d = host_array<T, 1>;
 
+/// An array of two dimensions.
 template <class T>
 using array_2d = host_array<T, 2>;
 
 /// The rows and columns of a two-dimensional array.
 struct matrix_shape {
+    /// Number of rows.
     std::int64_t rows;
+    /// Number of columns.
     std::int64_t columns;
 };
 

@@ -225,6 +225,7 @@ typedef struct zktarn_standin_call zktarn_standin_call;
 
 ZKTARN_STANDIN_C_API bool zktarn_standin_log_calls(bool on);
 ZKTARN_STANDIN_C_API void zktarn_standin_clear_call_log(void);
+/* The number of logged calls. */
 ZKTARN_STANDIN_C_API size_t zktarn_standin_logged_call_count(void);
 /*
  * A copy of a logged call, counted from 1, to be released by zktarn_standin_free_call; NULL if no

@@ -481,6 +481,7 @@ ZKTARN_C_RESULT static inline int32_t* zktarn_i4_2d_element(const zktarn_i4_2d_a
     return array->data + (i - 1) + (j - 1) * array->extent[0];
 }
 
+/* The same for an array of reals. */
 ZKTARN_C_RESULT static inline double* zktarn_r8_2d_element(const zktarn_r8_2d_array* array,
                                                            int64_t i, int64_t j) {
     return array->data + (i - 1) + (j - 1) * array->extent[0];

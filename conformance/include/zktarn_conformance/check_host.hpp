@@ -10,6 +10,7 @@
 
 namespace zktarn::host_conformance {
 
+/// What the checks need to know of a host.
 struct settings {
     /// The host-language function to call; none when empty. `--help` of the program says what it
     /// receives.

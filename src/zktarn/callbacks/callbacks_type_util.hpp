@@ -129,6 +129,7 @@ struct value_slot {
 
 /// A value of any type and two handles of the solver.
 struct cbdatalist {
+    /// The value.
     value_slot slot;
     /// A handle or a number; copied bit for bit, never released.
     std::int64_t first_handle = 0;

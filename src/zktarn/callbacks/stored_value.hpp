@@ -94,6 +94,7 @@ template <class T>
     }
 }
 
+/// The same for a constant record.
 template <class T>
 [[nodiscard]] const T* stored(const cbdatalist& list) noexcept {
     return stored<T>(const_cast<cbdatalist&>(list));

@@ -9,6 +9,7 @@
 
 namespace zktarn::standin {
 
+/// The kinds of host arrays.
 enum class array_kind { structure, real_matrix, real_scalar, text };
 
 /// A copy of a host array and of everything that it owns, made when the array was inspected.
@@ -17,8 +18,11 @@ enum class array_kind { structure, real_matrix, real_scalar, text };
 /// `out_of_range`); the result is then 0.0, no numbers, no text or no fields.
 class array_value {
 public:
+    /// What kind of array it is.
     array_kind kind = array_kind::real_matrix;
+    /// The number of its rows; of a text 1.
     std::int64_t rows = 0;
+    /// The number of its columns; of a text the number of characters.
     std::int64_t columns = 0;
 
     /// The number in a real array of one element.

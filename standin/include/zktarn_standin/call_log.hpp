@@ -29,6 +29,7 @@ struct answer {
 /// One call of a host operation: its arguments, sorted by kind, in the order of the declaration.
 /// Lengths of texts and what the operation writes to are left out.
 struct host_call {
+    /// The operation.
     operation what;
     /// Sizes, counts, indices, extents, handles, seeds, and logical values as 1 or 0.
     std::vector<std::int64_t> integers = {};

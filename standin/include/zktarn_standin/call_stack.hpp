@@ -12,11 +12,13 @@ namespace zktarn::standin {
 /// `backtrace`. Cheap to copy.
 class call_stack {
 public:
+    /// No calls.
     call_stack() noexcept = default;
 
     /// The calls that are active now, without the innermost ones, which are the stand-in's own.
     [[nodiscard]] static call_stack current() noexcept;
 
+    /// Whether it holds no calls.
     [[nodiscard]] bool empty() const noexcept { return addresses_ == nullptr; }
 
     /// One line a call: the function, where the loader knows its name, and the file it is in. A

@@ -6,6 +6,7 @@
 
 namespace zktarn::standin {
 
+/// Where console text goes.
 enum class console {
     /// Text goes to standard output.
     show,

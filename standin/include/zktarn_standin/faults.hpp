@@ -46,6 +46,7 @@ enum class fault_kind {
 
 /// A fault, as its handler receives it.
 struct fault {
+    /// The mistake.
     fault_kind kind = fault_kind::bad_request;
     /// The block concerned, for faults with memory. For a foreign address inside a live block, that
     /// block; for any other foreign address, the address alone.

@@ -17,16 +17,19 @@ namespace zktarn::standin {
 /// allowed) or a text.
 class reply {
 public:
+    /// A scalar, a column or a text.
     using content = std::variant<double, std::vector<double>, std::string>;
 
     /// Any number; a logical value becomes 1 or 0.
     template <class Number>
     reply(Number scalar) requires std::is_arithmetic_v<Number>
         : content_(static_cast<double>(scalar)) {}
+    /// A column of numbers, or a text.
     reply(std::vector<double> column) : content_(std::move(column)) {}
     reply(std::string text) : content_(std::move(text)) {}
     reply(const char* text) : content_(std::string(text)) {}
 
+    /// The value to return.
     [[nodiscard]] const content& contents() const { return content_; }
 
 private:
