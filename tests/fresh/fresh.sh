@@ -14,11 +14,9 @@ that the next run downloads less.
 
 Exit status: 0 every command succeeded, 1 one failed, 77 this machine cannot do it."
 
-codename=bookworm
 without=()
 keep=false
 fail() { echo "fresh.sh: $*" >&2 && exit 1; }
-skip() { echo "skipped: $*" && exit 77; }
 
 while [[ ${1-} == -* ]]; do
     case $1 in
@@ -41,59 +39,14 @@ commands=("$@")
 [ $# -gt 0 ] || commands=(scripts/demo scripts/test)
 checkout=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 
-[ "$(uname)" = Linux ] || skip "a bare Debian needs Linux"
-[ "$(id -u)" -eq 0 ] || skip "making a bare Debian needs root"
-for tool in apt-get debootstrap git unshare; do
-    command -v "$tool" >/dev/null || skip "making a bare Debian needs $tool"
-done
-unshare --mount --pid --fork true 2>/dev/null || skip "this machine does not allow mounts of its own"
-
-# The machine's sources of this release: address, suite and component of each.
-sources() {
-    # shellcheck disable=SC2016 # apt's own variables
-    apt-get indextargets --format '$(ORIGIN) $(CODENAME) $(REPO_URI) $(RELEASE) $(COMPONENT)' \
-        'Created-By: Packages' |
-        awk -v name="$codename" '$1 == "Debian" && index($2, name) == 1 { print $3, $4, $5 }'
-}
-[ -n "$(sources)" ] || apt-get update -q
-mirror=$(sources | awk -v name="$codename" '$2 == name { print $1; exit }')
-[ -n "$mirror" ] || skip "this machine's apt has no source of Debian $codename"
-
-# The proxies of apt's settings serve debootstrap too, which reads the environment.
-eval "$(apt-config shell http_proxy Acquire::http::Proxy https_proxy Acquire::https::Proxy)"
-network=()
-for name in http_proxy https_proxy no_proxy; do
-    [ -z "${!name-}" ] || network+=("$name=${!name}")
-done
-
+# shellcheck source=tests/fresh/debian.sh
+source "$checkout/tests/fresh/debian.sh"
+machine_can
 root=$work/root
-base=$work/base-$codename.tar
-archives=$work/archives
-remove() { rm -rf --one-file-system "$@"; }
 # Whatever ends this script ends the commands and their mounts as well; only files are left.
 trap '$keep || remove "$root"' EXIT
 trap 'exit 1' INT TERM HUP
-
-if [ ! -s "$base" ]; then
-    echo "Making the base system"
-    remove "$work/making"
-    env ${network[@]+"${network[@]}"} debootstrap --variant=minbase "$codename" "$work/making" "$mirror" ||
-        fail "debootstrap could not make Debian $codename from $mirror"
-    rm -f "$work"/making/var/cache/apt/archives/*.deb
-    tar -C "$work/making" -cf "$base.new" .
-    mv "$base.new" "$base"
-    remove "$work/making"
-fi
-
-echo "Unpacking the base system into $root"
-remove "$root"
-mkdir -p "$root" "$archives/partial"
-tar -C "$root" -xf "$base"
-sources | sed 's/^/deb /' >"$root/etc/apt/sources.list"
-apt-config dump | grep -i '^Acquire::' >"$root/etc/apt/apt.conf.d/90machine" || true
-cp -L /etc/resolv.conf /etc/hosts "$root/etc/"
-# The whole system is thrown away, so nothing is gained by waiting for the disk.
-echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/unsafe-io"
+unpack "$root"
 
 echo "Cloning $checkout"
 export GIT_CONFIG_COUNT=1 GIT_CONFIG_KEY_0=safe.directory GIT_CONFIG_VALUE_0='*'
@@ -109,19 +62,6 @@ for package in ${without[@]+"${without[@]}"}; do
     echo "$package is taken out of scripts/lib/packages"
 done
 
-# inside COMMAND: in namespaces of its own, with nothing of this environment.
-inside() {
-    # shellcheck disable=SC2016 # the inner shell's own
-    unshare --mount --pid --fork --kill-child env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
-        ${network[@]+"${network[@]}"} bash -c '
-            set -e
-            mount -t proc proc "$1/proc"
-            mount --rbind /dev "$1/dev"
-            mount --bind "$2" "$1/var/cache/apt/archives"
-            exec chroot "$1" bash -c "cd /root/project && exec $3"' \
-        - "$root" "$archives" "$1" </dev/null
-}
-
 rows=()
 failed=0
 for command in "${commands[@]}"; do
@@ -129,7 +69,7 @@ for command in "${commands[@]}"; do
     echo "== $command"
     start=$SECONDS
     verdict=passed
-    inside "$command" || { verdict=FAILED && failed=$((failed + 1)); }
+    inside "$root" /root/project "$command" || { verdict=FAILED && failed=$((failed + 1)); }
     rows+=("$(printf '%-30s  %-7s  %5d s' "$command" "$verdict" $((SECONDS - start)))")
 done
 printf '\n%-30s  %-7s  %7s\n' "on a bare Debian 12" verdict time
