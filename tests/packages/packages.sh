@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# Makes the source tarball, Debian packages out of it, and uses these on a bare Debian 12.
+set -euo pipefail
+
+usage="Usage: packages.sh [--packages-only] FOLDER [BASE_FOLDER]
+Makes the source tarball of this checkout, uncommitted changes included, builds Debian packages out of it
+without git, and checks them with lintian. Then installs them on a bare Debian 12 in FOLDER/root, builds
+and runs programs in C++, C, Fortran and Python with them, and removes them: nothing may be left.
+BASE_FOLDER keeps the base system between runs, FOLDER if none is named.
+
+  --packages-only  ends before the bare Debian, which needs root
+
+Exit status: 0 all is well, 1 something is not, 77 this machine cannot make a bare Debian."
+
+packages_only=false
+fail() { echo "packages.sh: $*" >&2 && exit 1; }
+while [[ ${1-} == -* ]]; do
+    case $1 in
+    --packages-only) packages_only=true ;;
+    -h | --help) echo "$usage" && exit 0 ;;
+    *) fail "unknown option '$1'; see packages.sh --help" ;;
+    esac
+    shift
+done
+[ $# -ge 1 ] || fail "name the folder to work in; see packages.sh --help"
+mkdir -p "$1" "${2-$1}" || fail "cannot make the folder $1"
+folder=$(cd "$1" && pwd)
+# shellcheck disable=SC2034 # for debian.sh
+work=$(cd "${2-$1}" && pwd)
+checkout=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
+here=$checkout/tests/packages
+root=$folder/root
+
+# shellcheck source=tests/fresh/debian.sh
+source "$checkout/tests/fresh/debian.sh"
+$packages_only || machine_can
+trap 'remove "$root"' EXIT
+trap 'exit 1' INT TERM HUP
+
+start=$SECONDS
+step() { printf '\n== %s (after %d s)\n' "$*" $((SECONDS - start)); }
+
+step "source tarball"
+remove "$folder/source" "$folder/build"
+mkdir -p "$folder/source"
+tarball=$("$checkout/packaging/source.sh" "$folder")
+tar -C "$folder/source" --strip-components=1 -xf "$tarball"
+[ ! -e "$folder/source/.git" ] || fail "the source tarball contains .git"
+cd "$folder/source"
+
+step "packages out of the tarball"
+# No git is found from here on, and no checkout around the unpacked source.
+export GIT_DIR=/nonexistent
+cmake --preset packages -B "$folder/build"
+cmake --build "$folder/build" --parallel "$(nproc)"
+(cd "$folder/build" && cpack -G DEB)
+unset GIT_DIR
+
+step "lintian"
+lintian --allow-root --display-info --show-overrides --fail-on error,warning,info \
+    "$folder"/build/packages/*.deb
+echo "lintian: no finding"
+! $packages_only || exit 0
+
+step "a bare Debian 12"
+unpack "$root"
+mkdir -p "$root/root/packages"
+cp "$folder"/build/packages/*.deb "$root/root/packages/"
+cp -r "$folder/source/examples" "$here/inside.sh" "$root/root/"
+inside "$root" /root ./inside.sh
+step "done"
