@@ -42,6 +42,8 @@ else()
   endif()
 endif()
 
+# The tests, in another folder, use these packages too.
+set(CMAKE_FIND_PACKAGE_TARGETS_GLOBAL ON)
 find_package(Python 3.11 REQUIRED COMPONENTS Interpreter Development.Module NumPy)
 
 # pybind11 installed by pip says itself where its CMake package is.
@@ -55,3 +57,4 @@ if(NOT pybind11_FOUND)
 endif()
 message(STATUS "Python package: ${Python_EXECUTABLE}, Python ${Python_VERSION}, "
   "NumPy ${Python_NumPy_VERSION}, pybind11 ${pybind11_VERSION}")
+unset(CMAKE_FIND_PACKAGE_TARGETS_GLOBAL)

@@ -140,12 +140,16 @@ host::array_handle result(const interpreter_lock& lock, reference made) noexcept
     return handle_of(std::move(made));
 }
 
-/// Whether that many reals can have an address each.
-bool fits(std::int64_t rows, std::int64_t columns) noexcept {
-    std::int64_t count = 0;
-    std::int64_t nbytes = 0;
-    return rows >= 0 && columns >= 0 && !__builtin_mul_overflow(rows, columns, &count) &&
-           !__builtin_mul_overflow(count, static_cast<std::int64_t>(sizeof(double)), &nbytes);
+/// Whether the elements of such an array, numbers or references, can have an address each. NumPy
+/// reports what cannot as a wrong argument, the host as missing memory.
+bool fits(std::int64_t ndims, const std::int64_t* extents) noexcept {
+    std::int64_t nbytes = sizeof(double);
+    for (std::int64_t i = 0; i < ndims; ++i) {
+        if (extents[i] < 0 || __builtin_mul_overflow(nbytes, extents[i], &nbytes)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -176,6 +180,9 @@ array_handle qvcreatestructarray800_(const std::int64_t& ndims, const std::int64
         return python_host::result(lock,
                                    python_host::empty_struct(nfields, field_names, slot_width));
     }
+    if (!python_host::fits(ndims, extents)) {
+        return 0;
+    }
     npy_intp shape[NPY_MAXDIMS];
     std::copy_n(extents, ndims, shape);
     return python_host::result(lock, python_host::struct_array(static_cast<int>(ndims), shape,
@@ -202,7 +209,9 @@ array_handle qvcreatedoublematrix800_(const std::int64_t& rows, const std::int64
         PyErr_SetString(PyExc_ValueError, "this host has real matrices only");
         return python_host::result(lock, {});
     }
-    if (!python_host::fits(rows, columns)) {
+    const std::int64_t extents[] = {rows, columns};
+    constexpr std::int64_t ndims = 2;
+    if (!python_host::fits(ndims, extents)) {
         return 0;
     }
     const npy_intp shape[] = {rows, columns};

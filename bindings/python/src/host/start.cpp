@@ -1,4 +1,4 @@
-#define ZKTARN_PYTHON_START
+#define ZKTARN_NUMPY_TABLE_HERE
 #include "numpy_api.hpp"
 
 #include "python_host.hpp"
