@@ -1,5 +1,8 @@
 // The type `Vector`: creation, release, and the table of its members.
 
+#include <Python.h>
+#include <structmember.h>
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
