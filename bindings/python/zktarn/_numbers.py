@@ -81,7 +81,7 @@ def rational(x: ArrayLike, eps: ArrayLike, max_den: ArrayLike) -> Union[None, Fr
         >>> rational(3.14159265, 1e-9, 100) is None
         True
         >>> rational([0.5, 0.25], 1e-9, 100).den
-        array([  2., 100.])
+        array([ 10., 100.])
 
     TypeError: an argument is no real number. ValueError: the shapes do not broadcast.
     C++: util::get_rational_rep.
@@ -119,10 +119,10 @@ def gcd(
     C++: util::xgcd_i4, util::xgcd_r8.
     """
     if eps is None:
-        result = _core.gcd_int(_int32s(a, "a"), _int32s(b, "b"), out=out)
-    else:
-        result = _core.gcd_real(_reals(a, "a"), _reals(b, "b"), _reals(eps, "eps"), out=out)
-    return result.item() if isinstance(result, np.generic) else result
+        divisors = _core.gcd_int(_int32s(a, "a"), _int32s(b, "b"), out=out)
+        return int(divisors) if isinstance(divisors, np.generic) else divisors
+    real_divisors = _core.gcd_real(_reals(a, "a"), _reals(b, "b"), _reals(eps, "eps"), out=out)
+    return float(real_divisors) if isinstance(real_divisors, np.generic) else real_divisors
 
 
 def _int32s(value: ArrayLike, name: str) -> NDArray[np.int32]:
