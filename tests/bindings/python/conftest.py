@@ -1,6 +1,6 @@
 """Takes the package from the build tree: ZKTARN_PYTHON_DIR, or what the preset `python` builds.
 
-    cmake --preset python && cmake --build --preset python --target zktarn_python
+    cmake --preset python && cmake --build --preset python --target zktarn_python_tests
     /usr/bin/python3 -m pytest tests/bindings/python
 """
 

@@ -1,0 +1,42 @@
+// The hashes of the identity program's cases, computed through Python.
+
+#include <pybind11/pybind11.h>
+
+#include <cinttypes>
+#include <cstdio>
+
+#include "binary/identity/procedures.hpp"
+
+namespace {
+
+namespace py = pybind11;
+using namespace zktarn::identity;
+
+std::string hash_of(const procedure& each) {
+    draws draw(each.name);
+    digest results;
+    for (int i = 0; i < each.calls; ++i) {
+        each.call(draw, results);
+    }
+    char text[17];
+    std::snprintf(text, sizeof text, "%016" PRIx64, results.value());
+    return text;
+}
+
+/// Name to hash, of every procedure whose results do not depend on the host and which Python has.
+py::dict hashes() {
+    py::dict all;
+    for (const auto& subject : {integrality_procedures(), rational_procedures(), entry_procedures(),
+                                whole_vector_procedures(), sorting_procedures()}) {
+        for (const procedure& each : subject) {
+            all[each.name] = hash_of(each);
+        }
+    }
+    return all;
+}
+
+} // namespace
+
+PYBIND11_MODULE(identity_through_python, module) {
+    module.def("hashes", hashes);
+}
