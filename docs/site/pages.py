@@ -14,7 +14,9 @@ from names import exported, reference
 
 # The sections of the site, each with its files; a folder stands for its pages and then its programs.
 SECTIONS = (
-    ("Tutorials", "tutorials", ("docs/tutorials",)),
+    ("Tutorials", "tutorials", (
+        "docs/tutorials/separator.md", "docs/tutorials/decimals.md", "docs/tutorials/memory.md",
+        "docs/tutorials/python.md", "docs/tutorials/host.md", "docs/tutorials")),
     ("Manuals", "manuals", ("docs/numerics.md", "docs/c.md", "docs/fortran.md", "docs/python.md",
                             "standin/README.md", "docs/platforms.md")),
     ("Hosts", "hosts", ("docs/host-contract.md",)),
@@ -46,7 +48,8 @@ class Site:
         self.sections = []
         shown = set()
         for title, identifier, wanted in SECTIONS:
-            files = [path for each in wanted for path in self.expand(pathlib.Path(each))]
+            files = list(dict.fromkeys(
+                path for each in wanted for path in self.expand(pathlib.Path(each))))
             self.sections.append((title, identifier, files))
             shown.update(files)
         rest = [path.relative_to(root) for path in sorted((root / "docs").glob("*.md"))

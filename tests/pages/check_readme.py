@@ -3,10 +3,11 @@
 
 A comment before a block says what the block is:
 
-    <!-- program NAME -->   C++ source of a whole program
+    <!-- program NAME -->   source of a whole program, in C++ or Python
     <!-- output NAME -->    what the program of that name prints, to the letter
 """
 
+import inspect
 import json
 import pathlib
 import re
@@ -16,7 +17,7 @@ import sys
 MARKED = re.compile(r"^<!-- (program|output) (\w+) -->\n+```\w+\n(.*?)^```$",
                     re.MULTILINE | re.DOTALL)
 MARK = re.compile(r"^<!-- (?:program|output) .*$", re.MULTILINE)
-CPP = re.compile(r"^```cpp$", re.MULTILINE)
+CODE = re.compile(r"^```(?:cpp|py)$", re.MULTILINE)
 
 
 def fail(sentence):
@@ -48,10 +49,10 @@ def source(page, name, path):
         fail(f"the program '{name}' in {page} is not {path}")
 
 
-def output(page, name, program):
-    """The program succeeds and prints what the page says."""
+def output(page, name, program, *arguments):
+    """The program, with these arguments, succeeds and prints what the page says."""
     expected = block(page, "output", name)
-    ran = subprocess.run([program], capture_output=True, text=True, check=False)
+    ran = subprocess.run([program, *arguments], capture_output=True, text=True, check=False)
     if ran.returncode != 0:
         fail(f"'{name}' ended with status {ran.returncode}: {ran.stderr.strip()}")
     if ran.stderr:
@@ -61,13 +62,13 @@ def output(page, name, program):
 
 
 def marks(page):
-    """Every mark has its block, and no C++ block goes unchecked."""
+    """Every mark has its block, and no block of C++ or Python goes unchecked."""
     text = read(page)
     programs = [name for kind, name, _ in MARKED.findall(text) if kind == "program"]
     if len(MARK.findall(text)) != len(MARKED.findall(text)):
         fail(f"{page} has a mark without a block")
-    if len(CPP.findall(text)) != len(programs):
-        fail(f"{page} has a C++ block that is not marked as a program")
+    if len(CODE.findall(text)) != len(programs):
+        fail(f"{page} has a block of C++ or Python that is not marked as a program")
     for name in programs:
         block(page, "output", name)
 
@@ -110,7 +111,9 @@ def main():
     if len(sys.argv) < 3 or sys.argv[1] not in CHECKS:
         fail(usage)
     check = CHECKS[sys.argv[1]]
-    if len(sys.argv) - 2 != check.__code__.co_argcount:
+    given, wanted = len(sys.argv) - 2, check.__code__.co_argcount
+    takes_more = check.__code__.co_flags & inspect.CO_VARARGS
+    if given < wanted or (given > wanted and not takes_more):
         fail(usage)
     check(*sys.argv[2:])
 

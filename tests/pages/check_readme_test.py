@@ -96,6 +96,9 @@ class CheckReadme(unittest.TestCase):
     def test_drifted_output(self):
         self.refused("prints something else", "output", "greet", self.program("echo Hello"))
 
+    def test_output_of_a_program_with_arguments(self):
+        self.accepted("output", "greet", self.program('echo "$2"'), "good day", "hello")
+
     def test_output_without_its_last_line_feed(self):
         self.refused("prints something else", "output", "greet", self.program("printf hello"))
 
@@ -118,6 +121,10 @@ class CheckReadme(unittest.TestCase):
 
     def test_cpp_block_without_a_mark(self):
         self.drift("<!-- program greet -->\n", "")
+        self.refused("not marked as a program", "marks")
+
+    def test_python_block_without_a_mark(self):
+        self.drift("prints\n", "prints\n\n```py\nprint()\n```\n")
         self.refused("not marked as a program", "marks")
 
     def test_program_without_its_output(self):
@@ -157,7 +164,8 @@ class CheckReadme(unittest.TestCase):
         self.refused("differ in all-is-well", "gates", self.write("script", ""))
 
     def test_arguments_that_make_no_sense(self):
-        for arguments in ((), ("output",), ("nothing", self.page), ("output", self.page)):
+        for arguments in ((), ("output",), ("nothing", self.page), ("output", self.page),
+                          ("marks", self.page, "more")):
             ran = self.run_check(*arguments) if arguments else self.run_check("")
             self.assertEqual(ran.returncode, 1)
             self.assertIn("usage:", ran.stderr)
