@@ -8,7 +8,12 @@ namespace zktarn::python_host {
 
 namespace {
 
-constexpr const char* key = "zktarn.stored_exception";
+/// Under which a thread of Python keeps its exception. Made once, so that it can be looked up
+/// without memory.
+PyObject* key() noexcept {
+    static PyObject* const name = PyUnicode_InternFromString("zktarn.stored_exception");
+    return name;
+}
 
 /// How many exceptions have been stored and not been raised: an upper bound, because a thread may
 /// end with one. While it is 0, nothing else needs to be looked at.
@@ -37,7 +42,7 @@ reference take_current() noexcept {
 /// The exception of this thread of Python, borrowed; null without one.
 PyObject* own() noexcept {
     PyObject* const values = PyThreadState_GetDict();
-    return values == nullptr ? nullptr : PyDict_GetItemString(values, key);
+    return values == nullptr ? nullptr : PyDict_GetItem(values, key());
 }
 
 /// Sets or, by null, removes the exception of this thread of Python. Returns false when memory is
@@ -47,8 +52,8 @@ bool set_own(PyObject* exception) noexcept {
     if (values == nullptr) {
         return false;
     }
-    const int status = exception == nullptr ? PyDict_DelItemString(values, key)
-                                            : PyDict_SetItemString(values, key, exception);
+    const int status = exception == nullptr ? PyDict_DelItem(values, key())
+                                            : PyDict_SetItem(values, key(), exception);
     if (status != 0) {
         PyErr_Clear();
     }
@@ -62,6 +67,10 @@ bool prevails(PyObject* next, PyObject* first) noexcept {
 }
 
 } // namespace
+
+bool prepare_exceptions() noexcept {
+    return key() != nullptr;
+}
 
 void store_exception(const interpreter_lock& lock) noexcept {
     reference exception = take_current();

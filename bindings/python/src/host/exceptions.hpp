@@ -7,6 +7,10 @@
 
 namespace zktarn::python_host {
 
+/// Makes what the procedures below need. Returns false with an exception set when memory is
+/// missing.
+[[nodiscard]] bool prepare_exceptions() noexcept;
+
 /// Stores the exception that is set, and clears it. Does nothing when none is set.
 void store_exception(const interpreter_lock& lock) noexcept;
 

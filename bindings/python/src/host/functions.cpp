@@ -3,6 +3,7 @@
 
 #include "arrays.hpp"
 #include "exceptions.hpp"
+#include "functions.hpp"
 #include "numpy_api.hpp"
 #include "python_host.hpp"
 #include "zktarn/host/libqvx.hpp"
@@ -13,12 +14,16 @@ namespace zktarn::python_host {
 
 namespace {
 
-constexpr const char* key = "zktarn.functions";
+/// Under which a thread of Python keeps its functions.
+PyObject* key() noexcept {
+    static PyObject* const name = PyUnicode_InternFromString("zktarn.functions");
+    return name;
+}
 
 /// The functions that this thread of Python registered, borrowed; null without any.
 PyObject* own_functions() noexcept {
     PyObject* const values = PyThreadState_GetDict();
-    return values == nullptr ? nullptr : PyDict_GetItemString(values, key);
+    return values == nullptr ? nullptr : PyDict_GetItem(values, key());
 }
 
 /// The same, made when there is none yet; null with an exception set.
@@ -28,7 +33,7 @@ PyObject* own_functions_made() noexcept {
     }
     PyObject* const values = PyThreadState_GetDict();
     const reference made(PyDict_New());
-    if (values == nullptr || !made || PyDict_SetItemString(values, key, made.get()) != 0) {
+    if (values == nullptr || !made || PyDict_SetItem(values, key(), made.get()) != 0) {
         return nullptr;
     }
     return made.get();
@@ -172,6 +177,10 @@ void end_solve(const interpreter_lock& lock, std::int32_t noutputs,
 
 } // namespace
 
+bool prepare_functions() noexcept {
+    return key() != nullptr && stop() != nullptr && zktarn_python_functions() != nullptr;
+}
+
 } // namespace zktarn::python_host
 
 namespace zktarn::host {
@@ -188,7 +197,6 @@ extern "C" std::int32_t qvxcallquarn800_(const std::int32_t& noutputs, array_han
     for (std::int32_t i = 0; i < noutputs; ++i) {
         outputs[i] = 0;
     }
-    python_host::stop();
     const python_host::reference text(PyUnicode_DecodeUTF8(name, name_length, "backslashreplace"));
     if (text && python_host::call(lock, text.get(), noutputs, outputs, ninputs, inputs)) {
         return 0;
