@@ -529,8 +529,11 @@ class CommandLine(unittest.TestCase):
             self.assertEqual((model["bound"], model["status"]), (bound, "integral"))
             self.assertEqual(model["lp_bound"], 1.5 * bound)
             self.assertEqual(call.out.splitlines()[0].split(" ")[0], model["file"])
-        self.refuse(self.write("bad.lp", "Minimize\n obj: x +\nSubject To\n r1: x + <= 1 y\n"),
-                    "this is not an LP file")
+        self.refuse(self.write("bad.lp", "Minimize\n obj: x +\nSubject To\n r1: x + <= 1 y\nEnd\n"),
+                    "this is not an LP file; the reader says")
+        for cut_off in ("no model", "Minimize\n obj: x\nSubject To\n",
+                        "Minimize\n obj: x\nSubject To\n r: x >= 1\nGenerals\n x", "\\ End\n"):
+            self.refuse(self.write("bad.lp", cut_off), "because its last word is not End")
 
     def test_standard_input_and_pipes_are_read(self):
         for command in (f"'{PROGRAM}' - --display final < '{self.cover}'",

@@ -1,11 +1,13 @@
 #include "input/read_model.hpp"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <sstream>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -174,8 +176,27 @@ model read_mps(const std::string& source, const std::string& file) {
                 (complaint.empty() ? "" : "; the reader says: " + complaint));
 }
 
+/// The last word of an LP file in small letters, without what a backslash makes a comment.
+std::string last_word(const std::string& source) {
+    std::ifstream stream(source, std::ios::binary);
+    std::string last;
+    for (std::string line; std::getline(stream, line);) {
+        std::istringstream words(line.substr(0, line.find('\\')));
+        for (std::string word; words >> word;) {
+            last = word;
+        }
+    }
+    std::transform(last.begin(), last.end(), last.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return last;
+}
+
 /// CoinLpIO itself turns a maximisation into a minimisation.
 model read_lp(const std::string& source, const std::string& file) {
+    // At the end of a file that lacks this word, CoinLpIO reads on for ever or crashes.
+    if (last_word(source) != "end") {
+        throw error(file + ": this is not an LP file, because its last word is not End");
+    }
     complaint_keeper complaints;
     CoinLpIO reader;
     reader.passInMessageHandler(&complaints);
