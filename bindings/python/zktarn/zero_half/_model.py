@@ -210,7 +210,8 @@ def _unclamped(values: NDArray[np.float64]) -> NDArray[np.float64]:
 
 
 def _is_linear_constraint(value: Any) -> bool:
-    return all(hasattr(value, name) for name in ("A", "lb", "ub"))
+    # A is last: as an attribute of a sparse matrix it would make a dense one.
+    return all(hasattr(value, name) for name in ("lb", "ub", "A"))
 
 
 def _is_group(value: Any) -> bool:

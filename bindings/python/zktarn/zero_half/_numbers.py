@@ -38,7 +38,8 @@ def real_array(name: str, values: object) -> NDArray[np.float64]:
     try:
         array = np.asarray(values)
         if array.dtype.kind not in "biuf":
-            if array.dtype.kind != "O":
+            # None alone would become a NaN.
+            if array.dtype.kind != "O" or any(each is None for each in array.flat):
                 raise TypeError
             array = array.astype(np.float64)
     except (TypeError, ValueError):

@@ -195,7 +195,7 @@ def _model(model: Any, constraints: Any, bounds: Any, integrality: Any) -> Model
 def _options(
     rounds: int, time_limit: float, seed: int, display: str, stop_at_gap: float
 ) -> _zero_half.Options:
-    if display not in _DISPLAYS:
+    if not isinstance(display, str) or display not in _DISPLAYS:
         raise ValueError(f"display is {display!r}, but has to be 'off', 'final' or 'iter'")
     return {
         "rounds": _numbers.integer("rounds", rounds, 0, 1_000_000),

@@ -1,0 +1,76 @@
+"""The package finds what the program finds, on the models of the solver."""
+
+import json
+import subprocess
+
+import pytest
+from problems import model_files, program
+from standin_numbers import StandinNumbers, Twister
+
+from zktarn import _host, zero_half
+
+FILES = model_files()
+
+
+def test_the_twister_draws_the_numbers_of_its_standard():
+    # The C++ standard gives the 10000th number of the default seed.
+    twister = Twister(5489)
+    for _ in range(9999):
+        twister.next()
+    assert twister.next() == 9981545732273789042
+
+
+@pytest.fixture
+def standin_numbers():
+    _host.set_bit_generator(StandinNumbers)
+    yield
+    _host.set_bit_generator(None)
+
+
+def figures_of(result):
+    return {
+        "lp_bound": result.initial_bound, "bound": result.bound, "optimum": result.optimum,
+        "gap_closed_percent": result.gap_closed, "cuts_kept": len(result.rhs),
+        "status": result.status, "seed": result.seed,
+        "rounds": [(each.number, each.bound, each.cuts_found, each.cuts_kept)
+                   for each in result.rounds],
+    }
+
+
+def figures_of_program(file, folder, seed):
+    """The figures of the JSON report of the program, and the model with its cuts."""
+    command = [program(), str(file), "--display=off", f"--seed={seed}", "--time-limit=1e9",
+               f"--json={folder / 'report.json'}", f"--cuts={folder / 'cuts.mps'}"]
+    subprocess.run(command, check=True)
+    report = json.loads((folder / "report.json").read_text())["models"][0]
+    figures = {name: report[name] for name in (
+        "lp_bound", "bound", "optimum", "gap_closed_percent", "cuts_kept", "status", "seed")}
+    figures["rounds"] = [(each["round"], each["bound"], each["cuts_found"], each["cuts_kept"])
+                         for each in report["rounds"]]
+    return figures, (folder / "cuts.mps").read_bytes()
+
+
+@pytest.mark.skipif(program() is None, reason="the program zero_half is not built; "
+                    "ZKTARN_ZERO_HALF names it")
+@pytest.mark.parametrize("file", FILES, ids=lambda file: file.name)
+@pytest.mark.parametrize("seed", [1, -7])
+def test_the_same_seed_gives_the_figures_and_the_cuts_of_the_program(
+        file, seed, tmp_path, standin_numbers):
+    StandinNumbers.drawn = 0
+    expected, expected_cuts = figures_of_program(file, tmp_path, seed)
+    result = zero_half.tighten(file, seed=seed, time_limit=1e9, display="off")
+    assert figures_of(result) == expected
+    assert StandinNumbers.drawn > 0
+    result.write_mps(tmp_path / "python.mps")
+    assert (tmp_path / "python.mps").read_bytes() == expected_cuts
+
+
+@pytest.mark.parametrize("file", FILES, ids=lambda file: file.name)
+def test_cuts_raise_the_bound_and_never_beyond_the_optimum(file):
+    result = zero_half.tighten(file, display="off", time_limit=1e9)
+    assert result.initial_bound is not None and result.bound is not None
+    assert result.optimum is not None
+    assert len(result.rhs) > 0
+    if file.name != "misc03.mps":
+        assert result.bound > result.initial_bound
+    assert result.bound <= result.optimum + 1e-6
