@@ -75,6 +75,7 @@ def rational(x: ArrayLike, eps: ArrayLike, max_den: ArrayLike) -> Union[None, Fr
 
     First tries denominators that are common in decimal data, then the convergents of the continued
     fraction of x; the C++ header states which fraction is found. NaN has none.
+    An infinite number has none either; in an array its numerator is infinite and its denominator 1.
 
         >>> rational(0.333333, 1e-5, 1000)
         Fraction(1, 3)
@@ -89,7 +90,7 @@ def rational(x: ArrayLike, eps: ArrayLike, max_den: ArrayLike) -> Union[None, Fr
     arrays = _reals(x, "x"), _reals(eps, "eps"), _reals(max_den, "max_den")
     num, den, found = _core.rational_parts(*arrays)
     if all(array.ndim == 0 for array in arrays):
-        return Fraction(int(num), int(den)) if found else None
+        return Fraction(int(num), int(den)) if found and np.isfinite(num) else None
     return Rationals(num, den, found)
 
 
