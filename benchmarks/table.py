@@ -4,16 +4,20 @@
     table.py RESULTS DOCS
 
 RESULTS has a file PROGRAM.PAGES.json for each program, as Google Benchmark writes it; PAGES is small
-(4 KiB) or huge. Writes DOCS/benchmarks.md, DOCS/benchmarks/table.csv and, with gnuplot, one picture
-for each operation: nanoseconds an entry over the capacity.
+(4 KiB) or huge. Writes DOCS/benchmarks.md, DOCS/benchmarks/table.csv and pictures: bars for each
+operation, of the library and everything it is compared with, and, with gnuplot, nanoseconds an entry
+over the capacity.
 """
 
 import csv
 import datetime
 import json
 import pathlib
+import re
 import subprocess
 import sys
+
+from bars import bars, duration
 
 # What is measured, in which comparison, which ratio, and at most how large it should be.
 ROWS = (
@@ -64,6 +68,20 @@ PICTURES = (
     ("combine", "10%", "shuffled"), ("combine", "1%", "shuffled"),
     ("scale_and_combine", "10%", "shuffled"), ("sym_diff", "10%", "sorted"),
     ("mod2", "10%", "shuffled"), ("rem_zeros", "10%", "shuffled"), ("identical", "10%", "shuffled"),
+)
+# Bar pictures: file name, title, and the comparisons shown, in the order in which they were measured.
+BARS = (
+    ("bars_combine", "x := x + beta y", r"combine/\d+/(1|10|100)%/shuffled"),
+    ("bars_scale_and_combine", "x := alpha x + beta y", r"scale_and_combine/\d+/(1|10)%/shuffled"),
+    ("bars_sym_diff", "Symmetric difference of supports", r"sym_diff/(100000|10000000)/.*"),
+    ("bars_mod2", "Coefficients modulo 2", r"mod2/(100000|10000000)/(1|10)%/shuffled"),
+    ("bars_rem_zeros", "Dropping zeros", r"rem_zeros/(100000|10000000)/(1|10)%/shuffled"),
+    ("bars_identical", "Comparing vectors", r"identical/(100000|10000000)/(1|10)%/shuffled"),
+    ("bars_entries", "Loops over the entries of a vector", r"(get_coef_loop|add_nz_loop|clear|list_combine)/.*"),
+    ("bars_numbers", "Integrality, fractions, divisors", r"(scalar|rational|xgcd_r8|xgcd_i4)/.*"),
+    ("bars_sort", "Sorting through an exchange procedure", r"sort_(inline|exported)/.*"),
+    ("bars_host", "Memory of the host", r"(allocmem_freemem_r8_1d|vector_alloc_free|standin_malloc_free)/.*"),
+    ("bars_languages", "A call in C and Fortran", r"(c|c_inlined|fortran)/.*"),
 )
 CAPACITIES = [10**k for k in range(1, 8)]
 
@@ -116,6 +134,50 @@ def per_entry(found, operation, fill, order, contender):
     return points
 
 
+def contenders_of(measured):
+    """Name, nanoseconds and the first one's ratio to it, of each contender; the first one first."""
+    ratios = {key.split("/")[1]: value for key, value in measured.items() if key.count("/") == 1}
+    names = [key.removesuffix("_ns") for key in measured if key.endswith("_ns")]
+    names.sort(key=lambda name: (name in ratios, name not in ("limit", "ideal", "ideal_marks"), name))
+    return [(name, measured[f"{name}_ns"], ratios.get(name)) for name in names]
+
+
+def readable(comparison):
+    """The name of a comparison, with the powers of ten that it has."""
+    return re.sub(r"\b10(0{3,})\b", lambda found: f"10^{len(found[1]) + 1}", comparison).replace("/", ", ")
+
+
+def draw_bars(found, folder, date, machine):
+    """A picture for each group of comparisons that was measured; returns their names."""
+    targets = {}
+    for _, comparison, peer, target in ROWS:
+        targets.setdefault(comparison, []).append(f"{peer.replace('_', ' ')} {target:.2f}")
+    drawn = []
+    for name, title, pattern in BARS:
+        groups = []
+        for comparison, measured in found.items():
+            if re.fullmatch(pattern, comparison) and len(contenders := contenders_of(measured)) > 1:
+                limits = targets.get(comparison)
+                remark = f"{measured['rounds']:.0f} rounds" + (f"; at most {', '.join(limits)}" if limits else "")
+                groups.append((readable(comparison), remark, contenders))
+        if groups:
+            (folder / f"{name}.svg").write_text(bars(title, f"{machine}; {date}", groups), encoding="utf-8")
+            drawn.append((f"{name}.svg", title))
+    return drawn
+
+
+def others(found):
+    """What was measured without a target: a line for each peer of each comparison."""
+    with_target = {comparison for _, comparison, _, _ in ROWS}
+    patterns = [pattern for name, _, pattern in BARS
+                if name in ("bars_entries", "bars_sort", "bars_host", "bars_languages")]
+    return [(readable(comparison), contenders[0][0], duration(contenders[0][1]), name, duration(time),
+             shown(value), f"{measured['rounds']:.0f}")
+            for comparison, measured in found.items()
+            if comparison not in with_target and any(re.fullmatch(each, comparison) for each in patterns)
+            for contenders in [contenders_of(measured)] for name, time, value in contenders[1:]]
+
+
 def draw(found, folder, operation, fill, order):
     """One picture; returns its file name, or None when nothing was measured."""
     prefix = f"{operation}/"
@@ -158,6 +220,9 @@ def main():
     header = ("row", "of", "target", "reached", "verdict", "huge pages", "rounds")
     with open(pictures / "table.csv", "w", newline="", encoding="utf-8") as out:
         csv.writer(out, lineterminator="\n").writerows([header, *lines])
+    date = datetime.date.today().isoformat()
+    machine = f"{context.get('processor', 'unknown')}, {context.get('compiler', 'unknown')}"
+    drawn = draw_bars(small, pictures, date, machine)
     names = [name for picture in PICTURES if (name := draw(small, pictures, *picture))]
     met = sum(line[4] == "met" for line in lines)
     text = ["# Benchmarks", "",
@@ -166,12 +231,23 @@ def main():
             "measures this and writes this page; `benchmarks/README.md` describes the contenders.", "",
             f"- Processor: {context.get('processor', 'unknown')}, {context.get('num_cpus', '?')} available",
             f"- Compiler: {context.get('compiler', 'unknown')}, {context.get('flags', '')}",
-            f"- Date: {datetime.date.today().isoformat()}",
+            f"- Date: {date}",
             f"- Targets met: {met} of {len(lines)}", "",
             "All contenders lie on pages of 4 KiB; \"huge pages\" is the same ratio with all of them on",
             "pages of 2 MiB, where that was measured.", "",
             "| " + " | ".join(header) + " |", "|---|---|---:|---:|---|---:|---:|"]
     text += ["| " + " | ".join(map(str, line)) + " |" for line in lines]
+    if more := others(small):
+        text += ["", "## Without a target", "",
+                 "What the library adds to a call of the host, of C or of Fortran, and the loops that a caller",
+                 "writes himself.", "",
+                 "| comparison | first | time | other | its time | ratio | rounds |", "|---|---|---:|---|---:|---:|---:|"]
+        text += ["| " + " | ".join(line) + " |" for line in more]
+    text += ["", "## Pictures", "",
+             "Blue is the library, grey are the limit of the contract and the ideal loops that",
+             "`benchmarks/README.md` describes, orange are peers. The ratio is that of the library's time to the",
+             "bar's; below 1 the library is faster.", ""]
+    text += [f"![{title}](benchmarks/{name})\n" for name, title in drawn]
     text += ["", "## Nanoseconds an entry", ""]
     text += [f"![{name}](benchmarks/{name})\n" for name in names]
     (docs / "benchmarks.md").write_text("\n".join(text).rstrip() + "\n", encoding="utf-8")
