@@ -17,12 +17,14 @@ sys.dont_write_bytecode = True
 
 import names as public  # noqa: E402
 import pages  # noqa: E402
+import python_view  # noqa: E402
 import views  # noqa: E402
 
 HERE = pathlib.Path(__file__).resolve().parent
 HEADERS = (("src", "src/zktarn"), ("standin/include", "standin/include"),
            ("conformance/include", "conformance/include"))
 THEME = pathlib.Path("/usr/share/doxygen-awesome-css")
+ZERO_HALF = f"{python_view.MODULE}_zero_half"
 STYLES = ("doxygen-awesome.css", "doxygen-awesome-sidebar-only.css",
           "doxygen-awesome-sidebar-only-darkmode-toggle.css")
 SCRIPTS = ("doxygen-awesome-darkmode-toggle.js", "doxygen-awesome-fragment-copy-button.js",
@@ -91,7 +93,29 @@ def write_other_languages(root, folder, names):
         write(folder / "fortran" / module.name, views.fortran_view(read(module), names))
 
 
-def language_links(root, folder):
+def write_python(root, folder, names):
+    """Both packages; returns the links to what has a contract in C++, and the names without a text."""
+    package = root / python_view.PACKAGE
+    links, undescribed = {}, []
+    for source, module in ((package, python_view.MODULE), (package / "zero_half", ZERO_HALF)):
+        if (source / "__init__.py").is_file():
+            text, missing = python_view.module_view(root, source, module, names)
+            undescribed += [f"{source.relative_to(root)}: warning: {name} has no docstring" for name in missing]
+            write(folder / "python" / f"{module}.py", text)
+            links.update(python_view.links_by_procedure(text, module))
+    return links, undescribed
+
+
+def name_python(target):
+    """Gives the Python packages their names; files keep those under which Doxygen wrote them."""
+    for path in [*target.rglob("*.html"), *target.rglob("*.js")]:
+        text = read(path)
+        if python_view.MODULE in text:
+            text = re.sub(rf'([">]){python_view.MODULE}(["<])', r"\1zktarn (Python)\2", text)
+            write(path, text.replace(ZERO_HALF, "zktarn.zero_half").replace(python_view.MODULE, "zktarn"))
+
+
+def language_links(root, folder, python):
     """For each language, the link to a procedure by its C++ name."""
     c_text = read(folder / "c/zktarn_util.h")
     c = {name: f'@ref zktarn_{name} "zktarn_{name}"'
@@ -101,7 +125,7 @@ def language_links(root, folder):
         text = read(module)
         for name in re.findall(r"^    end (?:function|subroutine) (\w+)", text, re.M):
             fortran.setdefault(name, f'@ref {module.stem}::{name} "{name}"')
-    return {"C": c, "Fortran": fortran}
+    return {"C": c, "Fortran": fortran, "Python": python}
 
 
 def layout(site, work):
@@ -117,7 +141,7 @@ def layout(site, work):
                      f'title="{pages.title_of(site, path)}"/>' for path in files]
             tabs.append("    </tab>")
     tabs += ['    <tab type="user" visible="yes" url="@ref reference" title="Reference"/>',
-             '    <tab type="namespacelist" visible="yes" title="Modules of C++ and Fortran"/>',
+             '    <tab type="namespacelist" visible="yes" title="Modules of C++, Fortran and Python"/>',
              '    <tab type="classlist" visible="yes" title="Records and classes"/>',
              '    <tab type="filelist" visible="yes" title="Headers"/>',
              '    <tab type="globals" visible="yes" title="Names of C, macros"/>']
@@ -163,6 +187,7 @@ def main():
     folder = work / "input"
     write_cpp(root, folder / "cpp", linked)
     write_other_languages(root, folder, names)
+    python, undescribed = write_python(root, folder, names)
     site = pages.Site(root, linked)
     write(folder / "README.md", pages.page_text(site, pathlib.Path("README.md")))
     for title, identifier, files in site.sections:
@@ -172,7 +197,7 @@ def main():
         for path in files:
             text = pages.folder_text(site, path) if path in site.folders else pages.page_text(site, path)
             write(folder / "pages" / f"{site.ids[path]}.md", text)
-    write(folder / "sections/reference.md", pages.reference_text(site, language_links(root, folder)))
+    write(folder / "sections/reference.md", pages.reference_text(site, language_links(root, folder, python)))
     layout(site, work)
     header(work)
     styles = " ".join(str(THEME / name) for name in STYLES) + f" {HERE / 'site.css'}"
@@ -183,13 +208,14 @@ def main():
                    "IMAGE_PATH": " ".join(sorted({str((root / each).parent) for each in site.images})),
                    "HTML_EXTRA_FILES": " ".join(str(THEME / name) for name in SCRIPTS)},
                   work, "site.doxyfile")
+    name_python(target)
     for image in sorted(site.images):
         shutil.copy(root / image, target)
-    warnings = [line.replace(f"{folder}/", "") for line in (ran.stdout + ran.stderr).splitlines() if line.strip()]
+    warnings = undescribed + [line.replace(f"{folder}/", "") for line in (ran.stdout + ran.stderr).splitlines() if line.strip()]
     for line in warnings:
         print(line)
     count = sum(": warning: " in line or ": error: " in line or "warning:" in line[:9] for line in warnings)
-    print(f"{count} warnings of Doxygen")
+    print(f"{count} warnings")
     if ran.returncode != 0 or warnings:
         sys.exit(1)
 

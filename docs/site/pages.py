@@ -217,7 +217,8 @@ def reference_text(site, others):
                                (site.root / "README.md").read_text(encoding="utf-8"), re.M))
     out = ["# Reference {#reference}", "",
            "The C++ headers hold the contract of every procedure. The other languages give the signature,",
-           "what differs, and a link to it. Conventions that all procedures share: "
+           "what differs, and a link to it. A dash stands for a procedure that a language does not need: in",
+           "Python, NumPy allocates, copies and initialises. Conventions that all procedures share: "
            "<code>@ref types.hpp \"zktarn/types.hpp\"</code>.", "",
            "Further headers: " + ", ".join(
                f"<code>@ref {name}</code>" for name in
