@@ -1,0 +1,130 @@
+"""Ctrl-C: a real SIGINT in a process of its own."""
+
+import signal
+import subprocess
+import sys
+
+import pytest
+from interrupted_run import interrupt_after
+from problems import ROOT
+
+from zktarn import zero_half
+
+
+@pytest.mark.parametrize("delay", [0.0, 0.1, 0.45])
+def test_ctrl_c_ends_the_run_with_its_result(delay):
+    report, _, status = interrupt_after(delay, signal.SIGINT)
+    assert status == 0
+    assert report["type"] == "KeyboardInterrupt" and report["status"] == "interrupted"
+    assert report["initial_bound"] == pytest.approx(-200.0)
+    # The run goes on for minutes where nothing interrupts it.
+    assert 1 <= report["rounds"] < 100
+    assert -200.0 < report["bound"] < -100.0
+    assert report["cuts"] > 0 and report["point"] == 400 and report["has_notes"]
+
+
+HANDLER = """
+import os, signal
+from problems import random_graph
+from zktarn import zero_half
+
+class Terminated(Exception):
+    pass
+
+def terminate(number, frame):
+    raise Terminated(f"signal {number}")
+
+signal.signal(signal.SIGTERM, terminate)
+def send(info):
+    if info["round"] == 2:
+        os.kill(os.getpid(), signal.SIGTERM)
+try:
+    zero_half.tighten(**random_graph(400, 2000, 1), display="off", rounds=10**6,
+                      time_limit=1e9, output_function=send)
+except Terminated as stop:
+    print(stop, len(zero_half.partial_result(stop).rounds))
+"""
+
+IGNORED = """
+import os, signal
+from problems import petersen
+from zktarn import zero_half
+
+signal.signal(signal.SIGINT, signal.SIG_IGN)
+result = zero_half.tighten(**petersen(), display="off",
+                           output_function=lambda info: os.kill(os.getpid(), signal.SIGINT))
+print(result.status)
+"""
+
+# After the last poll: the output function is raise() of the C library, so that no bytecode follows the
+# signal before the engine returns.
+AT_THE_END = """
+import ctypes, signal
+from problems import petersen
+from zktarn import zero_half
+
+class SignalNumber:
+    @classmethod
+    def from_param(cls, info):
+        return ctypes.c_int(signal.SIGINT if info["phase"] == "done" else 0)
+
+send = ctypes.CDLL(None)["raise"]
+send.argtypes = [SignalNumber]
+try:
+    zero_half.tighten(**petersen(), display="off", output_function=send)
+except KeyboardInterrupt as stop:
+    result = zero_half.partial_result(stop)
+    print(result.status, result.bound)
+"""
+
+OTHER_THREAD = """
+import os, signal, threading
+from problems import random_graph
+from zktarn import zero_half
+
+# Python runs handlers on its main thread; a run elsewhere goes on.
+results = []
+def run():
+    results.append(zero_half.tighten(
+        **random_graph(400, 2000, 1), display="off", rounds=3, time_limit=1e9,
+        output_function=lambda info: started.set()))
+started = threading.Event()
+thread = threading.Thread(target=run)
+thread.start()
+try:
+    started.wait()
+    os.kill(os.getpid(), signal.SIGINT)
+    thread.join()
+except KeyboardInterrupt:
+    print("main thread")
+thread.join()
+print(results[0].status)
+"""
+
+
+def printed_by(script):
+    ended = subprocess.run([sys.executable, "-c", script], capture_output=True, text=True,
+                           timeout=120, cwd=ROOT / "tests/bindings/python/solver", check=False)
+    assert ended.returncode == 0, ended.stderr
+    return ended.stdout
+
+
+def test_a_handler_of_the_program_raises_its_own_exception():
+    assert printed_by(HANDLER) == "signal 15 2\n"
+
+
+def test_an_ignored_signal_ends_nothing():
+    assert printed_by(IGNORED) == "integral\n"
+
+
+def test_a_signal_at_the_end_of_the_run_keeps_the_result():
+    assert printed_by(AT_THE_END) == "integral -4.0\n"
+
+
+def test_a_run_on_another_thread_is_not_interrupted():
+    assert printed_by(OTHER_THREAD) == "main thread\nrounds_used\n"
+
+
+def test_a_run_that_ends_normally_leaves_no_exception_behind():
+    assert zero_half.tighten([1.0], integrality=1, display="off").status == "integral"
+    assert zero_half.tighten([1.0], integrality=1, display="off").status == "integral"
