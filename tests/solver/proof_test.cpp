@@ -6,6 +6,7 @@
 
 #include "lp/certificate.hpp"
 #include "lp/integral_point.hpp"
+#include "lp/relaxation.hpp"
 #include "lp/safe_bound.hpp"
 
 namespace zero_half::testing {
@@ -45,6 +46,26 @@ ClpSimplex program_of(const std::vector<double>& objective, const std::vector<ro
     lp.loadProblem(matrix, lowers.data(), uppers.data(), objective.data(), row_lower.data(),
                    row_upper.data());
     return lp;
+}
+
+/// coefficients * x <= rhs over integer columns from 0 to 10.
+model model_of(const std::vector<double>& coefficients, double rhs) {
+    model program;
+    const int n = static_cast<int>(coefficients.size());
+    CoinPackedVector entries;
+    for (int j = 0; j < n; ++j) {
+        entries.insert(j, coefficients[static_cast<std::size_t>(j)]);
+    }
+    program.rows = CoinPackedMatrix(false, 0.0, 0.0);
+    program.rows.setDimensions(0, n);
+    program.rows.appendRow(entries);
+    program.row_lower = {-no_bound};
+    program.row_upper = {rhs};
+    program.lower.assign(coefficients.size(), 0.0);
+    program.upper.assign(coefficients.size(), 10.0);
+    program.objective.assign(coefficients.size(), 1.0);
+    program.is_integer.assign(coefficients.size(), 1);
+    return program;
 }
 
 } // namespace
@@ -126,35 +147,33 @@ TEST(SafeBound, DerivesBoundsOfColumnsWithoutBoundsFromRows) {
     EXPECT_FALSE(safe_bound(unbounded).of(unbounded).has_value());
 }
 
+TEST(SafeBound, ShowsWithinARadiusThatAHiddenReducedCostMatters) {
+    ClpSimplex lp = program_of({1, -1e-11}, {{{1, 0}, 1, infinite}}, 0, infinite);
+    const safe_bound bound(lp);
+    lp.dual();
+    ASSERT_EQ(lp.status(), 0);
+    EXPECT_FALSE(bound.of(lp).has_value());
+    ASSERT_TRUE(bound.within(1e6, lp).has_value());
+    EXPECT_NEAR(*bound.within(1e6, lp), 1.0 - 1e-5, 1e-12);
+}
+
+TEST(Relaxation, HasNoBoundWhereAHiddenReducedCostMakesItUnbounded) {
+    model program = model_of({1, 0}, 5);
+    program.lower[1] = -no_bound;
+    program.objective = {-1, 1e-11};
+    relaxation unbounded(program, [] { return false; });
+    EXPECT_NE(unbounded.solve(), relaxation::outcome::optimal);
+    program.objective = {-1, 0};
+    relaxation bounded(program, [] { return false; });
+    ASSERT_EQ(bounded.solve(), relaxation::outcome::optimal);
+    EXPECT_EQ(bounded.bound(), -5.0);
+}
+
 TEST(SafeBound, TellsModerateFromLargeNumbers) {
     EXPECT_TRUE(safe_bound(program_of({1e9}, {{{1}, -infinite, 1}}, 0, infinite)).is_moderate());
     EXPECT_FALSE(safe_bound(program_of({2e9}, {{{1}, -infinite, 1}}, 0, infinite)).is_moderate());
     EXPECT_FALSE(safe_bound(program_of({1}, {{{1e14}, -infinite, 1}}, 0, infinite)).is_moderate());
 }
-
-namespace {
-
-/// coefficients * x <= rhs over integer columns from 0 to 10.
-model model_of(const std::vector<double>& coefficients, double rhs) {
-    model program;
-    const int n = static_cast<int>(coefficients.size());
-    CoinPackedVector entries;
-    for (int j = 0; j < n; ++j) {
-        entries.insert(j, coefficients[static_cast<std::size_t>(j)]);
-    }
-    program.rows = CoinPackedMatrix(false, 0.0, 0.0);
-    program.rows.setDimensions(0, n);
-    program.rows.appendRow(entries);
-    program.row_lower = {-no_bound};
-    program.row_upper = {rhs};
-    program.lower.assign(coefficients.size(), 0.0);
-    program.upper.assign(coefficients.size(), 10.0);
-    program.objective.assign(coefficients.size(), 1.0);
-    program.is_integer.assign(coefficients.size(), 1);
-    return program;
-}
-
-} // namespace
 
 TEST(IntegralPoint, HasTheObjectiveOfTheRoundedPoint) {
     model program = model_of({1, 1}, 5);
@@ -174,10 +193,22 @@ TEST(IntegralPoint, RefusesFractionsAndPointsThatViolateARowAfterRounding) {
     EXPECT_FALSE(integral_objective(model_of({1e15, 1e15}, 1e15 - 1), below.data()));
 }
 
-TEST(IntegralPoint, ChecksRowsWithDecimalsWithATolerance) {
+TEST(IntegralPoint, ChecksRowsWithDecimalsUpToTheirRounding) {
     const std::vector<double> point = {1.0, 1.0};
     EXPECT_TRUE(integral_objective(model_of({0.1, 0.2}, 0.3), point.data()));
     EXPECT_FALSE(integral_objective(model_of({0.1, 0.2}, 0.2999), point.data()));
+    // 14 above a side of 6.9e10.
+    EXPECT_FALSE(integral_objective(model_of({6.9e10, 14.5}, 6.9e10 + 0.5), point.data()));
+}
+
+TEST(IntegralPoint, RefusesWhatOnlyTheUnroundedPointSatisfies) {
+    // After rounding, the continuous column has to be 2 to satisfy the row.
+    model program = model_of({5294, -0.001}, 5293.998);
+    program.is_integer[1] = 0;
+    const std::vector<double> point = {1.0 - 4e-7, 0.0};
+    EXPECT_FALSE(integral_objective(program, point.data()));
+    const std::vector<double> feasible = {1.0 - 4e-7, 2.0};
+    EXPECT_TRUE(integral_objective(program, feasible.data()));
 }
 
 TEST(IntegralPoint, RefusesPointsOutsideOfTheBounds) {

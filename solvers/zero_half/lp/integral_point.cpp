@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "zktarn/zktarn_util.hpp"
@@ -13,9 +14,12 @@ namespace {
 /// Products of numbers up to 1e15 and sums of 2^26 of them are exact.
 __extension__ typedef __int128 wide_integer;
 
+/// How far a value may be from an integer.
 constexpr double tolerance = 1e-6;
-/// The numbers of a file are decimals, which doubles represent with an error.
-constexpr double decimal_tolerance = 1e-9;
+/// What the simplex method leaves in a row, relative to its side. Larger than that may be the
+/// effect of rounding the integer columns, which a continuous column has to make up for at a price.
+constexpr double row_tolerance = 1e-9;
+constexpr double unit_roundoff = std::numeric_limits<double>::epsilon() / 2.0;
 
 /// The point with integer columns rounded; nothing when one is not nearly an integer.
 std::optional<std::vector<double>> rounded(const model& program, const double* point) {
@@ -46,6 +50,31 @@ bool is_integer_number(double value) {
     return std::trunc(value) == value;
 }
 
+/// By how much the decimal of a file may differ from the double that represents it.
+double decimal_error(double number) {
+    return is_integer_number(number) ? 0.0 : unit_roundoff * std::fabs(number);
+}
+
+/// A sum of products with a bound on its error: what rounding did, and what the decimals of a file
+/// may differ from the doubles.
+struct activity_sum {
+    double value = 0.0;
+    double error = 0.0;
+
+    void add(double coefficient, double x) {
+        const double product = coefficient * x;
+        const double sum = value + product;
+        error += std::fabs(std::fma(coefficient, x, -product)) +
+                 decimal_error(coefficient) * std::fabs(x);
+        error += unit_roundoff * std::fabs(sum);
+        value = sum;
+    }
+    bool is_within(double lower, double upper) const {
+        return (lower <= -no_bound || value >= lower - 2.0 * error - decimal_error(lower)) &&
+               (upper >= no_bound || value <= upper + 2.0 * error + decimal_error(upper));
+    }
+};
+
 /// Whether the point satisfies row `i` of the model.
 bool satisfies_row(const model& program, int i, const std::vector<double>& point) {
     const int first = program.rows.getVectorFirst(i);
@@ -54,10 +83,10 @@ bool satisfies_row(const model& program, int i, const std::vector<double>& point
     bool is_exact = true;
     bool has_continuous = false;
     wide_integer exact = 0;
-    double activity = 0.0;
+    activity_sum activity;
     for (int k = 0; k < program.rows.getVectorSize(i); ++k) {
         const double x = point[static_cast<std::size_t>(columns[k])];
-        activity += values[k] * x;
+        activity.add(values[k], x);
         has_continuous =
             has_continuous || program.is_integer[static_cast<std::size_t>(columns[k])] == 0;
         is_exact = is_exact && is_integer_number(values[k]) && is_integer_number(x) &&
@@ -69,8 +98,9 @@ bool satisfies_row(const model& program, int i, const std::vector<double>& point
     const double lower = program.row_lower[static_cast<std::size_t>(i)];
     const double upper = program.row_upper[static_cast<std::size_t>(i)];
     if (!is_exact) {
-        const double slip = has_continuous ? tolerance : decimal_tolerance;
-        return is_within(activity, moved(lower, -slip), moved(upper, slip));
+        return has_continuous ? is_within(activity.value, moved(lower, -row_tolerance),
+                                          moved(upper, row_tolerance))
+                              : activity.is_within(lower, upper);
     }
     // An integer is at most a number exactly when it is at most the floor of the number.
     return (lower <= -no_bound || exact >= static_cast<wide_integer>(std::ceil(lower))) &&
@@ -79,7 +109,7 @@ bool satisfies_row(const model& program, int i, const std::vector<double>& point
 
 bool is_feasible(const model& program, const std::vector<double>& point) {
     for (std::size_t j = 0; j < point.size(); ++j) {
-        const double slip = program.is_integer[j] != 0 ? 0.0 : tolerance;
+        const double slip = program.is_integer[j] != 0 ? 0.0 : row_tolerance;
         if (!is_within(point[j], moved(program.lower[j], -slip), moved(program.upper[j], slip))) {
             return false;
         }

@@ -106,20 +106,27 @@ relaxation::outcome relaxation::checked_outcome() {
     }
 }
 
-/// Compares the objective with the proven bound. Without a proof the objective counts only when all
-/// numbers are moderate.
+/// Compares the objective with the proven bound. Where a column without bounds prevents a proof,
+/// the objective counts only if all numbers are moderate and no point with moderate values of these
+/// columns is better: a reduced cost that the dual tolerance hides makes a program unbounded.
 relaxation::outcome relaxation::take_bound() {
     const double objective = lp_.objectiveValue();
     if (!std::isfinite(objective)) {
         return outcome::undecided;
     }
     const std::optional<double> proven = safe_bound_->of(lp_);
-    if (!proven && !safe_bound_->is_moderate()) {
+    if (!proven && !(safe_bound_->is_moderate() && is_best_of_moderate_points(objective))) {
         return outcome::undecided;
     }
     const bool is_exact = !proven || objective - *proven <= 1e-9 * (1.0 + std::fabs(objective));
     bound_ = is_exact ? objective : *proven;
     return outcome::optimal;
+}
+
+bool relaxation::is_best_of_moderate_points(double objective) const {
+    constexpr double moderate_value = 1e6;
+    const std::optional<double> proven = safe_bound_->within(moderate_value, lp_);
+    return proven && objective - *proven <= 1e-6 * (1.0 + std::fabs(objective));
 }
 
 /// Solves the program without its objective.

@@ -67,6 +67,7 @@ private:
     void solve_afresh();
     outcome checked_outcome();
     outcome take_bound();
+    bool is_best_of_moderate_points(double objective) const;
     bool has_feasible_point() const;
 
     ClpSimplex lp_;

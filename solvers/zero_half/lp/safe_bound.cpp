@@ -122,6 +122,10 @@ void safe_bound::imply_bounds(const CoinPackedMatrix& rows, int i, double side, 
 }
 
 std::optional<double> safe_bound::of(const ClpSimplex& lp) const {
+    return within(infinity, lp);
+}
+
+std::optional<double> safe_bound::within(double radius, const ClpSimplex& lp) const {
     const double* const prices = lp.getRowPrice();
     std::vector<double> duals(static_cast<std::size_t>(lp.numberRows()));
     bounded_sum bound;
@@ -151,7 +155,7 @@ std::optional<double> safe_bound::of(const ClpSimplex& lp) const {
         }
         // factor * x at its least x is a concave function of the factor, so it is least at one of
         // the ends of the interval that contains the reduced cost.
-        const range& column = columns_[static_cast<std::size_t>(j)];
+        const range column = columns_[static_cast<std::size_t>(j)].within(radius);
         const double low = reduced_cost.value() - reduced_cost.error();
         const double high = reduced_cost.value() + reduced_cost.error();
         const double low_at = least_at(low, column.lower, column.upper);

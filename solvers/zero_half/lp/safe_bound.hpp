@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <optional>
 #include <vector>
 
@@ -21,6 +22,10 @@ public:
     /// proof. Costs one pass over the coefficients.
     std::optional<double> of(const ClpSimplex& lp) const;
 
+    /// As `of`, but a bound on the objective of the feasible points alone in which every column
+    /// without bounds is at most `radius` from 0.
+    std::optional<double> within(double radius, const ClpSimplex& lp) const;
+
     /// Whether all numbers are small enough for the usual tolerances to have a meaning.
     bool is_moderate() const { return is_moderate_; }
 
@@ -28,6 +33,9 @@ private:
     struct range {
         double lower;
         double upper;
+        range within(double radius) const {
+            return {std::isfinite(lower) ? lower : -radius, std::isfinite(upper) ? upper : radius};
+        }
     };
     void imply_bounds(const CoinPackedMatrix& rows, int i, double side, double sign);
 
