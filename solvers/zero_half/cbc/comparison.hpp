@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "input/model.hpp"
+
+namespace zero_half {
+
+/// Which zero-half cuts Cbc uses, and where.
+struct variant {
+    enum class cuts { none, cgl, own };
+    cuts generator;
+    bool at_every_kth_node;
+    const char* name;
+};
+
+/// The five that are compared.
+const std::vector<variant>& variants();
+
+struct comparison_options {
+    /// Processor time for each run.
+    double seconds = 60.0;
+    /// In the tree, zero-half cuts are separated at every k-th node.
+    int every = 10;
+    std::int32_t seed = 1;
+    /// Zero-half cuts are the only ones, without preprocessing and heuristics.
+    bool is_plain = false;
+};
+
+/// What Cbc did with one model in one variant.
+struct search_result {
+    enum class state { optimal, infeasible, unfinished };
+    state end = state::unfinished;
+    /// As the file counts it; nothing when no integer point was found.
+    std::optional<double> value = {};
+    /// The bound of the relaxation with all cuts of the root, at most the optimum.
+    std::optional<double> root_bound = {};
+    int nodes = 0;
+    double cpu_seconds = 0.0;
+    /// Zero-half cuts generated.
+    int cuts = 0;
+    double separation_seconds = 0.0;
+};
+
+/// Solves the model by Cbc.
+search_result solve_by_cbc(const model& program, const variant& chosen,
+                           const comparison_options& options);
+
+} // namespace zero_half
