@@ -76,11 +76,14 @@ inline pool make_pool(const shape& like, relation between) {
     return std::make_shared<problem_pool>(like, between);
 }
 
-/// The first `count` pairs of a kind and a capacity, shared by all comparisons of a program.
+/// The first `count` pairs of a contender for a capacity, shared by all comparisons of a program.
+///
+/// No two contenders share pairs: the second of them would find its arrays in the cache.
 template <class Pair>
-std::vector<Pair*> pairs_of(std::int32_t capacity, std::int64_t count) {
-    static std::map<std::int32_t, std::vector<std::unique_ptr<Pair>>> all;
-    auto& made = all[capacity];
+std::vector<Pair*> pairs_of(const std::string& contender, std::int32_t capacity,
+                            std::int64_t count) {
+    static std::map<std::pair<std::string, std::int32_t>, std::vector<std::unique_ptr<Pair>>> all;
+    auto& made = all[{contender, capacity}];
     std::vector<Pair*> pairs;
     for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
         if (i == made.size()) {
@@ -99,7 +102,7 @@ template <class Pair, class Job>
 contender on(std::string name, const shape& like, const pool& problems, Job job) {
     const auto pairs = std::make_shared<std::vector<Pair*>>();
     const auto prepare = [=](std::int64_t repetitions) {
-        *pairs = pairs_of<Pair>(like.capacity, repetitions);
+        *pairs = pairs_of<Pair>(name, like.capacity, repetitions);
         if (!like.beyond_cache()) {
             pairs->front()->load(problems->next());
             job(*pairs->front());
