@@ -172,13 +172,18 @@ TEST(CombineSizes, AgreeWithTheReferenceAroundEachChange) {
         std::int32_t x_nz;
         std::int32_t y_nz;
     };
+    constexpr auto sparse = static_cast<std::int32_t>(vector_mod::detail::prefetch_sparse_from);
     constexpr auto cache = static_cast<std::int32_t>(vector_mod::detail::prefetch_from);
     constexpr vector_mod::detail::block_limits least;
     constexpr auto blocks = static_cast<std::int32_t>(least.capacity);
     constexpr auto y_nz = static_cast<std::int32_t>(least.y_nz);
     for (const auto& [capacity, x_count, y_count] :
-         std::initializer_list<sizes_of_pair>{{cache - 1, 500, 600},
-                                              {cache, 500, 600},
+         std::initializer_list<sizes_of_pair>{{sparse - 1, 500, 10},
+                                              {sparse, 500, 10},
+                                              {sparse, 500, sparse / 16},
+                                              {sparse, 500, sparse / 16 + 1},
+                                              {cache - 1, 500, cache / 8},
+                                              {cache, 500, cache / 8},
                                               {blocks - 1, 3000, y_nz},
                                               {blocks, 3000, y_nz},
                                               {blocks, 3000, y_nz - 1},

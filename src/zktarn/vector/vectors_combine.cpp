@@ -43,9 +43,9 @@ template <combine_function in_list_order>
     }
 }
 
-/// Whether x has marks, is another record than y, and has arrays that stay in the cache.
-[[gnu::always_inline]] inline bool is_in_cache(const vector& x, const vector& y) noexcept {
-    return x.elm.present() && &x != &y && x.elm.extent[0] < prefetch_from;
+/// Whether x has marks, is another record than y, and has arrays that are in the cache.
+[[gnu::always_inline]] inline bool suits_cache(const vector& x, const vector& y) noexcept {
+    return x.elm.present() && &x != &y && is_in_cache(x.elm.extent[0], y.nz);
 }
 
 // Functions of their own: the loops keep their pointers in registers, and short calls save few.
@@ -62,7 +62,7 @@ template <combine_function in_list_order>
 } // namespace
 
 void combine_portable(vector& x, const vector& y, double alpha, double beta, bool scales) noexcept {
-    if (!is_in_cache(x, y)) {
+    if (!suits_cache(x, y)) {
         combine_otherwise_portable(x, y, alpha, beta, scales);
         return;
     }
@@ -89,7 +89,7 @@ combine_in_list_order_fused(vector& x, const vector& y, double alpha, double bet
 
 [[gnu::target("avx2,fma")]] void combine_fused(vector& x, const vector& y, double alpha,
                                                double beta, bool scales) noexcept {
-    if (!is_in_cache(x, y)) {
+    if (!suits_cache(x, y)) {
         combine_otherwise_fused(x, y, alpha, beta, scales);
         return;
     }

@@ -86,14 +86,14 @@ template <class Reader>
     std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
     bool zeros = false;
+    const auto prefetch = [=](std::int64_t j) __attribute__((always_inline)) {
+        prefetch_write(elm, j);
+        prefetch_write(coef, j);
+        y_coef.prefetch(j);
+    };
+    prefetch_first(y.ind.data, y.nz, prefetch);
     append_if_new(
-        x, y.ind.data, y.nz,
-        [=](std::int64_t j) __attribute__((always_inline)) {
-            prefetch_write(elm, j);
-            prefetch_write(coef, j);
-            y_coef.prefetch(j);
-        },
-        [&](std::int64_t j) __attribute__((always_inline)) {
+        x, y.ind.data, y.nz, prefetch, [&](std::int64_t j) __attribute__((always_inline)) {
             const membership known(elm[j - 1]);
             const double sum = std::fma(beta, y_coef(j), known.coefficient(coef[j - 1]));
             coef[j - 1] = sum;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <type_traits>
 
@@ -26,9 +27,15 @@ template <class T>
     __builtin_prefetch(array + (j - 1), 1);
 }
 
-/// Arrays with fewer elements stay in the cache, where a prefetch costs an instruction and gains
-/// nothing.
+/// Sizes from which a walk prefetches. In smaller arrays, and in those below the second size of
+/// which a list touches most cache lines, a prefetch costs an instruction and gains nothing.
+inline constexpr std::int64_t prefetch_sparse_from = std::int64_t{1} << 12;
 inline constexpr std::int64_t prefetch_from = std::int64_t{1} << 14;
+
+/// Whether a walk over a list of `nz` entries finds the elements of its arrays in the cache.
+[[gnu::always_inline]] inline bool is_in_cache(std::int64_t capacity, std::int64_t nz) noexcept {
+    return capacity < prefetch_sparse_from || (capacity < prefetch_from && nz > capacity / 16);
+}
 
 /// Stands for the prefetch of a walk over arrays that stay in the cache.
 struct no_prefetch {};
@@ -50,6 +57,17 @@ template <class Prefetch, class Visit>
     }
     for (; list != end; ++list) {
         visit(std::int64_t{*list});
+    }
+}
+
+/// Calls `prefetch(j)` for the first entries of a list, which a walk visits too soon after it
+/// begins to prefetch.
+template <class Prefetch>
+[[gnu::always_inline]] inline void prefetch_first(const std::int32_t* list, std::int64_t count,
+                                                  Prefetch prefetch) noexcept {
+    const std::int32_t* const end = list + std::min(count, lookahead);
+    for (; list != end; ++list) {
+        prefetch(std::int64_t{*list});
     }
 }
 
