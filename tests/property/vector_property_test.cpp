@@ -165,6 +165,28 @@ INSTANTIATE_TEST_SUITE_P(, CombineWays, ::testing::Values(state::consistent, sta
                                                                          : "Inconsistent";
                          });
 
+// Sparse lists in arrays large enough for the procedure itself to prefetch.
+TEST_P(CombineWays, SparseListsOfTheLibraryAgreeWithTheReference) {
+    const std::int64_t seeds = scaled(3000);
+    constexpr auto large = static_cast<std::int32_t>(vector_mod::detail::prefetch_sparse_from);
+    for (std::int64_t seed = 0; seed < seeds; ++seed) {
+        generator draw(5'000'000 + seed);
+        mirrored_vector x(large, form_of(draw.below(3)));
+        mirrored_vector y(large, form_of(draw.below(3)));
+        fill(draw, x, draw.below(80), GetParam());
+        fill(draw, y, draw.below(80), GetParam());
+        const double alpha = draw.chance(2) ? 1.0 : draw.factor();
+        const double beta = draw.factor();
+        const double tol = draw.chance(2) ? 0.0 : draw.tolerance();
+        if (!has_room(x, y)) {
+            continue;
+        }
+        vector_mod::vectors_combine(x.record, y.record, alpha, beta, tol);
+        reference::vectors_combine(x.mirror, y.mirror, alpha, beta, tol);
+        ASSERT_TRUE(x.agrees() && y.agrees()) << "seed " << seed;
+    }
+}
+
 // The sizes at which the procedure itself changes its way, and one less.
 TEST(CombineSizes, AgreeWithTheReferenceAroundEachChange) {
     struct sizes_of_pair {
