@@ -8,7 +8,7 @@ from xml.sax.saxutils import escape
 
 WIDTH, LEFT, RIGHT, BAR, GAP, HEAD = 760, 130, 190, 15, 4, 24
 INK, PALE = "#1f2933", "#52606d"
-# The library, the bounds that no code of the same contract can beat, and peers.
+# The first contender, which is the library's; its limit and the ideal loops; peers.
 COLOURS = {"library": "#1f6fb2", "limit": "#9fb3c8", "ideal": "#bcccdc", "ideal_marks": "#d9e2ec"}
 PEER = "#e0912f"
 
@@ -36,10 +36,11 @@ def bars(title, subtitle, groups):
         y += HEAD
         longest = max(time for _, time, _ in contenders)
         for name, time, ratio in contenders:
+            colour = COLOURS["library"] if ratio is None else COLOURS.get(name, PEER)
             length = max(1.0, (WIDTH - LEFT - RIGHT) * time / longest)
             body.append(text(LEFT - 8, y + 12, name.replace("_", " "), "end"))
             body.append(f'<rect x="{LEFT}" y="{y}" width="{length:.1f}" height="{BAR}" rx="2" '
-                        f'fill="{COLOURS.get(name, PEER)}"/>')
+                        f'fill="{colour}"/>')
             shown = duration(time) + ("" if ratio is None else f", ratio {ratio:.2f}")
             body.append(text(f"{LEFT + length + 6:.1f}", y + 12, shown, size=11, colour=PALE))
             y += BAR + GAP
