@@ -4,6 +4,7 @@
 A comment before a block says what the block is:
 
     <!-- program NAME -->   source of a whole program, in C++ or Python
+    <!-- source NAME -->    source that is compiled, but is not a whole program
     <!-- output NAME -->    what the program of that name prints, to the letter
 """
 
@@ -14,9 +15,9 @@ import re
 import subprocess
 import sys
 
-MARKED = re.compile(r"^<!-- (program|output) (\w+) -->\n+```\w+\n(.*?)^```$",
+MARKED = re.compile(r"^<!-- (program|source|output) (\w+) -->\n+```\w+\n(.*?)^```$",
                     re.MULTILINE | re.DOTALL)
-MARK = re.compile(r"^<!-- (?:program|output) .*$", re.MULTILINE)
+MARK = re.compile(r"^<!-- (?:program|source|output) .*$", re.MULTILINE)
 CODE = re.compile(r"^```(?:cpp|py)$", re.MULTILINE)
 
 
@@ -39,8 +40,10 @@ def block(page, kind, name):
 
 
 def extract(page, name, target):
-    """Writes the program that the page shows into a file."""
-    pathlib.Path(target).write_text(block(page, "program", name), encoding="utf-8")
+    """Writes the program, or the source, that the page shows into a file."""
+    kinds = [k for k, n, _ in MARKED.findall(read(page)) if n == name and k != "output"]
+    kind = kinds[0] if kinds else "program"
+    pathlib.Path(target).write_text(block(page, kind, name), encoding="utf-8")
 
 
 def source(page, name, path):
@@ -67,7 +70,8 @@ def marks(page):
     programs = [name for kind, name, _ in MARKED.findall(text) if kind == "program"]
     if len(MARK.findall(text)) != len(MARKED.findall(text)):
         fail(f"{page} has a mark without a block")
-    if len(CODE.findall(text)) != len(programs):
+    sources = [name for kind, name, _ in MARKED.findall(text) if kind == "source"]
+    if len(CODE.findall(text)) != len(programs) + len(sources):
         fail(f"{page} has a block of C++ or Python that is not marked as a program")
     for name in programs:
         block(page, "output", name)

@@ -82,6 +82,12 @@ class CheckReadme(unittest.TestCase):
         self.accepted("extract", "greet", self.folder / "code.cpp")
         self.assertEqual((self.folder / "code.cpp").read_text(encoding="utf-8"), CODE)
 
+    def test_source_is_extracted_and_needs_no_output(self):
+        self.drift("<!-- program greet -->", "<!-- source part -->")
+        self.accepted("extract", "part", self.folder / "code.cpp")
+        self.assertEqual((self.folder / "code.cpp").read_text(encoding="utf-8"), CODE)
+        self.accepted("marks")
+
     def test_code_that_is_the_source(self):
         self.accepted("source", "greet", self.write("code.cpp", CODE))
 
