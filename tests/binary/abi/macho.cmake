@@ -120,3 +120,46 @@ breaks(replaceable bindings "replaceable.* can be replaced by any library of the
 # What is no such library at all ends in a sentence too.
 abi_refuses(other_file_is_refused "^check_macho: .* is no 64-bit Mach-O file"
   ${check} table "${CMAKE_CURRENT_SOURCE_DIR}/README.md" ${ZKTARN_SOVERSION})
+
+# The interface of both libraries against that of the last release.
+find_program(DWARFDUMP NAMES llvm-dwarfdump-${ZKTARN_LLVM_VERSION} llvm-dwarfdump dwarfdump)
+if(NOT DWARFDUMP)
+  abi_test(interface_unbroken_since_release ${CMAKE_COMMAND} -E echo
+    "skipped: comparing with the last release needs llvm-dwarfdump")
+  set_tests_properties(abi.interface_unbroken_since_release PROPERTIES
+    SKIP_REGULAR_EXPRESSION "^skipped")
+  return()
+endif()
+
+set(interface ${Python3_EXECUTABLE} "${CMAKE_CURRENT_SOURCE_DIR}/macho_interface.py")
+set(items ${library} $<TARGET_OBJECTS:zktarn_util_objects>)
+if(TARGET zktarn_util_c)
+  list(APPEND items $<TARGET_FILE:zktarn_util_c> $<TARGET_OBJECTS:zktarn_util_c_objects>)
+endif()
+last_release(last libzktarn_util.${ZKTARN_SOVERSION}.dylib interface)
+abi_test(interface_unbroken_since_release ${interface} compare ${DWARFDUMP} "${last}" ${items})
+add_custom_target(abi_baseline
+  COMMAND ${interface} describe ${DWARFDUMP}
+    "${CMAKE_CURRENT_SOURCE_DIR}/released/libzktarn_util.${ZKTARN_SOVERSION}.dylib-${PROJECT_VERSION}.interface"
+    ${items}
+  COMMAND_EXPAND_LISTS VERBATIM)
+add_dependencies(abi_baseline zktarn_util zktarn_util_c)
+
+# Seen to fail: the descriptions of other interfaces, each with one line changed.
+foreach(case IN ITEMS
+    "export=s/^export _zktarn_sort/export _zktarn_sort_quickly/=export _zktarn_sort_quickly"
+    "argument=s/zktarn_epsilon_floor.double, double/zktarn_epsilon_floor(double, float/=function double zktarn_epsilon_floor"
+    "component=s/ 8 int64_t iterations/ 8 float iterations/=record zktarn::callbacks_type_util::cbstatusdata"
+    "size=s/^record zktarn_vector 80/record zktarn_vector 88/=record zktarn_vector 88"
+    "type=s/^type zktarn_flag = int64_t/type zktarn_flag = int32_t/=type zktarn_flag")
+  string(REPLACE "=" ";" parts "${case}")
+  list(GET parts 0 name)
+  list(GET parts -1 said)
+  string(REGEX REPLACE "^[a-z]+=(.*/)=[^=]*$" "\\1" edit "${case}")
+  set(changed "${CMAKE_CURRENT_BINARY_DIR}/changed_${name}.interface")
+  if(EXISTS "${last}")
+    execute_process(COMMAND sed "${edit}" "${last}" OUTPUT_FILE "${changed}")
+    abi_refuses(changed_${name}_is_refused "the binary interface is broken: ${said}"
+      ${interface} compare ${DWARFDUMP} "${changed}" ${items})
+  endif()
+endforeach()

@@ -1,8 +1,0 @@
-struct record {
-    double* coefficients;
-    int count;
-};
-
-int broken(const record& r) {
-    return r.count;
-}
