@@ -141,7 +141,8 @@ is_even_int: _FlagOfOne
 # What the modules in Python call, with arguments that they have checked.
 
 def rational_parts(
-    x: NDArray[np.float64], eps: NDArray[np.float64], max_den: NDArray[np.float64]
+    x: NDArray[np.float64], eps: NDArray[np.float64], max_den: NDArray[np.float64], *,
+    out: Tuple[Optional[NDArray[np.generic]], ...]
 ) -> Tuple[NDArray[np.float64], NDArray[np.float64], NDArray[np.bool_]]: ...
 def gcd_real(
     a: NDArray[np.float64], b: NDArray[np.float64], eps: NDArray[np.float64], *,

@@ -58,16 +58,20 @@ def _int32(value: object, name: str) -> int:
 @overload
 def rational(x: float, eps: float, max_den: float) -> Optional[Fraction]: ...
 @overload
-def rational(x: ArrayLike, eps: ArrayLike, max_den: ArrayLike) -> Union[
-    None, Fraction, Rationals]: ...
+def rational(
+    x: ArrayLike, eps: ArrayLike, max_den: ArrayLike, *, out: Optional[Rationals] = None
+) -> Union[None, Fraction, Rationals]: ...
 
 
-def rational(x: ArrayLike, eps: ArrayLike, max_den: ArrayLike) -> Union[None, Fraction, Rationals]:
+def rational(
+    x: ArrayLike, eps: ArrayLike, max_den: ArrayLike, *, out: Optional[Rationals] = None
+) -> Union[None, Fraction, Rationals]:
     """Finds fractions within eps of x whose denominators are at most a bound.
 
     x          real, or array of reals.
     eps        real or array: the tolerance, inclusive.
     max_den    real or array: the bound is max(abs(max_den), 1), and 1 if it is NaN.
+    out        Rationals, or three arrays: receives the result, which is then arrays in any case.
 
     Three numbers give a `fractions.Fraction`, or None if no fraction was found. Any array gives
     `Rationals(num, den, found)`: three arrays of the common shape of the arguments, float64, float64
@@ -88,8 +92,8 @@ def rational(x: ArrayLike, eps: ArrayLike, max_den: ArrayLike) -> Union[None, Fr
     C++: util::get_rational_rep.
     """
     arrays = _reals(x, "x"), _reals(eps, "eps"), _reals(max_den, "max_den")
-    num, den, found = _core.rational_parts(*arrays)
-    if all(array.ndim == 0 for array in arrays):
+    num, den, found = _core.rational_parts(*arrays, out=tuple(out or (None, None, None)))
+    if out is None and all(array.ndim == 0 for array in arrays):
         return Fraction(int(num), int(den)) if found and np.isfinite(num) else None
     return Rationals(num, den, found)
 

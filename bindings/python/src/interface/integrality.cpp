@@ -1,8 +1,8 @@
 // The integrality procedures as universal functions.
 
-#include <cmath>
 #include <limits>
 
+#include "ordinary_numbers.hpp"
 #include "subjects.hpp"
 #include "ufuncs.hpp"
 #include "zktarn/util/integrality.hpp"
@@ -67,12 +67,6 @@ void is_even_int(const Integer& n, npy_bool& result) noexcept {
     result = util::is_even_int(static_cast<std::int32_t>(n & 0xFF)) != 0;
 }
 
-template <auto f>
-using of_one = elementwise<f, void(double), void(double)>;
-template <auto f, class Result>
-using of_two = elementwise<f, void(double, double), void(Result)>;
-template <auto f, class Result>
-using of_three = elementwise<f, void(double, double, double), void(Result)>;
 template <class Integer>
 using parity = elementwise<is_even_int<Integer>, void(Integer), void(npy_bool)>;
 
@@ -80,15 +74,22 @@ char reals[] = {NPY_DOUBLE, NPY_DOUBLE, NPY_DOUBLE, NPY_DOUBLE};
 char two_to_flag[] = {NPY_DOUBLE, NPY_DOUBLE, NPY_BOOL};
 char three_to_flag[] = {NPY_DOUBLE, NPY_DOUBLE, NPY_DOUBLE, NPY_BOOL};
 
-PyUFuncGenericFunction fractional_loop[] = {of_one<fractional>::loop};
-PyUFuncGenericFunction is_int_loop[] = {of_two<is_int, npy_bool>::loop};
-PyUFuncGenericFunction nearest_loop[] = {of_two<nearest, double>::loop};
-PyUFuncGenericFunction is_int_scalar_loop[] = {of_three<is_int_scalar, npy_bool>::loop};
-PyUFuncGenericFunction nearest_scalar_loop[] = {of_three<nearest_scalar, double>::loop};
-PyUFuncGenericFunction fractionality_loop[] = {of_two<fractionality, double>::loop};
-PyUFuncGenericFunction floor_loop[] = {of_two<floor, double>::loop};
-PyUFuncGenericFunction ceil_loop[] = {of_two<ceil, double>::loop};
-PyUFuncGenericFunction is_even_loop[] = {of_two<is_even, npy_bool>::loop};
+PyUFuncGenericFunction fractional_loop[] = {
+    ordinary::loop<fractional, ordinary::distance_formula, double, 0>};
+PyUFuncGenericFunction is_int_loop[] = {
+    ordinary::loop<is_int, ordinary::is_int_formula<1>, npy_bool, 1>};
+PyUFuncGenericFunction nearest_loop[] = {
+    ordinary::loop<nearest, ordinary::nearest_formula<1>, double, 1>};
+PyUFuncGenericFunction is_int_scalar_loop[] = {
+    ordinary::loop<is_int_scalar, ordinary::is_int_formula<0>, npy_bool, 2>};
+PyUFuncGenericFunction nearest_scalar_loop[] = {
+    ordinary::loop<nearest_scalar, ordinary::nearest_formula<0>, double, 2>};
+PyUFuncGenericFunction fractionality_loop[] = {
+    ordinary::loop<fractionality, ordinary::fractionality_formula, double, 1>};
+PyUFuncGenericFunction floor_loop[] = {ordinary::loop<floor, ordinary::floor_formula, double, 1>};
+PyUFuncGenericFunction ceil_loop[] = {ordinary::loop<ceil, ordinary::ceil_formula, double, 1>};
+PyUFuncGenericFunction is_even_loop[] = {
+    ordinary::loop<is_even, ordinary::is_even_formula, npy_bool, 1>};
 
 PyUFuncGenericFunction is_even_int_loops[] = {
     parity<npy_byte>::loop, parity<npy_ubyte>::loop, parity<npy_short>::loop,

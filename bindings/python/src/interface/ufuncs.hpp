@@ -2,10 +2,11 @@
 
 #include <Python.h>
 
+#include <algorithm>
 #include <array>
 #include <cfenv>
 #include <cstddef>
-#include <cstdint>
+#include <iterator>
 #include <utility>
 
 #include "numpy_api.hpp"
@@ -29,25 +30,49 @@ template <auto f, class... Inputs, class... Outputs>
 struct elementwise<f, void(Inputs...), void(Outputs...)> {
     static void loop(char** operands, const npy_intp* count, const npy_intp* steps,
                      void*) noexcept {
-        run(operands, *count, steps, std::index_sequence_for<Inputs...>(),
-            std::index_sequence_for<Outputs...>());
+        constexpr npy_intp contiguous[] = {sizeof(Inputs)..., sizeof(Outputs)...};
+        constexpr auto in = std::index_sequence_for<Inputs...>();
+        constexpr auto out = std::index_sequence_for<Outputs...>();
+        // Constant steps let the compiler use vector instructions.
+        if (std::equal(std::begin(contiguous), std::end(contiguous), steps)) {
+            run(operands, *count, contiguous, in, out);
+        } else {
+            run(operands, *count, steps, in, out);
+        }
         // NumPy would report comparisons of NaN and overflows as warnings; the procedures report
         // them as results.
         std::feclearexcept(FE_ALL_EXCEPT);
     }
 
 private:
+    /// Addresses and steps are copied: results may be characters, and for all that the compiler
+    /// knows, storing one could change what it reads through a pointer.
     template <std::size_t... in, std::size_t... out>
     [[gnu::always_inline]] static void run(char** operands, npy_intp count, const npy_intp* steps,
                                            std::index_sequence<in...>,
                                            std::index_sequence<out...>) noexcept {
         constexpr std::size_t nin = sizeof...(in);
+        const std::array<char*, nin + sizeof...(out)> at{operands[in]..., operands[nin + out]...};
+        const std::array<npy_intp, nin + sizeof...(out)> step{steps[in]..., steps[nin + out]...};
         for (npy_intp i = 0; i < count; ++i) {
-            f(element<const Inputs>(operands[in], steps[in], i)...,
-              element<Outputs>(operands[nin + out], steps[nin + out], i)...);
+            f(element<const Inputs>(at[in], step[in], i)...,
+              element<Outputs>(at[nin + out], step[nin + out], i)...);
         }
     }
 };
+
+/// The loop over procedure(x, scalars..., result) on reals.
+template <auto procedure, class Result, std::size_t scalars>
+struct elementwise_reals;
+template <auto procedure, class Result>
+struct elementwise_reals<procedure, Result, 0>
+    : elementwise<procedure, void(double), void(Result)> {};
+template <auto procedure, class Result>
+struct elementwise_reals<procedure, Result, 1>
+    : elementwise<procedure, void(double, double), void(Result)> {};
+template <auto procedure, class Result>
+struct elementwise_reals<procedure, Result, 2>
+    : elementwise<procedure, void(double, double, double), void(Result)> {};
 
 /// A universal function with `types` kinds of operands; `loops` and `type_codes` must stay in
 /// memory. Adds it to the module.
