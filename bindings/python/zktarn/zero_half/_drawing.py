@@ -4,11 +4,11 @@ from __future__ import annotations
 
 from typing import TYPE_CHECKING, Literal
 
-import matplotlib.pyplot
-from matplotlib.ticker import MaxNLocator
+import matplotlib.pyplot  # type: ignore[import]
+from matplotlib.ticker import MaxNLocator  # type: ignore[import]
 
 if TYPE_CHECKING:
-    from matplotlib.axes import Axes
+    from matplotlib.axes import Axes  # type: ignore[import]
 
     from zktarn.zero_half._result import Result
 

@@ -7,6 +7,8 @@ import pathlib
 import numpy as np
 import scipy.sparse
 
+import zktarn
+
 ROOT = pathlib.Path(__file__).resolve().parents[4]
 MODELS = ROOT / "solvers" / "zero_half" / "models"
 
@@ -18,14 +20,19 @@ def model_files():
     return sorted(files, key=lambda file: file.stat().st_size)
 
 
+def built(program, variable):
+    """A program of the project: what the variable names, that of the package's build tree, or the
+    newest of the others; None without one."""
+    if os.environ.get(variable):
+        return os.environ[variable]
+    beside = pathlib.Path(zktarn.__file__).parents[2] / program
+    others = sorted(ROOT.glob(f"build/*/{program}"), key=lambda file: file.stat().st_mtime)
+    found = [beside] if beside.exists() else others
+    return str(found[-1]) if found else None
+
+
 def program():
-    """The program zero_half: ZKTARN_ZERO_HALF, or that of a build tree; None without one."""
-    named = os.environ.get("ZKTARN_ZERO_HALF")
-    if named:
-        return named
-    built = sorted(ROOT.glob("build/*/solvers/zero_half/zero_half"),
-                   key=lambda file: file.stat().st_mtime)
-    return str(built[-1]) if built else None
+    return built("solvers/zero_half/zero_half", "ZKTARN_ZERO_HALF")
 
 
 def stable_set(edges, nodes):
