@@ -42,6 +42,11 @@ else()
   endif()
 endif()
 
+if(APPLE AND CMAKE_CROSSCOMPILING)
+  include("${PROJECT_SOURCE_DIR}/cmake/macos/python.cmake")
+  return()
+endif()
+
 # The tests, in another folder, use these packages too.
 set(CMAKE_FIND_PACKAGE_TARGETS_GLOBAL ON)
 find_package(Python 3.11 REQUIRED COMPONENTS Interpreter Development.Module NumPy)

@@ -18,8 +18,9 @@ tsan       | all   | library llvm tests            | no data race between solver
 valgrind   | all   | library solver tests valgrind | no invalid or uninitialised access, no leak
 coverage   | all   | library llvm tests            | every line, branch and condition of the library tested
 fuzz       | all   | library llvm tests            | no difference from rules and models in a minute of fuzzing
-macos      | all   | library llvm                  | 64-bit Arm macOS: library builds, binary interface
+macos      | all   | library llvm python           | 64-bit Arm macOS: library builds, binary interface
 arm64      | all   | library arm64 tests           | 64-bit Arm: no warning, tests under an emulator
+python     | all   | library solver tests python   | Python: NumPy host, interface, types, pip, no address error
 identity   | all   | library clang arm64 tests     | the same bits from every compiler and processor
 tools      | all   | library tests                 | the tools pass their own tests
 mutation   | all   | library solver tests          | tests detect a sample of faults put into the library
@@ -214,6 +215,58 @@ gate_macos() {
 gate_arm64() {
     local -x ZKTARN_TEST_SCALE=0.1
     build_and_test arm64-linux
+}
+
+# python_tests PRESET [PYTEST_ARGUMENT...]: the tests of the package that the preset built.
+python_tests() {
+    local -x ZKTARN_PYTHON_DIR=$build_dir/$1/python
+    "$python" -m pytest -p no:cacheprovider --quiet --durations=3 "${@:2}"
+}
+
+gate_python() {
+    local python pip
+    configure python
+    make_targets python zktarn_python_tests
+    python=$(sed -n 's/^Python_EXECUTABLE:[A-Z]*=//p' "$build_dir/python/CMakeCache.txt")
+    python_tests python tests/bindings/python/install >"$log_dir/python_pip.log" 2>&1 &
+    pip=$!
+    python_tests python tests/bindings/python --ignore=tests/bindings/python/install
+    MYPYPATH=$build_dir/python/python "$python" -m mypy --strict --cache-dir "$build_dir/python/mypy" \
+        --package zktarn
+    "$python" -m zktarn
+    other_python_tests
+    sanitized_python_tests
+    wait "$pip" || { tail -n 40 "$log_dir/python_pip.log" && return 1; }
+    tail -n 1 "$log_dir/python_pip.log"
+}
+
+# The first Python of PATH may be another one than the package is built for. If it can load the same
+# NumPy, the tests run in it, too.
+other_python_tests() {
+    local other packages
+    other=$(command -v python3)
+    packages=$("$python" -c 'import numpy, pathlib; print(pathlib.Path(numpy.__file__).parents[1])')
+    if [ "$other" -ef "$python" ] || ! PYTHONPATH=$packages "$other" -c 'import numpy, pytest' 2>/dev/null; then
+        echo "there is no other Python that can load NumPy"
+        return
+    fi
+    "$other" --version
+    PYTHONPATH=$packages python=$other python_tests python tests/bindings/python \
+        --ignore=tests/bindings/python/install
+}
+
+# The interpreter itself has no sanitizer, so it preloads the runtime, and takes memory from malloc.
+sanitized_python_tests() {
+    configure python-asan
+    make_targets python-asan zktarn_python_tests
+    local compiler runtime library
+    compiler=$(sed -n 's/^CMAKE_CXX_COMPILER:[A-Z]*=//p' "$build_dir/python-asan/CMakeCache.txt")
+    for library in libasan.so libubsan.so libstdc++.so.6; do
+        runtime+=$("$compiler" -print-file-name=$library):
+    done
+    ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1 PYTHONMALLOC=malloc LD_PRELOAD=$runtime \
+        python_tests python-asan tests/bindings/python --ignore=tests/bindings/python/install \
+        -m "not without_sanitizer"
 }
 
 gate_identity() { tools/identity/compare.sh "$build_dir" "$jobs"; }

@@ -121,6 +121,10 @@ breaks(replaceable bindings "replaceable.* can be replaced by any library of the
 abi_refuses(other_file_is_refused "^check_macho: .* is no 64-bit Mach-O file"
   ${check} table "${CMAKE_CURRENT_SOURCE_DIR}/README.md" ${ZKTARN_SOVERSION})
 
+if(TARGET zktarn_python_host)
+  include("${PROJECT_SOURCE_DIR}/tests/bindings/python/macos/python_host.cmake")
+endif()
+
 # The interface of both libraries against that of the last release.
 find_program(DWARFDUMP NAMES llvm-dwarfdump-${ZKTARN_LLVM_VERSION} llvm-dwarfdump dwarfdump)
 if(NOT DWARFDUMP)

@@ -15,3 +15,10 @@ sys.path.insert(0, PACKAGE_DIR)
 # Programs that a test starts take the same package.
 os.environ["PYTHONPATH"] = os.pathsep.join(
     [PACKAGE_DIR] + [path for path in [os.environ.get("PYTHONPATH")] if path])
+
+
+def pytest_configure(config):
+    """Declares the markers of these tests."""
+    config.addinivalue_line(
+        "markers", "without_sanitizer: limits memory, replaces a preloaded library, or counts what "
+        "calls leave, and so does not fit into a process with a sanitizer")

@@ -214,6 +214,7 @@ def test_arrays_that_python_keeps_outlive_their_struct():
     assert kept.sum() == 500.0
 
 
+@pytest.mark.without_sanitizer
 def test_calls_leave_nothing(structure):
     def once():
         made = host.make_struct(["phase"])

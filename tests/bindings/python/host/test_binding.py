@@ -48,6 +48,7 @@ def other_host(tmp_path_factory):
     return folder
 
 
+@pytest.mark.without_sanitizer
 def test_the_host_exports_the_operations_and_its_hooks():
     exported = symbols(host.HOST, "--defined-only")
     assert len(OPERATIONS) == 25
@@ -64,6 +65,7 @@ def test_the_library_needs_no_operation_that_the_host_lacks():
 
 
 @pytest.mark.parametrize("name", ["qv", "qvx", "ut", "zkoptimutil"])
+@pytest.mark.without_sanitizer
 def test_each_library_of_the_hosts_names_leads_to_the_host(name):
     library = host.LIB / f"lib{name}.so"
     assert dynamic(library, "SONAME") == [f"lib{name}.so"]
@@ -71,6 +73,7 @@ def test_each_library_of_the_hosts_names_leads_to_the_host(name):
     assert dynamic(library, "RUNPATH") == ["$ORIGIN"]
 
 
+@pytest.mark.without_sanitizer
 def test_every_extension_names_the_hosts_libraries_and_searches_its_own_folder_first():
     modules = list(host.LIB.parent.glob("*.so"))
     assert modules
@@ -83,6 +86,7 @@ def test_every_extension_names_the_hosts_libraries_and_searches_its_own_folder_f
         assert symbols(module, "--defined-only") == {f"PyInit_{module.name.split('.')[0]}"}
 
 
+@pytest.mark.without_sanitizer
 def test_a_loader_path_with_another_host_changes_nothing(other_host):
     ended = run("import host; print(host.held.qvMallocExOptim(8) is not None)",
                 LD_LIBRARY_PATH=str(other_host),
@@ -90,6 +94,7 @@ def test_a_loader_path_with_another_host_changes_nothing(other_host):
     assert (ended.returncode, ended.stdout, ended.stderr) == (0, "True\n", "")
 
 
+@pytest.mark.without_sanitizer
 def test_another_host_that_is_in_the_process_first_is_an_import_error(other_host):
     preloaded = run("import zktarn", LD_PRELOAD=str(other_host / "libzkoptimutil.so"))
     loaded = run(f"import ctypes; ctypes.CDLL({str(other_host / 'libzkoptimutil.so')!r}, "

@@ -191,6 +191,7 @@ def test_a_real_ctrl_c_reaches_a_solver_that_polls(lock, record_property):
     print(f"Ctrl-C, lock {lock}: stopped after {seconds:.4f} s")
 
 
+@pytest.mark.without_sanitizer
 def test_calls_leave_nothing():
     def once():
         host.held.assertOptim(False)

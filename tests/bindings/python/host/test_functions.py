@@ -197,6 +197,7 @@ def test_several_results_come_as_a_tuple(returned):
     host.set_function(None, "two")
 
 
+@pytest.mark.without_sanitizer
 def test_calls_leave_nothing(structure):
     array = numpy.zeros(3)
     host.set_function(lambda fields: array)
@@ -205,6 +206,7 @@ def test_calls_leave_nothing(structure):
         lambda: call_once(structure), array, host.object_of(structure)["x"]) == [0, 0]
 
 
+@pytest.mark.without_sanitizer
 def test_exceptions_leave_nothing(structure):
     def fail(fields):
         raise ValueError("another one each time")
@@ -219,6 +221,7 @@ def test_exceptions_leave_nothing(structure):
     assert growth.references_left_by(once, ValueError, fail, calls=1000) == [0, 0]
 
 
+@pytest.mark.without_sanitizer
 def test_refused_answers_leave_nothing(structure):
     answer = ["no number"]
 

@@ -200,6 +200,7 @@ def test_threads_have_generators_of_their_own():
                        for seed in range(8)}
 
 
+@pytest.mark.without_sanitizer
 def test_calls_leave_nothing():
     mine = numpy.random.PCG64(7)
 

@@ -51,6 +51,7 @@ def test_a_block_without_views_is_returned_to_numpy(library):
     assert gone() is None
 
 
+@pytest.mark.without_sanitizer
 def test_tracemalloc_counts_blocks(library):
     size = 10_000_000
     tracemalloc.start()
@@ -72,6 +73,7 @@ def test_a_refused_request_is_null_and_nothing_else(library, nbytes):
     host.raise_stored()
 
 
+@pytest.mark.without_sanitizer
 def test_requests_are_refused_under_a_memory_limit_and_served_afterwards():
     program = """
 import resource, host
@@ -134,6 +136,7 @@ def test_threads_obtain_and_release_each_others_blocks(library):
             assert len(set(addresses)) == 4000
 
 
+@pytest.mark.without_sanitizer
 def test_calls_leave_nothing():
     def once():
         host.held.qvFreeExOptim(host.held.qvMallocExOptim(100))
@@ -142,5 +145,6 @@ def test_calls_leave_nothing():
     assert growth.bytes_left_by(once) < 1
 
 
+@pytest.mark.without_sanitizer
 def test_refusals_leave_nothing():
     assert growth.bytes_left_by(lambda: host.held.qvMallocExOptim(1 << 60)) < 1

@@ -5,6 +5,8 @@ import json
 import subprocess
 import sys
 
+import pytest
+
 import host
 
 # In a process of its own, because its allocators stay wrapped.
@@ -81,5 +83,6 @@ def test_a_refused_request_is_a_failure_value_and_nothing_else():
             if left > 50 and name not in CALL_OTHERS} == {}
 
 
+@pytest.mark.without_sanitizer
 def test_a_hundred_thousand_calls_leave_nothing():
     assert {name: left for name, left in report_of(REPEAT).items() if left > 1000} == {}
