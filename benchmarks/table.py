@@ -81,10 +81,11 @@ BARS = (
     ("bars_numbers", "Integrality, fractions, divisors", r"(scalar|rational|xgcd_r8|xgcd_i4)/.*"),
     ("bars_sort", "Sorting through an exchange procedure", r"sort_(inline|exported)/.*"),
     ("bars_host", "Memory of the host", r"(allocmem_freemem_r8_1d|vector_alloc_free|standin_malloc_free)/.*"),
+    ("bars_separate", "Separating zero-half cuts at the optima of a run", r"separate/.*"),
     ("bars_languages", "A call in C and Fortran", r"(c|c_inlined|fortran)/.*"),
 )
 # Pictures of comparisons without a target; the others show those of the table.
-FREE = ("bars_entries", "bars_sort", "bars_host", "bars_languages")
+FREE = ("bars_entries", "bars_sort", "bars_host", "bars_languages", "bars_separate")
 CAPACITIES = [10**k for k in range(1, 8)]
 
 
@@ -193,7 +194,7 @@ def draw(found, folder, operation, fill, order):
     if not curves:
         return None
     name = f"{operation}_{fill.rstrip('%')}.svg"
-    script = [f'set terminal svg size 720,440 font "sans,13"', f'set output "{folder / name}"',
+    script = [f'set terminal svg size 720,440 font "sans,13" background "#ffffff"', f'set output "{folder / name}"',
               "set logscale xy", 'set xlabel "capacity n"', 'set ylabel "ns an entry"',
               'set format x "10^{%L}"', "set key left top", "set grid",
               f'set title "{operation.replace("_", " ")}, {fill} filled, {order}, 4 KiB pages"']
@@ -230,7 +231,7 @@ def main():
     drawn = draw_bars(small, pictures, date, machine)
     names = [name for picture in PICTURES if (name := draw(small, pictures, *picture))]
     met = sum(line[4] == "met" for line in lines)
-    text = ["# Benchmarks", "",
+    text = ["# Results of the benchmarks", "",
             "Time of the library divided by that of another contender doing the same job in the same",
             "process: medians of the ratios of single rounds, each on input of its own. `scripts/bench`",
             "measures this and writes this page; `benchmarks/README.md` describes the contenders.", "",
@@ -244,8 +245,9 @@ def main():
     text += ["| " + " | ".join(map(str, line)) + " |" for line in lines]
     if more := others(small):
         text += ["", "## Without a target", "",
-                 "What the library adds to a call of the host, of C or of Fortran, and the loops that a caller",
-                 "writes himself.", "",
+                 "What the library adds to a call of the host, of C or of Fortran, loops over entries, sorting, and",
+                 "the solver's separator beside CglZeroHalf, which searches less: `solver_bench` prints how many",
+                 "cuts each finds.", "",
                  "| comparison | first | time | other | its time | ratio | rounds |", "|---|---|---:|---|---:|---:|---:|"]
         text += ["| " + " | ".join(line) + " |" for line in more]
     text += ["", "## Pictures", "",
