@@ -151,10 +151,10 @@ def linked_text(site, path, text):
                 if k % 2 == 0:
                     pieces[k] = re.sub(r"([@\\])(?=\w)", r"\\\1", piece)
                 else:
-                    # Doxygen ends a cell of a table at every bar.
-                    pieces[k] = re.sub(r"`([^`]+)`", code, piece).replace(r"\|", "&#124;")
-                    if "&#124;" in pieces[k]:
-                        pieces[k] = f"<code>{pieces[k].strip('`')}</code>"
+                    pieces[k] = re.sub(r"`([^`]+)`", code, piece)
+                    # In code style Doxygen would show the backslash of a bar in a table.
+                    if r"\|" in pieces[k]:
+                        pieces[k] = f"<code>{pieces[k].strip('`')}</code>".replace("--", r"\--")
             parts[i] = "".join(pieces)
     return "".join(parts)
 
