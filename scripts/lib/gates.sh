@@ -231,9 +231,9 @@ gate_python() {
     python_tests python tests/bindings/python/install >"$log_dir/python_pip.log" 2>&1 &
     pip=$!
     python_tests python tests/bindings/python --ignore=tests/bindings/python/install
-    MYPYPATH=$build_dir/python/python "$python" -m mypy --strict --cache-dir "$build_dir/python/mypy" \
-        --package zktarn
-    "$python" -m zktarn
+    MYPYPATH=$build_dir/python/python "$python" -m mypy --strict --config-file bindings/python/pyproject.toml \
+        --cache-dir "$build_dir/python/mypy" --package zktarn
+    PYTHONPATH=$build_dir/python/python "$python" -m zktarn
     other_python_tests
     sanitized_python_tests
     wait "$pip" || { tail -n 40 "$log_dir/python_pip.log" && return 1; }

@@ -8,6 +8,7 @@ The exit status is 0 when every check passed, else 1.
 
 import subprocess
 import sys
+from typing import Any
 
 import numpy
 
@@ -15,20 +16,20 @@ import zktarn
 from zktarn import _host
 
 
-def answer(fields):
+def answer(fields: dict[str, Any]) -> float:
     """Returns what the checks expect of a function of the host's language."""
-    return fields["value"] + fields["column"].sum() + len(fields["phase"])
+    return float(fields["value"] + fields["column"].sum() + len(fields["phase"]))
 
 
-def is_descriptor_1(stream):
+def is_descriptor_1(stream: Any) -> bool:
     """Returns whether what is written to the stream arrives at file descriptor 1."""
     try:
-        return stream.fileno() == 1
+        return bool(stream.fileno() == 1)
     except (AttributeError, OSError, ValueError):
         return False
 
 
-def check_host():
+def check_host() -> int:
     """Runs every check of the host in this process; returns the exit status."""
     _host.functions["conformance"] = answer
     if sys.stdout is not None:
@@ -37,7 +38,7 @@ def check_host():
     return 0 if passed else 1
 
 
-def summarize():
+def summarize() -> int:
     """Prints versions and host, and runs the checks in a process of their own."""
     version = ".".join(str(part) for part in sys.version_info[:3])
     print(f"zktarn {zktarn.__version__}, {_host.library}")
@@ -53,7 +54,7 @@ def summarize():
     return 0 if child.returncode == 0 else 1
 
 
-def main(arguments):
+def main(arguments: list[str]) -> int:
     """Runs the command; returns the exit status."""
     if not arguments:
         return summarize()
