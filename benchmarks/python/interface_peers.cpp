@@ -1,5 +1,5 @@
-// What interface_bench.py compares the Python interface with: the procedures called in a loop in C++,
-// and pybind11 functions of the same signatures that do nothing.
+// What interface_bench.py compares the Python interface with: the procedures called in a loop in
+// C++, and pybind11 functions of the same signatures that do nothing.
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
@@ -70,22 +70,22 @@ void loops(py::module_& scope) {
     scope.def("is_even_int", [](const array<std::int32_t>& n, flags& out) {
         each(n, out, [](const std::int32_t& a, bool& r) { r = is_even_int(a) != 0; });
     });
-    scope.def("gcd_int", [](const array<std::int32_t>& a, std::int32_t b,
-                            array<std::int32_t>& out) {
-        each(a, out, [=](const std::int32_t& n, std::int32_t& r) { r = xgcd_i4(n, b); });
-    });
+    scope.def("gcd_int",
+              [](const array<std::int32_t>& a, std::int32_t b, array<std::int32_t>& out) {
+                  each(a, out, [=](const std::int32_t& n, std::int32_t& r) { r = xgcd_i4(n, b); });
+              });
     scope.def("gcd_real", [](const reals& a, double b, double eps, reals& out) {
         each(a, out, [=](const double& n, double& r) { r = xgcd_r8(n, b, eps); });
     });
-    scope.def("rational", [](const reals& x, double eps, double max_den, reals& num, reals& den,
-                             flags& found) {
-        for (py::ssize_t i = 0, count = x.size(); i < count; ++i) {
-            flag is_found = 0;
-            get_rational_rep(x.data()[i], eps, max_den, is_found, num.mutable_data()[i],
-                             den.mutable_data()[i]);
-            found.mutable_data()[i] = is_found != 0;
-        }
-    });
+    scope.def("rational",
+              [](const reals& x, double eps, double max_den, reals& num, reals& den, flags& found) {
+                  for (py::ssize_t i = 0, count = x.size(); i < count; ++i) {
+                      flag is_found = 0;
+                      get_rational_rep(x.data()[i], eps, max_den, is_found, num.mutable_data()[i],
+                                       den.mutable_data()[i]);
+                      found.mutable_data()[i] = is_found != 0;
+                  }
+              });
 }
 
 /// A class of pybind11 with the signatures of Vector and empty bodies.

@@ -32,9 +32,7 @@ public:
               require(zktarn_python_set_function(name, function.ptr())))) {}
     registered_function(const registered_function&) = delete;
     registered_function& operator=(const registered_function&) = delete;
-    ~registered_function() {
-        Py_XDECREF(zktarn_python_set_function(name, before_.ptr()));
-    }
+    ~registered_function() { Py_XDECREF(zktarn_python_set_function(name, before_.ptr())); }
 
 private:
     static constexpr const char* name = "tarnCallback";

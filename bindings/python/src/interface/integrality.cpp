@@ -92,14 +92,14 @@ PyUFuncGenericFunction is_even_loop[] = {
     ordinary::loop<is_even, ordinary::is_even_formula, npy_bool, 1>};
 
 PyUFuncGenericFunction is_even_int_loops[] = {
-    parity<npy_byte>::loop, parity<npy_ubyte>::loop, parity<npy_short>::loop,
-    parity<npy_ushort>::loop, parity<npy_int>::loop, parity<npy_uint>::loop,
-    parity<npy_long>::loop, parity<npy_ulong>::loop, parity<npy_longlong>::loop,
+    parity<npy_byte>::loop,     parity<npy_ubyte>::loop, parity<npy_short>::loop,
+    parity<npy_ushort>::loop,   parity<npy_int>::loop,   parity<npy_uint>::loop,
+    parity<npy_long>::loop,     parity<npy_ulong>::loop, parity<npy_longlong>::loop,
     parity<npy_ulonglong>::loop};
-char integer_to_flag[] = {
-    NPY_BYTE, NPY_BOOL, NPY_UBYTE, NPY_BOOL, NPY_SHORT, NPY_BOOL, NPY_USHORT, NPY_BOOL,
-    NPY_INT, NPY_BOOL, NPY_UINT, NPY_BOOL, NPY_LONG, NPY_BOOL, NPY_ULONG, NPY_BOOL,
-    NPY_LONGLONG, NPY_BOOL, NPY_ULONGLONG, NPY_BOOL};
+char integer_to_flag[] = {NPY_BYTE, NPY_BOOL,     NPY_UBYTE, NPY_BOOL,      NPY_SHORT,
+                          NPY_BOOL, NPY_USHORT,   NPY_BOOL,  NPY_INT,       NPY_BOOL,
+                          NPY_UINT, NPY_BOOL,     NPY_LONG,  NPY_BOOL,      NPY_ULONG,
+                          NPY_BOOL, NPY_LONGLONG, NPY_BOOL,  NPY_ULONGLONG, NPY_BOOL};
 
 const ufunc_description descriptions[] = {
     {"fractional", R"(The distance of x to its nearest integer.
@@ -169,7 +169,8 @@ for abs(x) < 2147483647. Slightly below an integer it is small and negative, not
 
 C++: util::epsilon_fractionality.)",
      2, 1, 1, fractionality_loop, reals},
-    {"floor", R"(The floor of x with tolerance eps: an x within eps below an integer gives that integer.
+    {"floor",
+     R"(The floor of x with tolerance eps: an x within eps below an integer gives that integer.
 
 x1     array of reals, the numbers x.
 x2     array of reals, the tolerances eps.
@@ -181,7 +182,8 @@ that is NaN gives 0.
 
 C++: util::epsilon_floor.)",
      2, 1, 1, floor_loop, reals},
-    {"ceil", R"(The ceiling of x with tolerance eps: an x within eps above an integer gives that integer.
+    {"ceil",
+     R"(The ceiling of x with tolerance eps: an x within eps above an integer gives that integer.
 
 x1     array of reals, the numbers x.
 x2     array of reals, the tolerances eps.

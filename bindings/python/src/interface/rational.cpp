@@ -1,9 +1,9 @@
 // Fractions near reals, and greatest common divisors, as universal functions.
 
+#include "zktarn/util/rational.hpp"
 #include "subjects.hpp"
 #include "ufuncs.hpp"
 #include "zktarn/util/gcd.hpp"
-#include "zktarn/util/rational.hpp"
 
 namespace zktarn::python {
 

@@ -83,12 +83,11 @@ py::object of_callable(std::int32_t n, const py::object& get_element, const tole
 void add_scalar_search(PyObject* module) {
     auto scope = py::reinterpret_borrow<py::module_>(module);
     scope.def("scalar_of_array", of_array);
-    scope.def("scalar_of_callable",
-              [](std::int32_t n, const py::object& get_element, double eps, double max_den,
-                 double max_scalar, bool skip_marked, bool selected_only) {
-                  return of_callable(n, get_element, {eps, max_den, max_scalar}, skip_marked,
-                                     selected_only);
-              });
+    scope.def("scalar_of_callable", [](std::int32_t n, const py::object& get_element, double eps,
+                                       double max_den, double max_scalar, bool skip_marked,
+                                       bool selected_only) {
+        return of_callable(n, get_element, {eps, max_den, max_scalar}, skip_marked, selected_only);
+    });
 }
 
 } // namespace zktarn::python

@@ -11,8 +11,8 @@
 
 #include "numpy_api.hpp"
 
-/// NumPy's universal functions over procedures of the library: broadcasting, `out=`, `where=`, and a
-/// loop in C++ that runs without the interpreter's lock.
+/// NumPy's universal functions over procedures of the library: broadcasting, `out=`, `where=`, and
+/// a loop in C++ that runs without the interpreter's lock.
 
 namespace zktarn::python {
 

@@ -113,8 +113,9 @@ void needs_room(const vector_object& x, const vector_object& y, const char* proc
     }
     const std::int64_t added = count_new(x, y, procedure);
     if (x.record->nz + added > x.n) {
-        raise(PyExc_ValueError, "%s() needs room for %lld new entries, and the list has room for %d",
-              procedure, static_cast<long long>(added), x.n - x.record->nz);
+        raise(PyExc_ValueError,
+              "%s() needs room for %lld new entries, and the list has room for %d", procedure,
+              static_cast<long long>(added), x.n - x.record->nz);
     }
 }
 

@@ -171,7 +171,8 @@ PyObject* from_sparse(PyTypeObject* type, argument_list<1> given) {
     if (shape.size() != 2 || shape[0].cast<std::int64_t>() != 1) {
         raise(PyExc_ValueError, "row must have the shape (1, n), not %R", shape.ptr());
     }
-    const std::int32_t n = to_integer_between(shape[1].ptr(), "the number of columns", 0, 2147483647);
+    const std::int32_t n =
+        to_integer_between(shape[1].ptr(), "the number of columns", 0, 2147483647);
     const py::object csr = row.attr("tocsr")(py::arg("copy") = true);
     csr.attr("sum_duplicates")();
     const indices columns = to_indices(csr.attr("indices").ptr(), "indices");

@@ -11,8 +11,7 @@ namespace {
 
 /// An iterator: the vector, which it keeps alive, and its place in it.
 struct iterator_object {
-    PyObject_HEAD
-    PyObject* vector;
+    PyObject_HEAD PyObject* vector;
     entry_cursor cursor;
     std::int32_t nz; // when the iteration began
 };

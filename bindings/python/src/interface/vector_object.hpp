@@ -21,8 +21,7 @@ struct vector_form {
 
 /// An instance of `Vector`. The record keeps the arrays of `form`, unless n is 0: then it has none.
 struct vector_object {
-    PyObject_HEAD
-    vector_type::vector* record;
+    PyObject_HEAD vector_type::vector* record;
     std::int32_t n;
     vector_form form;
     PyObject* weak_references;

@@ -79,8 +79,8 @@ Writable if the vector has a list: the entries are then those at the positions 1
 caller has set, and marks stay as they are.
 C++: vector_mod::vector_get_nz, vector_mod::vector_set_nz.)",
      nullptr},
-    {"mode", get_mode, nullptr,
-     "How membership is stated: 'marks', 'list' or 'dense'. str.", nullptr},
+    {"mode", get_mode, nullptr, "How membership is stated: 'marks', 'list' or 'dense'. str.",
+     nullptr},
     {"coef", get_array<&record::coef, &vector_form::coef>, nullptr,
      R"(The coefficients: a view, float64, shape (n,), or None.
 

@@ -70,8 +70,7 @@ PyObject* create(PyTypeObject* type, PyObject* positional, PyObject* keywords) n
     int ind = 1;
     int elm = 1;
     if (PyArg_ParseTupleAndKeywords(positional, keywords, "O|$ppp:Vector",
-                                    const_cast<char**>(names.data()), &n, &coef, &ind,
-                                    &elm) == 0) {
+                                    const_cast<char**>(names.data()), &n, &coef, &ind, &elm) == 0) {
         return nullptr;
     }
     return protect<PyObject*>(nullptr, [&] {

@@ -1,0 +1,50 @@
+"""One row of a constraint matrix, 3 x2 + 2 x5 - x7, as a sparse vector in each of its three modes;
+and a view of its coefficients that outlives it."""
+
+import sys
+from typing import Dict, List, Tuple
+
+import zktarn
+
+COLUMNS = 8
+
+MODES: List[Tuple[str, Dict[str, bool], str]] = [
+    ("marks", {}, "j is marked: elm(j) = 1"),
+    ("list", {"elm": False}, "j is found in the list"),
+    ("dense", {"ind": False, "elm": False}, "every j, a zero included"),
+]
+
+
+def show(row: zktarn.Vector, membership: str) -> None:
+    """Fills and prints the row."""
+    row.add_nz(2, 3.0)
+    row.add_nz(5, 2.0)
+    row[7] = -1.0  # the same as add_nz
+
+    arrays = f"coef {'ind' if row.ind is not None else '':3s} {'elm' if row.elm is not None else '':3s}"
+    coefficients = "".join(f"{row[j]:3g}" for j in range(1, COLUMNS + 1))
+    entries = "".join(f" {j}:{a:g}" for j, a in row)
+    print(f"{row.mode:5s}  {arrays}  {membership:24s} {coefficients}  {entries}")
+
+
+def main() -> int:
+    if len(sys.argv) > 1:
+        print(f"vectors: takes no arguments, but was given '{sys.argv[1]}'", file=sys.stderr)
+        return 2
+    print(f"The row 3 x2 + 2 x5 - x7 over {COLUMNS} columns, in each mode of a vector:\n")
+    print("mode   arrays        members                   x1 x2 x3 x4 x5 x6 x7 x8   entries")
+    for mode, arrays, membership in MODES:
+        row = zktarn.Vector(COLUMNS, **arrays)
+        assert row.mode == mode
+        show(row, membership)
+
+    coef = row.coef
+    assert coef is not None  # None for coef=False
+    del row
+    print(f"\nThe vector is gone, and a view of its coefficients is not: {coef[1]:g}, {coef[4]:g}, "
+          f"{coef[6]:g}.")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

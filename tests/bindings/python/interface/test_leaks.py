@@ -1,0 +1,105 @@
+"""Many calls leave no object, no block and no memory behind."""
+
+import gc
+import sys
+import tracemalloc
+
+import numpy as np
+import pytest
+
+import zktarn
+from zktarn import Vector, _host
+
+CALLS = 100_000
+ENTRIES = {2: 3.0, 5: 2.0}
+X = Vector.from_dict(8, ENTRIES)
+Y = Vector.from_dict(8, {5: 1.0})
+EMPTY = Vector(8)
+ARRAY = np.array([0.5, 1.0, 2.0])
+SOLVE = zktarn.Solve(lambda report: 0, display="off")
+RNG = zktarn.Generator(1)
+STATE = RNG.state()
+
+
+def refused(call, *args):
+    try:
+        call(*args)
+    except (TypeError, ValueError, IndexError, ZeroDivisionError):
+        return
+    raise AssertionError("the call succeeded")
+
+
+# Name, number of calls, call.
+CASES = {
+    "create": (CALLS, lambda: Vector(8)),
+    "refuse to create": (CALLS, lambda: refused(Vector, -1)),
+    "get": (CALLS, lambda: X[2]),
+    "set": (CALLS, lambda: X.set_coef(2, 3.0)),
+    "add": (CALLS, lambda: X.add_nz(j=np.int64(2), value=3)),
+    "remove": (CALLS, lambda: (X.add_nz(1, 1.0), X.rem_nz(3))),
+    "out of range": (CALLS, lambda: refused(X.get_coef, 9)),
+    "not an index": (CALLS, lambda: refused(X.get_coef, "2")),
+    "wrong count": (CALLS, lambda: refused(X.get_coef, 1, 2)),
+    "not a vector": (CALLS, lambda: refused(X.combine, 1, 1.0, 1.0, 0.0)),
+    "combine": (CALLS, lambda: X.combine(Y, 1.0, 0.0, 0.0)),
+    "identical": (CALLS, lambda: X.is_identical(Y, 0.0)),
+    "views": (CALLS, lambda: (X.coef, X.ind, X.elm)),
+    "iterate": (CALLS, lambda: list(X)),
+    "text": (CALLS, lambda: repr(X)),
+    "copy": (CALLS, lambda: X.copy()),
+    "from entries": (CALLS, lambda: Vector.from_entries(8, ARRAY.astype(int) + [1, 2, 3], ARRAY)),
+    "refuse entries": (CALLS, lambda: refused(Vector.from_entries, 8, [1, 1])),
+    "from dict": (CALLS, lambda: Vector.from_dict(8, ENTRIES)),
+    "refuse dict": (CALLS, lambda: refused(Vector.from_dict, 8, {9: 1.0})),
+    "from numpy": (CALLS, lambda: Vector.from_numpy(ARRAY)),
+    "to others": (CALLS, lambda: (X.to_dict(), X.to_numpy(), X.to_entries())),
+    "pickle": (CALLS // 10, lambda: X.__reduce__()),
+    "floor": (CALLS, lambda: zktarn.floor(ARRAY, 1e-6)),
+    "rational": (CALLS, lambda: zktarn.rational(0.5, 1e-6, 10)),
+    "fractions": (CALLS, lambda: zktarn.rational(ARRAY, 1e-6, 10)),
+    "gcd": (CALLS, lambda: zktarn.gcd(12, 18)),
+    "scalar": (CALLS, lambda: zktarn.scalar_integral(ARRAY, 1e-6, 10, 10)),
+    "supplier": (CALLS // 10, lambda: zktarn.find_scalar_integral(
+        1, lambda j: (0.5, False, True), 1e-6, 10, 10)),
+    "broken supplier": (CALLS // 10, lambda: refused(
+        zktarn.find_scalar_integral, 1, lambda j: 1 / 0, 1e-6, 10, 10)),
+    "sort": (CALLS // 10, lambda: zktarn.sort(1, 4, lambda a, b: False)),
+    "broken sort": (CALLS // 10, lambda: refused(zktarn.sort, 1, 4, lambda a, b: 1 / 0)),
+    "generator": (CALLS // 10, lambda: zktarn.Generator(1).number()),
+    "numbers": (CALLS // 10, lambda: (RNG.numbers(3), RNG.state(), RNG.restore(STATE))),
+    "report": (CALLS // 10, lambda: SOLVE.report("phase", value=1.0, column=ARRAY)),
+    "broken report": (CALLS // 10, lambda: refused(
+        zktarn.Solve(lambda report: 1 / 0).report, "phase")),
+    "print": (CALLS // 10, lambda: SOLVE.print("line")),
+    "solve": (CALLS // 10, lambda: zktarn.Solve().data),
+}
+SHARED = [None, True, False, X, Y, EMPTY, ARRAY, Vector, ENTRIES, np.dtype(np.float64), zktarn.Rationals]
+
+
+def counts():
+    return [sys.getrefcount(each) for each in SHARED] + [_host.block_count()]
+
+
+@pytest.mark.parametrize("name", CASES)
+def test_calls_leave_nothing(name):
+    calls, call = CASES[name]
+    for _ in range(300):  # caches fill
+        call()
+    gc.collect()
+    before = counts()
+    tracemalloc.start()
+    try:
+        for _ in range(100):
+            call()
+        gc.collect()
+        start = tracemalloc.get_traced_memory()[0]
+        for _ in range(calls):
+            call()
+        gc.collect()
+        grown = tracemalloc.get_traced_memory()[0] - start
+    finally:
+        tracemalloc.stop()
+    # An object, a block or a few bytes in each call would be a multiple of the number of calls.
+    assert grown < calls / 2, f"{grown} bytes after {calls} calls"
+    assert all(after - b < calls / 2 for b, after in zip(before, counts()))
+    assert counts()[-1] == before[-1]
