@@ -13,8 +13,6 @@
 #include <boost/multiprecision/cpp_int.hpp>
 
 namespace {
-
-using boost::multiprecision::cpp_int;
 using boost::multiprecision::cpp_rational;
 
 struct row {
@@ -22,58 +20,56 @@ struct row {
     cpp_rational rhs;
 };
 
-cpp_int floor_of(const cpp_rational& value) {
-    const cpp_int quotient = numerator(value) / denominator(value);
-    return cpp_rational(quotient) > value ? cpp_int(quotient - 1) : quotient;
+void require(bool condition, const char* sentence) {
+    if (!condition) {
+        throw std::runtime_error(sentence);
+    }
+}
+
+template <class T>
+T next(std::istream& words) {
+    T value;
+    require(static_cast<bool>(words >> value), "a word is missing or not a number");
+    return value;
 }
 
 class checker {
 public:
     explicit checker(const char* file) {
         model_.messageHandler()->setLogLevel(0);
-        if (model_.readMps(file, "") != 0) {
-            throw std::runtime_error(std::string(file) + ": not a valid MPS file");
-        }
+        require(model_.readMps(file, "") == 0, "the model is not a valid MPS file");
     }
 
-    int check(const char* file) {
-        std::ifstream stream(file);
+    int check(std::istream& stream) {
         int cuts = 0;
         for (std::string line; std::getline(stream, line);) {
             std::istringstream words(line);
-            words.exceptions(std::ios::failbit);
-            std::string kind;
-            words >> kind;
+            const auto kind = next<std::string>(words);
             if (kind == "end") {
+                require(next<int>(words) == cuts, "the number of cuts is another one");
                 return cuts;
             }
-            check_line(words, line);
+            require(kind == "cut" || kind == "row", "a line begins with another word");
+            try {
+                check_row(words);
+            } catch (const std::exception& found) {
+                throw std::runtime_error(found.what() + (": " + line));
+            }
             cuts += kind == "cut" ? 1 : 0;
         }
-        throw std::runtime_error(std::string(file) + ": not a complete certificate");
+        throw std::runtime_error("the certificate is missing or not complete");
     }
 
 private:
-    static cpp_rational number(std::istringstream& words) {
-        double value = 0.0;
-        words >> value;
+    /// A side or a bound, which must exist.
+    static cpp_rational limit(double value) {
+        require(std::fabs(value) < 1e30, "a bound or a side is used that the model does not have");
         return cpp_rational(value);
     }
 
-    /// A side or a bound, which must exist. Bounds of integer columns are rounded inwards.
-    static cpp_rational limit(double value, bool is_integer, bool is_upper) {
-        if (std::fabs(value) >= 1e30) {
-            throw std::runtime_error("a bound or a side is used that is not there");
-        }
-        return cpp_rational(!is_integer ? value : is_upper ? std::floor(value) : std::ceil(value));
-    }
-
     row model_row(int i, bool is_upper) const {
-        if (i < 0 || i >= model_.getNumRows()) {
-            throw std::runtime_error("the model has no such row");
-        }
-        row made;
-        made.rhs = limit((is_upper ? model_.getRowUpper() : model_.getRowLower())[i], false, false);
+        require(i >= 0 && i < model_.getNumRows(), "the model has no such row");
+        row made{{}, limit((is_upper ? model_.getRowUpper() : model_.getRowLower())[i])};
         const CoinPackedMatrix& matrix = *model_.getMatrixByRow();
         const int first = matrix.getVectorFirst(i);
         for (int k = first; k < first + matrix.getVectorSize(i); ++k) {
@@ -82,69 +78,73 @@ private:
         return made;
     }
 
-    void check_line(std::istringstream& words, const std::string& line) {
-        int id = 0;
-        int terms = 0;
-        int entries = 0;
-        words >> id;
-        const cpp_rational divisor = number(words);
-        row sum;
-        for (words >> terms; terms > 0; --terms) {
-            std::string kind;
-            int other = 0;
-            words >> kind >> other;
-            const cpp_rational multiplier = number(words);
-            if (divisor <= 0 || (kind != "model" && (multiplier < 0 || rows_.count(other) == 0))) {
-                throw std::runtime_error("a multiplier, divisor or row is not allowed: " + line);
-            }
-            const row part = kind == "model" ? model_row(other, multiplier > 0) : rows_.at(other);
-            for (const auto& [j, value] : part.a) {
-                sum.a[j] += value * multiplier / divisor;
-            }
-            sum.rhs += part.rhs * multiplier / divisor;
+    void add_term(std::istream& words, const cpp_rational& divisor, row& sum) const {
+        const bool is_model_row = next<std::string>(words) == "model";
+        const int id = next<int>(words);
+        const cpp_rational multiplier(next<double>(words));
+        require(is_model_row || (multiplier > 0 && rows_.count(id) > 0), "a term is not allowed");
+        const row part = is_model_row ? model_row(id, multiplier > 0) : rows_.at(id);
+        for (const auto& [j, value] : part.a) {
+            sum.a[j] += value * multiplier / divisor;
         }
+        sum.rhs += part.rhs * multiplier / divisor;
+    }
+
+    /// Bounds of integer columns are rounded inwards.
+    void use_bound(std::istream& words, row& sum) const {
+        const bool is_upper = next<std::string>(words) == "upper";
+        const int j = next<int>(words);
+        const cpp_rational value(next<double>(words));
+        const cpp_rational excess = sum.a.count(j) > 0 ? sum.a[j] : cpp_rational(0);
+        require(is_upper ? excess < 0 : excess > 0, "a bound is not needed");
+        double bound = (is_upper ? model_.getColUpper() : model_.getColLower())[j];
+        bound = !model_.isInteger(j) ? bound : is_upper ? std::floor(bound) : std::ceil(bound);
+        require(value == limit(bound), "a bound has another value");
+        sum.rhs -= excess * value;
+        sum.a[j] = 0;
+    }
+
+    void check_row(std::istream& words) {
+        const int id = next<int>(words);
+        const cpp_rational divisor(next<double>(words));
+        require(divisor > 0 && rows_.count(id) == 0, "a divisor or an identifier is not allowed");
+        row sum;
         row claimed;
-        for (words >> entries; entries > 0; --entries) {
-            int j = 0;
-            words >> j;
-            const cpp_rational value = number(words);
-            if (j < 0 || j >= model_.getNumCols() || !model_.isInteger(j) ||
-                denominator(value) != 1) {
-                throw std::runtime_error("a fraction or a column that is not integer: " + line);
-            }
-            claimed.a[j] = value;
+        for (int count = next<int>(words); count > 0; --count) {
+            add_term(words, divisor, sum);
+        }
+        for (int count = next<int>(words); count > 0; --count) {
+            const int j = next<int>(words);
+            const cpp_rational value(next<double>(words));
+            require(j >= 0 && j < model_.getNumCols() && model_.isInteger(j), "no integer column");
+            require(denominator(value) == 1 && claimed.a.emplace(j, value).second, "no integer");
             sum.a[j] -= value;
         }
-        claimed.rhs = number(words);
-        for (const auto& [j, excess] : sum.a) {
-            if (excess != 0) {
-                const bool is_upper = excess < 0;
-                const double* bounds = is_upper ? model_.getColUpper() : model_.getColLower();
-                sum.rhs -= excess * limit(bounds[j], model_.isInteger(j), is_upper);
-            }
+        for (int count = next<int>(words); count > 0; --count) {
+            use_bound(words, sum);
         }
-        if (claimed.rhs < cpp_rational(floor_of(sum.rhs))) {
-            throw std::runtime_error("the right-hand side is too small: " + line);
+        for (const auto& each : sum.a) {
+            require(each.second == 0, "a coefficient differs without a bound for it");
         }
+        claimed.rhs = cpp_rational(next<double>(words));
+        require(words.peek() == std::char_traits<char>::eof(), "the line is too long");
+        // An integer is at least the sum rounded down.
+        require(denominator(claimed.rhs) == 1 && claimed.rhs > sum.rhs - 1,
+                "the right-hand side is too small");
         rows_[id] = claimed;
     }
 
     CoinMpsIO model_;
     std::map<int, row> rows_;
 };
-
 } // namespace
 
-int main(int argc, char** argv) {
-    if (argc != 3) {
-        std::fprintf(stderr, "usage: check_cuts MODEL.mps CERTIFICATE\n");
-        return 2;
-    }
-    try {
-        std::printf("%d cuts follow from the model\n", checker(argv[1]).check(argv[2]));
-        return 0;
-    } catch (const std::exception& found) {
-        std::fprintf(stderr, "check_cuts: %s\n", found.what());
-        return 1;
-    }
+int main(int argc, char** argv) try {
+    require(argc == 3, "usage: check_cuts MODEL.mps CERTIFICATE");
+    std::ifstream certificate(argv[2]);
+    std::printf("%d cuts follow from the model\n", checker(argv[1]).check(certificate));
+    return 0;
+} catch (const std::exception& found) {
+    std::fprintf(stderr, "check_cuts: %s\n", found.what());
+    return argc == 3 ? 1 : 2;
 }

@@ -3,13 +3,18 @@
 #include <fstream>
 #include <iomanip>
 #include <limits>
+#include <map>
 #include <vector>
+
+#include <boost/multiprecision/cpp_int.hpp>
 
 #include "input/error.hpp"
 
 namespace zero_half {
 
 namespace {
+
+using boost::multiprecision::cpp_rational;
 
 /// For each row of the pool, whether a cut is that row or uses it.
 std::vector<bool> used_rows(const run_result& run) {
@@ -27,7 +32,46 @@ std::vector<bool> used_rows(const run_result& run) {
     return is_used;
 }
 
-void write_row(const row_pool& pool, std::size_t row, bool is_cut, std::ostream& stream) {
+/// For each column the exact sum of its coefficients in the terms, divided, minus its coefficient
+/// in the row. Columns are counted from 0.
+std::map<int, cpp_rational> excess_of(const model& program, const row_pool& pool, std::size_t row) {
+    const row_origin& origin = pool.origin(row);
+    std::map<int, cpp_rational> excess;
+    for (const row_origin::term& term : origin.terms) {
+        const cpp_rational factor = cpp_rational(term.multiplier) / cpp_rational(origin.divisor);
+        if (term.is_model_row) {
+            const int first = program.rows.getVectorFirst(term.row);
+            for (int k = first; k < first + program.rows.getVectorSize(term.row); ++k) {
+                excess[program.rows.getIndices()[k]] +=
+                    factor * cpp_rational(program.rows.getElements()[k]);
+            }
+        } else {
+            const auto other = static_cast<std::size_t>(term.row);
+            for (std::size_t k = 0; k < pool.columns(other).size(); ++k) {
+                excess[pool.columns(other)[k] - 1] +=
+                    factor * cpp_rational(pool.coefficients(other)[k]);
+            }
+        }
+    }
+    for (std::size_t k = 0; k < pool.columns(row).size(); ++k) {
+        excess[pool.columns(row)[k] - 1] -= cpp_rational(pool.coefficients(row)[k]);
+    }
+    std::erase_if(excess, [](const auto& each) { return each.second == 0; });
+    return excess;
+}
+
+void write_bounds(const model& program, const std::map<int, cpp_rational>& excess,
+                  std::ostream& stream) {
+    stream << ' ' << excess.size();
+    for (const auto& [column, value] : excess) {
+        const auto j = static_cast<std::size_t>(column);
+        stream << (value > 0 ? " lower " : " upper ") << column << ' '
+               << (value > 0 ? program.lower[j] : program.upper[j]);
+    }
+}
+
+void write_row(const model& program, const row_pool& pool, std::size_t row, bool is_cut,
+               std::ostream& stream) {
     const row_origin& origin = pool.origin(row);
     stream << (is_cut ? "cut " : "row ") << row << ' ' << origin.divisor << ' '
            << origin.terms.size();
@@ -38,6 +82,7 @@ void write_row(const row_pool& pool, std::size_t row, bool is_cut, std::ostream&
     for (std::size_t k = 0; k < pool.columns(row).size(); ++k) {
         stream << ' ' << pool.columns(row)[k] - 1 << ' ' << pool.coefficients(row)[k];
     }
+    write_bounds(program, excess_of(program, pool, row), stream);
     stream << ' ' << pool.rhs(row) << '\n';
 }
 
@@ -54,10 +99,10 @@ void write_certificate(const solved_model& solved, const std::string& file) {
     stream << std::setprecision(std::numeric_limits<double>::max_digits10);
     for (std::size_t row = 0; row < run.pool.size(); ++row) {
         if (is_used[row]) {
-            write_row(run.pool, row, is_cut[row], stream);
+            write_row(solved.program, run.pool, row, is_cut[row], stream);
         }
     }
-    stream << "end\n";
+    stream << "end " << run.cuts.size() << '\n';
     if (!stream.flush()) {
         throw error(file + ": cannot be written");
     }
