@@ -4,6 +4,7 @@ import functools
 import inspect
 import math
 import threading
+import time
 import traceback
 import warnings
 from typing import get_args
@@ -206,16 +207,19 @@ def test_runs_on_threads_follow_each_other():
     inside = 0
     most = []
     results = [None] * 4
+    begin = threading.Barrier(len(results))
 
     def count(info):
         nonlocal inside
         if info["round"] == 1:
             inside += 1
             most.append(inside)
+            time.sleep(0.05)  # the others would begin meanwhile
         if info["phase"] == "done":
             inside -= 1
 
     def run(i):
+        begin.wait()
         results[i] = tighten(P0282, rounds=3, output_function=count)
 
     threads = [threading.Thread(target=run, args=(i,)) for i in range(len(results))]

@@ -80,6 +80,7 @@ def least_growth(case, size):
     return min(growths)
 
 
+@pytest.mark.without_sanitizer
 @pytest.mark.skipif(not hasattr(ctypes.CDLL(None), "mallinfo2"),
                     reason="the C library does not count its bytes")
 @pytest.mark.parametrize("case", CASES, ids=lambda case: case.__name__)
@@ -88,6 +89,7 @@ def test_runs_leave_no_memory_behind(case):
     assert _host.block_count() == 0
 
 
+@pytest.mark.without_sanitizer
 @pytest.mark.parametrize("case", CASES, ids=lambda case: case.__name__)
 def test_runs_leave_no_python_object_behind(case):
     for _ in range(RUNS):
