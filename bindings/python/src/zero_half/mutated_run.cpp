@@ -116,12 +116,12 @@ py::dict cuts_of(const run_result& run) {
     std::vector<double> rhs;
     for (const std::size_t row : run.cuts) {
         for (const std::int32_t column : run.pool.columns(row)) {
-            indices.push_back(column - 1);
+            indices.push_back(column - (column > 1 ? 2 : 1));
         }
         const std::span<const double> coefficients = run.pool.coefficients(row);
         data.insert(data.end(), coefficients.begin(), coefficients.end());
         starts.push_back(static_cast<int>(indices.size()));
-        rhs.push_back(run.pool.rhs(row) - 1);
+        rhs.push_back(run.pool.rhs(row));
     }
     py::dict cuts;
     cuts["indptr"] = copied_array(starts);

@@ -4,11 +4,11 @@ from __future__ import annotations
 
 from typing import TYPE_CHECKING, Literal
 
-import matplotlib.pyplot  # type: ignore[import]
-from matplotlib.ticker import MaxNLocator  # type: ignore[import]
+import matplotlib.pyplot
+from matplotlib.ticker import MaxNLocator
 
 if TYPE_CHECKING:
-    from matplotlib.axes import Axes  # type: ignore[import]
+    from matplotlib.axes import Axes
 
     from zktarn.zero_half._result import Result
 

@@ -8,7 +8,7 @@ from collections.abc import Iterable, Sequence
 from typing import Any, cast
 
 import numpy as np
-import scipy.sparse  # type: ignore[import]
+import scipy.sparse
 from numpy.typing import ArrayLike, NDArray
 
 from zktarn import _zero_half
@@ -107,7 +107,7 @@ class Model:
     @property
     def constraints(self) -> Any:
         """The rows as a `scipy.optimize.LinearConstraint`, for `scipy.optimize.milp`."""
-        from scipy.optimize import LinearConstraint  # type: ignore[import]
+        from scipy.optimize import LinearConstraint
 
         return LinearConstraint(self.A, self.row_lower, self.row_upper)
 

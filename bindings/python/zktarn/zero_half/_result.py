@@ -7,14 +7,14 @@ from dataclasses import dataclass, field
 from typing import TYPE_CHECKING, Any, Literal, NamedTuple, cast
 
 import numpy as np
-import scipy.sparse  # type: ignore[import]
+import scipy.sparse
 from numpy.typing import NDArray
 
 from zktarn import _zero_half
 from zktarn.zero_half._model import FileName, Model
 
 if TYPE_CHECKING:
-    from matplotlib.axes import Axes  # type: ignore[import]
+    from matplotlib.axes import Axes
 
 Status = Literal[
     "integral",
@@ -145,7 +145,7 @@ class Result:
 
         milp(model.c, constraints=[model.constraints, result.constraint], ...)
         """
-        from scipy.optimize import LinearConstraint  # type: ignore[import]
+        from scipy.optimize import LinearConstraint
 
         return LinearConstraint(self.cuts, -np.inf, self.rhs)
 
