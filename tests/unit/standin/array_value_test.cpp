@@ -14,7 +14,7 @@ namespace {
 using strings = std::vector<std::string>;
 using numbers = std::vector<double>;
 
-/// What a copy of an array shows, and how it answers what does not fit it.
+/// array_value copies an array; each accessor that does not fit its kind is a fault.
 class ArrayValue : public StandinTest {
 protected:
     void TearDown() override {
@@ -22,11 +22,11 @@ protected:
         StandinTest::TearDown();
     }
 
-    /// Looks at an array and destroys it.
-    static array_value taken(array_handle array) {
-        const array_value seen = inspect(array);
+    /// Copies an array and destroys it.
+    static array_value copied(array_handle array) {
+        const array_value value = inspect(array);
         destroy(array);
-        return seen;
+        return value;
     }
 
     void expect_no_number(const array_value& value) {
@@ -67,7 +67,7 @@ protected:
 };
 
 TEST_F(ArrayValue, AScalarHasANumber) {
-    const array_value value = taken(make_scalar(2.5));
+    const array_value value = copied(make_scalar(2.5));
     EXPECT_EQ(value.scalar(), 2.5);
     EXPECT_EQ(value.reals(), numbers{2.5});
     expect_no_characters(value);
@@ -75,7 +75,7 @@ TEST_F(ArrayValue, AScalarHasANumber) {
 }
 
 TEST_F(ArrayValue, AMatrixHasNumbers) {
-    const array_value value = taken(make_matrix(2, 2));
+    const array_value value = copied(make_matrix(2, 2));
     EXPECT_EQ(value.reals(), numbers(4, 0.0));
     expect_no_number(value);
     expect_no_characters(value);
@@ -85,17 +85,17 @@ TEST_F(ArrayValue, AMatrixHasNumbers) {
 TEST_F(ArrayValue, AMatrixOfOneNumberHasThatNumber) {
     const array_handle made = make_matrix(1, 1);
     *data_of(made) = 3.0;
-    EXPECT_EQ(taken(made).scalar(), 3.0);
+    EXPECT_EQ(copied(made).scalar(), 3.0);
 }
 
 TEST_F(ArrayValue, AnEmptyMatrixHasNoNumber) {
-    const array_value value = taken(make_matrix(0, 1));
+    const array_value value = copied(make_matrix(0, 1));
     EXPECT_TRUE(value.reals().empty());
     expect_no_number(value);
 }
 
 TEST_F(ArrayValue, ATextHasCharacters) {
-    const array_value value = taken(make_text("iter  "));
+    const array_value value = copied(make_text("iter  "));
     EXPECT_EQ(value.text(), "iter  ");
     expect_no_number(value);
     expect_no_numbers(value);
@@ -105,7 +105,7 @@ TEST_F(ArrayValue, ATextHasCharacters) {
 TEST_F(ArrayValue, AStructHasFields) {
     const array_handle made = make_struct({1, 1}, 2, "xy", 1);
     set_field(made, 1, "y", make_scalar(4.0));
-    const array_value value = taken(made);
+    const array_value value = copied(made);
     EXPECT_EQ(value.field_names(), (strings{"x", "y"}));
     EXPECT_TRUE(value.has_field("x"));
     EXPECT_TRUE(value.has_field("y"));
@@ -118,7 +118,7 @@ TEST_F(ArrayValue, AStructHasFields) {
 }
 
 TEST_F(ArrayValue, AFieldThatWasNotSetIsAnEmptyMatrix) {
-    const array_value value = taken(make_struct({1, 1}, 1, "x", 1));
+    const array_value value = copied(make_struct({1, 1}, 1, "x", 1));
     EXPECT_EQ(value.field("x").kind, array_kind::real_matrix);
     EXPECT_EQ(value.field("x").rows, 0);
     EXPECT_EQ(value.field("x").columns, 0);
@@ -128,7 +128,7 @@ TEST_F(ArrayValue, AFieldThatWasNotSetIsAnEmptyMatrix) {
 TEST_F(ArrayValue, AStructOfSeveralElementsShowsItsNamesOnly) {
     const array_handle made = make_struct({1, 2}, 1, "x", 1);
     set_field(made, 1, "x", make_scalar(1.0));
-    const array_value value = taken(made);
+    const array_value value = copied(made);
     EXPECT_EQ(value.columns, 2);
     EXPECT_EQ(value.field_names(), strings{"x"});
     EXPECT_TRUE(value.field("x").reals().empty());
@@ -139,7 +139,7 @@ TEST_F(ArrayValue, AStructShowsTheFieldsOfItsStructs) {
     const array_handle inner = make_struct({1, 1}, 1, "display", 7);
     set_field(inner, 1, "display", make_text("off"));
     set_field(outer, 1, "options", inner);
-    EXPECT_EQ(taken(outer).field("options").field("display").text(), "off");
+    EXPECT_EQ(copied(outer).field("options").field("display").text(), "off");
 }
 
 TEST_F(ArrayValue, PartsTakenFromATemporaryStayValid) {
@@ -165,24 +165,24 @@ TEST_F(ArrayValue, IsACopyThatOutlivesTheArray) {
     EXPECT_EQ(before.reals(), (numbers{1.0, 0.0}));
 }
 
-TEST_F(ArrayValue, ADefaultOneIsAnEmptyMatrix) {
+TEST_F(ArrayValue, ADefaultValueIsAnEmptyMatrix) {
     const array_value value;
     EXPECT_EQ(value.kind, array_kind::real_matrix);
     EXPECT_TRUE(value.reals().empty());
     expect_no_number(value);
 }
 
-TEST_F(ArrayValue, OfAnUnknownHandleIsAFault) {
+TEST_F(ArrayValue, InspectingAnUnknownHandleIsAFault) {
     const array_value unknown = inspect(0);
     EXPECT_EQ(unknown.kind, array_kind::real_matrix);
     EXPECT_TRUE(unknown.reals().empty());
     expect_fault(fault_kind::unknown_object, "inspect: the handle 0 names no array");
 
-    const array_handle gone = make_scalar(1.0);
-    destroy(gone);
-    EXPECT_TRUE(inspect(gone).reals().empty());
+    const array_handle destroyed = make_scalar(1.0);
+    destroy(destroyed);
+    EXPECT_TRUE(inspect(destroyed).reals().empty());
     expect_fault(fault_kind::use_after_release,
-                 "inspect: " + the_scalar(gone) + " was used after it was destroyed");
+                 "inspect: " + the_scalar(destroyed) + " was used after it was destroyed");
 }
 
 TEST_F(ArrayValue, InspectingIsNotCountedAsAnOperation) {

@@ -38,7 +38,7 @@ TEST_F(Arrays, AStructHasTheRequestedExtentsAndFields) {
     destroy(made);
 }
 
-TEST_F(Arrays, EverySlotHasAFieldNumberOfItsOwn) {
+TEST_F(Arrays, EverySlotHasItsOwnFieldNumber) {
     const array_handle made = make_struct({1, 1}, 3, "xxy", 1);
     EXPECT_EQ(field_number(made, "x"), 1);
     EXPECT_EQ(field_number(made, "y"), 3);
@@ -129,7 +129,7 @@ TEST_F(Arrays, TheAddressOfTheDataStaysWhileTheArrayExists) {
     destroy(owner);
 }
 
-TEST_F(Arrays, AnEmptyMatrixHasDataSomewhereToo) {
+TEST_F(Arrays, AnEmptyMatrixHasANonnullDataAddress) {
     const array_handle first = make_matrix(0, 3);
     const array_handle second = make_matrix(3, 0);
     ASSERT_NE(data_of(first), nullptr);
@@ -153,7 +153,7 @@ TEST_F(Arrays, DataAreCopiedInAndOut) {
     destroy(made);
 }
 
-TEST_F(Arrays, APartOfTheDataIsCopiedAndNoMore) {
+TEST_F(Arrays, ASmallerCountCopiesOnlyThatManyValues) {
     const array_handle made = make_matrix(4, 1);
     const numbers values = {8, 9};
     host::qvcopyreal8toptr800_(values.data(), data_of(made) + 1, 2);
@@ -172,7 +172,7 @@ TEST_F(Arrays, ACountOfZeroCopiesNothing) {
     EXPECT_EQ(values, numbers{5.0});
 }
 
-TEST_F(Arrays, FieldsAreAddedAtTheEndAndOnceOnly) {
+TEST_F(Arrays, AFieldIsAddedAtTheEndUnlessItExists) {
     const array_handle made = make_struct({1, 1}, 1, "x", 1);
     EXPECT_EQ(field_number(made, "fval"), 0);
     EXPECT_EQ(add_field(made, "fval"), 2);
@@ -216,21 +216,21 @@ TEST_F(Arrays, AFieldIsSetByNameAndByNumber) {
     destroy(made);
 }
 
-TEST_F(Arrays, EveryElementHasFieldsOfItsOwn) {
+TEST_F(Arrays, EveryElementHasItsOwnFields) {
     const array_handle made = make_struct({2, 2}, 1, "x", 1);
     std::vector<array_handle> values;
     for (std::int64_t element = 1; element <= 4; ++element) {
         values.push_back(make_scalar(static_cast<double>(element)));
         set_field(made, element, "x", values.back());
     }
-    // None has replaced another: all are live.
+    // No element's field replaced another's: all values are live.
     for (std::size_t i = 0; i < values.size(); ++i) {
         EXPECT_EQ(*data_of(values[i]), static_cast<double>(i + 1));
     }
     destroy(made);
 }
 
-TEST_F(Arrays, AnAddedFieldIsThereInEveryElement) {
+TEST_F(Arrays, AnAddedFieldExistsInEveryElement) {
     const array_handle made = make_struct({1, 3});
     EXPECT_EQ(add_field(made, "x"), 1);
     set_field(made, 1, "x", make_scalar(1.0));
@@ -238,7 +238,7 @@ TEST_F(Arrays, AnAddedFieldIsThereInEveryElement) {
     destroy(made);
 }
 
-TEST_F(Arrays, AValueThatIsStoredBelongsToTheStruct) {
+TEST_F(Arrays, AStoredValueBelongsToTheStruct) {
     const array_handle made = make_struct({1, 1}, 1, "x", 1);
     const std::size_t before = live_objects().size();
     const array_handle value = make_matrix(2, 1);
@@ -267,7 +267,7 @@ TEST_F(Arrays, HandlesAreNeverReused) {
     destroy(later);
 }
 
-TEST_F(Arrays, LiveArraysStayLiveThroughAReset) {
+TEST_F(Arrays, ResetKeepsLiveArrays) {
     const array_handle made = make_struct({1, 1}, 1, "x", 1);
     set_field(made, 1, "x", make_scalar(6.0));
     reset();
@@ -275,7 +275,7 @@ TEST_F(Arrays, LiveArraysStayLiveThroughAReset) {
     destroy(made);
 }
 
-/// What becomes of arrays that are not needed any more. Their use afterwards is the proof.
+/// Arrays that the stand-in destroys itself. Using one afterwards must be a fault.
 class ArrayOwnership : public StandinTest {
 protected:
     void expect_destroyed(array_handle array, const std::string& the_array) {

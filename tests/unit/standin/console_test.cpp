@@ -16,7 +16,7 @@ namespace {
 
 class Console : public StandinTest {
 protected:
-    /// What reaches standard output while `work` runs.
+    /// The text that `work` writes to standard output.
     template <class Work>
     static std::string shown_by(Work work) {
         testing::internal::CaptureStdout();
@@ -43,7 +43,7 @@ TEST_F(Console, MirrorsText) {
     EXPECT_EQ(console_text(), "a\n");
 }
 
-TEST_F(Console, WritesAllCharactersAndNothingElse) {
+TEST_F(Console, WritesExactlyTheGivenCharacters) {
     const std::string text("100 %d \\n\0 \n  ", 14);
     set_console(console::mirror);
     EXPECT_EQ(shown_by([&] { print_text(text); }), text);
@@ -67,7 +67,7 @@ TEST_F(Console, ANegativeLengthIsAFault) {
     EXPECT_EQ(console_text(), "");
 }
 
-TEST_F(Console, ReturnsThePreviousChoiceAndKeepsWhatItHas) {
+TEST_F(Console, ReturnsThePreviousModeAndKeepsTheCapturedText) {
     EXPECT_EQ(set_console(console::mirror), console::show);
     EXPECT_EQ(set_console(console::capture), console::mirror);
     print_text("kept");
@@ -88,7 +88,7 @@ TEST_F(Console, ClearingDiscardsTheText) {
     EXPECT_EQ(flushed_console_text(), "");
 }
 
-TEST_F(Console, KnowsTheTextCapturedAtTheLastFlush) {
+TEST_F(Console, ReturnsTheTextCapturedAtTheLastFlush) {
     set_console(console::capture);
     host::ioFlushOptim();
     EXPECT_EQ(flushed_console_text(), "");
@@ -115,7 +115,7 @@ TEST_F(Console, ResetDiscardsTheTextAndKeepsTheDestination) {
     EXPECT_EQ(set_console(console::show), console::capture);
 }
 
-/// What comes out of a pipe until nobody can write into it any more.
+/// Everything written to a pipe until its last writing end is closed.
 std::string contents_of(int pipe) {
     std::string text;
     char character = 0;
@@ -125,7 +125,7 @@ std::string contents_of(int pipe) {
     return text;
 }
 
-TEST_F(Console, AFlushBringsTextOutAtOnce) {
+TEST_F(Console, AFlushWritesBufferedText) {
     int ends[2] = {};
     ASSERT_EQ(pipe(ends), 0);
     std::fflush(stdout);
@@ -137,7 +137,7 @@ TEST_F(Console, AFlushBringsTextOutAtOnce) {
         print_text("flushed");
         host::ioFlushOptim();
         print_text("kept back");
-        // Whatever else comes out, goes nowhere.
+        // Discards what stdio still holds.
         dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
         _exit(0);
     }

@@ -14,8 +14,8 @@ namespace {
 using host::qvFreeExOptim;
 using host::qvMallocExOptim;
 
-/// The report in whole, as a program that starts afresh sees it: each statement runs in a process
-/// of its own, in which the first request has the number 1.
+/// The complete report of a new process: each statement runs in its own process, in which requests
+/// are numbered from 1.
 class ExitDeathTest : public testing::Test {
 protected:
     void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
@@ -32,7 +32,7 @@ void print(const std::string& text) {
     std::fputs(text.c_str(), stderr);
 }
 
-TEST_F(ExitDeathTest, TheMemoryReportOfAFreshProcess) {
+TEST_F(ExitDeathTest, TheMemoryReportOfANewProcess) {
     EXPECT_EXIT((print(memory_report()), end()), testing::ExitedWithCode(status),
                 exactly("host memory: 0 requests, 0 refused, 0 blocks not released\n"));
 }
@@ -57,7 +57,7 @@ TEST_F(ExitDeathTest, TheMemoryReportCountsAndListsLiveBlocksByOrderNumber) {
                 "  block 4: 4096 bytes\n"));
 }
 
-TEST_F(ExitDeathTest, ALeakIsReportedAndTheExitStatusKept) {
+TEST_F(ExitDeathTest, ALeakIsReportedAndKeepsTheExitStatus) {
     EXPECT_EXIT(
         {
             qvFreeExOptim(qvMallocExOptim(8));
@@ -123,7 +123,7 @@ TEST_F(ExitDeathTest, DamageFoundAtExitReachesTheHandlerBeforeTheReport) {
                 "  block 1: 8 bytes\n"));
 }
 
-/// Gives its block back when it is destroyed.
+/// Releases its block when it is destroyed.
 struct owner {
     void* address = nullptr;
     ~owner() { qvFreeExOptim(address); }

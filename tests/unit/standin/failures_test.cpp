@@ -15,7 +15,7 @@ namespace zktarn::standin {
 
 namespace {
 
-/// Calls that are made to fail. The objects are those that the operations are called with.
+/// Planned failures, one operation at a time, and the objects that the operations need.
 class Failures : public StandinTest {
 protected:
     void SetUp() override {
@@ -37,15 +37,15 @@ protected:
         StandinTest::TearDown();
     }
 
-    /// Whether three calls have met with failure, as a text of 1 and 0, with one planned.
+    /// Plans a failure and calls three times: '1' for each call that fails, '0' for each other.
     static std::string failures(operation what, std::int64_t planned,
                                 const std::function<bool()>& fails) {
         fail_call(what, planned);
-        std::string answers;
+        std::string results;
         for (int i = 0; i < 3; ++i) {
-            answers += fails() ? '1' : '0';
+            results += fails() ? '1' : '0';
         }
-        return answers;
+        return results;
     }
 
     void expect_can_fail(operation what, const std::function<bool()>& fails) {
@@ -55,7 +55,7 @@ protected:
         EXPECT_EQ(failures(what, 1, fails), "100");
         EXPECT_EQ(failures(what, 0, fails), "000");
         EXPECT_EQ(failures(what, -1, fails), "000");
-        // What was planned before is replaced, by no plan too.
+        // A new plan replaces the old one; so does 0, which plans none.
         fail_call(what, 1);
         EXPECT_EQ(failures(what, 3, fails), "001");
         fail_call(what, 1);
@@ -64,7 +64,7 @@ protected:
         EXPECT_TRUE(faults.empty());
     }
 
-    /// Expects an array to be made, or 0 when the call fails.
+    /// `make` returns an array, or 0 when the call fails.
     void expect_maker(operation what, const std::function<array_handle()>& make) {
         expect_can_fail(what, [&] {
             const std::size_t before = live_objects().size();
@@ -100,7 +100,7 @@ TEST_F(Failures, AFieldIsNotAdded) {
     });
 }
 
-TEST_F(Failures, DataAreNotFound) {
+TEST_F(Failures, TheDataAddressIsNull) {
     expect_can_fail(operation::qvgetpr800_, [&] { return data_of(scalar) == nullptr; });
 }
 
@@ -138,7 +138,7 @@ TEST_F(Failures, AGeneratorIsNotMade) {
     });
 }
 
-TEST_F(Failures, NumbersAreLeftAsTheyAre) {
+TEST_F(Failures, NumbersStayUnwritten) {
     expect_can_fail(operation::getRandUniformOptim, [&] {
         const std::int64_t two = 2;
         double values[] = {-1.0, -1.0};
@@ -158,7 +158,7 @@ TEST_F(Failures, ASnapshotIsNotMade) {
     });
 }
 
-TEST_F(Failures, AFailedDrawLeavesTheStreamWhereItWas) {
+TEST_F(Failures, AFailedDrawDoesNotAdvanceTheStream) {
     const std::int64_t one = 1;
     double first = -1.0;
     host::getRandUniformOptim(generator, &first, &one);
@@ -178,7 +178,7 @@ TEST_F(Failures, ARequestForMemoryIsRefused) {
     });
 }
 
-TEST_F(Failures, EachOperationFailsForItself) {
+TEST_F(Failures, APlanAffectsOneOperationOnly) {
     fail_call(operation::qvcreatestring800_, 1);
     fail_call(operation::qvgetpr800_, 1);
     EXPECT_NE(field_number(structure, "x"), 0);
@@ -187,7 +187,7 @@ TEST_F(Failures, EachOperationFailsForItself) {
     EXPECT_NE(data_of(scalar), nullptr);
 }
 
-TEST_F(Failures, ACallWithAFaultUsesAPlannedFailureUp) {
+TEST_F(Failures, AFaultyCallCountsForThePlan) {
     fail_call(operation::qvgetpr800_, 2);
     EXPECT_EQ(data_of(structure), nullptr);
     EXPECT_EQ(faults.size(), 1u);
@@ -196,7 +196,7 @@ TEST_F(Failures, ACallWithAFaultUsesAPlannedFailureUp) {
     faults.clear();
 }
 
-TEST_F(Failures, ACallThatFailsTestsNoArguments) {
+TEST_F(Failures, AFailingCallDoesNotCheckItsArguments) {
     fail_call(operation::qvgetpr800_, 1);
     EXPECT_EQ(data_of(-5), nullptr);
     fail_call(operation::qvcreatestring800_, 1);
@@ -218,8 +218,8 @@ TEST_F(Failures, ResetClearsPlannedFailures) {
     destroy(made);
 }
 
-/// Operations without an answer for it, which do their work whatever is planned.
-class NoFailures : public Failures {
+/// Operations that cannot fail: they ignore a planned failure.
+class OperationsThatCannotFail : public Failures {
 protected:
     void SetUp() override {
         Failures::SetUp();
@@ -235,12 +235,12 @@ protected:
     }
 };
 
-TEST_F(NoFailures, OfMemory) {
+TEST_F(OperationsThatCannotFail, ReleaseABlock) {
     host::qvFreeExOptim(host::qvMallocExOptim(8));
     EXPECT_TRUE(live_blocks().empty());
 }
 
-TEST_F(NoFailures, OfGenerators) {
+TEST_F(OperationsThatCannotFail, RestoreAndDeleteGenerators) {
     const std::size_t before = live_objects().size();
     void* const other = host::instantiateRngOptim(5);
     void* const other_state = host::getRngStateOptim(other);
@@ -256,7 +256,7 @@ TEST_F(NoFailures, OfGenerators) {
     EXPECT_EQ(live_objects().size(), before);
 }
 
-TEST_F(NoFailures, OfAssertionsFlushesAndPolls) {
+TEST_F(OperationsThatCannotFail, AssertFlushAndPoll) {
     int failed = 0;
     set_assertion_handler([&] { ++failed; });
     host::assertOptim(false);
@@ -268,7 +268,7 @@ TEST_F(NoFailures, OfAssertionsFlushesAndPolls) {
     EXPECT_TRUE(host::utIsInterruptPending());
 }
 
-TEST_F(NoFailures, OfArrays) {
+TEST_F(OperationsThatCannotFail, UseArrays) {
     const std::size_t before = live_objects().size();
     EXPECT_EQ(field_number(structure, "x"), 1);
     set_field(structure, 1, "x", make_scalar(2.0));
@@ -284,7 +284,7 @@ TEST_F(NoFailures, OfArrays) {
     EXPECT_EQ(live_objects().size(), before);
 }
 
-/// What a caller has got from a failed call, used as if it were good.
+/// A caller that ignores a failure and passes the 0 or null that the call returned.
 class AfterAFailure : public Failures {
 protected:
     void SetUp() override {
@@ -336,7 +336,7 @@ TEST_F(AfterAFailure, AValueThatCannotBeStoredIsDestroyed) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(AfterAFailure, AValueThatAFieldOwnsStaysThere) {
+TEST_F(AfterAFailure, AValueThatAFieldAlreadyOwnsStaysThere) {
     const array_handle value = make_scalar(1.0);
     set_field(structure, 1, "x", value);
     set_field(none, 1, "x", value);
@@ -345,11 +345,12 @@ TEST_F(AfterAFailure, AValueThatAFieldOwnsStaysThere) {
     EXPECT_TRUE(faults.empty());
 }
 
-/// Operations whose failure, for whatever reason, gives a caller a handle, a number or an address.
+/// Any failure, planned or not, of an operation that returns a handle, a field number or an
+/// address.
 class FailureForAnyReason : public Failures {
 protected:
-    /// Whether the handle 0 is a fault.
-    bool minds_0() {
+    /// Whether using the handle 0 is a fault.
+    bool zero_is_a_fault() {
         faults.clear();
         destroy(0);
         return !std::exchange(faults, {}).empty();
@@ -372,13 +373,13 @@ TEST_F(FailureForAnyReason, MakesNullsAcceptable) {
     for (const auto& fail : failing) {
         reset();
         set_fault_handler([this](const fault& found) { faults.push_back(found); });
-        EXPECT_TRUE(minds_0());
+        EXPECT_TRUE(zero_is_a_fault());
         fail();
-        EXPECT_FALSE(minds_0());
+        EXPECT_FALSE(zero_is_a_fault());
     }
 }
 
-TEST_F(FailureForAnyReason, MakesNoNullsAcceptableWhereItReturnsNone) {
+TEST_F(FailureForAnyReason, OfOtherOperationsKeepsNullsAFault) {
     set_field(scalar, 1, "x", scalar);
     field_number(scalar, "x");
     destroy(-1);
@@ -395,7 +396,7 @@ TEST_F(FailureForAnyReason, MakesNoNullsAcceptableWhereItReturnsNone) {
     EXPECT_EQ(host::instantiateRngOptim(1), nullptr);
     EXPECT_EQ(host::getRngStateOptim(generator), nullptr);
     host::getRandUniformOptim(generator, &value, &one);
-    EXPECT_TRUE(minds_0());
+    EXPECT_TRUE(zero_is_a_fault());
 }
 
 TEST_F(AfterAFailure, ANullAddressIsAcceptedAndNothingIsCopied) {
@@ -428,7 +429,7 @@ TEST_F(AfterAFailure, AnyOtherFaultIsReported) {
     expect_one_fault(fault_kind::bad_request);
 }
 
-TEST_F(AfterAFailure, ResetEndsTheExemption) {
+TEST_F(AfterAFailure, ResetMakesNullsAFaultAgain) {
     reset();
     set_fault_handler([this](const fault& found) { faults.push_back(found); });
     destroy(none);

@@ -14,18 +14,18 @@ namespace {
 using host::qvFreeExOptim;
 using host::qvMallocExOptim;
 
-// A block this large has pages of its own, which the system hands out again at once; where a small
-// one goes depends on its neighbours.
+// The system maps a block this large separately and reuses its pages for the next request of that
+// size. The address of a small block depends on its neighbours.
 constexpr std::int64_t large = 100'000'000;
 
 class Faults : public StandinTest {
 protected:
-    /// A new block that may be written anywhere near.
-    static unsigned char* take(std::int64_t nbytes) {
+    /// A new block, as bytes, which the tests also write out of bounds.
+    static unsigned char* request(std::int64_t nbytes) {
         return static_cast<unsigned char*>(qvMallocExOptim(nbytes));
     }
 
-    /// Expects exactly one fault since the last call, and forgets it.
+    /// Expects exactly one fault since the last call, and clears the list.
     void expect_fault(fault_kind kind, const block& concerned, const std::string& sentence) {
         ASSERT_EQ(faults.size(), 1u);
         const fault found = faults[0];
@@ -37,7 +37,7 @@ protected:
         EXPECT_EQ(found.sentence, sentence);
     }
 
-    /// The block of the last request, as a fault names it.
+    /// How a fault names the block of the last request.
     static std::string last(const std::string& size) {
         return "block " + std::to_string(requests()) + " (" + size + ")";
     }
@@ -63,7 +63,7 @@ TEST_F(Faults, ABadRequestUsesUpNoPlannedFailure) {
 }
 
 TEST_F(Faults, ABlockReleasedTwiceIsNamedWithSizeAndNumber) {
-    void* const address = take(24);
+    void* const address = request(24);
     const std::int64_t order = requests();
     qvFreeExOptim(address);
     EXPECT_TRUE(faults.empty());
@@ -76,12 +76,12 @@ TEST_F(Faults, ABlockReleasedTwiceIsNamedWithSizeAndNumber) {
 }
 
 TEST_F(Faults, ABlockReleasedTwiceIsDetectedAfterOtherRequestsToo) {
-    void* const address = take(24);
+    void* const address = request(24);
     const block first = {address, 24, requests()};
     const std::string first_name = last("24 bytes");
     qvFreeExOptim(address);
-    // Far too large for the place that has become free.
-    void* const other = take(large);
+    // Too large for the freed place, so the allocator uses another one.
+    void* const other = request(large);
     ASSERT_NE(other, address);
     qvFreeExOptim(address);
     expect_fault(fault_kind::double_free, first, first_name + " was released twice");
@@ -90,7 +90,7 @@ TEST_F(Faults, ABlockReleasedTwiceIsDetectedAfterOtherRequestsToo) {
 }
 
 TEST_F(Faults, ABlockOfOneByteIsNamedInTheSingular) {
-    void* const address = take(1);
+    void* const address = request(1);
     const std::int64_t order = requests();
     qvFreeExOptim(address);
     qvFreeExOptim(address);
@@ -98,9 +98,9 @@ TEST_F(Faults, ABlockOfOneByteIsNamedInTheSingular) {
                  last("1 byte") + " was released twice");
 }
 
-/// A new block at `address`, where a block of the same size has been given back; null when there is
-/// none to be had.
-void* take_again(void* address, std::int64_t nbytes) {
+/// A new block at `address`, where a block of the same size was released; null when 100 requests
+/// return other addresses.
+void* request_again(void* address, std::int64_t nbytes) {
     std::vector<void*> others;
     void* again = qvMallocExOptim(nbytes);
     while (again != address && others.size() < 100) {
@@ -117,9 +117,9 @@ TEST_F(Faults, AReusedAddressCanBeReleasedAgain) {
 #ifdef ZKTARN_TEST_EMULATED
     GTEST_SKIP() << "the emulator gives every large block new pages";
 #endif
-    void* const address = take(large);
+    void* const address = request(large);
     qvFreeExOptim(address);
-    ASSERT_EQ(take_again(address, large), address);
+    ASSERT_EQ(request_again(address, large), address);
     const std::int64_t order = live_blocks()[0].order;
 
     qvFreeExOptim(address);
@@ -136,12 +136,12 @@ TEST_F(Faults, AnAddressOfTheStackIsForeign) {
                  "an address that the memory manager never returned was released");
 }
 
-// Blocks begin at multiples of 64 bytes. The addresses in the next two tests are none, so none of
-// them can be that of a block from before.
+// Blocks begin at multiples of 64 bytes. The addresses in the next two tests are not multiples, so
+// none of them is the address of an earlier block.
 
 TEST_F(Faults, AnAddressInsideABlockIsForeignAndNamesTheBlock) {
-    unsigned char* const other = take(8);
-    unsigned char* const bytes = take(100);
+    unsigned char* const other = request(8);
+    unsigned char* const bytes = request(100);
     const block whole = {bytes, 100, requests()};
     for (const int offset : {1, 63, 99}) {
         qvFreeExOptim(bytes + offset);
@@ -155,7 +155,7 @@ TEST_F(Faults, AnAddressInsideABlockIsForeignAndNamesTheBlock) {
 }
 
 TEST_F(Faults, AnAddressJustOutsideABlockIsForeignAndNamesNone) {
-    unsigned char* const bytes = take(100);
+    unsigned char* const bytes = request(100);
     for (const int offset : {-63, -1, 100, 163}) {
         qvFreeExOptim(bytes + offset);
         expect_fault(fault_kind::foreign_free, {bytes + offset, 0, 0},
@@ -168,7 +168,7 @@ TEST_F(Faults, AnAddressJustOutsideABlockIsForeignAndNamesNone) {
 TEST_F(Faults, AWriteUpTo64BytesPastTheEndIsDetectedAtTheRelease) {
     for (const std::int64_t nbytes : {1, 24, 63, 64, 65}) {
         for (const int distance : {0, 1, 63}) {
-            unsigned char* const bytes = take(nbytes);
+            unsigned char* const bytes = request(nbytes);
             const block damaged = {bytes, nbytes, requests()};
             bytes[nbytes + distance] = 0;
             qvFreeExOptim(bytes);
@@ -181,7 +181,7 @@ TEST_F(Faults, AWriteUpTo64BytesPastTheEndIsDetectedAtTheRelease) {
 
 TEST_F(Faults, AWriteUpTo64BytesBeforeTheStartIsDetectedAtTheRelease) {
     for (const int distance : {1, 2, 64}) {
-        unsigned char* const bytes = take(16);
+        unsigned char* const bytes = request(16);
         const block damaged = {bytes, 16, requests()};
         *(bytes - distance) = 0;
         qvFreeExOptim(bytes);
@@ -191,8 +191,8 @@ TEST_F(Faults, AWriteUpTo64BytesBeforeTheStartIsDetectedAtTheRelease) {
 }
 
 TEST_F(Faults, CheckBlocksReportsADamagedBlockOnceAndItsReleaseDoesNot) {
-    unsigned char* const sound = take(8);
-    unsigned char* const past = take(8);
+    unsigned char* const sound = request(8);
+    unsigned char* const past = request(8);
     const block past_block = {past, 8, requests()};
     const std::string past_name = last("8 bytes");
     past[8] = 0;
@@ -214,7 +214,7 @@ TEST_F(Faults, CheckBlocksReportsADamagedBlockOnceAndItsReleaseDoesNot) {
 TEST_F(Faults, CheckBlocksReportsDamagedBlocksByOrderNumber) {
     std::vector<unsigned char*> blocks;
     for (int i = 0; i < 20; ++i) {
-        blocks.push_back(take(8));
+        blocks.push_back(request(8));
         blocks.back()[8] = 0;
     }
     EXPECT_EQ(check_blocks(), 20);
@@ -227,7 +227,7 @@ TEST_F(Faults, CheckBlocksReportsDamagedBlocksByOrderNumber) {
 }
 
 TEST_F(Faults, ABlockDamagedAtBothEndsIsReportedOnce) {
-    unsigned char* const bytes = take(8);
+    unsigned char* const bytes = request(8);
     bytes[8] = 0;
     *(bytes - 1) = 0;
     EXPECT_EQ(check_blocks(), 1);
@@ -239,43 +239,43 @@ TEST_F(Faults, ABlockDamagedAtBothEndsIsReportedOnce) {
 
 class Handlers : public StandinTest {};
 
-TEST_F(Handlers, TheFaultHandlerReturnedIsThePreviousOne) {
-    int told = 0;
-    set_fault_handler([&](const fault&) { told += 1; });
-    const fault_handler previous = set_fault_handler([&](const fault&) { told += 10; });
+TEST_F(Handlers, SetFaultHandlerReturnsThePreviousOne) {
+    int calls = 0;
+    set_fault_handler([&](const fault&) { calls += 1; });
+    const fault_handler previous = set_fault_handler([&](const fault&) { calls += 10; });
     qvMallocExOptim(0);
-    EXPECT_EQ(told, 10);
+    EXPECT_EQ(calls, 10);
     ASSERT_TRUE(previous);
     previous({});
-    EXPECT_EQ(told, 11);
+    EXPECT_EQ(calls, 11);
     set_fault_handler({});
     EXPECT_FALSE(set_fault_handler({}));
 }
 
-TEST_F(Handlers, TheAssertionHandlerReturnedIsThePreviousOne) {
-    int told = 0;
-    EXPECT_FALSE(set_assertion_handler([&] { told += 1; }));
-    const assertion_handler previous = set_assertion_handler([&] { told += 10; });
+TEST_F(Handlers, SetAssertionHandlerReturnsThePreviousOne) {
+    int calls = 0;
+    EXPECT_FALSE(set_assertion_handler([&] { calls += 1; }));
+    const assertion_handler previous = set_assertion_handler([&] { calls += 10; });
     host::assertOptim(false);
-    EXPECT_EQ(told, 10);
+    EXPECT_EQ(calls, 10);
     ASSERT_TRUE(previous);
     previous();
-    EXPECT_EQ(told, 11);
+    EXPECT_EQ(calls, 11);
     set_assertion_handler({});
     EXPECT_FALSE(set_assertion_handler({}));
 }
 
 TEST_F(Handlers, OnlyFailedAssertionsReachTheHandler) {
-    int told = 0;
-    set_assertion_handler([&] { ++told; });
+    int calls = 0;
+    set_assertion_handler([&] { ++calls; });
     host::assertOptim(true);
-    EXPECT_EQ(told, 0);
+    EXPECT_EQ(calls, 0);
     host::assertOptim(false);
     host::assertOptim(false);
-    EXPECT_EQ(told, 2);
+    EXPECT_EQ(calls, 2);
 }
 
-TEST_F(Handlers, AHandlerMayUseTheWholeControlAndTheHost) {
+TEST_F(Handlers, AHandlerMayCallTheControlAndTheHost) {
     std::int64_t live = -1;
     set_fault_handler([&](const fault&) {
         qvFreeExOptim(qvMallocExOptim(8));
@@ -297,20 +297,20 @@ TEST_F(Handlers, ResetRestoresTheDefaults) {
 }
 
 TEST_F(Handlers, KeepTheirStateFromCallToCall) {
-    int told = 0;
-    set_fault_handler([&told, times = 0](const fault&) mutable { told = ++times; });
+    int calls = 0;
+    set_fault_handler([&calls, count = 0](const fault&) mutable { calls = ++count; });
     qvMallocExOptim(0);
     qvMallocExOptim(0);
-    EXPECT_EQ(told, 2);
-    const fault_handler taken = set_fault_handler([](const fault&) {});
-    taken({fault_kind::bad_request, {}, ""});
-    EXPECT_EQ(told, 3);
+    EXPECT_EQ(calls, 2);
+    const fault_handler previous = set_fault_handler([](const fault&) {});
+    previous({fault_kind::bad_request, {}, ""});
+    EXPECT_EQ(calls, 3);
 
-    int asserted = 0;
-    set_assertion_handler([&asserted, times = 0]() mutable { asserted = ++times; });
+    int failures = 0;
+    set_assertion_handler([&failures, count = 0]() mutable { failures = ++count; });
     host::assertOptim(false);
     host::assertOptim(false);
-    EXPECT_EQ(asserted, 2);
+    EXPECT_EQ(failures, 2);
 }
 
 } // namespace

@@ -16,7 +16,7 @@ namespace {
 
 using numbers = std::vector<double>;
 
-/// No call has written this.
+/// A handle that no call returns.
 constexpr array_handle unwritten = -77;
 
 double number_in(const reply& result) {
@@ -41,9 +41,9 @@ protected:
     array_value returned_by(const std::string& name) {
         array_handle output = unwritten;
         EXPECT_EQ(call_function(name, input, output), 0);
-        const array_value seen = inspect(output);
+        const array_value value = inspect(output);
         destroy(output);
-        return seen;
+        return value;
     }
 
     void expect_unknown(const std::string& name) {
@@ -57,7 +57,7 @@ protected:
     array_handle input = 0;
 };
 
-TEST_F(Functions, AFunctionSeesItsInput) {
+TEST_F(Functions, AFunctionReceivesItsInput) {
     array_value seen;
     set_function("tarnCallback", [&](const array_value& value) {
         seen = value;
@@ -68,7 +68,7 @@ TEST_F(Functions, AFunctionSeesItsInput) {
     EXPECT_EQ(seen.scalar(), 20.0);
 }
 
-TEST_F(Functions, AFunctionSeesAStructWithItsFields) {
+TEST_F(Functions, AFunctionReceivesAStructWithItsFields) {
     const array_handle made = make_struct({1, 1}, 1, "flag", 4);
     set_field(made, 1, "flag", make_text("iter"));
     std::string flag;
@@ -80,7 +80,7 @@ TEST_F(Functions, AFunctionSeesAStructWithItsFields) {
     EXPECT_EQ(call_function("f", made, output), 0);
     EXPECT_EQ(flag, "iter");
     destroy(output);
-    // The input stayed the caller's.
+    // The caller still owns the input.
     destroy(made);
 }
 
@@ -133,7 +133,7 @@ TEST_F(Functions, TextIsReturnedAsText) {
     EXPECT_EQ(returned_by("literal").text(), "off");
 }
 
-TEST_F(Functions, WhatIsReturnedWasMadeByTheCall) {
+TEST_F(Functions, TheCallIsTheMakerOfTheOutput) {
     const std::string kinds[] = {"real scalar", "real matrix", "text"};
     const reply replies[] = {1.0, numbers{1.0}, std::string("x")};
     for (int i = 0; i < 3; ++i) {
@@ -256,19 +256,19 @@ TEST_F(Functions, AFunctionKeepsItsStateFromCallToCall) {
     set_function("count", [calls = 0](const array_value&) mutable { return ++calls; });
     EXPECT_EQ(returned_by("count").scalar(), 1.0);
     EXPECT_EQ(returned_by("count").scalar(), 2.0);
-    const host_function taken = set_function("count", {});
-    EXPECT_EQ(number_in(taken({})), 3.0);
+    const host_function previous = set_function("count", {});
+    EXPECT_EQ(number_in(previous({})), 3.0);
 }
 
-/// Registers a function when it goes.
-struct registers_at_its_end {
-    ~registers_at_its_end() {
+/// Registers a function in its destructor.
+struct registers_on_destruction {
+    ~registers_on_destruction() {
         set_function("late", [](const array_value&) { return 5.0; });
     }
 };
 
 TEST_F(Functions, AFunctionIsDestroyedWithNoLockHeld) {
-    set_function("f", [held = std::make_shared<registers_at_its_end>()](const array_value&) {
+    set_function("f", [held = std::make_shared<registers_on_destruction>()](const array_value&) {
         return held ? 1.0 : 0.0;
     });
     EXPECT_EQ(returned_by("f").scalar(), 1.0);

@@ -36,7 +36,7 @@ numbers drawn(void* generator, std::int64_t count) {
     return values;
 }
 
-/// The first numbers of a generator of its own.
+/// The first numbers of a new generator.
 numbers first_of_seed(std::int32_t seed, std::int64_t count) {
     void* const generator = instantiateRngOptim(seed);
     const numbers values = drawn(generator, count);
@@ -73,7 +73,7 @@ TEST_F(Generators, OneAtATimeGivesTheSameAsManyAtOnce) {
     deleteRngOptim(generator);
 }
 
-TEST_F(Generators, EachHasAStreamOfItsOwn) {
+TEST_F(Generators, EachHasItsOwnStream) {
     void* const first = instantiateRngOptim(1);
     void* const second = instantiateRngOptim(2);
     ASSERT_NE(first, second);
@@ -84,7 +84,7 @@ TEST_F(Generators, EachHasAStreamOfItsOwn) {
         EXPECT_EQ(drawn(second, 1)[0], of_second[i]);
     }
     deleteRngOptim(first);
-    // The other goes on.
+    // The other generator still draws.
     EXPECT_EQ(drawn(second, 1)[0], first_of_seed(2, 21)[20]);
     deleteRngOptim(second);
 }
@@ -99,7 +99,7 @@ TEST_F(Generators, NumbersAreUniformFrom0To1) {
     for (const double each : values) {
         ++hits[static_cast<int>(each * bins)];
     }
-    // A bin has 10000 of them, give or take 95; five times that is far off.
+    // The expected count of a bin is 10000, the standard deviation 95; 5 of those are allowed.
     for (const int in_bin : hits) {
         EXPECT_NEAR(in_bin, count / bins, 475);
     }
@@ -128,7 +128,7 @@ TEST_F(Generators, NoMoreNumbersAreDrawnThanRequested) {
 
 TEST_F(Generators, ASnapshotRestoresExactlyAndRepeatedly) {
     void* const generator = instantiateRngOptim(11);
-    // The state is longer than a number: begin in the middle of it.
+    // The engine refills its state after 312 numbers; begin between two refills.
     drawn(generator, 1000);
     void* const state = getRngStateOptim(generator);
     ASSERT_NE(state, nullptr);
@@ -142,7 +142,7 @@ TEST_F(Generators, ASnapshotRestoresExactlyAndRepeatedly) {
     deleteRngStateOptim(state);
 }
 
-TEST_F(Generators, ASnapshotSetsAnotherGeneratorAndOutlivesItsOwn) {
+TEST_F(Generators, ASnapshotRestoresAnotherGeneratorAfterItsOwnIsDeleted) {
     void* const first = instantiateRngOptim(1);
     void* const second = instantiateRngOptim(2);
     drawn(first, 10);
@@ -166,7 +166,7 @@ TEST_F(Generators, ASnapshotOfANullGeneratorIsNullWithoutAFault) {
     EXPECT_EQ(getRngStateOptim(nullptr), nullptr);
 }
 
-/// Addresses that are not those of live generators and snapshots.
+/// Handles that do not belong to live generators or snapshots.
 class GeneratorFaults : public StandinTest {
 protected:
     void SetUp() override {
@@ -182,7 +182,7 @@ protected:
         StandinTest::TearDown();
     }
 
-    /// Every use of a generator, and that it is refused.
+    /// Every operation on a generator reports this fault.
     void expect_no_generator(void* address, fault_kind kind, const std::string& after_name) {
         EXPECT_EQ(drawn(address, 2), numbers(2, -1.0));
         expect_fault(kind, "getRandUniformOptim: " + after_name);
@@ -216,11 +216,11 @@ std::string newest(operation made_by) {
     return std::to_string(number);
 }
 
-/// Addresses that are those of neither a generator nor a snapshot: none, one of the program's, one
-/// beside a good one, and the one furthest away.
-std::vector<void*> never_handed_out(void* good) {
+/// Addresses that never were a handle: null, a variable, one byte past a handle, and the highest
+/// multiple of 64.
+std::vector<void*> never_returned(void* handle) {
     static int local = 0;
-    return {nullptr, &local, static_cast<char*>(good) + 1,
+    return {nullptr, &local, static_cast<char*>(handle) + 1,
             reinterpret_cast<void*>(~std::uintptr_t{63})};
 }
 
@@ -235,39 +235,39 @@ TEST_F(GeneratorFaults, GeneratorsAndSnapshotsHaveDifferentHandles) {
                  "setRngStateOptim: the address is not that of a snapshot");
 }
 
-TEST_F(GeneratorFaults, AGeneratorIsOneThatWasMade) {
-    for (void* const address : never_handed_out(generator)) {
+TEST_F(GeneratorFaults, AHandleThatIsNotAGeneratorIsAFault) {
+    for (void* const address : never_returned(generator)) {
         expect_no_generator(address, fault_kind::unknown_object,
                             "the address is not that of a generator");
     }
 }
 
-TEST_F(GeneratorFaults, ASnapshotIsOneThatWasMade) {
-    for (void* const address : never_handed_out(state)) {
+TEST_F(GeneratorFaults, AHandleThatIsNotASnapshotIsAFault) {
+    for (void* const address : never_returned(state)) {
         expect_no_snapshot(address, fault_kind::unknown_object,
                            "the address is not that of a snapshot");
     }
 }
 
-TEST_F(GeneratorFaults, AGeneratorIsNotUsedOrDeletedAfterItWasDeleted) {
-    void* const gone = instantiateRngOptim(2);
+TEST_F(GeneratorFaults, ADeletedGeneratorIsAFault) {
+    void* const deleted = instantiateRngOptim(2);
     const std::string number = newest(operation::instantiateRngOptim);
-    deleteRngOptim(gone);
-    expect_no_generator(gone, fault_kind::use_after_release,
+    deleteRngOptim(deleted);
+    expect_no_generator(deleted, fault_kind::use_after_release,
                         "generator " + number +
                             " (made by instantiateRngOptim) was used after it was deleted");
 }
 
-TEST_F(GeneratorFaults, ASnapshotIsNotUsedOrDeletedAfterItWasDeleted) {
-    void* const gone = getRngStateOptim(generator);
+TEST_F(GeneratorFaults, ADeletedSnapshotIsAFault) {
+    void* const deleted = getRngStateOptim(generator);
     const std::string number = newest(operation::getRngStateOptim);
-    deleteRngStateOptim(gone);
-    expect_no_snapshot(gone, fault_kind::use_after_release,
+    deleteRngStateOptim(deleted);
+    expect_no_snapshot(deleted, fault_kind::use_after_release,
                        "snapshot " + number +
                            " (made by getRngStateOptim) was used after it was deleted");
 }
 
-TEST_F(GeneratorFaults, AFaultySnapshotLeavesTheGeneratorAsItIs) {
+TEST_F(GeneratorFaults, AFaultySnapshotDoesNotChangeTheGenerator) {
     int local = 0;
     drawn(generator, 5);
     setRngStateOptim(generator, &local);
@@ -276,7 +276,7 @@ TEST_F(GeneratorFaults, AFaultySnapshotLeavesTheGeneratorAsItIs) {
     EXPECT_EQ(drawn(generator, 1)[0], first_of_seed(1, 6)[5]);
 }
 
-TEST_F(GeneratorFaults, TheNumberToBeDrawnIsNotNegative) {
+TEST_F(GeneratorFaults, ANegativeCountIsAFault) {
     double untouched = -1.0;
     const std::int64_t count = -2;
     host::getRandUniformOptim(generator, &untouched, &count);
@@ -286,11 +286,11 @@ TEST_F(GeneratorFaults, TheNumberToBeDrawnIsNotNegative) {
 }
 
 TEST_F(GeneratorFaults, AHandleIsNeverReused) {
-    std::set<void*> seen;
+    std::set<void*> handles;
     for (int i = 0; i < 100; ++i) {
         void* const made = instantiateRngOptim(i);
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(made) % 64, 0u);
-        EXPECT_TRUE(seen.insert(made).second);
+        EXPECT_TRUE(handles.insert(made).second);
         deleteRngOptim(made);
     }
 }

@@ -8,7 +8,7 @@
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn_standin/control.hpp"
 
-/// The host's operations on arrays, as the tests call them: by value, with texts as strings.
+/// The host's array operations with arguments by value and texts as strings.
 
 namespace zktarn::standin {
 
@@ -73,7 +73,7 @@ inline std::int32_t print_text(const std::string& text) {
     return host::qvxprintf800_(text.data(), static_cast<std::int64_t>(text.size()));
 }
 
-/// An array as the sentence of a fault names it.
+/// How the sentence of a fault names an array.
 inline std::string described(array_handle array, const std::string& kind, operation made_by) {
     return "array " + std::to_string(array) + " (a " + kind + " made by " + name(made_by) + ")";
 }

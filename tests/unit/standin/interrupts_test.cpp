@@ -24,8 +24,8 @@ void on_previous(int) {
     reached_previous = reached_previous + 1;
 }
 
-/// Starts with a handler of SIGINT that counts, as a program may have one, and leaves behind the
-/// one that was there.
+/// Installs a counting SIGINT handler before each test, as a program may, and restores the original
+/// one afterwards.
 class Interrupts : public StandinTest {
 protected:
     void SetUp() override {
@@ -42,24 +42,24 @@ protected:
         sigaction(SIGINT, &before_, nullptr);
     }
 
-    /// The answers of `n` polls, as a text of 1 and 0.
+    /// The results of `n` polls: '1' where one reports an interrupt, else '0'.
     static std::string polls(int n) {
-        std::string answers;
+        std::string results;
         for (int i = 0; i < n; ++i) {
-            answers += utIsInterruptPending() ? '1' : '0';
+            results += utIsInterruptPending() ? '1' : '0';
         }
-        return answers;
+        return results;
     }
 
 private:
     struct sigaction before_ {};
 };
 
-TEST_F(Interrupts, ThereIsNoneAtTheBeginning) {
+TEST_F(Interrupts, NoneIsPendingAtFirst) {
     EXPECT_EQ(polls(3), "000");
 }
 
-TEST_F(Interrupts, OneIsReportedByOnePoll) {
+TEST_F(Interrupts, ARaisedOneIsReportedByOnePoll) {
     raise_interrupt();
     EXPECT_EQ(polls(3), "100");
     raise_interrupt();
@@ -86,13 +86,13 @@ TEST_F(Interrupts, APlanReplacesAnEarlierPlan) {
     EXPECT_EQ(polls(3), "000");
 }
 
-TEST_F(Interrupts, ARaisedOneLeavesThePlanAsItIs) {
+TEST_F(Interrupts, ARaisedOneDoesNotChangeThePlan) {
     interrupt_at_poll(2);
     raise_interrupt();
     EXPECT_EQ(polls(4), "1100");
 }
 
-TEST_F(Interrupts, APlannedAndARaisedOneAreOneAtTheSamePoll) {
+TEST_F(Interrupts, OnePollReportsAPlannedAndARaisedOneTogether) {
     interrupt_at_poll(1);
     raise_interrupt();
     EXPECT_EQ(polls(3), "100");
@@ -115,7 +115,7 @@ TEST_F(Interrupts, TheFirstPollTurnsListeningOn) {
     EXPECT_TRUE(listen_for_sigint(true));
 }
 
-TEST_F(Interrupts, TheFirstPollLeavesWhatWasChosenBefore) {
+TEST_F(Interrupts, TheFirstPollKeepsAnExplicitSetting) {
     EXPECT_FALSE(listen_for_sigint(false));
     EXPECT_EQ(polls(1), "0");
     raise(SIGINT);
@@ -157,7 +157,7 @@ void on_later_with_details(int, siginfo_t*, void*) {
     reached_later = reached_later + 1;
 }
 
-TEST_F(Interrupts, TurningItOffLeavesAHandlerThatTheProgramHasInstalledSince) {
+TEST_F(Interrupts, TurningItOffKeepsAHandlerThatTheProgramInstalledLater) {
     struct sigaction later = {};
     later.sa_handler = on_later;
     struct sigaction detailed = {};
@@ -175,12 +175,12 @@ TEST_F(Interrupts, TurningItOffLeavesAHandlerThatTheProgramHasInstalledSince) {
     }
 }
 
-TEST_F(Interrupts, TheFirstPollLeavesASignalThatIsIgnored) {
+TEST_F(Interrupts, TheFirstPollKeepsAnIgnoredSignalIgnored) {
     signal(SIGINT, SIG_IGN);
     EXPECT_EQ(polls(1), "0");
     raise(SIGINT);
     EXPECT_EQ(polls(1), "0");
-    // Only a call turns listening on.
+    // Only an explicit call turns listening on.
     EXPECT_FALSE(listen_for_sigint(true));
     raise(SIGINT);
     EXPECT_EQ(polls(1), "1");
@@ -200,12 +200,12 @@ TEST_F(Interrupts, ResetRestoresThePreviousHandlerAndListensAgainAtThePoll) {
     EXPECT_EQ(polls(1), "1");
 }
 
-TEST_F(Interrupts, ASecondSignalGoesToThePreviousHandlerForGood) {
+TEST_F(Interrupts, ASecondSignalGoesToThePreviousHandlerAndEndsListening) {
     listen_for_sigint(true);
     raise(SIGINT);
     raise(SIGINT);
     EXPECT_EQ(reached_previous, 1);
-    // The first one is still to be answered.
+    // The first signal is still pending.
     EXPECT_EQ(polls(2), "10");
     raise(SIGINT);
     EXPECT_EQ(reached_previous, 2);
@@ -213,7 +213,7 @@ TEST_F(Interrupts, ASecondSignalGoesToThePreviousHandlerForGood) {
     EXPECT_FALSE(listen_for_sigint(true));
 }
 
-TEST_F(Interrupts, ListeningAgainCountsSignalsFromTheStart) {
+TEST_F(Interrupts, ListeningAgainStartsANewCountOfSignals) {
     listen_for_sigint(true);
     raise(SIGINT);
     listen_for_sigint(false);
@@ -222,7 +222,7 @@ TEST_F(Interrupts, ListeningAgainCountsSignalsFromTheStart) {
     EXPECT_EQ(reached_previous, 0);
 }
 
-TEST_F(Interrupts, ASecondSignalWithinTwoSecondsIsNotTooLate) {
+TEST_F(Interrupts, ASecondSignalWithinTwoSecondsGoesToThePreviousHandler) {
     listen_for_sigint(true);
     raise(SIGINT);
     std::this_thread::sleep_for(std::chrono::milliseconds(1000));
@@ -230,7 +230,7 @@ TEST_F(Interrupts, ASecondSignalWithinTwoSecondsIsNotTooLate) {
     EXPECT_EQ(reached_previous, 1);
 }
 
-TEST_F(Interrupts, ASecondSignalAfterTwoSecondsIsAFirstOne) {
+TEST_F(Interrupts, ASignalAfterTwoSecondsCountsAsAFirstOne) {
     listen_for_sigint(true);
     raise(SIGINT);
     EXPECT_EQ(polls(2), "10");
@@ -240,14 +240,14 @@ TEST_F(Interrupts, ASecondSignalAfterTwoSecondsIsAFirstOne) {
     EXPECT_EQ(polls(2), "10");
 }
 
-/// A solver that polls until it is ended, and tells the writing end of a pipe when it is ready and
-/// when a poll has answered true.
-[[noreturn]] void solve(int told) {
+/// A solver that polls until a signal ends it. It writes 'r' to the pipe when it is ready, and 'i'
+/// whenever a poll reports an interrupt.
+[[noreturn]] void solve(int pipe_end) {
     signal(SIGINT, SIG_DFL);
-    // Whatever goes wrong, it does not stay.
+    // Ends the process even if the test fails.
     alarm(30);
     char word = utIsInterruptPending() ? 'x' : 'r';
-    while (write(told, &word, 1) == 1) {
+    while (write(pipe_end, &word, 1) == 1) {
         while (!utIsInterruptPending()) {
             usleep(1000);
         }
@@ -256,7 +256,7 @@ TEST_F(Interrupts, ASecondSignalAfterTwoSecondsIsAFirstOne) {
     _exit(1);
 }
 
-/// What a process says next; 0 when it has ended.
+/// The next character of the pipe; 0 when the writing process has ended.
 char next_word(int pipe_end) {
     char word = 0;
     return read(pipe_end, &word, 1) == 1 ? word : '\0';

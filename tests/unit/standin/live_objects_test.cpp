@@ -15,7 +15,7 @@ namespace {
 
 class LiveObjects : public StandinTest {
 protected:
-    /// The descriptions of what has come since the test began, in order.
+    /// The descriptions of all live objects, in order.
     static std::vector<std::string> descriptions() {
         std::vector<std::string> all;
         for (const live_object& each : live_objects()) {
@@ -67,7 +67,7 @@ TEST_F(LiveObjects, AreListedByKindAndNumber) {
     EXPECT_TRUE(live_objects().empty());
 }
 
-TEST_F(LiveObjects, StayThroughAReset) {
+TEST_F(LiveObjects, SurviveAReset) {
     const array_handle text = make_text("x");
     reset();
     EXPECT_EQ(descriptions(), std::vector<std::string>{the_text(text)});
@@ -86,7 +86,7 @@ TEST_F(LiveObjects, FollowTheMemoryInTheReport) {
     host::qvFreeExOptim(address);
 }
 
-/// The report as a program that starts afresh sees it: each statement runs in a process of its own.
+/// The complete report of a new process: each statement runs in its own process.
 class LiveObjectsAtExitDeathTest : public testing::Test {
 protected:
     void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }

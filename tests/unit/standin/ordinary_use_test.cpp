@@ -14,8 +14,8 @@ namespace zktarn::standin {
 
 namespace {
 
-/// A memory manager as plain as can be: the live blocks by order number, each with what was written
-/// into it. The stand-in is held against it through a long run of ordinary use.
+/// Compares the stand-in with a simple model of a memory manager, a map of live blocks by order
+/// number with their contents, over many random requests and releases.
 class OrdinaryUse : public StandinTest {
 protected:
     struct entry {
@@ -27,8 +27,8 @@ protected:
         return std::uniform_int_distribution<int>(first, last)(generator_);
     }
 
-    /// Asks for a block and writes all of it, or sees the request fail when that is planned.
-    void take() {
+    /// Requests a block and fills it; when a failure is planned, expects null.
+    void request() {
         const bool fails = draw(0, 9) == 0;
         fail_request(fails ? 1 : 0);
         ++requests_;
@@ -45,8 +45,8 @@ protected:
         }
     }
 
-    /// Gives one of the live blocks back and sees that it still holds what was written.
-    void give() {
+    /// Checks the contents of a random live block and releases it.
+    void release() {
         if (live_.empty()) {
             return;
         }
@@ -77,18 +77,18 @@ private:
     std::mt19937 generator_{20240607};
 };
 
-TEST_F(OrdinaryUse, AgreesWithThePlainMemoryManagerAndCausesNoFault) {
+TEST_F(OrdinaryUse, AgreesWithTheModelAndCausesNoFault) {
     for (int step = 0; step < 20000; ++step) {
-        // More is taken than given back for a while, then less.
+        // The number of live blocks grows for 1000 steps, then shrinks for 1000.
         const bool growing = step / 1000 % 2 == 0;
-        ASSERT_NO_FATAL_FAILURE(draw(0, 99) < (growing ? 60 : 40) ? take() : give());
+        ASSERT_NO_FATAL_FAILURE(draw(0, 99) < (growing ? 60 : 40) ? request() : release());
         if (step % 100 == 0) {
             EXPECT_EQ(check_blocks(), 0);
             ASSERT_NO_FATAL_FAILURE(expect_agreement());
         }
     }
     while (!live_.empty()) {
-        ASSERT_NO_FATAL_FAILURE(give());
+        ASSERT_NO_FATAL_FAILURE(release());
     }
     expect_agreement();
     EXPECT_TRUE(faults.empty());

@@ -29,15 +29,15 @@ protected:
     }
 };
 
-/// Whether each of `n` requests is met, as a text of 1 and 0. Gives everything back.
-std::string met(int n) {
-    std::string answers;
+/// Makes `n` requests and releases the blocks: '1' for each block, '0' for each refusal.
+std::string results_of(int n) {
+    std::string results;
     for (int i = 0; i < n; ++i) {
         void* const address = qvMallocExOptim(8);
-        answers += address != nullptr ? '1' : '0';
+        results += address != nullptr ? '1' : '0';
         qvFreeExOptim(address);
     }
-    return answers;
+    return results;
 }
 
 TEST_F(Requests, BlocksOfEverySizeAreAlignedTo64Bytes) {
@@ -57,8 +57,8 @@ TEST_F(Requests, BlocksOfEverySizeAreAlignedTo64Bytes) {
 
 #ifdef __linux__
 
-/// The flags of the mapping that an address lies in, as the system shows them ("rd wr mr ... hg");
-/// empty where it shows none.
+/// The flags of the mapping that contains an address, as in /proc/self/smaps ("rd wr mr ... hg");
+/// empty where the kernel lists none.
 std::string flags_of_mapping(const void* address) {
     std::ifstream maps("/proc/self/smaps");
     const auto wanted = reinterpret_cast<std::uintptr_t>(address);
@@ -75,7 +75,7 @@ std::string flags_of_mapping(const void* address) {
     return {};
 }
 
-/// Whether this kernel has huge pages at all; an emulator shows the kernel's folder without them.
+/// Whether the kernel supports huge pages. An emulator shows the kernel's folder but not the pages.
 bool has_huge_pages() {
 #ifdef ZKTARN_TEST_EMULATED
     return false;
@@ -119,7 +119,7 @@ TEST_F(Requests, HugePagesReturnsThePreviousSettingAndResetTurnsItOn) {
     EXPECT_TRUE(huge_pages(true));
 }
 
-TEST_F(Requests, BothEndsOfALargeBlockAreWatched) {
+TEST_F(Requests, WritesBesideBothEndsOfALargeBlockAreDetected) {
     constexpr std::int64_t large = std::int64_t{5} << 20;
     for (const bool on : {true, false}) {
         huge_pages(on);
@@ -147,7 +147,7 @@ TEST_F(Requests, EveryByteOfABlockCanBeWritten) {
     }
 }
 
-TEST_F(Requests, AreNumberedOneByOneRefusedOnesIncluded) {
+TEST_F(Requests, AreNumberedConsecutivelyIncludingRefusedOnes) {
     const std::int64_t before = requests();
     void* const first = qvMallocExOptim(8);
     fail_request(1);
@@ -163,7 +163,7 @@ TEST_F(Requests, AreNumberedOneByOneRefusedOnesIncluded) {
     qvFreeExOptim(third);
 }
 
-TEST_F(Requests, AreNumberedOnAfterAReset) {
+TEST_F(Requests, KeepTheirNumberingThroughAReset) {
     void* const kept = qvMallocExOptim(8);
     const std::int64_t order = requests();
     reset();
@@ -173,7 +173,7 @@ TEST_F(Requests, AreNumberedOnAfterAReset) {
     qvFreeExOptim(kept);
 }
 
-TEST_F(Requests, LargerThanAnyMemoryAreRefusedWithoutAFault) {
+TEST_F(Requests, TooLargeForAnyMachineAreRefusedWithoutAFault) {
     const std::int64_t before = requests();
     EXPECT_EQ(qvMallocExOptim(largest), nullptr);
     EXPECT_EQ(qvMallocExOptim(largest - 63), nullptr);
@@ -183,7 +183,7 @@ TEST_F(Requests, LargerThanAnyMemoryAreRefusedWithoutAFault) {
     EXPECT_TRUE(live_blocks().empty());
 }
 
-TEST_F(Requests, LiveBlocksComeByOrderNumberWithAddressAndSize) {
+TEST_F(Requests, LiveBlocksAreListedByOrderNumberWithAddressAndSize) {
     const std::int64_t before = requests();
     std::vector<void*> addresses;
     for (std::int64_t nbytes = 1; nbytes <= 40; ++nbytes) {
@@ -213,81 +213,81 @@ class FailRequest : public Requests {};
 
 TEST_F(FailRequest, FailsTheKthRequestOnce) {
     fail_request(1);
-    EXPECT_EQ(met(3), "011");
+    EXPECT_EQ(results_of(3), "011");
     fail_request(3);
-    EXPECT_EQ(met(5), "11011");
+    EXPECT_EQ(results_of(5), "11011");
 }
 
 TEST_F(FailRequest, ReplacesAnEarlierPlan) {
     fail_request(1);
     fail_request(2);
-    EXPECT_EQ(met(3), "101");
+    EXPECT_EQ(results_of(3), "101");
     fail_requests_from(1);
     fail_request(2);
-    EXPECT_EQ(met(3), "101");
+    EXPECT_EQ(results_of(3), "101");
 }
 
 TEST_F(FailRequest, PlansNoFailureBelowOne) {
     for (const std::int64_t k : {std::int64_t{0}, std::int64_t{-1}, -largest - 1}) {
         fail_request(1);
         fail_request(k);
-        EXPECT_EQ(met(3), "111") << k;
+        EXPECT_EQ(results_of(3), "111") << k;
     }
 }
 
 TEST_F(FailRequest, TakesAnyLargeNumber) {
     for (const std::int64_t k : {largest, largest - 1, largest - requests()}) {
         fail_request(k);
-        EXPECT_EQ(met(3), "111") << k;
+        EXPECT_EQ(results_of(3), "111") << k;
     }
 }
 
 TEST_F(FailRequest, EndsWithReset) {
     fail_request(1);
     reset();
-    EXPECT_EQ(met(2), "11");
+    EXPECT_EQ(results_of(2), "11");
 }
 
 class FailRequestsFrom : public Requests {};
 
 TEST_F(FailRequestsFrom, FailsTheKthRequestAndAllAfterIt) {
     fail_requests_from(3);
-    EXPECT_EQ(met(6), "110000");
+    EXPECT_EQ(results_of(6), "110000");
     fail_requests_from(1);
-    EXPECT_EQ(met(3), "000");
+    EXPECT_EQ(results_of(3), "000");
 }
 
 TEST_F(FailRequestsFrom, ReplacesAnEarlierPlan) {
     fail_request(1);
     fail_requests_from(2);
-    EXPECT_EQ(met(3), "100");
+    EXPECT_EQ(results_of(3), "100");
 }
 
 TEST_F(FailRequestsFrom, PlansNoFailureBelowOne) {
     for (const std::int64_t k : {std::int64_t{0}, std::int64_t{-1}, -largest - 1}) {
         fail_requests_from(1);
         fail_requests_from(k);
-        EXPECT_EQ(met(3), "111") << k;
+        EXPECT_EQ(results_of(3), "111") << k;
     }
 }
 
 TEST_F(FailRequestsFrom, TakesAnyLargeNumber) {
     for (const std::int64_t k : {largest, largest - 1, largest - requests()}) {
         fail_requests_from(k);
-        EXPECT_EQ(met(3), "111") << k;
+        EXPECT_EQ(results_of(3), "111") << k;
     }
 }
 
 TEST_F(FailRequestsFrom, EndsWithReset) {
     fail_requests_from(1);
     reset();
-    EXPECT_EQ(met(2), "11");
+    EXPECT_EQ(results_of(2), "11");
 }
 
 class FillNewBlocks : public Requests {};
 
-/// Whether every byte of a new block holds `byte`; the block is given back soiled, so that its
-/// memory does not happen to hold the byte when it is handed out again.
+/// Whether every byte of a new block holds `byte`. Overwrites the block before its release, so that
+/// reused memory cannot hold the byte by chance.
 bool new_block_is_filled(std::int64_t nbytes, int byte) {
     auto* const bytes = static_cast<unsigned char*>(qvMallocExOptim(nbytes));
     const bool filled = std::count(bytes, bytes + nbytes, byte) == nbytes;
@@ -305,7 +305,7 @@ TEST_F(FillNewBlocks, WritesEveryByteOfEveryNewBlockAndNoOther) {
     }
 }
 
-TEST_F(FillNewBlocks, LeavesLiveBlocksAsTheyAre) {
+TEST_F(FillNewBlocks, DoesNotChangeLiveBlocks) {
     auto* const bytes = static_cast<unsigned char*>(qvMallocExOptim(8));
     std::fill_n(bytes, 8, static_cast<unsigned char>(1));
     fill_new_blocks(2);
@@ -313,8 +313,7 @@ TEST_F(FillNewBlocks, LeavesLiveBlocksAsTheyAre) {
     qvFreeExOptim(bytes);
 }
 
-// In a process of its own: what is read here has been written by nobody, to which a memory checker
-// would object.
+// A death test: it reads uninitialised memory, so the memory checker's run leaves it out.
 TEST_F(FillNewBlocks, StopsAtMinusOneAndAtResetDeathTest) {
     const auto end = [] { std::exit(new_block_is_filled(100000, 0x5A) ? 1 : 0); };
     fill_new_blocks(0x5A);

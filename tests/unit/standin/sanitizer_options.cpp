@@ -1,5 +1,5 @@
-// The address sanitizer ends a process that asks for more than there can be, and keeps addresses
-// from being handed out again. These tests are about exactly that.
+// By default the address sanitizer aborts on a request that is too large and delays the reuse of
+// addresses. These tests need both: refused requests and reused addresses.
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)

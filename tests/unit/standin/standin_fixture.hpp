@@ -17,12 +17,12 @@
 #include "zktarn/host/libzkoptimutil.hpp"
 #include "zktarn_standin/control.hpp"
 
-/// What the tests of the stand-in share.
+/// The fixture and matchers of the stand-in's tests.
 
 namespace zktarn::standin {
 
-/// Starts every test with the initial settings and a handler that collects the faults, and expects
-/// it to release every block, array, generator and snapshot.
+/// Resets the stand-in before each test and collects its faults in `faults`. After each test,
+/// expects every block, array, generator and snapshot to be released.
 class StandinTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -35,7 +35,7 @@ protected:
     void TearDown() override {
         const std::vector<block> left = live_blocks();
         EXPECT_EQ(left.size(), 0u) << "the test has not released all its blocks";
-        // Released here, so that the next test starts without them.
+        // Releases what is left, so that the next test starts clean.
         set_fault_handler([](const fault&) {});
         for (const block& each : left) {
             host::qvFreeExOptim(const_cast<void*>(each.address));
@@ -51,7 +51,7 @@ protected:
         reset();
     }
 
-    /// Expects exactly one fault since the last call, with no block concerned, and forgets it.
+    /// Expects exactly one fault since the last call, without a block, and clears the list.
     void expect_fault(fault_kind kind, const std::string& sentence) {
         ASSERT_EQ(faults.size(), 1u) << "expected: " << sentence;
         const fault found = std::exchange(faults, {})[0];
@@ -68,8 +68,8 @@ private:
     std::size_t objects_before_ = 0;
 };
 
-/// A process that aborts takes its coverage counters with it, so where they are kept, a copy of the
-/// process leaves them behind in good order. Elsewhere this does nothing.
+/// abort() loses coverage counters. In an instrumented build, a SIGABRT handler forks a copy of the
+/// process whose regular exit writes them; in any other build this does nothing.
 inline void keep_coverage() {
 #ifdef __LLVM_INSTR_PROFILE_GENERATE
     signal(SIGABRT, [](int) {
@@ -83,7 +83,8 @@ inline void keep_coverage() {
 #endif
 }
 
-/// Matches a sentence that is followed by nothing but call stacks, whose lines are indented.
+/// Matches a sentence followed only by call stacks, whose lines are indented, and by qemu's
+/// message.
 MATCHER_P(sentence_with_stacks, sentence, "") {
     const std::string text = arg;
     if (text.rfind(sentence, 0) != 0) {
@@ -98,15 +99,15 @@ MATCHER_P(sentence_with_stacks, sentence, "") {
     return true;
 }
 
-/// Matches this text and no other.
+/// Matches the whole text.
 inline auto exactly(std::string text) {
     return testing::Eq(std::move(text));
 }
 
 } // namespace zktarn::standin
 
-/// Expects `statement` to abort the process with this sentence on standard error, and behind it
-/// nothing but call stacks, and what an emulator adds.
+/// Expects `statement` to abort the process with this sentence on standard error, followed only by
+/// call stacks and qemu's message.
 #define EXPECT_STOP(statement, sentence)                                                           \
     EXPECT_EXIT(                                                                                   \
         {                                                                                          \

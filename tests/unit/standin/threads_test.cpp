@@ -23,7 +23,7 @@ using host::qvMallocExOptim;
 constexpr int thread_count = 8;
 constexpr int rounds = 2000;
 
-/// Runs `work` on several threads at once, each with its number.
+/// Runs `work(t)` for t = 0, 1, ... on as many threads at the same time.
 template <class Work>
 void on_threads(Work work) {
     std::vector<std::thread> threads;
@@ -35,7 +35,7 @@ void on_threads(Work work) {
     }
 }
 
-/// True when a new block keeps what this thread writes, whatever the others do.
+/// Whether a new block keeps what this thread writes while other threads write theirs.
 bool block_is_ours(std::int64_t nbytes, int mark) {
     auto* const bytes = static_cast<unsigned char*>(qvMallocExOptim(nbytes));
     std::memset(bytes, mark, static_cast<std::size_t>(nbytes));
@@ -50,7 +50,7 @@ bool block_is_ours(std::int64_t nbytes, int mark) {
 
 class Threads : public StandinTest {};
 
-TEST_F(Threads, RequestsAndCountsAddUp) {
+TEST_F(Threads, NoRequestIsLostFromTheCounts) {
     const std::int64_t before = requests();
     std::atomic<int> bad = 0;
     on_threads([&](int t) {
@@ -68,7 +68,7 @@ TEST_F(Threads, RequestsAndCountsAddUp) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(Threads, EveryBlockHasAnOrderNumberOfItsOwn) {
+TEST_F(Threads, EveryBlockHasItsOwnOrderNumber) {
     const std::int64_t before = requests();
     on_threads([](int) {
         for (int i = 0; i < 100; ++i) {
@@ -83,7 +83,7 @@ TEST_F(Threads, EveryBlockHasAnOrderNumberOfItsOwn) {
     }
 }
 
-TEST_F(Threads, APlannedFailureMeetsExactlyOneRequest) {
+TEST_F(Threads, APlannedFailureRefusesExactlyOneRequest) {
     std::atomic<int> refused = 0;
     fail_request(std::int64_t{thread_count} * rounds / 2);
     on_threads([&](int) {
@@ -96,8 +96,8 @@ TEST_F(Threads, APlannedFailureMeetsExactlyOneRequest) {
     EXPECT_EQ(refused, 1);
 }
 
-/// True when an array, and a struct that comes to own it, keep what this thread stores in them,
-/// whatever the others do. Everything is given back.
+/// Whether an array, and the struct that then owns it, keep what this thread stores while other
+/// threads use theirs. Destroys both.
 bool arrays_are_ours(double mark) {
     const array_handle structure = make_struct({1, 1}, 1, "x", 1);
     const array_handle column = make_matrix(3, 1);
@@ -110,17 +110,17 @@ bool arrays_are_ours(double mark) {
     std::this_thread::yield();
     double copy[3] = {};
     host::qvcopyptrtoreal8800_(data_of(column), copy, 3);
-    const array_value seen = inspect(structure);
+    const array_value stored = inspect(structure);
     destroy(structure);
     return added == 2 && std::memcmp(copy, values, sizeof copy) == 0 &&
-           seen.field("x").reals() == std::vector<double>(values, values + 3) &&
-           seen.field("name").text() == std::to_string(mark);
+           stored.field("x").reals() == std::vector<double>(values, values + 3) &&
+           stored.field("name").text() == std::to_string(mark);
 }
 
-TEST_F(Threads, ArraysDoNotMeetAndCountsAddUp) {
-    std::atomic<int> told = 0;
+TEST_F(Threads, ArraysStayApartAndNoCallIsLostFromTheCounts) {
+    std::atomic<int> fault_count = 0;
     set_fault_handler([&](const fault& found) {
-        told += found.kind == fault_kind::out_of_range ? 1 : 1'000'000;
+        fault_count += found.kind == fault_kind::out_of_range ? 1 : 1'000'000;
     });
     std::atomic<int> bad = 0;
     on_threads([&](int t) {
@@ -130,8 +130,8 @@ TEST_F(Threads, ArraysDoNotMeetAndCountsAddUp) {
     });
     constexpr std::int64_t total = std::int64_t{thread_count} * rounds / 4;
     EXPECT_EQ(bad, 0);
-    // Each has stored something in a field before the field was there.
-    EXPECT_EQ(told, total);
+    // Each call of arrays_are_ours stores to a field that does not exist yet, which is a fault.
+    EXPECT_EQ(fault_count, total);
     for (const operation once :
          {operation::qvcreatestructarray800_, operation::qvcreatedoublematrix800_,
           operation::qvcreatestring800_, operation::qvsetfieldbynumber800_,
@@ -143,7 +143,7 @@ TEST_F(Threads, ArraysDoNotMeetAndCountsAddUp) {
     EXPECT_EQ(calls(operation::qvgetpr800_), 2 * total);
 }
 
-TEST_F(Threads, EveryArrayHasAHandleOfItsOwn) {
+TEST_F(Threads, EveryArrayHasItsOwnHandle) {
     std::vector<std::vector<array_handle>> made(thread_count);
     on_threads([&](int t) {
         for (int i = 0; i < 200; ++i) {
@@ -161,7 +161,7 @@ TEST_F(Threads, EveryArrayHasAHandleOfItsOwn) {
     EXPECT_EQ(handles.size(), std::size_t{200} * thread_count);
 }
 
-TEST_F(Threads, OneStructIsSharedWithoutLoss) {
+TEST_F(Threads, ASharedStructLosesNoField) {
     const array_handle structure = make_struct();
     on_threads([&](int) {
         for (int i = 0; i < 50; ++i) {
@@ -170,16 +170,16 @@ TEST_F(Threads, OneStructIsSharedWithoutLoss) {
             set_field(structure, 1, field, make_scalar(i));
         }
     });
-    const array_value seen = inspect(structure);
-    EXPECT_EQ(seen.field_names().size(), 50u);
+    const array_value result = inspect(structure);
+    EXPECT_EQ(result.field_names().size(), 50u);
     for (int i = 0; i < 50; ++i) {
-        EXPECT_EQ(seen.field(std::to_string(i)).scalar(), i);
+        EXPECT_EQ(result.field(std::to_string(i)).scalar(), i);
     }
     destroy(structure);
     EXPECT_TRUE(faults.empty());
 }
 
-/// `count` numbers of a generator of its own, with a snapshot taken and applied on the way.
+/// `count` numbers of a new generator, with a snapshot taken and restored in between.
 std::vector<double> drawn(std::int32_t seed, int count) {
     void* const generator = host::instantiateRngOptim(seed);
     std::vector<double> values;
@@ -198,7 +198,7 @@ std::vector<double> drawn(std::int32_t seed, int count) {
     return values;
 }
 
-TEST_F(Threads, EachGeneratorGivesItsOwnNumbers) {
+TEST_F(Threads, GeneratorsDoNotAffectEachOther) {
     constexpr int count = 200;
     std::vector<std::vector<double>> expected;
     for (int t = 0; t < thread_count; ++t) {
@@ -212,7 +212,7 @@ TEST_F(Threads, EachGeneratorGivesItsOwnNumbers) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(Threads, APlannedFailureMeetsExactlyOneCall) {
+TEST_F(Threads, APlannedFailureFailsExactlyOneCall) {
     std::atomic<int> failed = 0;
     fail_call(operation::qvcreatedoublescalar800_, std::int64_t{thread_count} * rounds / 8);
     on_threads([&](int t) {
@@ -227,18 +227,18 @@ TEST_F(Threads, APlannedFailureMeetsExactlyOneCall) {
 }
 
 TEST_F(Threads, AnInterruptIsReportedByExactlyOnePoll) {
-    std::atomic<int> answered = 0;
+    std::atomic<int> interrupts = 0;
     interrupt_at_poll(thread_count * rounds / 2);
     raise_interrupt();
     on_threads([&](int) {
         for (int i = 0; i < rounds; ++i) {
-            answered += host::utIsInterruptPending() ? 1 : 0;
+            interrupts += host::utIsInterruptPending() ? 1 : 0;
         }
     });
-    EXPECT_EQ(answered, 2);
+    EXPECT_EQ(interrupts, 2);
 }
 
-TEST_F(Threads, LinesOfTheConsoleStayWhole) {
+TEST_F(Threads, ConsoleTextsAreNotInterleaved) {
     set_console(console::capture);
     on_threads([](int t) {
         for (int i = 0; i < 200; ++i) {
@@ -269,17 +269,17 @@ TEST_F(Threads, FunctionsAreCalledAtTheSameTime) {
 }
 
 TEST_F(Threads, AFaultIsReportedOnTheThreadThatCausedIt) {
-    thread_local int told_here = 0;
-    std::atomic<int> right = 0;
-    set_fault_handler([](const fault&) { ++told_here; });
+    thread_local int faults_here = 0;
+    std::atomic<int> correct = 0;
+    set_fault_handler([](const fault&) { ++faults_here; });
     on_threads([&](int t) {
         for (int i = 0; i < t; ++i) {
             qvMallocExOptim(0);
         }
-        right += told_here == t ? 1 : 0;
+        correct += faults_here == t ? 1 : 0;
     });
-    EXPECT_EQ(right, thread_count);
-    EXPECT_EQ(told_here, 0);
+    EXPECT_EQ(correct, thread_count);
+    EXPECT_EQ(faults_here, 0);
 }
 
 } // namespace
