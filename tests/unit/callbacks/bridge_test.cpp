@@ -62,7 +62,7 @@ protected:
         delete cb;
     }
 
-    /// What has been called since the last time, without addresses.
+    /// The calls since the previous use, without addresses; clears the log.
     static std::vector<host_call> calls() {
         std::vector<host_call> all = standin::logged_calls();
         standin::clear_call_log();
@@ -72,8 +72,8 @@ protected:
         return all;
     }
 
-    /// Makes a poll see an interrupt.
-    static void see_interrupt() {
+    /// Raises an interrupt and polls it, which sets the interrupt flag.
+    static void set_interrupt_flag() {
         standin::raise_interrupt();
         EXPECT_EQ(cbhasinterrupt(running, polling), 1);
         EXPECT_THAT(calls(), ElementsAre(poll));
@@ -92,7 +92,7 @@ protected:
     host_log host;
 };
 
-/// A struct for the tests, destroyed at the end. The log is empty when it has been made.
+/// A struct that its destructor destroys. Its creation is not in the call log.
 class sample_struct {
 public:
     explicit sample_struct(std::string_view phase = "root") : handle(qvinitcbarray(phase)) {
@@ -139,7 +139,7 @@ TEST_F(Bridge, CbinitDoesNotReleaseAnEarlierRecord) {
     delete earlier;
 }
 
-TEST_F(Bridge, CbinitLeavesANullHandleWithoutMemory) {
+TEST_F(Bridge, CbinitWithoutMemoryReturnsANullHandle) {
     cbdata here;
     cbdata* cb = &here;
     fail_record(1);
@@ -149,13 +149,13 @@ TEST_F(Bridge, CbinitLeavesANullHandleWithoutMemory) {
 }
 
 TEST_F(Bridge, CbinitClearsTheInterruptFlag) {
-    see_interrupt();
+    set_interrupt_flag();
     begin_solve();
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 0);
 }
 
-TEST_F(Bridge, CbinitClearsTheInterruptFlagWithoutMemoryToo) {
-    see_interrupt();
+TEST_F(Bridge, CbinitWithoutMemoryClearsTheInterruptFlag) {
+    set_interrupt_flag();
     cbdata* cb = nullptr;
     fail_record(1);
     cbinit(cb);
@@ -183,14 +183,14 @@ TEST_F(Bridge, QvinitcbarrayMakesAStructWithThePhase) {
     }
 }
 
-TEST_F(Bridge, QvinitcbarrayPassesFailuresOfTheHostOn) {
+TEST_F(Bridge, QvinitcbarrayReturnsTheFailureOfTheHost) {
     standin::fail_call(operation::qvcreatestructarray800_, 1);
     standin::fail_call(operation::qvcreatestring800_, 1);
     EXPECT_EQ(qvinitcbarray("root"), 0);
     EXPECT_EQ(calls()[2], (host_call{operation::qvsetfield800_, {0, 1, 0}, {"phase"}}));
 }
 
-TEST_F(Bridge, AScalarGoesIntoANewField) {
+TEST_F(Bridge, AddsAScalarInANewField) {
     const sample_struct info;
     addrealscalartoqvstruct(info.handle, "gap ", 0.125);
     const std::vector<host_call> made = calls();
@@ -203,7 +203,7 @@ TEST_F(Bridge, AScalarGoesIntoANewField) {
     EXPECT_EQ(standin::inspect(info.handle).field("gap").scalar(), 0.125);
 }
 
-TEST_F(Bridge, AScalarGoesIntoAFieldThatIsThere) {
+TEST_F(Bridge, ReplacesAnExistingFieldByAScalar) {
     const sample_struct info;
     addrealscalartoqvstruct(info.handle, "gap", 1.0);
     calls();
@@ -217,7 +217,7 @@ TEST_F(Bridge, AScalarGoesIntoAFieldThatIsThere) {
                                   {info.handle, 1, 2, made[1].result.number}}));
 }
 
-TEST_F(Bridge, AColumnGoesIntoANewField) {
+TEST_F(Bridge, AddsAColumnInANewField) {
     const sample_struct info;
     const double values[] = {1.5, -2.5, 3.5};
     addrealvectoqvstruct(info.handle, "x", values, 2);
@@ -234,7 +234,7 @@ TEST_F(Bridge, AColumnGoesIntoANewField) {
     EXPECT_THAT(standin::inspect(info.handle).field("x").reals(), ElementsAre(1.5, -2.5));
 }
 
-TEST_F(Bridge, AColumnGoesIntoAFieldThatIsThere) {
+TEST_F(Bridge, ReplacesAnExistingFieldByAColumn) {
     const sample_struct info;
     const double value = 8.0;
     addrealvectoqvstruct(info.handle, "x", nullptr, 0);
@@ -251,7 +251,7 @@ TEST_F(Bridge, AColumnGoesIntoAFieldThatIsThere) {
                                             {info.handle, 1, 2, column}}));
 }
 
-TEST_F(Bridge, AnEmptyColumnIsMadeLikeAnyOther) {
+TEST_F(Bridge, AddsAnEmptyColumn) {
     const sample_struct info;
     addrealvectoqvstruct(info.handle, "x", nullptr, 0);
     const std::vector<host_call> made = calls();
@@ -284,7 +284,7 @@ TEST_F(Bridge, TheOutputFunctionIsCalledWithTheStruct) {
                     host_call{operation::qvdestroyarray800_, {output}}));
 }
 
-TEST_F(Bridge, StopMayBeTheStructItself) {
+TEST_F(Bridge, StopMayAliasTheHandleOfTheStruct) {
     standin::set_function("tarnCallback", [](const standin::array_value&) { return 1.0; });
     const sample_struct info;
     std::int64_t word = info.handle;
@@ -294,7 +294,7 @@ TEST_F(Bridge, StopMayBeTheStructItself) {
               (host_call{operation::qvxcallquarn800_, {1, 1, info.handle}, {"tarnCallback"}}));
 }
 
-TEST_F(Bridge, ANumberOfRowsGoesToTheHostAsItIs) {
+TEST_F(Bridge, PassesTheNumberOfRowsUnchecked) {
     standin::set_fault_handler([](const standin::fault&) {});
     for (const std::int64_t n : {std::int64_t{-1}, std::numeric_limits<std::int64_t>::min()}) {
         const sample_struct info;
@@ -303,7 +303,7 @@ TEST_F(Bridge, ANumberOfRowsGoesToTheHostAsItIs) {
     }
 }
 
-TEST_F(Bridge, AStatusOfTheCallIsIgnored) {
+TEST_F(Bridge, IgnoresTheStatusOfTheCall) {
     const array_handle one = zktarn::host::qvcreatedoublescalar800_(1.0);
     standin::answer_calls(operation::qvxcallquarn800_,
                           [=](const host_call&) { return answer{.number = 5, .handles = {one}}; });
@@ -313,7 +313,7 @@ TEST_F(Bridge, AStatusOfTheCallIsIgnored) {
     EXPECT_EQ(stop, 1);
 }
 
-TEST_F(Bridge, OneAfterTruncationStops) {
+TEST_F(Bridge, TheOutputFunctionStopsByAValueThatTruncatesToOne) {
     for (const double yes : {1.0, 1.5, 1.9, 1.9999999999999998}) {
         EXPECT_EQ(stop_for(yes), 1) << yes;
     }
@@ -329,7 +329,7 @@ TEST_F(Bridge, TheFunctionMayReturnAnyReal) {
     }
 }
 
-TEST_F(Bridge, TheOutputFunctionIsNotCalledOnceItHasStopped) {
+TEST_F(Bridge, TheOutputFunctionIsNotCalledAfterItStoppedTheSolve) {
     flag stop = -1;
     qvcalloutputfcn(0, stop, stopped, polling);
     EXPECT_EQ(stop, 0);
@@ -337,14 +337,14 @@ TEST_F(Bridge, TheOutputFunctionIsNotCalledOnceItHasStopped) {
 }
 
 TEST_F(Bridge, TheOutputFunctionIsNotCalledAfterAnInterrupt) {
-    see_interrupt();
+    set_interrupt_flag();
     flag stop = -1;
     qvcalloutputfcn(0, stop, running, polling);
     EXPECT_EQ(stop, 0);
     EXPECT_THAT(calls(), IsEmpty());
 }
 
-TEST_F(Bridge, TheOutputFunctionIsNotCalledWhenThePollSeesAnInterrupt) {
+TEST_F(Bridge, TheOutputFunctionIsNotCalledWhenThePollReportsAnInterrupt) {
     standin::raise_interrupt();
     flag stop = -1;
     qvcalloutputfcn(0, stop, running, polling);
@@ -353,7 +353,7 @@ TEST_F(Bridge, TheOutputFunctionIsNotCalledWhenThePollSeesAnInterrupt) {
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 1);
 }
 
-TEST_F(Bridge, TheOutputFunctionIsCalledWhenThePollSeesNone) {
+TEST_F(Bridge, TheOutputFunctionIsCalledWhenThePollReportsNone) {
     standin::set_function("tarnCallback", [](const standin::array_value&) { return 1.0; });
     const sample_struct info;
     flag stop = -1;
@@ -399,7 +399,7 @@ TEST_F(Bridge, AnEmptyLineIsALineFeed) {
     EXPECT_THAT(calls(), ElementsAre(printf_of("\n"), flush));
 }
 
-TEST_F(Bridge, WithDisplayOffThereIsNoPollEither) {
+TEST_F(Bridge, DisplayOffDoesNotPoll) {
     standin::raise_interrupt();
     cbprintdisplay(running, polling, 0, "x");
     EXPECT_THAT(calls(), IsEmpty());
@@ -407,24 +407,24 @@ TEST_F(Bridge, WithDisplayOffThereIsNoPollEither) {
 }
 
 TEST_F(Bridge, NothingIsPrintedAfterAnInterrupt) {
-    see_interrupt();
+    set_interrupt_flag();
     cbprintdisplay(running, polling, 2, "x");
     EXPECT_THAT(calls(), IsEmpty());
 }
 
-TEST_F(Bridge, NothingIsPrintedOnceTheOutputFunctionHasStopped) {
+TEST_F(Bridge, NothingIsPrintedAfterTheOutputFunctionStoppedTheSolve) {
     cbprintdisplay(stopped, polling, 2, "x");
     EXPECT_THAT(calls(), IsEmpty());
 }
 
-TEST_F(Bridge, NothingIsPrintedWhenThePollSeesAnInterrupt) {
+TEST_F(Bridge, NothingIsPrintedWhenThePollReportsAnInterrupt) {
     standin::raise_interrupt();
     cbprintdisplay(running, polling, 2, "x");
     EXPECT_THAT(calls(), ElementsAre(poll));
     EXPECT_EQ(cbhasinterrupt(running, no_poll), 1);
 }
 
-TEST_F(Bridge, ALineIsPrintedWhenThePollSeesNone) {
+TEST_F(Bridge, ALineIsPrintedWhenThePollReportsNone) {
     cbprintdisplay(running, polling, 2, "x");
     EXPECT_THAT(calls(), ElementsAre(poll, printf_of("x\n"), flush));
 }
@@ -438,7 +438,7 @@ TEST_F(Bridge, LinesOfAnyLengthArePrintedInOnePiece) {
     }
 }
 
-TEST_F(Bridge, ALongLineIsPrintedInPiecesWhenThereIsNoMemory) {
+TEST_F(Bridge, ALongLineIsPrintedInPiecesWithoutMemory) {
     for (const std::size_t length : std::vector<std::size_t>{512, 513, 1023, 1024, 5000}) {
         std::string line(length, ' ');
         for (std::size_t i = 0; i < length; ++i) {
@@ -487,7 +487,7 @@ TEST_F(Bridge, APollWithoutAnInterruptReturnsZero) {
 }
 
 TEST_F(Bridge, TheInterruptFlagStaysSetUntilTheNextSolve) {
-    see_interrupt();
+    set_interrupt_flag();
     for (const std::int32_t ctrlc : {polling, no_poll}) {
         EXPECT_EQ(cbhasinterrupt(running, ctrlc), 1);
         EXPECT_EQ(cbhasinterrupt(stopped, ctrlc), 1);

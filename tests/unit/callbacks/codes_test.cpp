@@ -23,7 +23,7 @@ using zktarn::flag;
 constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
 constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
 
-TEST(Codes, StatusThreeAloneIsStoppedByTheOutputFunction) {
+TEST(Codes, OnlyStatusThreeMeansStoppedByTheOutputFunction) {
     const auto stopped = [](std::int32_t status) {
         return PROCEDURE(cbstopfromoutputfcn,
                          "_ZN6zktarn14callbacks_util19cbstopfromoutputfcnERKi")(status);
@@ -47,7 +47,7 @@ TEST(Codes, AnIndicatorAboveZeroMeansAnOutputFunction) {
     }
 }
 
-TEST(Codes, DisplayZeroAloneIsOff) {
+TEST(Codes, OnlyDisplayZeroIsOff) {
     const auto off = [](std::int32_t display) {
         return PROCEDURE(cbisdisplayoff, "_ZN6zktarn14callbacks_util14cbisdisplayoffERKi")(display);
     };
@@ -57,7 +57,7 @@ TEST(Codes, DisplayZeroAloneIsOff) {
     }
 }
 
-TEST(Codes, DisplayOneAloneIsFinal) {
+TEST(Codes, OnlyDisplayOneIsFinal) {
     const auto final_only = [](std::int32_t display) {
         return PROCEDURE(cbisdisplayfinal,
                          "_ZN6zktarn14callbacks_util16cbisdisplayfinalERKi")(display);
@@ -68,7 +68,7 @@ TEST(Codes, DisplayOneAloneIsFinal) {
     }
 }
 
-TEST(Codes, SwitchOneAlonePolls) {
+TEST(Codes, OnlySwitchOnePolls) {
     const auto on = [](std::int32_t ctrlc) {
         return PROCEDURE(cbisctrlcon, "_ZN6zktarn14callbacks_util11cbisctrlconERKi")(ctrlc);
     };
@@ -78,8 +78,8 @@ TEST(Codes, SwitchOneAlonePolls) {
     }
 }
 
-// This program never begins a solve.
-TEST(Interrupts, NoneHasBeenSeenWhenTheLibraryIsLoaded) {
+// No test of this program calls cbinit.
+TEST(Interrupts, TheFlagIsClearWhenTheLibraryIsLoaded) {
     constexpr std::int32_t running = 0;
     constexpr std::int32_t no_poll = 0;
     EXPECT_EQ(zktarn::callbacks_util::cbhasinterrupt(running, no_poll), 0);
@@ -115,7 +115,7 @@ TEST(Lowercasee, LeavesBlanksAndEmptyTextsAlone) {
     EXPECT_EQ(lowered(std::string("E\0E \t", 5)), std::string("e\0e \t", 5));
 }
 
-// Long texts are changed many characters at a time, wherever they begin and end.
+// The loop handles long texts in blocks of characters, at any alignment.
 TEST(Lowercasee, ChangesTheSameCharactersInALongText) {
     std::string letters;
     for (int i = 0; i < 160; ++i) {

@@ -69,14 +69,14 @@ TEST(Cbdata, HasItsDefaults) {
     }
 }
 
-TEST(Cbdata, FieldsInItsMiddleMayBeReadAsTwoWideIntegers) {
+TEST(Cbdata, AdjacentFieldsMayBeReadAsTwo64BitIntegers) {
     const cbdata record;
     std::int64_t wide[2] = {};
     std::memcpy(wide, &record.node, sizeof wide);
     EXPECT_THAT(wide, ElementsAre(-1, -1));
 }
 
-TEST(PlainRecords, BelowOneRecordNothingIsTouched) {
+TEST(PlainRecords, WriteNothingForACountBelowOne) {
     cbstatusdata status;
     status.status = 9;
     cbdata data;
@@ -125,13 +125,13 @@ constexpr value_type sized_type = {.size = 1, .has_parameters = 1};
 constexpr value_type sized_owner_type = {
     .size = 1, .has_parameters = 1, .copy = copy_owner, .finalise = finalise_owner};
 
-/// Raw storage for records, which nobody constructs, copies or destroys but the procedures.
+/// Raw storage for records: only the procedures under test construct, copy and destroy them.
 class raw_list {
 public:
     cbdatalist& operator*() { return *reinterpret_cast<cbdatalist*>(storage_); }
     cbdatalist* operator->() { return &**this; }
 
-    /// A bit-for-bit copy, not yet independent.
+    /// Copies the bits, so that both records refer to the same value.
     void copy_bits(raw_list& other) { std::memcpy(storage_, other.storage_, sizeof storage_); }
     unsigned char* storage() { return storage_; }
 
@@ -158,7 +158,7 @@ void put_owner(cbdatalist& list, int number, const value_type& type = owner_type
     list.slot = {value, &type, nullptr};
 }
 
-/// A block of five entries: the three of its beginning, and two length parameters.
+/// A block of five entries: a header of three, and two length parameters.
 parameter_block* make_block(std::int64_t value_size, zktarn::flag owned) {
     auto* const entries = static_cast<std::int64_t*>(storage_of(5 * sizeof(std::int64_t)));
     const std::int64_t contents[] = {owned, 5, value_size, 70, 80};
@@ -183,7 +183,7 @@ protected:
     zktarn::testing::host_log host;
 };
 
-TEST_F(Cbdatalist, InitialisesTheEmptyMarkAndTheHandlesOnly) {
+TEST_F(Cbdatalist, InitialisesOnlyTheValueAndTheHandles) {
     raw_list lists[2];
     std::memset(lists[0].storage(), 0xA5, sizeof(cbdatalist));
     std::memset(lists[1].storage(), 0xA5, sizeof(cbdatalist));
@@ -210,7 +210,7 @@ TEST_F(Cbdatalist, InitialisesARun) {
     EXPECT_EQ(lists[2].first_handle, 7);
 }
 
-TEST_F(Cbdatalist, BelowOneRecordNothingIsTouched) {
+TEST_F(Cbdatalist, WriteNothingForACountBelowOne) {
     raw_list list;
     put_plain(*list);
     list->first_handle = 5;
@@ -338,8 +338,8 @@ TEST_F(Cbdatalist, SharesABlockThatIsNotOwned) {
     ::operator delete(shared);
 }
 
-TEST_F(Cbdatalist, TakesTheSizeFromTheTypeWhereItHasNoParameters) {
-    // A block may be there all the same; its size does not count.
+TEST_F(Cbdatalist, TakesTheSizeFromATypeWithoutParameters) {
+    // A block that is present all the same does not supply the size.
     raw_list original;
     put_plain(*original);
     original->slot.parameters = make_block(1'000'000, 1);
@@ -352,7 +352,7 @@ TEST_F(Cbdatalist, TakesTheSizeFromTheTypeWhereItHasNoParameters) {
     _cbdatalistfinalise(*original, 1);
 }
 
-TEST_F(Cbdatalist, LeavesACopyEmptyWhenThereIsNoStorage) {
+TEST_F(Cbdatalist, LeavesACopyEmptyWithoutMemory) {
     for (const std::int64_t refused : {1, 2}) {
         raw_list original;
         put_plain(*original, sized_type);
@@ -370,7 +370,7 @@ TEST_F(Cbdatalist, LeavesACopyEmptyWhenThereIsNoStorage) {
     }
 }
 
-TEST_F(Cbdatalist, LeavesASharedBlockAloneWhenThereIsNoStorage) {
+TEST_F(Cbdatalist, DoesNotReleaseASharedBlockWithoutMemory) {
     parameter_block* const shared = make_block(16, 0);
     raw_list original;
     put_plain(*original, sized_type);
@@ -385,7 +385,7 @@ TEST_F(Cbdatalist, LeavesASharedBlockAloneWhenThereIsNoStorage) {
     ::operator delete(shared);
 }
 
-TEST_F(Cbdatalist, FinalisesByTheFinalProcedureWhereThereIsOne) {
+TEST_F(Cbdatalist, FinalisesByTheFinalProcedureIfPresent) {
     raw_list list;
     put_owner(*list, 1, final_type);
     list->first_handle = 5;
@@ -406,7 +406,7 @@ TEST_F(Cbdatalist, MayBeFinalisedTwice) {
     EXPECT_THAT(events, ElementsAre("finalise 1"));
 }
 
-TEST_F(Cbdatalist, HandsTheParametersToTheFinalisationOfATypeThatHasThem) {
+TEST_F(Cbdatalist, PassesTheParametersToTheFinalisationOfASizedType) {
     raw_list list;
     put_owner(*list, 1, sized_owner_type);
     list->slot.parameters = make_block(sizeof(owner), 1);
@@ -429,7 +429,7 @@ cbdatalist with_owner(int number) {
     return list;
 }
 
-TEST_F(Cbdatalist, IsEmptyWhenItIsNew) {
+TEST_F(Cbdatalist, IsEmptyWhenConstructed) {
     const cbdatalist list;
     EXPECT_EQ(list.slot.value, nullptr);
     EXPECT_EQ(list.first_handle, 0);
@@ -453,7 +453,7 @@ TEST_F(Cbdatalist, CopiesAreIndependent) {
     EXPECT_EQ(copy.second_handle, -3);
 }
 
-TEST_F(Cbdatalist, MovesLeaveAnEmptySlotBehind) {
+TEST_F(Cbdatalist, AMoveEmptiesTheSource) {
     cbdatalist first = with_owner(1);
     cbdatalist second = std::move(first);
     EXPECT_EQ(first.slot.value, nullptr);
@@ -477,7 +477,7 @@ TEST_F(Cbdatalist, AssignsToItself) {
     EXPECT_EQ(list.first_handle, 1);
 }
 
-TEST_F(Cbdatalist, AssignsSomethingInsideOfItsOwnValue) {
+TEST_F(Cbdatalist, AssignsARecordInsideItsOwnValue) {
     struct node {
         cbdatalist inner;
     };
@@ -492,7 +492,7 @@ TEST_F(Cbdatalist, AssignsSomethingInsideOfItsOwnValue) {
     EXPECT_EQ(number_in(list), 9);
 }
 
-TEST_F(Cbdatalist, LivesInAVector) {
+TEST_F(Cbdatalist, CanBeAnElementOfAVector) {
     std::vector<cbdatalist> lists;
     for (int i = 0; i < 10; ++i) {
         lists.push_back(with_owner(i));

@@ -1,4 +1,4 @@
-// The whole life of a solve on the stand-in host.
+// Complete solves on the stand-in host: structs, output function, display and interrupts.
 #include <csignal>
 #include <cstdint>
 #include <string>
@@ -22,9 +22,9 @@ namespace standin = zktarn::standin;
 using standin::operation;
 
 constexpr std::int32_t poll_on = 1;
-constexpr std::int32_t talkative = 2;
+constexpr std::int32_t every_line = 2;
 
-/// A solver that does nothing but report, five rounds at most.
+/// A solver that only reports, for at most five rounds.
 struct solver {
     std::int32_t status = 0;
     int rounds = 0;
@@ -35,9 +35,9 @@ struct solver {
         status = 0;
         for (rounds = 0; rounds < 5 && cbhasinterrupt(status, poll_on) == 0; ++rounds) {
             report(rounds);
-            cbprintdisplay(status, poll_on, talkative, "round " + std::to_string(rounds + 1));
+            cbprintdisplay(status, poll_on, every_line, "round " + std::to_string(rounds + 1));
         }
-        cbprintdisplay(status, poll_on, talkative, "done");
+        cbprintdisplay(status, poll_on, every_line, "done");
         delete cb;
     }
 
@@ -62,8 +62,8 @@ protected:
         standin::reset();
         standin::set_console(standin::console::capture);
         standin::set_function("tarnCallback", [this](const standin::array_value& input) {
-            seen.push_back(input);
-            return static_cast<int>(seen.size()) == stop_at ? answer : standin::reply(0.0);
+            inputs.push_back(input);
+            return static_cast<int>(inputs.size()) == stop_at ? result : standin::reply(0.0);
         });
     }
     void TearDown() override {
@@ -72,15 +72,15 @@ protected:
     }
 
     solver solve;
-    std::vector<standin::array_value> seen;
+    std::vector<standin::array_value> inputs;
     int stop_at = 0;
-    standin::reply answer = 1.0;
+    standin::reply result = 1.0;
 };
 
 TEST_F(Solve, ReportsToTheOutputFunction) {
     solve.run();
-    ASSERT_EQ(seen.size(), 5u);
-    const standin::array_value& last = seen.back();
+    ASSERT_EQ(inputs.size(), 5u);
+    const standin::array_value& last = inputs.back();
     EXPECT_THAT(last.field_names(), ElementsAre("phase", "round", "x"));
     EXPECT_EQ(last.field("phase").text(), "tree");
     EXPECT_EQ(last.field("round").scalar(), 5.0);
@@ -93,22 +93,22 @@ TEST_F(Solve, ReportsToTheOutputFunction) {
 
 TEST_F(Solve, IsStoppedByTheOutputFunction) {
     stop_at = 2;
-    answer = 1.5;
+    result = 1.5;
     solve.run();
     EXPECT_EQ(cbstopfromoutputfcn(solve.status), 1);
     EXPECT_EQ(solve.rounds, 2);
     EXPECT_EQ(standin::console_text(), "round 1\n");
-    EXPECT_EQ(seen.size(), 2u);
+    EXPECT_EQ(inputs.size(), 2u);
 }
 
 TEST_F(Solve, IsStoppedByAColumnThatBeginsWithOne) {
     stop_at = 1;
-    answer = std::vector<double>{1.0, 0.0};
+    result = std::vector<double>{1.0, 0.0};
     solve.run();
     EXPECT_EQ(solve.rounds, 1);
 }
 
-TEST_F(Solve, IsInterruptedAndResumedByTheNextOne) {
+TEST_F(Solve, AnInterruptEndsOneSolveAndTheNextOneStartsAgain) {
     standin::raise_interrupt();
     solve.run();
     EXPECT_EQ(solve.rounds, 0);
@@ -132,11 +132,12 @@ TEST_F(Solve, IsInterruptedAtEveryPoll) {
     }
 }
 
-/// Ends a child process with the number of rounds that it solved before and after Ctrl-C.
+/// Solves three times, the second time under Ctrl-C, and exits with the three numbers of rounds as
+/// decimal digits, less 400.
 [[noreturn]] void solve_under_ctrl_c() {
     solver child;
     child.run();
-    int rounds = child.rounds; // 5; the first poll has taken Ctrl-C over
+    int rounds = child.rounds; // 5; its first poll installs the handler of SIGINT
     kill(getpid(), SIGINT);
     child.run();
     rounds = 10 * rounds + child.rounds; // 0
@@ -155,7 +156,7 @@ TEST_F(Solve, IsInterruptedByCtrlC) {
     EXPECT_EQ(WEXITSTATUS(status), 105);
 }
 
-// Every failure of the host that an answer can tell: the solve goes on, and nothing is left behind.
+// Every failure of the host that an result can tell: the solve goes on, and nothing is left behind.
 TEST_F(Solve, SurvivesEveryFailureOfTheHost) {
     std::int64_t failures = 0;
     for (const operation what :
@@ -186,7 +187,7 @@ TEST_F(Solve, AnEmptyResultIsPassedToTheHost) {
     standin::set_fault_handler(
         [&](const standin::fault& found) { sentences.push_back(found.sentence); });
     stop_at = 1;
-    answer = std::vector<double>{};
+    result = std::vector<double>{};
     solve.run();
     EXPECT_EQ(solve.rounds, 5);
     ASSERT_EQ(sentences.size(), 1u);

@@ -18,13 +18,13 @@ using namespace zktarn::callbacks_type_util;
 using zktarn::standin::fail_record;
 using zktarn::standin::live_records;
 
-/// Its bits are all there is to it.
+/// Trivially copyable.
 struct progress {
     double done;
     std::int32_t round;
 };
 
-/// It owns memory, and its nodes know its address.
+/// Owns memory, and its nodes point back to it.
 using names = std::list<std::string>;
 
 struct alignas(64) wide {
@@ -65,7 +65,7 @@ TEST_F(ValueSlot, HoldsAnObjectOfHighAlignment) {
     EXPECT_EQ(reinterpret_cast<std::uintptr_t>(stored<wide>(copy)) % 64, 0u);
 }
 
-TEST_F(ValueSlot, IsEmptyOrOfAnotherType) {
+TEST_F(ValueSlot, ReturnsNullWhenEmptyOrOfAnotherType) {
     cbdatalist list;
     EXPECT_EQ(stored<progress>(list), nullptr);
     ASSERT_TRUE(store(list, progress{0.5, 7}));
@@ -85,7 +85,7 @@ TEST_F(ValueSlot, ReplacesItsObjectAndKeepsTheHandles) {
     EXPECT_EQ(list.second_handle, 6);
 }
 
-TEST_F(ValueSlot, KeepsItsObjectWhenThereIsNoMemory) {
+TEST_F(ValueSlot, KeepsItsObjectWhenMemoryRunsOut) {
     cbdatalist list;
     ASSERT_TRUE(store(list, progress{0.5, 7}));
     fail_record(1);
@@ -99,7 +99,7 @@ TEST_F(ValueSlot, KeepsItsObjectWhenThereIsNoMemory) {
     EXPECT_EQ(live_records(), 1);
 }
 
-TEST_F(ValueSlot, ACopyForWhichThereIsNoMemoryHoldsNothing) {
+TEST_F(ValueSlot, ACopyWithoutMemoryIsEmpty) {
     cbdatalist list;
     ASSERT_TRUE(store(list, names{"cut"}));
     for (const std::int64_t refused : {1, 2}) {
@@ -123,7 +123,7 @@ struct pooled_owner : pooled {
     std::string text;
 };
 
-TEST_F(ValueSlot, AllocatesByNoOperatorOfTheClass) {
+TEST_F(ValueSlot, DoesNotCallOperatorNewOfTheClass) {
     cbdatalist list;
     EXPECT_TRUE(store(list, pooled{4}));
     EXPECT_EQ(stored<pooled>(list)->number, 4);
@@ -161,7 +161,7 @@ struct shy {
     int number = 4;
 };
 
-TEST_F(ValueSlot, ACopyThatThrowsHoldsNothing) {
+TEST_F(ValueSlot, ACopyThatThrowsIsEmpty) {
     cbdatalist list;
     EXPECT_TRUE(store(list, shy{}));
     EXPECT_EQ(stored<shy>(list)->number, 4);
@@ -169,7 +169,7 @@ TEST_F(ValueSlot, ACopyThatThrowsHoldsNothing) {
     EXPECT_EQ(stored<shy>(copy), nullptr);
 }
 
-TEST_F(ValueSlot, LivesInAVector) {
+TEST_F(ValueSlot, CanBeAnElementOfAVector) {
     std::vector<cbdatalist> lists(3);
     for (std::size_t i = 0; i < lists.size(); ++i) {
         ASSERT_TRUE(store(lists[i], names(i, "x")));

@@ -26,7 +26,7 @@ using zktarn::testing::malloc_of;
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t smallest = std::numeric_limits<std::int64_t>::min();
 
-// One pair of procedures, as a type, for the tests that hold for every member of the family.
+// One allocate-and-release pair as a type, for the tests that every element type must pass.
 template <class T, flag (*Alloc)(array_1d<T>&, const std::int64_t&) noexcept,
           void (*Free)(array_1d<T>&) noexcept, std::int64_t Width>
 struct vectors {
@@ -60,7 +60,7 @@ using two_dimensions =
 template <class Procedures>
 class Allocmem1d : public testing::Test {
 protected:
-    // Whatever an array held before shows where it is not overwritten.
+    // Extents and lower bounds that show where a procedure does not write.
     static typename Procedures::array stale() { return {nullptr, {77}, {66}}; }
     host_log host;
 };
@@ -90,7 +90,7 @@ TYPED_TEST(Allocmem1d, AttachesOneElement) {
     EXPECT_EQ(array.extent[0], 1);
 }
 
-TYPED_TEST(Allocmem1d, LeavesNewStorageUninitialised) {
+TYPED_TEST(Allocmem1d, DoesNotInitialiseNewStorage) {
     auto array = this->stale();
     TypeParam::alloc(array, 3);
     const auto* const bytes = reinterpret_cast<const unsigned char*>(array.data);
@@ -133,7 +133,7 @@ TYPED_TEST(Allocmem1d, FailsWithoutTheHostWhenTheBytesDoNotFit) {
     EXPECT_FALSE(array.present());
 }
 
-TYPED_TEST(Allocmem1d, DropsABlockThatItHeldWithoutReleasingIt) {
+TYPED_TEST(Allocmem1d, OverwritesAnAttachedBlockWithoutReleasingIt) {
     auto array = this->stale();
     TypeParam::alloc(array, 2);
     TypeParam::alloc(array, 3);
@@ -146,7 +146,7 @@ TYPED_TEST(Allocmem1d, DropsABlockThatItHeldWithoutReleasingIt) {
     EXPECT_EQ(this->host.live(), 2U);
 }
 
-TYPED_TEST(Allocmem1d, FailureDropsABlockThatItHeld) {
+TYPED_TEST(Allocmem1d, FailureOverwritesAnAttachedBlock) {
     auto array = this->stale();
     TypeParam::alloc(array, 2);
     standin::fail_request(1);
@@ -258,7 +258,7 @@ TYPED_TEST(Allocmem2d, FailsWithoutTheHostWhenTheBytesDoNotFit) {
     EXPECT_THAT(this->host.calls(), ElementsAre(malloc_of(most * TypeParam::width)));
 }
 
-TYPED_TEST(Allocmem2d, DropsABlockThatItHeldWhereNoneIsAttached) {
+TYPED_TEST(Allocmem2d, AnEmptyResultOverwritesAnAttachedBlock) {
     constexpr std::int64_t big = std::int64_t{1} << 40;
     for (const matrix_shape shape :
          {matrix_shape{0, 7}, matrix_shape{big, -big}, matrix_shape{big, big},
@@ -319,7 +319,7 @@ TEST_F(Memory, EveryElementOfAMatrixCanBeWritten) {
     EXPECT_EQ(host.live(), 0U);
 }
 
-TEST_F(Memory, AHostOutOfMemoryIsAFailureUntilItHasSomeAgain) {
+TEST_F(Memory, SucceedsAgainWhenTheHostHasMemoryAgain) {
     array_1d<std::int8_t> array;
     standin::fail_requests_from(1);
     EXPECT_EQ(allocmem_i1_1d_array(array, 3), 0);
@@ -337,7 +337,7 @@ TEST_F(Memory, ThreeSmallIntegersTakeThreeAndSixBytes) {
     EXPECT_THAT(host.calls(), ElementsAre(malloc_of(3), malloc_of(6)));
 }
 
-TEST_F(Memory, AnExtentOfTheArrayItselfServesAsTheCount) {
+TEST_F(Memory, TheCountMayBeTheExtentOfTheArrayItself) {
     array_1d<std::int64_t> array{nullptr, {4}, {1}};
     EXPECT_EQ(allocmem_i8_1d_array(array, array.extent[0]), 1);
     EXPECT_THAT(host.calls(), ElementsAre(malloc_of(32)));
@@ -371,7 +371,7 @@ TEST_F(Memory, MdeallocatePassesTheAddressAndDoesNotClearIt) {
     EXPECT_THAT(host.calls(), ElementsAre(malloc_of(16), free_of(block)));
 }
 
-TEST_F(Memory, MdeallocatePassesNullToo) {
+TEST_F(Memory, MdeallocatePassesNull) {
     mdeallocate(nullptr);
     EXPECT_THAT(host.calls(), ElementsAre(free_of(nullptr)));
 }

@@ -36,13 +36,13 @@ protected:
     void TearDown() override { EXPECT_TRUE(standin::live_blocks().empty()); }
 };
 
-TEST_F(Entries, AreThoseListedInMarksModeInTheirOrder) {
+TEST_F(Entries, AreTheListedOnesInMarksModeInListOrder) {
     const owned_vector v(8);
     fill(*v);
     EXPECT_EQ(walked(v), (pairs{{5, 2.0}, {2, 0.0}, {7, -1.0}}));
 }
 
-TEST_F(Entries, LeaveOutWhatIsListedAndNotMarked) {
+TEST_F(Entries, OmitListedIndicesWithoutAMark) {
     const owned_vector v(8);
     fill(*v);
     vector_rem_elm(*v, 5);
@@ -53,7 +53,7 @@ TEST_F(Entries, LeaveOutWhatIsListedAndNotMarked) {
     EXPECT_EQ(walked(v), pairs{});
 }
 
-TEST_F(Entries, AreThoseListedInListMode) {
+TEST_F(Entries, AreTheListedOnesInListMode) {
     const owned_vector v(8, {}, {}, 1);
     fill(*v);
     EXPECT_EQ(walked(v), (pairs{{5, 2.0}, {2, 0.0}, {7, -1.0}}));
@@ -64,11 +64,11 @@ TEST_F(Entries, AreAllIndicesInDenseModeZerosIncluded) {
     for (std::int32_t j = 1; j <= 4; ++j) {
         vector_set_coef(*v, j, j == 3 ? -3.0 : 0.0);
     }
-    vector_set_nz(*v, 1); // means nothing in dense mode
+    vector_set_nz(*v, 1); // dense mode ignores the count
     EXPECT_EQ(walked(v), (pairs{{1, 0.0}, {2, 0.0}, {3, -3.0}, {4, 0.0}}));
 }
 
-TEST_F(Entries, AreTheMarkedIndicesWhereThereIsNoList) {
+TEST_F(Entries, AreTheMarkedIndicesWithoutAList) {
     const owned_vector v(5, {}, 1);
     for (const std::int32_t j : {2, 5}) {
         vector_set_coef(*v, j, 10.0 * j);
@@ -80,7 +80,7 @@ TEST_F(Entries, AreTheMarkedIndicesWhereThereIsNoList) {
     EXPECT_EQ(walked(set), (pairs{{3, 1.0}}));
 }
 
-TEST_F(Entries, OfAnIndexSetCountOnce) {
+TEST_F(Entries, HaveTheValueOneInAnIndexSet) {
     const owned_vector marks(8, 1);
     vector_add_nz(*marks, 3);
     vector_add_nz(*marks, 1);
@@ -101,7 +101,7 @@ TEST_F(Entries, OfAnEmptyVectorAreNone) {
     EXPECT_EQ(none.begin(), none.end());
 }
 
-TEST_F(Entries, ShowCoefficientsThatAreSetDuringTheLoop) {
+TEST_F(Entries, ReadCoefficientsThatTheLoopHasSet) {
     const owned_vector v(8);
     fill(*v);
     for (auto [j, a] : entries(v)) {
@@ -110,13 +110,13 @@ TEST_F(Entries, ShowCoefficientsThatAreSetDuringTheLoop) {
     EXPECT_EQ(walked(v), (pairs{{5, 7.0}, {2, 2.0}, {7, 6.0}}));
 }
 
-TEST_F(Entries, OfARecordAreThoseOfItsOwner) {
+TEST_F(Entries, AreTheSameForARecordAndItsOwner) {
     const owned_vector v(8);
     fill(*v);
     EXPECT_EQ(std::distance(entries(*v).begin(), entries(*v).end()), 3);
 }
 
-TEST_F(Entries, AreARangeThatIsWalkedMoreThanOnce) {
+TEST_F(Entries, AreAForwardRange) {
     static_assert(std::forward_iterator<entry_iterator>);
     const owned_vector v(8);
     fill(*v);
@@ -134,7 +134,7 @@ concept has_entries = requires(V&& v) {
     entries(std::forward<V>(v));
 };
 
-TEST_F(Entries, OfATemporaryOwnerAreRefused) {
+TEST_F(Entries, OfATemporaryOwnerDoNotCompile) {
     EXPECT_TRUE(has_entries<owned_vector&>);
     EXPECT_TRUE(has_entries<const owned_vector&>);
     EXPECT_FALSE(has_entries<owned_vector>);

@@ -13,7 +13,8 @@ namespace {
 using namespace zktarn;
 using standin::operation;
 
-/// Each way to make an owner, and the request or operation whose failure makes it false.
+/// One case for each owner: how to make it, the host's failure that makes it false, how to release
+/// it.
 struct vector_case {
     using type = owned_vector;
     static type make() { return owned_vector(5); }
@@ -90,14 +91,14 @@ protected:
 using cases = testing::Types<vector_case, array_case, generator_case, snapshot_case, struct_case>;
 TYPED_TEST_SUITE(Owners, cases);
 
-TYPED_TEST(Owners, OwnNothingUntilTheyAreMade) {
+TYPED_TEST(Owners, OwnNothingWhenDefaultConstructed) {
     typename TestFixture::owned_type owned;
     EXPECT_FALSE(owned);
     owned.reset();
     EXPECT_FALSE(owned);
 }
 
-TYPED_TEST(Owners, ReleaseWhatTheyOwnAtTheEndOfTheirScope) {
+TYPED_TEST(Owners, ReleaseTheirObjectAtTheEndOfTheirScope) {
     const auto owned = TypeParam::make();
     EXPECT_TRUE(owned);
     EXPECT_FALSE(nothing_is_live());
@@ -116,7 +117,7 @@ TYPED_TEST(Owners, ReleaseAtOnceWhenTheyAreReset) {
     EXPECT_TRUE(nothing_is_live());
 }
 
-TYPED_TEST(Owners, TransferWhatTheyOwn) {
+TYPED_TEST(Owners, ReleaseTransfersTheirObject) {
     auto owned = TypeParam::make();
     TypeParam::release(owned);
     EXPECT_FALSE(owned);
@@ -124,7 +125,7 @@ TYPED_TEST(Owners, TransferWhatTheyOwn) {
     EXPECT_TRUE(nothing_is_live());
 }
 
-TYPED_TEST(Owners, MoveWhatTheyOwn) {
+TYPED_TEST(Owners, MoveTheirObject) {
     auto first = TypeParam::make();
     auto second = std::move(first);
     EXPECT_FALSE(first);
@@ -181,7 +182,7 @@ protected:
     void TearDown() override { EXPECT_TRUE(nothing_is_live()) << standin::report(); }
 };
 
-TEST_F(OwnersOnTheStandin, AVectorHasTheArraysThatAreAskedFor) {
+TEST_F(OwnersOnTheStandin, AVectorHasTheRequestedArrays) {
     const owned_vector marks(4);
     EXPECT_TRUE(marks->coef.present() && marks->ind.present() && marks->elm.present());
     const owned_vector list(4, 1, {}, 1);
@@ -271,7 +272,7 @@ TEST_F(OwnersOnTheStandin, ASnapshotRestoresTheNumbers) {
     EXPECT_EQ(random::rand_number(*rng), first);
 }
 
-TEST_F(OwnersOnTheStandin, ASnapshotOfNoGeneratorIsFalse) {
+TEST_F(OwnersOnTheStandin, ASnapshotOfANullGeneratorIsFalse) {
     const owned_generator none;
     EXPECT_FALSE(owned_snapshot(*none));
 }

@@ -23,7 +23,7 @@ namespace standin = zktarn::standin;
 
 constexpr double largest = 1.7976931348623157e308;
 
-/// Handles of scripted answers, which the library only passes on.
+/// A handle that a scripted call returns. The library never dereferences it.
 void* handle(std::uintptr_t number) {
     return reinterpret_cast<void*>(number);
 }
@@ -32,8 +32,8 @@ host_call call_with(operation what, std::uintptr_t number) {
     return {what, {}, {}, {}, {handle(number)}};
 }
 
-/// What the library asks of the host and makes of its answers: every operation is scripted, because
-/// the handles are made up.
+/// The calls that the library makes and how it treats their results. Every operation is scripted,
+/// because the handles refer to no objects.
 class Random : public testing::Test {
 protected:
     Random() {
@@ -69,7 +69,7 @@ TEST_F(Random, InstantiatesAGeneratorFromTheSeed) {
     EXPECT_THAT(host.calls(), ElementsAre(host_call{operation::instantiateRngOptim, {-5}}));
 }
 
-TEST_F(Random, PassesEverySeedOn) {
+TEST_F(Random, PassesEverySeedToTheHost) {
     rng_state rng;
     for (const std::int32_t seed : {0, 1, std::numeric_limits<std::int32_t>::min(),
                                     std::numeric_limits<std::int32_t>::max()}) {
@@ -79,7 +79,7 @@ TEST_F(Random, PassesEverySeedOn) {
     }
 }
 
-TEST_F(Random, ReportsAHostThatCanMakeNoGenerator) {
+TEST_F(Random, FailsWhenTheHostMakesNoGenerator) {
     rng_state rng{handle(3)};
     answer_handle(operation::instantiateRngOptim, 0);
     EXPECT_EQ(instantiaterng(rng, 1), 0);
@@ -94,15 +94,15 @@ TEST_F(Random, ReplacesAGeneratorWithoutDeletingIt) {
     EXPECT_THAT(host.calls(), ElementsAre(host_call{operation::instantiateRngOptim, {1}}));
 }
 
-TEST_F(Random, HasNoHandleWhileTheHostMakesAGenerator) {
+TEST_F(Random, TheHandleIsNullWhileTheHostMakesAGenerator) {
     rng_state rng{handle(3)};
-    void* seen = handle(99);
+    void* during_call = handle(99);
     standin::answer_calls(operation::instantiateRngOptim, [&](const host_call&) {
-        seen = rng.generator;
+        during_call = rng.generator;
         return answer{.address = handle(4)};
     });
     EXPECT_EQ(instantiaterng(rng, 1), 1);
-    EXPECT_EQ(seen, nullptr);
+    EXPECT_EQ(during_call, nullptr);
     EXPECT_EQ(rng.generator, handle(4));
 }
 
@@ -142,7 +142,7 @@ TEST_F(Random, TakesASnapshot) {
     EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::getRngStateOptim, 3)));
 }
 
-TEST_F(Random, ReportsAHostThatCreatesNoSnapshot) {
+TEST_F(Random, FailsWhenTheHostMakesNoSnapshot) {
     const rng_state rng{handle(3)};
     saved_state state = handle(99);
     answer_handle(operation::getRngStateOptim, 0);
@@ -150,7 +150,7 @@ TEST_F(Random, ReportsAHostThatCreatesNoSnapshot) {
     EXPECT_EQ(state, nullptr);
 }
 
-TEST_F(Random, RequestsASnapshotWithoutAGeneratorToo) {
+TEST_F(Random, RequestsASnapshotOfANullGenerator) {
     saved_state state = handle(99);
     answer_handle(operation::getRngStateOptim, 0);
     EXPECT_EQ(getrngstate(rng_state{}, state), 0);
@@ -162,18 +162,18 @@ TEST_F(Random, RequestsASnapshotWithoutAGeneratorToo) {
                                           call_with(operation::getRngStateOptim, 0)));
 }
 
-TEST_F(Random, HasNoSnapshotWhileTheHostTakesOne) {
+TEST_F(Random, TheSnapshotIsNullWhileTheHostTakesIt) {
     saved_state state = handle(99);
-    void* seen = handle(99);
+    void* during_call = handle(99);
     standin::answer_calls(operation::getRngStateOptim, [&](const host_call&) {
-        seen = state;
+        during_call = state;
         return answer{.address = handle(4)};
     });
     EXPECT_EQ(getrngstate(rng_state{handle(1)}, state), 1);
-    EXPECT_EQ(seen, nullptr);
+    EXPECT_EQ(during_call, nullptr);
 }
 
-TEST_F(Random, TakesASnapshotIntoTheHandleOfTheGeneratorItself) {
+TEST_F(Random, TheSnapshotMayAliasTheHandleOfTheGenerator) {
     rng_state rng{handle(3)};
     answer_handle(operation::getRngStateOptim, 6);
     EXPECT_EQ(getrngstate(rng, rng.generator), 1);
@@ -207,7 +207,7 @@ TEST_F(Random, DeletesASnapshotAndKeepsTheStaleHandle) {
                                           call_with(operation::deleteRngStateOptim, 6)));
 }
 
-TEST_F(Random, DeletesNoSnapshotWhereThereIsNone) {
+TEST_F(Random, DeletesNoNullSnapshot) {
     deleterngstate(nullptr);
     EXPECT_THAT(host.calls(), IsEmpty());
 }
@@ -220,7 +220,7 @@ std::vector<double> draws(const rng_state& rng, int n) {
     return numbers;
 }
 
-/// Generators of the stand-in, from the first draw to the last snapshot.
+/// Generators of the stand-in, without scripted results.
 class RandomNumbers : public testing::Test {
 protected:
     void SetUp() override { standin::reset(); }

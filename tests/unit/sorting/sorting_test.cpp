@@ -20,7 +20,7 @@ using zktarn::flag;
 using zktarn::testing::scaled;
 namespace reference = zktarn::reference;
 
-/// The form under test.
+/// The inline or the exported form, whichever this program tests.
 template <class Exchange>
 void sort(std::int32_t first, std::int32_t last, Exchange&& exchange) {
 #ifdef ZKTARN_TEST_EXPORTED
@@ -30,18 +30,18 @@ void sort(std::int32_t first, std::int32_t last, Exchange&& exchange) {
 #endif
 }
 
-struct pair_seen {
+struct compared_pair {
     std::int64_t a;
     std::int64_t b;
     bool exchanged;
-    bool operator==(const pair_seen&) const = default;
+    bool operator==(const compared_pair&) const = default;
 };
 
 using keys = std::vector<int>;
 
-/// The calls of a sort of `elements`, whose first one has position `first`.
-std::vector<pair_seen> calls_for(keys& elements, std::int32_t first) {
-    std::vector<pair_seen> calls;
+/// Sorts `elements`, at positions from `first` on; returns the calls of the exchange procedure.
+std::vector<compared_pair> calls_for(keys& elements, std::int32_t first) {
+    std::vector<compared_pair> calls;
     const auto exchange = [&](const std::int32_t& a, const std::int32_t& b) {
         int& lower = elements.at(static_cast<std::size_t>(a - first));
         int& upper = elements.at(static_cast<std::size_t>(b - first));
@@ -56,30 +56,31 @@ std::vector<pair_seen> calls_for(keys& elements, std::int32_t first) {
     return calls;
 }
 
-/// The calls for a procedure that moves nothing and answers `answer(a, b)`.
-template <class Answer>
-std::vector<pair_seen> calls_for_answers(std::int32_t first, std::int32_t last, Answer answer) {
-    std::vector<pair_seen> calls;
+/// The calls of an exchange procedure that moves nothing and returns `result(a, b)`.
+template <class Result>
+std::vector<compared_pair> calls_for_results(std::int32_t first, std::int32_t last, Result result) {
+    std::vector<compared_pair> calls;
     sort(first, last, [&](std::int32_t a, std::int32_t b) {
-        calls.push_back({a, b, answer(a, b)});
+        calls.push_back({a, b, result(a, b)});
         return calls.back().exchanged;
     });
     return calls;
 }
 
-template <class Answer>
-std::vector<pair_seen> rule_for_answers(std::int32_t first, std::int32_t last, Answer answer) {
-    std::vector<pair_seen> calls;
+template <class Result>
+std::vector<compared_pair> reference_for_results(std::int32_t first, std::int32_t last,
+                                                 Result result) {
+    std::vector<compared_pair> calls;
     reference::sort(first, last, [&](std::int64_t a, std::int64_t b) {
-        calls.push_back({a, b, answer(static_cast<std::int32_t>(a), static_cast<std::int32_t>(b))});
+        calls.push_back({a, b, result(static_cast<std::int32_t>(a), static_cast<std::int32_t>(b))});
         return calls.back().exchanged;
     });
     return calls;
 }
 
-std::vector<std::int64_t> gaps_of(const std::vector<pair_seen>& calls) {
+std::vector<std::int64_t> gaps_of(const std::vector<compared_pair>& calls) {
     std::vector<std::int64_t> gaps;
-    for (const pair_seen& each : calls) {
+    for (const compared_pair& each : calls) {
         if (gaps.empty() || gaps.back() != each.b - each.a) {
             gaps.push_back(each.b - each.a);
         }
@@ -92,42 +93,42 @@ constexpr auto always = [](std::int32_t, std::int32_t) { return true; };
 
 /// Whether the inline form accepts an object as an exchange procedure.
 template <class Exchange>
-concept is_taken = requires(Exchange& exchange) {
+concept is_accepted = requires(Exchange& exchange) {
     zktarn::sorting_mod::sort(1, 2, exchange);
 };
 
-constexpr auto answers_nothing = [](std::int32_t, std::int32_t) {};
-constexpr auto takes_one = [](std::int32_t) { return true; };
-static_assert(!is_taken<decltype(answers_nothing)>);
-static_assert(!is_taken<decltype(takes_one)>);
-static_assert(is_taken<decltype(never)>);
+constexpr auto returns_nothing = [](std::int32_t, std::int32_t) {};
+constexpr auto takes_one_position = [](std::int32_t) { return true; };
+static_assert(!is_accepted<decltype(returns_nothing)>);
+static_assert(!is_accepted<decltype(takes_one_position)>);
+static_assert(is_accepted<decltype(never)>);
 
 TEST(Sort, CallsNothingForFewerThanTwoPositions) {
     for (const auto& [first, last] : {std::pair{5, 5}, {5, 4}, {5, -5}, {0, 0}}) {
-        EXPECT_TRUE(calls_for_answers(first, last, always).empty());
+        EXPECT_TRUE(calls_for_results(first, last, always).empty());
     }
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
-    EXPECT_TRUE(calls_for_answers(most, least, always).empty());
-    EXPECT_TRUE(calls_for_answers(most, most, always).empty());
-    EXPECT_TRUE(calls_for_answers(least, least, always).empty());
+    EXPECT_TRUE(calls_for_results(most, least, always).empty());
+    EXPECT_TRUE(calls_for_results(most, most, always).empty());
+    EXPECT_TRUE(calls_for_results(least, least, always).empty());
 }
 
 TEST(Sort, CallsOnceForTwoPositions) {
-    EXPECT_EQ(calls_for_answers(7, 8, always), (std::vector<pair_seen>{{7, 8, true}}));
-    EXPECT_EQ(calls_for_answers(7, 8, never), (std::vector<pair_seen>{{7, 8, false}}));
+    EXPECT_EQ(calls_for_results(7, 8, always), (std::vector<compared_pair>{{7, 8, true}}));
+    EXPECT_EQ(calls_for_results(7, 8, never), (std::vector<compared_pair>{{7, 8, false}}));
 }
 
-TEST(Sort, SortsFiveDescendingKeysByTheExpectedCalls) {
+TEST(Sort, CallsForFiveDescendingKeysAsExpected) {
     keys elements = {5, 4, 3, 2, 1};
-    EXPECT_EQ(calls_for(elements, 1), (std::vector<pair_seen>{{1, 5, true},
-                                                              {1, 2, false},
-                                                              {2, 3, true},
-                                                              {1, 2, false},
-                                                              {3, 4, true},
-                                                              {2, 3, true},
-                                                              {1, 2, false},
-                                                              {4, 5, false}}));
+    EXPECT_EQ(calls_for(elements, 1), (std::vector<compared_pair>{{1, 5, true},
+                                                                  {1, 2, false},
+                                                                  {2, 3, true},
+                                                                  {1, 2, false},
+                                                                  {3, 4, true},
+                                                                  {2, 3, true},
+                                                                  {1, 2, false},
+                                                                  {4, 5, false}}));
     EXPECT_EQ(elements, (keys{1, 2, 3, 4, 5}));
 }
 
@@ -144,7 +145,7 @@ TEST(Sort, UsesTheGapsBelowTheNumberOfElements) {
         {121, {40, 13, 4, 1}},
         {122, {121, 40, 13, 4, 1}}};
     for (const auto& [n, gaps] : expected) {
-        EXPECT_EQ(gaps_of(calls_for_answers(1, n, never)), gaps) << n;
+        EXPECT_EQ(gaps_of(calls_for_results(1, n, never)), gaps) << n;
     }
 }
 
@@ -154,13 +155,13 @@ TEST(Sort, CallsNMinusGapTimesForAProcedureThatNeverExchanges) {
         for (std::int64_t gap = 1; gap < n; gap = 3 * gap + 1) {
             expected += n - gap;
         }
-        EXPECT_EQ(static_cast<std::int64_t>(calls_for_answers(1, n, never).size()), expected) << n;
+        EXPECT_EQ(static_cast<std::int64_t>(calls_for_results(1, n, never).size()), expected) << n;
     }
 }
 
 TEST(Sort, StaysWithinARangeThatDoesNotStartAtOne) {
     keys elements = {3, 1, 4, 1, 5, 9, 2, 6};
-    for (const pair_seen& each : calls_for(elements, -3)) {
+    for (const compared_pair& each : calls_for(elements, -3)) {
         EXPECT_GE(each.a, -3);
         EXPECT_LT(each.a, each.b);
         EXPECT_LE(each.b, 4);
@@ -188,7 +189,7 @@ TEST(Sort, NeverExchangesEqualKeysByAStrictProcedure) {
                                [](const auto& a, const auto& b) { return a.first < b.first; }));
 }
 
-TEST(Sort, SortsDescendingIfTheProcedureDoes) {
+TEST(Sort, SortsDescendingByADescendingProcedure) {
     keys elements(100);
     std::iota(elements.begin(), elements.end(), 0);
     sort(0, 99, [&](std::int32_t a, std::int32_t b) {
@@ -214,20 +215,20 @@ TEST(Sort, PassesCopiesOfThePositions) {
     const auto overwrite = [](const std::int32_t& position) {
         const_cast<std::int32_t&>(position) = 1000;
     };
-    std::vector<pair_seen> calls;
+    std::vector<compared_pair> calls;
     sort(1, 20, [&](const std::int32_t& a, const std::int32_t& b) {
         calls.push_back({a, b, true});
         overwrite(a);
         overwrite(b);
         return true;
     });
-    EXPECT_EQ(calls, rule_for_answers(1, 20, always));
+    EXPECT_EQ(calls, reference_for_results(1, 20, always));
 }
 
 TEST(Sort, ReadsTheRangeOnce) {
     std::int32_t first = 1;
     std::int32_t last = 20;
-    std::vector<pair_seen> calls;
+    std::vector<compared_pair> calls;
     const auto exchange = [&](std::int32_t a, std::int32_t b) -> flag {
         calls.push_back({a, b, true});
         first = 10;
@@ -239,7 +240,7 @@ TEST(Sort, ReadsTheRangeOnce) {
 #else
     zktarn::sorting_mod::sort(first, last, exchange);
 #endif
-    EXPECT_EQ(calls, rule_for_answers(1, 20, always));
+    EXPECT_EQ(calls, reference_for_results(1, 20, always));
 }
 
 TEST(Sort, SpansAll32BitPositions) {
@@ -247,7 +248,7 @@ TEST(Sort, SpansAll32BitPositions) {
     constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int64_t gap = 1'743'392'200; // the largest of the sequence below 2^32
     struct enough {};
-    std::vector<pair_seen> calls;
+    std::vector<compared_pair> calls;
     const auto exchange = [&](std::int32_t a, std::int32_t b) -> bool {
         calls.push_back({a, b, true});
         if (calls.size() == 3) {
@@ -260,27 +261,28 @@ TEST(Sort, SpansAll32BitPositions) {
                                                 std::numeric_limits<std::int32_t>::max(), exchange);
     };
     EXPECT_THROW(run(), enough);
-    EXPECT_EQ(calls, (std::vector<pair_seen>{{least, least + gap, true},
-                                             {least + 1, least + gap + 1, true},
-                                             {least + 2, least + gap + 2, true}}));
+    EXPECT_EQ(calls, (std::vector<compared_pair>{{least, least + gap, true},
+                                                 {least + 1, least + gap + 1, true},
+                                                 {least + 2, least + gap + 2, true}}));
 }
 
 TEST(Sort, SortsAtBothEndsOfThe32BitPositions) {
     constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
     constexpr std::int32_t most = std::numeric_limits<std::int32_t>::max();
-    EXPECT_EQ(calls_for_answers(most - 60, most, always),
-              rule_for_answers(most - 60, most, always));
-    EXPECT_EQ(calls_for_answers(least, least + 60, always),
-              rule_for_answers(least, least + 60, always));
+    EXPECT_EQ(calls_for_results(most - 60, most, always),
+              reference_for_results(most - 60, most, always));
+    EXPECT_EQ(calls_for_results(least, least + 60, always),
+              reference_for_results(least, least + 60, always));
 }
 
-TEST(SortProperty, CallsAsTheRuleDoesForEveryRangeOfUpTo200Positions) {
+TEST(SortProperty, CallsAsTheReferenceForEveryRangeOfUpTo200Positions) {
     std::mt19937 random(20261121);
     for (std::int32_t n = 0; n <= 200; ++n) {
         const std::int32_t first = static_cast<std::int32_t>(random() % 41) - 20;
         const std::int32_t last = first + n - 1;
-        EXPECT_EQ(calls_for_answers(first, last, never), rule_for_answers(first, last, never));
-        EXPECT_EQ(calls_for_answers(first, last, always), rule_for_answers(first, last, always));
+        EXPECT_EQ(calls_for_results(first, last, never), reference_for_results(first, last, never));
+        EXPECT_EQ(calls_for_results(first, last, always),
+                  reference_for_results(first, last, always));
         const auto salt = static_cast<std::uint32_t>(random());
         const auto erratic = [salt](std::int32_t a, std::int32_t b) {
             std::uint32_t mixed = (static_cast<std::uint32_t>(a) * 2654435761U) ^
@@ -288,11 +290,12 @@ TEST(SortProperty, CallsAsTheRuleDoesForEveryRangeOfUpTo200Positions) {
             mixed ^= mixed >> 15;
             return (mixed * 2246822519U >> 13 & 1) != 0;
         };
-        EXPECT_EQ(calls_for_answers(first, last, erratic), rule_for_answers(first, last, erratic));
+        EXPECT_EQ(calls_for_results(first, last, erratic),
+                  reference_for_results(first, last, erratic));
     }
 }
 
-TEST(SortProperty, CallsAsTheRuleDoesForRandomAndAdversarialKeys) {
+TEST(SortProperty, CallsAsTheReferenceForRandomAndAdversarialKeys) {
     std::mt19937 random(20261122);
     const std::int64_t rounds = scaled(40);
     for (std::int64_t round = 0; round < rounds; ++round) {
@@ -307,7 +310,7 @@ TEST(SortProperty, CallsAsTheRuleDoesForRandomAndAdversarialKeys) {
                                 : static_cast<int>(random() % 3);
             }
             keys copy = elements;
-            std::vector<pair_seen> expected;
+            std::vector<compared_pair> expected;
             reference::sort(1, n, [&](std::int64_t a, std::int64_t b) {
                 int& lower = copy[static_cast<std::size_t>(a - 1)];
                 int& upper = copy[static_cast<std::size_t>(b - 1)];
@@ -326,7 +329,7 @@ TEST(SortProperty, CallsAsTheRuleDoesForRandomAndAdversarialKeys) {
 }
 
 #ifndef ZKTARN_TEST_EXPORTED
-TEST(Sort, TakesPlainFunctionsInBothForms) {
+TEST(Sort, AcceptsPlainFunctionsInBothForms) {
     static int calls;
     calls = 0;
     struct counting {

@@ -26,7 +26,7 @@ constexpr bool checked = true;
 constexpr bool checked = false;
 #endif
 
-/// What an access makes the library call.
+/// The host calls that an access causes.
 template <class Access>
 std::vector<host_call> calls_of(Access access) {
     const host_log host;
@@ -37,8 +37,7 @@ std::vector<host_call> calls_of(Access access) {
     return host_log::calls();
 }
 
-/// The line that a violation prints here: procedure and condition; its own line number stands for
-/// any.
+/// Matches the printed line of a violation, with any line number.
 auto prints(const std::string& condition, const std::string& procedure, const std::string& file) {
     return testing::ResultOf(
         [](const host_call& call) { return call.texts.empty() ? "" : call.texts[0]; },
@@ -57,7 +56,7 @@ const host_call flushes{operation::ioFlushOptim};
         EXPECT_THAT(calls_of([&] { access; }), IsEmpty());                                         \
     }
 
-// Room around the arrays, so that an access out of range is one all the same.
+// The blocks are larger than the arrays, so an access outside of an array stays inside its block.
 double room[20] = {};
 
 TEST(Check, ReportsAPositionOutsideOfAnArray) {
@@ -85,7 +84,7 @@ std::string line_of(Violation violation) {
     return all.empty() || all[0].texts.empty() ? "" : all[0].texts[0];
 }
 
-TEST(Check, SaysWhatWasViolatedAndWhere) {
+TEST(Check, PrintsTheConditionTheProcedureAndTheLine) {
     const auto procedure = [] {
         ZKTARN_CHECK(1 + 1 == 3);
         return __LINE__ - 1;
@@ -97,7 +96,7 @@ TEST(Check, SaysWhatWasViolatedAndWhere) {
                 testing::EndsWith("check_test.cpp:" + std::to_string(line) + ")\n"));
 }
 
-TEST(Check, CutsALineThatIsTooLong) {
+TEST(Check, TruncatesALongLine) {
     const std::string procedure(1000, 'p');
     const auto violate = [&] {
         zktarn::detail::report_violation("k <= n", procedure.c_str(), "/usr/zktarn/x.hpp", 7);
@@ -105,7 +104,7 @@ TEST(Check, CutsALineThatIsTooLong) {
     EXPECT_EQ(line_of(violate), "violated: k <= n, in " + procedure.substr(0, 490) + "\n");
 }
 
-TEST(Check, ReportsToTarnassertAfterAnInterruptToo) {
+TEST(Check, ReportsAfterAnInterrupt) {
     const auto violate = [] {
         zktarn::standin::raise_interrupt();
         EXPECT_EQ(zktarn::callbacks_util::cbhasinterrupt(0, 1), 1);

@@ -84,7 +84,7 @@ TEST(OptionalRef, ReturnsItsValueOrTheFallback) {
     EXPECT_EQ(optional_ref<const double>().value_or(9.0), 9.0);
 }
 
-TEST(OptionalRef, RefusesTemporariesAsOutputs) {
+TEST(OptionalRef, DoesNotBindTemporariesAsOutputs) {
     static_assert(std::is_constructible_v<optional_ref<const double>, double>);
     static_assert(std::is_constructible_v<optional_ref<double>, double&>);
     static_assert(!std::is_constructible_v<optional_ref<double>, double>);
@@ -147,7 +147,7 @@ TEST(FunctionRef, ConvertsResultsAndDropsThemForVoid) {
     EXPECT_EQ(seen, 4);
 }
 
-TEST(FunctionRef, PassesReferencesThrough) {
+TEST(FunctionRef, PassesReferences) {
     const auto copy = [](double& target, const double& source) { target = source; };
     const function_ref<void(double&, const double&)> assign = copy;
     double target = 0.0;

@@ -1,4 +1,4 @@
-// With subnormals flushed to zero results may differ, but every call ends.
+// With subnormals flushed to zero, results may differ, but every call returns.
 #include <cstdint>
 #include <limits>
 #include <vector>
@@ -43,7 +43,7 @@ answer scalar_for(const std::vector<element>& elements, double max_scalar) {
 }
 
 TEST_F(FlushedSubnormals, AScalarOfZeroEndsTheSearch) {
-    // The reciprocal is subnormal, so it becomes 0, which no doubling changes.
+    // The reciprocal is subnormal and flushed to 0, which doubling does not change.
     for (const double max_scalar : {1.0, 1e6, inf}) {
         const answer a = scalar_for({{1.7e308}}, max_scalar);
         EXPECT_EQ(a.found, 0);

@@ -28,7 +28,7 @@ TEST(RealGcd, FollowsEuclidWithATolerance) {
     EXPECT_EQ(xgcd_r8(10.0, 7.0, 3.0), 7.0);
 }
 
-TEST(RealGcd, RefusesTheExtremesWithZero) {
+TEST(RealGcd, ReturnsZeroForTheLargestRealInfinityAndNaN) {
     EXPECT_EQ(xgcd_r8(largest, 2.0, 0.0), 0.0);
     EXPECT_EQ(xgcd_r8(2.0, -largest, 0.0), 0.0);
     EXPECT_EQ(xgcd_r8(inf, 2.0, 0.0), 0.0);
@@ -36,7 +36,7 @@ TEST(RealGcd, RefusesTheExtremesWithZero) {
     EXPECT_EQ(xgcd_r8(std::nextafter(largest, 0.0), 2.0, 0.0), 2.0);
 }
 
-TEST(RealGcd, EndsForEveryTolerance) {
+TEST(RealGcd, ReturnsForEveryTolerance) {
     EXPECT_EQ(xgcd_r8(12.0, 18.0, -1.0), 0.0);
     EXPECT_EQ(xgcd_r8(12.0, 0.0, -1.0), 0.0);
     EXPECT_EQ(xgcd_r8(12.0, 18.0, nan), 12.0);
@@ -72,7 +72,7 @@ TEST(RealGcd, IsExactForSubnormals) {
     EXPECT_EQ(xgcd_r8(least_normal, 3.0 * least_normal, -0.0), least_normal);
 }
 
-TEST(IntegerGcd, IsThatOfTheMagnitudes) {
+TEST(IntegerGcd, IgnoresSigns) {
     EXPECT_EQ(xgcd_i4(-12, 18), 6);
     EXPECT_EQ(xgcd_i4(18, -12), 6);
     EXPECT_EQ(xgcd_i4(0, 0), 0);

@@ -22,57 +22,57 @@ constexpr double largest = std::numeric_limits<double>::max();
 constexpr double untouched = 123.25;
 
 /// The outputs of an integrality test.
-struct answer {
+struct result {
     flag is_int;
     double nearest;
-    bool operator==(const answer&) const = default;
+    bool operator==(const result&) const = default;
 };
 
-void PrintTo(const answer& a, std::ostream* out) {
+void PrintTo(const result& a, std::ostream* out) {
     *out << "{" << a.is_int << ", " << a.nearest << "}";
 }
 
-answer is_int(double x, double eps) {
-    answer a{-1, untouched};
+result is_int(double x, double eps) {
+    result a{-1, untouched};
     epsilon_is_int(x, eps, a.is_int, a.nearest);
     return a;
 }
 
-answer is_int_scalar(double x, double scalar, double eps) {
-    answer a{-1, untouched};
+result is_int_scalar(double x, double scalar, double eps) {
+    result a{-1, untouched};
     epsilon_is_int_scalar(x, scalar, eps, a.is_int, a.nearest);
     return a;
 }
 
-const answer no{0, untouched};
+const result no{0, untouched};
 
 bool is_positive_zero(double value) {
     return std::bit_cast<std::uint64_t>(value) == 0;
 }
 
 TEST(EpsilonIsInt, FindsTheIntegerWithinTheTolerance) {
-    EXPECT_EQ(is_int(2.9999, 0.001), (answer{1, 3.0}));
+    EXPECT_EQ(is_int(2.9999, 0.001), (result{1, 3.0}));
     EXPECT_EQ(is_int(3.0011, 0.001), no);
-    EXPECT_EQ(is_int(3.001, 0.001), (answer{1, 3.0}));
-    EXPECT_EQ(is_int(-2.9999, 0.001), (answer{1, -3.0}));
+    EXPECT_EQ(is_int(3.001, 0.001), (result{1, 3.0}));
+    EXPECT_EQ(is_int(-2.9999, 0.001), (result{1, -3.0}));
     EXPECT_EQ(is_int(-3.0011, 0.001), no);
 }
 
 TEST(EpsilonIsInt, TheToleranceIsInclusive) {
-    EXPECT_EQ(is_int(3.25, 0.25), (answer{1, 3.0}));
+    EXPECT_EQ(is_int(3.25, 0.25), (result{1, 3.0}));
     EXPECT_EQ(is_int(3.25, 0.2499), no);
-    EXPECT_EQ(is_int(2.75, 0.25), (answer{1, 3.0}));
+    EXPECT_EQ(is_int(2.75, 0.25), (result{1, 3.0}));
     EXPECT_EQ(is_int(2.75, 0.2499), no);
 }
 
-TEST(EpsilonIsInt, TheFloorWinsIfBothAreWithinTheTolerance) {
-    EXPECT_EQ(is_int(2.5, 0.5), (answer{1, 3.0}));
-    EXPECT_EQ(is_int(2.25, 0.75), (answer{1, 3.0}));
+TEST(EpsilonIsInt, ReturnsTheFloorIfFloorAndCeilingAreWithinTheTolerance) {
+    EXPECT_EQ(is_int(2.5, 0.5), (result{1, 3.0}));
+    EXPECT_EQ(is_int(2.25, 0.75), (result{1, 3.0}));
 }
 
 TEST(EpsilonIsInt, ALargeToleranceReportsAnIntegerAbove) {
-    EXPECT_EQ(is_int(2.0, 1.5), (answer{1, 3.0}));
-    EXPECT_EQ(is_int(2.0, 3.0), (answer{1, 5.0}));
+    EXPECT_EQ(is_int(2.0, 1.5), (result{1, 3.0}));
+    EXPECT_EQ(is_int(2.0, 3.0), (result{1, 5.0}));
 }
 
 TEST(EpsilonIsInt, NearestIsOptionalAndNotWrittenIfNotIntegral) {
@@ -103,18 +103,18 @@ TEST(EpsilonIsInt, NothingIsIntegralForANegativeOrNaNTolerance) {
 }
 
 TEST(EpsilonIsInt, AnInfiniteToleranceSaturates) {
-    EXPECT_EQ(is_int(5.0, inf), (answer{1, 0x1p63}));
-    EXPECT_EQ(is_int(5.0, 1e300), (answer{1, 0x1p63}));
+    EXPECT_EQ(is_int(5.0, inf), (result{1, 0x1p63}));
+    EXPECT_EQ(is_int(5.0, 1e300), (result{1, 0x1p63}));
 }
 
-TEST(EpsilonIsIntScalar, FloorsTheProductWithoutTheTolerance) {
-    EXPECT_EQ(is_int_scalar(0.25, 12.0, 1e-9), (answer{1, 3.0}));
+TEST(EpsilonIsIntScalar, TakesTheFloorOfTheProductWithoutAddingTheTolerance) {
+    EXPECT_EQ(is_int_scalar(0.25, 12.0, 1e-9), (result{1, 3.0}));
     EXPECT_EQ(is_int_scalar(0.25, 10.0, 1e-9), no);
-    EXPECT_EQ(is_int_scalar(2.0, 1.0, 1.5), (answer{1, 2.0}));
-    EXPECT_EQ(is_int_scalar(2.5, 1.0, 0.5), (answer{1, 2.0}));
-    EXPECT_EQ(is_int_scalar(2.75, 1.0, 0.25), (answer{1, 3.0}));
+    EXPECT_EQ(is_int_scalar(2.0, 1.0, 1.5), (result{1, 2.0}));
+    EXPECT_EQ(is_int_scalar(2.5, 1.0, 0.5), (result{1, 2.0}));
+    EXPECT_EQ(is_int_scalar(2.75, 1.0, 0.25), (result{1, 3.0}));
     EXPECT_EQ(is_int_scalar(2.75, 1.0, 0.125), no);
-    EXPECT_EQ(is_int_scalar(2.25, 1.0, 0.25), (answer{1, 2.0}));
+    EXPECT_EQ(is_int_scalar(2.25, 1.0, 0.25), (result{1, 2.0}));
     EXPECT_EQ(is_int_scalar(nan, 1.0, 0.5), no);
     EXPECT_EQ(is_int_scalar(0.0, inf, 0.5), no);
     flag found = -1;
@@ -132,7 +132,7 @@ TEST(EpsilonFractionality, IsSmallAndNegativeJustBelowAnInteger) {
     EXPECT_EQ(epsilon_fractionality(2.5, nan), 2.5);
 }
 
-TEST(EpsilonFloor, GivesTheIntegerForAValueJustBelowIt) {
+TEST(EpsilonFloor, RoundsUpAValueJustBelowAnInteger) {
     EXPECT_EQ(epsilon_floor(-2.0000001, 0.001), -2.0);
     EXPECT_EQ(epsilon_floor(2.9999, 0.001), 3.0);
     EXPECT_EQ(epsilon_floor(2.9, 0.001), 2.0);
@@ -140,7 +140,7 @@ TEST(EpsilonFloor, GivesTheIntegerForAValueJustBelowIt) {
     EXPECT_TRUE(is_positive_zero(epsilon_floor(-0.0, 0.0)));
 }
 
-TEST(EpsilonCeiling, GivesTheIntegerForAValueJustAboveIt) {
+TEST(EpsilonCeiling, RoundsDownAValueJustAboveAnInteger) {
     EXPECT_EQ(epsilon_ceiling(2.0000001, 0.001), 2.0);
     EXPECT_EQ(epsilon_ceiling(-1.5, 0.001), -1.0);
     EXPECT_EQ(epsilon_ceiling(1.5, 0.001), 2.0);
@@ -180,7 +180,7 @@ TEST(GuardedFloor, KeepsValuesAbove2To52) {
     EXPECT_EQ(epsilon_floor(-inf, 0.0), -inf);
 }
 
-TEST(GuardedFloor, SaturatesAndGives0ForNaN) {
+TEST(GuardedFloor, SaturatesAndReturns0ForNaN) {
     EXPECT_EQ(epsilon_floor(1.0, 1e300), 0x1p63);
     EXPECT_EQ(epsilon_floor(1.0, -1e300), -0x1p63);
     EXPECT_EQ(epsilon_floor(1.0, inf), 0x1p63);

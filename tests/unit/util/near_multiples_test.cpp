@@ -59,7 +59,7 @@ TEST(NearMultiples, ListsNoMultiplierFarFromAnInteger) {
     }
 }
 
-TEST(NearMultiples, HasAWordForEveryFraction) {
+TEST(NearMultiples, CoversTheLargestFraction) {
     constexpr fixed_fraction largest = std::numeric_limits<fixed_fraction>::max();
     EXPECT_EQ(table(0), (1U << multipliers.size()) - 1);
     EXPECT_EQ(table(largest), table(0));

@@ -14,68 +14,68 @@ using zktarn::flag;
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-struct answer {
+struct result {
     flag found;
     double num;
     double den;
-    bool operator==(const answer&) const = default;
+    bool operator==(const result&) const = default;
 };
 
-void PrintTo(const answer& a, std::ostream* out) {
+void PrintTo(const result& a, std::ostream* out) {
     *out << "{" << a.found << ", " << a.num << "/" << a.den << "}";
 }
 
-answer rational(double x, double eps, double max_den) {
-    answer a{-1, -1.0, -1.0};
+result rational(double x, double eps, double max_den) {
+    result a{-1, -1.0, -1.0};
     get_rational_rep(x, eps, max_den, a.found, a.num, a.den);
     return a;
 }
 
-const answer none{0, 0.0, 0.0};
+const result none{0, 0.0, 0.0};
 
 TEST(RationalRep, TriesPowersOfTenBeforeSmallDenominators) {
-    EXPECT_EQ(rational(0.25, 1e-9, 100.0), (answer{1, 25.0, 100.0}));
-    EXPECT_EQ(rational(0.25, 1e-9, 99.0), (answer{1, 5.0, 20.0}));
-    EXPECT_EQ(rational(0.25, 1e-9, 19.0), (answer{1, 1.0, 4.0}));
-    EXPECT_EQ(rational(0.5, 1e-9, 100.0), (answer{1, 5.0, 10.0}));
-    EXPECT_EQ(rational(0.001, 1e-9, 1000.0), (answer{1, 1.0, 1000.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 100.0), (result{1, 25.0, 100.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 99.0), (result{1, 5.0, 20.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 19.0), (result{1, 1.0, 4.0}));
+    EXPECT_EQ(rational(0.5, 1e-9, 100.0), (result{1, 5.0, 10.0}));
+    EXPECT_EQ(rational(0.001, 1e-9, 1000.0), (result{1, 1.0, 1000.0}));
 }
 
 TEST(RationalRep, FindsAThird) {
-    EXPECT_EQ(rational(1.0 / 3.0, 1e-9, 100.0), (answer{1, 1.0, 3.0}));
-    EXPECT_EQ(rational(-2.0 / 3.0, 1e-9, 100.0), (answer{1, -2.0, 3.0}));
+    EXPECT_EQ(rational(1.0 / 3.0, 1e-9, 100.0), (result{1, 1.0, 3.0}));
+    EXPECT_EQ(rational(-2.0 / 3.0, 1e-9, 100.0), (result{1, -2.0, 3.0}));
 }
 
 TEST(RationalRep, TriesEachBaseDenominator) {
     for (const double base :
          {2.0, 3.0, 4.0, 5.0, 6.0, 7.0, 8.0, 9.0, 11.0, 13.0, 15.0, 17.0, 19.0, 23.0}) {
         // With the base as the bound, only the base and its divisors fit.
-        const answer found = rational(1.0 / base, 1e-12, base);
+        const result found = rational(1.0 / base, 1e-12, base);
         EXPECT_EQ(found.found, 1);
         EXPECT_EQ(found.num / found.den, 1.0 / base) << base;
     }
-    EXPECT_EQ(rational(1.0 / 21.0, 1e-12, 1000.0), (answer{1, 1.0, 21.0}));
-    EXPECT_EQ(rational(1.0 / 230.0, 1e-12, 1000.0), (answer{1, 1.0, 230.0}));
-    EXPECT_EQ(rational(1.0 / 19e5, 1e-15, 1e7), (answer{1, 1.0, 19e5}));
-    EXPECT_EQ(rational(1.0 / 23e7, 1e-17, 1e9), (answer{1, 1.0, 23e7}));
+    EXPECT_EQ(rational(1.0 / 21.0, 1e-12, 1000.0), (result{1, 1.0, 21.0}));
+    EXPECT_EQ(rational(1.0 / 230.0, 1e-12, 1000.0), (result{1, 1.0, 230.0}));
+    EXPECT_EQ(rational(1.0 / 19e5, 1e-15, 1e7), (result{1, 1.0, 19e5}));
+    EXPECT_EQ(rational(1.0 / 23e7, 1e-17, 1e9), (result{1, 1.0, 23e7}));
 }
 
 TEST(RationalRep, FindsPiByItsContinuedFraction) {
-    EXPECT_EQ(rational(std::numbers::pi, 1e-6, 1000.0), (answer{1, 355.0, 113.0}));
-    EXPECT_EQ(rational(-std::numbers::pi, 1e-6, 1000.0), (answer{1, -355.0, 113.0}));
+    EXPECT_EQ(rational(std::numbers::pi, 1e-6, 1000.0), (result{1, 355.0, 113.0}));
+    EXPECT_EQ(rational(-std::numbers::pi, 1e-6, 1000.0), (result{1, -355.0, 113.0}));
 }
 
 TEST(RationalRep, ABoundBelowOneIsOne) {
     EXPECT_EQ(rational(0.5, 1e-9, 0.3), none);
-    EXPECT_EQ(rational(7.0, 1e-9, 0.3), (answer{1, 7.0, 1.0}));
-    EXPECT_EQ(rational(7.25, 0.25, 0.0), (answer{1, 7.0, 1.0}));
+    EXPECT_EQ(rational(7.0, 1e-9, 0.3), (result{1, 7.0, 1.0}));
+    EXPECT_EQ(rational(7.25, 0.25, 0.0), (result{1, 7.0, 1.0}));
     EXPECT_EQ(rational(0.5, 1e-9, nan), none);
-    EXPECT_EQ(rational(7.0, 1e-9, nan), (answer{1, 7.0, 1.0}));
+    EXPECT_EQ(rational(7.0, 1e-9, nan), (result{1, 7.0, 1.0}));
 }
 
 TEST(RationalRep, TakesTheMagnitudeOfTheBound) {
     EXPECT_EQ(rational(0.25, 1e-9, -50.0), rational(0.25, 1e-9, 50.0));
-    EXPECT_EQ(rational(0.25, 1e-9, -50.0), (answer{1, 5.0, 20.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, -50.0), (result{1, 5.0, 20.0}));
 }
 
 TEST(RationalRep, FailsWhereNothingFits) {
@@ -84,26 +84,26 @@ TEST(RationalRep, FailsWhereNothingFits) {
     EXPECT_EQ(rational(0.3, -1e-9, 1000.0), none);
 }
 
-TEST(RationalRep, AValueNextToAnIntegerIsThatInteger) {
-    EXPECT_EQ(rational(4.0 + 1e-10, 1e-9, 1000.0), (answer{1, 4.0, 1.0}));
-    EXPECT_EQ(rational(4.0 - 1e-10, 1e-9, 1000.0), (answer{1, 4.0, 1.0}));
-    EXPECT_EQ(rational(-4.0 - 1e-10, 1e-9, 1000.0), (answer{1, -4.0, 1.0}));
-    EXPECT_EQ(rational(0.0, 0.0, 1000.0), (answer{1, 0.0, 1.0}));
+TEST(RationalRep, RoundsAValueNextToAnInteger) {
+    EXPECT_EQ(rational(4.0 + 1e-10, 1e-9, 1000.0), (result{1, 4.0, 1.0}));
+    EXPECT_EQ(rational(4.0 - 1e-10, 1e-9, 1000.0), (result{1, 4.0, 1.0}));
+    EXPECT_EQ(rational(-4.0 - 1e-10, 1e-9, 1000.0), (result{1, -4.0, 1.0}));
+    EXPECT_EQ(rational(0.0, 0.0, 1000.0), (result{1, 0.0, 1.0}));
 }
 
-TEST(RationalRep, TheLowerNumeratorWinsWhereBothFit) {
-    EXPECT_EQ(rational(0.4, 0.7, 1000.0), (answer{1, 0.0, 1.0}));
-    EXPECT_EQ(rational(0.4, 0.6, 1000.0), (answer{1, 0.0, 1.0}));
+TEST(RationalRep, ReturnsTheLowerNumeratorIfBothFit) {
+    EXPECT_EQ(rational(0.4, 0.7, 1000.0), (result{1, 0.0, 1.0}));
+    EXPECT_EQ(rational(0.4, 0.6, 1000.0), (result{1, 0.0, 1.0}));
 }
 
 TEST(RationalRep, ADenominatorMayBeTheBoundItself) {
-    EXPECT_EQ(rational(0.25, 1e-9, 20.0), (answer{1, 5.0, 20.0}));
-    EXPECT_EQ(rational(0.25, 1e-9, 19.0), (answer{1, 1.0, 4.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 20.0), (result{1, 5.0, 20.0}));
+    EXPECT_EQ(rational(0.25, 1e-9, 19.0), (result{1, 1.0, 4.0}));
 }
 
 TEST(RationalRep, TakesAnIntegerBeforeTheConvergents) {
-    EXPECT_EQ(rational(1e300, 1e-9, 10.0), (answer{1, 1e300, 1.0}));
-    EXPECT_EQ(rational(-3e9, 1e-9, 10.0), (answer{1, -3e9, 1.0}));
+    EXPECT_EQ(rational(1e300, 1e-9, 10.0), (result{1, 1e300, 1.0}));
+    EXPECT_EQ(rational(-3e9, 1e-9, 10.0), (result{1, -3e9, 1.0}));
 }
 
 TEST(RationalRep, EndsForNaNAndInfinity) {
@@ -111,17 +111,17 @@ TEST(RationalRep, EndsForNaNAndInfinity) {
     EXPECT_EQ(rational(0.5, nan, 1000.0), none);
     EXPECT_EQ(rational(nan, nan, nan), none);
     EXPECT_EQ(rational(inf, inf, 1000.0), none);
-    EXPECT_EQ(rational(inf, 1e-9, 1000.0), (answer{1, inf, 1.0}));
-    EXPECT_EQ(rational(-inf, 1e-9, 1000.0), (answer{1, -inf, 1.0}));
-    EXPECT_EQ(rational(-inf, inf, 1000.0), (answer{1, 0.0, 1.0}));
-    EXPECT_EQ(rational(0.7, inf, 1000.0), (answer{1, 0.0, 1.0}));
+    EXPECT_EQ(rational(inf, 1e-9, 1000.0), (result{1, inf, 1.0}));
+    EXPECT_EQ(rational(-inf, 1e-9, 1000.0), (result{1, -inf, 1.0}));
+    EXPECT_EQ(rational(-inf, inf, 1000.0), (result{1, 0.0, 1.0}));
+    EXPECT_EQ(rational(0.7, inf, 1000.0), (result{1, 0.0, 1.0}));
     EXPECT_EQ(rational(0.7, -inf, 1000.0), none);
 }
 
 TEST(RationalRep, AnInfiniteBoundTriesPowersOfTenOnly) {
-    EXPECT_EQ(rational(0.5, 1e-9, inf), (answer{1, 5.0, 10.0}));
-    EXPECT_EQ(rational(0.5, 1e-9, -inf), (answer{1, 5.0, 10.0}));
-    EXPECT_EQ(rational(1.0 / 3.0, 1e-9, inf), (answer{1, 333333333.0, 1e9}));
+    EXPECT_EQ(rational(0.5, 1e-9, inf), (result{1, 5.0, 10.0}));
+    EXPECT_EQ(rational(0.5, 1e-9, -inf), (result{1, 5.0, 10.0}));
+    EXPECT_EQ(rational(1.0 / 3.0, 1e-9, inf), (result{1, 333333333.0, 1e9}));
     EXPECT_EQ(rational(0.3, -1.0, inf), none);
 }
 
@@ -138,18 +138,18 @@ TEST(RationalRep, AnInputMayAliasAnOutput) {
 TEST(RationalRep, TakesTheNeighbourOfAConvergentWhereRoundingMakesItFit) {
     // Denominators near 2^53 leave neighbours one unit in the last place apart.
     EXPECT_EQ(rational(0x1.fae7db9ce658p-2, 0.0, 0x1.245210f84aa72p+53),
-              (answer{1, 4529520470854438.0, 9150082569495704.0}));
+              (result{1, 4529520470854438.0, 9150082569495704.0}));
     EXPECT_EQ(rational(-0x1.9559646421671p-2, 0.0, 0x1.33e3ac7f0ed13p+53),
-              (answer{1, -3991414201577360.0, 10083178312511280.0}));
+              (result{1, -3991414201577360.0, 10083178312511280.0}));
     EXPECT_EQ(rational(-0x1.e0917cac6ed37p-7, 0.0, 1e16),
-              (answer{1, -130353766537272.0, 8888293600092137.0}));
+              (result{1, -130353766537272.0, 8888293600092137.0}));
 }
 
 TEST(RationalRep, RoundsEachNumberOfAConvergentOnce) {
     // Above 2^53 a second rounding would give another fraction.
     EXPECT_EQ(rational(0x1.f1540acab4ba4p-18, 0.0, 4e17), none);
     EXPECT_EQ(rational(0x1.ef07561a375cfp-19, 0.0, 5e18),
-              (answer{1, 9416199715123.0, 2553025795245499904.0}));
+              (result{1, 9416199715123.0, 2553025795245499904.0}));
 }
 
 } // namespace

@@ -66,7 +66,7 @@ TEST(ScalarSearch, DoublesWhereNoOddFactorHelps) {
 TEST(ScalarSearch, ConstructsTheScalarFromFractionsWhenBothTrialsFail) {
     search small{{{0.5}, {0.75}}, 1e-9, 5.0, 0.9};
     expect_no_scalar(small.run());
-    // Calls: the first pass, no trial, and the construction as far as the first element.
+    // Calls: the first pass, no trial, and the construction up to the first element.
     EXPECT_THAT(small.calls, ElementsAre(1, 2, 1));
     search wide{{{0.5}, {0.75}}, 1e-9, 100.0, 0.9};
     expect_no_scalar(wide.run());
@@ -86,7 +86,7 @@ TEST(ScalarSearch, AnEmptySetGivesTheReciprocalOfTheLargestReal) {
     EXPECT_EQ(tiny, 1.0 / std::numeric_limits<double>::max());
 }
 
-TEST(ScalarSearch, AnEmptySetGivesOneIfThatReciprocalIsTooLarge) {
+TEST(ScalarSearch, AnEmptySetGivesOneIfTheReciprocalExceedsTheBound) {
     search s{{}, 1e-9, 1000.0, 0.0};
     expect_scalar(s.run(), 1.0);
     search near_zero{{{1e-10}}, 1e-9, 1000.0, 0.0};
@@ -94,7 +94,7 @@ TEST(ScalarSearch, AnEmptySetGivesOneIfThatReciprocalIsTooLarge) {
     EXPECT_THAT(near_zero.calls, ElementsAre(1, 1));
 }
 
-TEST(ScalarSearch, ExcludesMarkedElementsOnlyOnRequest) {
+TEST(ScalarSearch, ExcludesMarkedElementsOnlyIfRequested) {
     search s{{{0.5}, {0.3, 1}}};
     s.run(1);
     EXPECT_EQ(s.found, 1);
@@ -111,7 +111,7 @@ TEST(ScalarSearch, ExcludesMarkedElementsOnlyOnRequest) {
     expect_no_scalar(skipped.run());
 }
 
-TEST(ScalarSearch, ExcludesUnselectedElementsOnlyOnRequest) {
+TEST(ScalarSearch, ExcludesUnselectedElementsOnlyIfRequested) {
     search s{{{1.0, 0, 5}, {0.001, 0, 0}}, 1e-9, 1000.0, 100.0};
     expect_scalar(s.run({}, 1), 1.0);
     expect_no_scalar(s.run({}, 0));
@@ -137,7 +137,7 @@ TEST(ScalarSearch, FailsIfAnElementHasNoFraction) {
     expect_no_scalar(s.run());
 }
 
-TEST(ScalarSearch, APassEndsWithTheElementThatFails) {
+TEST(ScalarSearch, APassEndsAtTheFirstElementThatFails) {
     search s{{{1.0}, {0.1234567}, {2.0}}, 1e-12, 100.0, 50.0};
     expect_no_scalar(s.run());
     // Calls: the first pass; a trial from 8.1 that fails with the first element; a trial from 1.0
@@ -154,7 +154,7 @@ TEST(ScalarSearch, EndsForAnInfiniteBound) {
     expect_no_scalar(never_integral.run());
 }
 
-TEST(ScalarSearch, NaNDoesNotTakePart) {
+TEST(ScalarSearch, ExcludesNaN) {
     search s{{{std::numeric_limits<double>::quiet_NaN()}, {0.5}}};
     expect_scalar(s.run(), 2.0);
 }

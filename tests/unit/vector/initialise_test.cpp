@@ -55,7 +55,7 @@ struct VectorInitialise : testing::Test {
     vector records[4];
 };
 
-TEST_F(VectorInitialise, TouchesNothingForACountBelowOne) {
+TEST_F(VectorInitialise, WritesNothingForACountBelowOne) {
     for (const std::int32_t count : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
         initialise(records[0], count);
         expect_untouched(records[0]);
@@ -77,7 +77,7 @@ TEST_F(VectorInitialise, GivesARunOfRecordsTheirDefaults) {
     expect_untouched(records[3]);
 }
 
-// Long enough for every loop that a compiler makes of the body.
+// Long enough for each of the loops into which a compiler may split the body.
 TEST_F(VectorInitialise, GivesALongRunOfRecordsTheirDefaults) {
     for (std::int32_t count = 1; count <= 40; ++count) {
         std::vector<vector> run(static_cast<std::size_t>(count) + 2, records[0]);
@@ -97,7 +97,7 @@ TEST_F(VectorInitialise, ReadsTheCountBeforeItWrites) {
     expect_untouched(records[2]);
 }
 
-TEST(VectorDefaults, ArePartOfTheRecord) {
+TEST(VectorDefaults, AreTheInitialValuesOfTheRecord) {
     const vector v;
     EXPECT_FALSE(v.coef.present());
     EXPECT_FALSE(v.ind.present());

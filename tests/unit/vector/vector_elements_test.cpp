@@ -28,7 +28,7 @@ using zktarn::testing::made_vector;
 using zktarn::vector_mod::vector;
 
 #ifdef ZKTARN_TEST_EXPORTED
-/// The name under which a procedure of the module is exported.
+/// The mangled name of an exported procedure of the module.
 const char* mangled(const std::string& name, const char* parameters) {
     static std::string text;
     text = "_ZN6zktarn10vector_mod" + std::to_string(name.size()) + name + "E" + parameters;
@@ -53,7 +53,7 @@ struct VectorElements : testing::Test {
     }
 };
 
-TEST_F(VectorElements, CountAndListAreReadAndWrittenAsTheyAre) {
+TEST_F(VectorElements, ReadsAndWritesCountAndListUnchecked) {
     PROCEDURE(vector_get_nz, "RKNS_11vector_type6vectorE");
     PROCEDURE(vector_set_nz, "RNS_11vector_type6vectorERKi");
     PROCEDURE(vector_get_ind, "RKNS_11vector_type6vectorERKi");
@@ -71,7 +71,7 @@ TEST_F(VectorElements, CountAndListAreReadAndWrittenAsTheyAre) {
     vector_set_nz(*marks, 0);
 }
 
-TEST_F(VectorElements, MarksAreReadAndWrittenAsTheyAre) {
+TEST_F(VectorElements, ReadsAndWritesMarksUnchecked) {
     PROCEDURE(vector_is_elm, "RKNS_11vector_type6vectorERKi");
     PROCEDURE(vector_set_elm, "RNS_11vector_type6vectorERKi");
     PROCEDURE(vector_rem_elm, "RNS_11vector_type6vectorERKi");
@@ -88,7 +88,7 @@ TEST_F(VectorElements, MarksAreReadAndWrittenAsTheyAre) {
     EXPECT_EQ(marks->nz, 0);
 }
 
-TEST_F(VectorElements, SetCoefLeavesMembershipAlone) {
+TEST_F(VectorElements, SetCoefDoesNotChangeMembership) {
     PROCEDURE(vector_set_coef, "RNS_11vector_type6vectorERKiRKd");
     vector_set_coef(*marks, 5, -2.5);
     EXPECT_EQ(marks->coef(5), -2.5);
@@ -145,7 +145,7 @@ TEST_F(VectorElements, AddNzWithoutAValueListsANewIndexAndKeepsItsCoefficient) {
     EXPECT_THAT(listing(*support), ElementsAre(7));
 }
 
-TEST_F(VectorElements, AddNzOnADenseVectorOnlyStores) {
+TEST_F(VectorElements, AddNzOnADenseVectorStoresTheCoefficient) {
     PROCEDURE(vector_add_nz, "RNS_11vector_type6vectorERKiNS_12optional_refIKdEE");
     vector_add_nz(*dense, 7, 1.0);
     vector_add_nz(*dense, 8, {});
@@ -174,7 +174,7 @@ TEST_F(VectorElements, TheLastPositionOfTheListIsUsed) {
     EXPECT_THAT(listing(*list), ElementsAre(9, 8, 7, 6, 5, 4, 3, 2, 1));
 }
 
-// Lists about the lengths at which the search goes on with larger or smaller blocks.
+// List lengths near those at which the search changes its block size.
 TEST(VectorAddNz, FindsAnIndexAnywhereInALongList) {
     PROCEDURE(vector_add_nz, "RNS_11vector_type6vectorERKiNS_12optional_refIKdEE");
     for (const std::int32_t length :
@@ -192,7 +192,7 @@ TEST(VectorAddNz, FindsAnIndexAnywhereInALongList) {
         vector_add_nz(*list, 5, {});
         ASSERT_EQ(list->nz, length + 1);
         ASSERT_EQ(list->ind(length + 1), 5);
-        // What is behind the last entry is not part of the list.
+        // Integers behind the last entry are not part of the list.
         list->nz = length;
         vector_add_nz(*list, 5, 1.5);
         ASSERT_EQ(list->nz, length + 1);
@@ -212,7 +212,7 @@ TEST_F(VectorElements, AnIndexMayBeAComponentOfTheRecord) {
     EXPECT_EQ(marks->elm(1), 0);
 }
 
-TEST_F(VectorElements, RemNzMovesTheLastEntryToTheFreePosition) {
+TEST_F(VectorElements, RemNzMovesTheLastEntryToTheRemovedPosition) {
     PROCEDURE(vector_rem_nz, "RNS_11vector_type6vectorERKi");
     marks.list({4, 6, 8});
     vector_rem_nz(*marks, 1);
@@ -258,9 +258,9 @@ TEST_F(VectorElements, ClearOfAnEmptyVectorSetsTheCountAlone) {
     EXPECT_EQ(marks->elm(5), 1);
 }
 
-TEST_F(VectorElements, TheSearchReadsNothingBesideTheList) {
+TEST_F(VectorElements, TheSearchIgnoresIntegersBesideTheList) {
     PROCEDURE(vector_get_coef, "RKNS_11vector_type6vectorERKi");
-    // The index in question stands on both sides of the list, and not in it.
+    // The index is on both sides of the list but not in it.
     constexpr std::int32_t most = 140;
     for (std::int32_t length = 0; length <= most; ++length) {
         std::vector<std::int32_t> entries(most + 80, 5);

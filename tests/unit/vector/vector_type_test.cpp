@@ -165,16 +165,16 @@ TEST_F(VectorType, VectorFreeReleasesInOrderAndTwiceIsHarmless) {
 /// How a flag is passed: absent, or present with a value.
 using passed = std::optional<flag>;
 
-/// The flags of a call, and which arrays they ask for.
+/// The flags of a call, and which arrays they request.
 struct flags {
-    std::array<passed, 3> given;
+    std::array<passed, 3> values;
 
-    bool wants(std::size_t which) const { return given[which].value_or(0) == 0; }
+    bool requests(std::size_t which) const { return values[which].value_or(0) == 0; }
     flag alloc(vector*& vec, std::int32_t n) const {
         const auto ref = [](const passed& p) {
             return p ? optional_ref<const flag>(*p) : optional_ref<const flag>();
         };
-        return vector_alloc(vec, n, ref(given[0]), ref(given[1]), ref(given[2]));
+        return vector_alloc(vec, n, ref(values[0]), ref(values[1]), ref(values[2]));
     }
 };
 
@@ -198,24 +198,24 @@ constexpr std::int64_t widths[] = {8, 4, 4};
 std::vector<host_call> requests(const flags& given) {
     std::vector<host_call> expected;
     for (std::size_t which = 0; which < 3; ++which) {
-        if (given.wants(which)) {
+        if (given.requests(which)) {
             expected.push_back(malloc_of(widths[which] * capacity));
         }
     }
     return expected;
 }
 
-TEST(VectorTypeFlags, DecideWhichArraysExistAndAPresentFalseCountsAsAbsent) {
+TEST(VectorTypeFlags, SelectTheArraysAndAFalseFlagCountsAsAbsent) {
     for (const flags& given : all_flags()) {
         host_log host;
         vector* vec = nullptr;
         ASSERT_EQ(given.alloc(vec, capacity), 1);
-        EXPECT_EQ(vec->coef.present(), given.wants(0));
-        EXPECT_EQ(vec->ind.present(), given.wants(1));
-        EXPECT_EQ(vec->elm.present(), given.wants(2));
+        EXPECT_EQ(vec->coef.present(), given.requests(0));
+        EXPECT_EQ(vec->ind.present(), given.requests(1));
+        EXPECT_EQ(vec->elm.present(), given.requests(2));
         EXPECT_EQ(vec->nz, 0);
         EXPECT_EQ(host.calls(), requests(given));
-        if (given.wants(2)) {
+        if (given.requests(2)) {
             for (std::int32_t j = 1; j <= capacity; ++j) {
                 EXPECT_EQ(vec->elm(j), 0);
             }
