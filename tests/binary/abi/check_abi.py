@@ -1,15 +1,16 @@
 #!/usr/bin/env python3
-"""Holds the binary interface of the shared library against what it promises.
+"""Checks the binary interface of the shared library.
 
     exports  LIBRARY GOLDEN     the exported names are exactly those of the golden list
     imports  LIBRARY ALLOWED    every imported name is on the list of allowed ones
-    storage  OBJECT             an object file takes memory from nobody but the host
+    storage  OBJECT             an object file allocates memory only from the host
     image    LIBRARY SOVERSION  name, dependencies and hardening of the ELF image
-    startup  OBJECT...          object files run nothing when they are loaded
-    control  LIBRARY OBJECT...  jumps and returns go where the processor is told they may
-    state    LIBRARY NAME...    what can be written is these objects of the project's, and no other
+    startup  OBJECT...          object files have no initialisers
+    control  LIBRARY OBJECT...  indirect jumps and returns are protected: landing pads at each
+                                exported function, shadow stacks or signed return addresses
+    state    LIBRARY NAME...    the writable objects are exactly these
 
-Reading of symbols (readelf, c++filt) and judging are kept apart.
+The first part reads symbols with readelf and c++filt, the second part checks them.
 """
 
 import re
@@ -21,12 +22,11 @@ SYSTEM_LIBRARIES = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
                     "ld-linux-x86-64.so.2", "ld-linux-aarch64.so.1"}
 HOST_MEMORY = {"qvMallocExOptim", "qvFreeExOptim"}
 TOOLCHAIN = {"_GLOBAL_OFFSET_TABLE_"}
-# What the system's start files would call if it were there.
+# Optional functions that the system's start files call if they exist.
 LINKER_HOOKS = {"_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable", "__gmon_start__",
                 "__cxa_finalize"}
 
-# Why a name has no business among the imports, where there is more to say than that it is not on
-# the list.
+# Why a name must not be imported. Other names are just not on the list.
 REASONS = (
     (r"abort|__assert_fail|_ZSt9terminatev|exit|_exit", "the library never ends the process"),
     (r".*printf.*|puts|putchar|fwrite|fput.*|write", "the library never prints"),
@@ -42,7 +42,7 @@ def fail(sentence):
     sys.exit(f"check_abi: {sentence}")
 
 
-# Reading
+# Reading symbols
 
 def output_of(*command):
     ran = subprocess.run(command, capture_output=True, text=True, check=False)
@@ -52,7 +52,7 @@ def output_of(*command):
 
 
 def symbols(path, dynamic):
-    """(name, type, binding, defined) of each symbol of an ELF file, section symbols aside."""
+    """(name, type, binding, defined) of each symbol of an ELF file, without section symbols."""
     found = []
     for line in output_of("readelf", "--wide", "--dyn-syms" if dynamic else "--syms",
                           path).splitlines():
@@ -71,7 +71,7 @@ def exported(path):
 
 
 def imported(path, dynamic=True):
-    """Names that are looked for elsewhere, also those that may be missing."""
+    """The undefined names, weak ones included."""
     return {name for name, _, _, _, undefined in symbols(path, dynamic)
             if undefined and name not in LINKER_HOOKS}
 
@@ -91,15 +91,15 @@ def demangled(names):
                      zip(sorted(names), text.splitlines()))
 
 
-# Judging
+# Checks
 
 def check_exports(library, golden):
-    there, wanted = exported(library), listed(golden)
-    if there != wanted:
+    found, expected = exported(library), listed(golden)
+    if found != expected:
         fail(f"the exported names differ from {golden}\n"
-             f"  missing: {demangled(wanted - there)}\n"
-             f"  extra: {demangled(there - wanted)}\n"
-             "  meant so? then change the golden list in the same commit")
+             f"  missing: {demangled(expected - found)}\n"
+             f"  extra: {demangled(found - expected)}\n"
+             "  if this is intended, change the golden list in the same commit")
 
 
 def reason(name):
@@ -110,15 +110,15 @@ def reason(name):
 
 
 def check_imports(library, allowed):
-    unwelcome = imported(library) - listed(allowed)
-    if unwelcome:
-        fail("\n".join(f"imports {name}: {reason(name)}" for name in sorted(unwelcome)))
+    forbidden = imported(library) - listed(allowed)
+    if forbidden:
+        fail("\n".join(f"imports {name}: {reason(name)}" for name in sorted(forbidden)))
 
 
 def check_storage(item):
-    unwelcome = imported(item, dynamic=False) - HOST_MEMORY - TOOLCHAIN
-    if unwelcome:
-        fail("\n".join(f"{item} imports {name}: {reason(name)}" for name in sorted(unwelcome)))
+    forbidden = imported(item, dynamic=False) - HOST_MEMORY - TOOLCHAIN
+    if forbidden:
+        fail("\n".join(f"{item} imports {name}: {reason(name)}" for name in sorted(forbidden)))
 
 
 def check_image(library, soversion):
@@ -144,8 +144,8 @@ def check_image(library, soversion):
         fail("has an executable stack")
 
 
-# What object files say of themselves; and how a function begins that may be called by its address,
-# or that returns by a signed one.
+# The properties that object files must state, and the instructions with which an exported function
+# may begin: a landing pad, or on Arm the signing of the return address.
 CONTROL = {"X86-64": ({"IBT", "SHSTK"}, (b"\xf3\x0f\x1e\xfa",)),
            "AArch64": ({"BTI", "PAC"}, (b"\x5f\x24\x03\xd5", b"\x3f\x23\x03\xd5"))}
 
@@ -173,13 +173,13 @@ def check_control(library, *objects):
     machine = next((name for name in CONTROL if name in output_of("readelf", "--file-header", library)),
                    None)
     if machine is None:
-        fail(f"{library} is for a processor that is not known here")
+        fail(f"{library} is for an unknown processor")
     properties, landings = CONTROL[machine]
     for item in objects:
         missing = properties - control_properties(item)
         if missing:
             fail(f"{item} is not built for {', '.join(sorted(missing))}")
-    # Landing pads are not up to this project alone: the system's start files may have none.
+    # The library's property of landing pads is not checked: the system's start files may lack them.
     if machine == "X86-64" and "SHSTK" not in control_properties(library):
         fail(f"{library} is not marked for shadow stacks")
     with open(library, "rb") as file:
@@ -189,11 +189,11 @@ def check_control(library, *objects):
         fail(f"{library} exports no function")
     for name, offset in found:
         if not contents.startswith(landings, offset):
-            fail(f"{name} does not begin where a checked jump may land")
+            fail(f"{name} does not begin with a landing pad")
 
 
-# What the compiler's own start files and the linker put into every shared library, and what its
-# runtime finds out about the processor at load time.
+# Writable objects that the compiler's start files, the linker and the compiler's detection of the
+# processor put into a shared library.
 START_FILES = {"__cpu_model", "__cpu_features2",
                "completed.0", "__dso_handle", "__TMC_END__", "__do_global_dtors_aux_fini_array_entry",
                "__frame_dummy_init_array_entry", "_DYNAMIC", "_GLOBAL_OFFSET_TABLE_", "__bss_start",
@@ -204,22 +204,22 @@ def check_state(library, *wanted):
     found = set()
     for line in output_of("nm", "--defined-only", "--demangle", library).splitlines():
         kind, name = re.match(r"\w* *(\w) (.*)", line).groups()
-        # Initialised, zeroed, small, common and unique data, and no marks between code and data on
-        # Arm. What only the loader writes is told by its section below.
+        # Initialised, zeroed, small, common and unique data, without Arm's mapping symbols ($d, $x).
+        # `constants` finds the objects that only the loader writes.
         if kind in "bBdDgGsSCcu" and name not in START_FILES and not name.startswith("$"):
             found.add(name)
     sections = output_of("readelf", "--wide", "--sections", library)
     if re.search(r" \.t(data|bss) ", sections):
-        fail("has an object for each thread")
+        fail("has a thread-local object")
     constant = set(constants(library))
     if found - constant != set(wanted):
-        fail("the writable objects are not those promised\n"
+        fail("the writable objects differ from the expected ones\n"
              f"  missing: {', '.join(sorted(set(wanted) - found)) or 'none'}\n"
              f"  extra: {', '.join(sorted(found - constant - set(wanted))) or 'none'}")
 
 
 def constants(library):
-    """Names of the objects in .data.rel.ro, which is written by the loader and by nobody else."""
+    """Names of the objects in .data.rel.ro, which only the loader writes."""
     numbers = re.findall(r"\[ *(\d+)\] \.data\.rel\.ro", output_of("readelf", "--wide", "--sections",
                                                                 library))
     plain = [line.split() for line in output_of("readelf", "--wide", "--syms", library).splitlines()]

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Holds the machine code of a library against what it says about rounding: a product and a sum are
-rounded once only where the source asks for that, with std::fma, and twice everywhere else.
+"""Checks that a library contains fused multiply-add instructions only where its source calls std::fma,
+and nowhere else, so that a product and a sum are otherwise rounded separately.
 
     check_fused.py LIBRARY OBJDUMP
 
-OBJDUMP is a GNU or LLVM one that disassembles the library: ELF or Mach-O, x86-64 or 64-bit Arm.
+OBJDUMP is GNU's or LLVM's. The library is ELF or Mach-O, for x86-64 or 64-bit Arm.
 """
 
 import collections
@@ -12,18 +12,18 @@ import re
 import subprocess
 import sys
 
-# Every instruction that multiplies and adds reals with one rounding, scalar or vector.
+# All fused multiply-add instructions on reals, scalar and vector.
 FUSED = re.compile(
     r"vfn?m(add|sub|addsub|subadd)(132|213|231)?[sp][sdh]"    # x86-64
     r"|fn?m(add|sub)|fml[as]l?2?|fn?ml[as]|fn?m(ad|sb)|fcmla"  # 64-bit Arm
     r"|bfml[as]l?[bt]?")
 
-# The procedures that ask for it, with all that a compiler may inline them into. A limit counts the
-# places in the source, where other arithmetic that must not fuse stands next to them.
+# The procedures that call std::fma, with the functions that a compiler may inline them into. A limit
+# is the number of calls in the source of a function that also has arithmetic that must not be fused.
 VECTOR_MOD = r"zktarn::vector_mod::(detail::)?"
 UTIL = r"zktarn::util::(detail::)?(\(anonymous namespace\)::)?"
-ASKED_FOR = (
-    # beta * y + x, scalar and in as many copies as there are loops.
+FUSING = (
+    # beta * y + x, in each loop.
     (re.compile(VECTOR_MOD + r"(\(anonymous namespace\)::)?(vectors_combine|combine|"
                              r"combine(_otherwise|_in_list_order)?_(portable|fused))\("), None),
     # The exact remainder.
@@ -31,7 +31,7 @@ ASKED_FOR = (
     # Integers too large for an exact product: numerator and denominator of the next convergent.
     (re.compile(UTIL + r"(multiply_add|continued_fraction|rational_rep|get_rational_rep)\("), 2),
 )
-COMBINES = ASKED_FOR[0][0]
+COMBINES = FUSING[0][0]
 
 FUNCTION = re.compile(r"[0-9a-f]+ <(.*)>:")
 INSTRUCTION = re.compile(r"\s*[0-9a-f]+:\s+([a-z][a-z0-9.]*)")
@@ -53,7 +53,7 @@ def disassembly(library, objdump):
 
 
 def fused_by_function(text):
-    """How many fused instructions each function has; functions without any are in it too."""
+    """The number of fused instructions of each function, 0 included."""
     counts = collections.Counter()
     function = None
     for line in text.splitlines():
@@ -66,24 +66,23 @@ def fused_by_function(text):
 
 
 def complaint(function, count):
-    """What is wrong with that many fused instructions in a function; None when nothing is."""
-    for name, limit in ASKED_FOR:
+    """A sentence if a function has too many fused instructions, else None."""
+    for name, limit in FUSING:
         if name.match(function):
             if limit is not None and count > limit:
-                return f"{function} fuses {count} times, and asks for {limit}"
+                return f"{function} has {count} fused instructions, but its source asks for {limit}"
             return None
-    return f"{function} fuses {count} times, and never asks for it"
+    return f"{function} has {count} fused instructions, but its source asks for none"
 
 
 def check(library, objdump):
     counts = {function: count for function, count in
               fused_by_function(disassembly(library, objdump)).items() if count}
-    complaints = [said for function, count in sorted(counts.items())
-                  if (said := complaint(function, count))]
+    complaints = [sentence for function, count in sorted(counts.items())
+                  if (sentence := complaint(function, count))]
     if complaints:
         fail("\n".join(complaints))
-    # All processors that the library has code for can do it, so that none of it would also mean
-    # that this did not look at the code.
+    # Each supported processor has the instruction, so a library without any was not read correctly.
     if not any(COMBINES.match(function) for function in counts):
         fail(f"vectors_combine does not use the fused instruction in {library}")
     for function, count in sorted(counts.items()):

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Holds the shared library for macOS against what it promises.
+"""Checks the shared library for macOS.
 
     check_macho.py CHECK LIBRARY SOVERSION
 
-CHECK is one of those below, or `table`: all of them, shown as a table. Reading (macho.py) and
-judging are kept apart.
+CHECK is a key of CHECKS below, or `table`, which runs all of them and prints a table. macho.py reads
+the library.
 """
 
 import functools
@@ -29,7 +29,7 @@ PLATFORMS = {2: "iOS", 3: "tvOS", 4: "watchOS", 6: "Mac Catalyst", 7: "the iOS s
 
 
 class Refused(Exception):
-    """The library breaks a promise; the text says how."""
+    """A check failed; the text states the violation."""
 
 
 def demand(condition, sentence):
@@ -41,10 +41,10 @@ def dotted(numbers):
     return ".".join(map(str, numbers))
 
 
-# Expectations
+# Expected names
 
 def host_owners():
-    """Which library of the host has which operation, as its header says."""
+    """The host library that declares each operation."""
     owners = {}
     for stem in HOST_LIBRARIES:
         text = re.sub(r"//.*", "", (HOST_HEADERS / f"{stem}.hpp").read_text(encoding="utf-8"))
@@ -70,13 +70,13 @@ def demangled(names):
 
 
 def on_macos(plain):
-    """A demangled name of Linux as it is on macOS, where a 64-bit integer is a `long long`, and the
-    standard library has an inline namespace of its own. `unsigned long` is std::size_t on both."""
+    """The demangled macOS name of a demangled Linux name. On macOS a 64-bit integer is a `long long` and
+    the standard library has an inline namespace. `unsigned long` is std::size_t on both."""
     plain = re.sub(r"(?<!unsigned )\blong\b", "long long", plain)
     return re.sub(r"\bstd::", "std::__1::", plain)
 
 
-# Judging: each check answers with what it found, in a few words.
+# Checks: each returns what it found, in a few words.
 
 def check_kind(library, _):
     demand(library.filetype == macho.DYLIB, "it is not a dynamic library")
@@ -84,7 +84,7 @@ def check_kind(library, _):
     demand(library.cpu_subtype == ANY_ARM64,
            f"it is for {SUBTYPES.get(library.cpu_subtype, f'subtype {library.cpu_subtype}')}, not "
            "for every 64-bit Arm processor")
-    demand(library.platforms, "it does not say which system it is for")
+    demand(library.platforms, "it names no system")
     for platform, minimum in library.platforms:
         demand(platform == macho.PLATFORM_MACOS,
                f"it is for {PLATFORMS.get(platform, f'platform {platform}')}, not for macOS")
@@ -127,7 +127,7 @@ def check_loads(library, _):
 
 
 def imported_names(library):
-    """Those of the symbol table, and those that the loader looks up."""
+    """The undefined names of the symbol table, and the names of the loader's tables."""
     return {found.name for found in [*library.imports, *library.bindings]}
 
 
@@ -140,7 +140,7 @@ def check_imports(library, _):
 
 
 def demand_owner(library, name, ordinal, place):
-    """A name is looked up in the library that owns it, and nowhere else."""
+    """The loader must look up a name only in the library that owns it."""
     demand(1 <= ordinal <= len(library.loads),
            f"{name} is looked up in every library of the process ({place})")
     found = library.loads[ordinal - 1].stem
@@ -153,19 +153,19 @@ def check_bindings(library, _):
            "its imports are looked up in every library of the process")
     for found in library.imports:
         demand_owner(library, found.name, found.ordinal, "symbol table")
-    # The symbol table is for tools. The loader obeys one of two other tables.
+    # Tools read the symbol table. The loader reads one of two other tables.
     demand(len(library.binding_formats) == 1,
            f"it has {' and '.join(sorted(library.binding_formats)) or 'nothing'} to bind names by")
     for found in library.bindings:
         if found.table == "weak":
-            # What a program may replace in every library at once: operator new and delete.
+            # A program may replace operator new and delete in every library.
             demand(allowed_owners().get(found.name) == "libc++",
                    f"{found.name} can be replaced by any library of the process")
         else:
             demand_owner(library, found.name, found.ordinal, f"{found.table} bindings")
     unbound = {found.name for found in library.imports} - {found.name for found in library.bindings}
     if "chained fixups" in library.binding_formats:
-        unbound.discard("dyld_stub_binder") # which lazy bindings alone have a use for
+        unbound.discard("dyld_stub_binder") # which only lazy bindings use
     demand(not unbound, f"{', '.join(sorted(unbound))} is imported and never bound")
     return f"{len(imported_names(library))} names, each from the library that owns it"
 
@@ -174,13 +174,13 @@ def check_exports(library, _):
     elf = sorted(listed(HERE / "exports.golden"))
     wanted = {on_macos(plain): name for plain, name in zip(demangled(elf), elf)}
     mangled = sorted(name.removeprefix("_") for name in library.exports)
-    there = set(demangled(mangled))
-    demand(there == set(wanted),
+    found = set(demangled(mangled))
+    demand(found == set(wanted),
            "the exported names differ from exports.golden\n"
-           f"  missing: {'; '.join(sorted(set(wanted) - there)) or 'none'}\n"
-           f"  extra: {'; '.join(sorted(there - set(wanted))) or 'none'}")
+           f"  missing: {'; '.join(sorted(set(wanted) - found)) or 'none'}\n"
+           f"  extra: {'; '.join(sorted(found - set(wanted))) or 'none'}")
     demand(len(mangled) == len(elf), f"{len(mangled)} names are exported, not {len(elf)}")
-    return f"{len(there)} names, those of exports.golden"
+    return f"{len(found)} names, those of exports.golden"
 
 
 def check_startup(library, _):
@@ -193,15 +193,15 @@ def check_startup(library, _):
 def check_threads(library, _):
     for section in library.sections:
         demand(section.kind not in macho.THREAD_SECTIONS,
-               f"it has variables of a thread: {section.name}")
+               f"it has thread-local variables: {section.name}")
     return "no thread-local variables"
 
 
 def check_signature(library, _):
     demand(library.signature is not None, "it is not signed, and a Mac would not load it")
-    demand(library.signature.ad_hoc, "its signature is somebody's")
-    demand(library.signature.intact, "its signature does not fit its contents")
-    return "ad hoc, every page as signed"
+    demand(library.signature.ad_hoc, "its signature is not ad hoc")
+    demand(library.signature.intact, "its signature does not match its contents")
+    return "ad hoc, every page matches"
 
 
 def check_size(library, _):
@@ -217,16 +217,16 @@ CHECKS = {"kind": check_kind, "name": check_name, "run_path": check_run_path,
 
 
 def table(library, soversion):
-    """Runs every check; true when all are content."""
-    content = True
+    """Runs and prints every check; true when all pass."""
+    passed = True
     print(f"{'macOS library':<14} {'verdict':<8} found")
     for name, check in CHECKS.items():
         try:
             verdict, found = "passed", check(library, soversion)
         except Refused as refused:
-            verdict, found, content = "FAILED", str(refused), False
+            verdict, found, passed = "FAILED", str(refused), False
         print(f"{name.replace('_', ' '):<14} {verdict:<8} {found}")
-    return content
+    return passed
 
 
 def main(arguments):

@@ -1,4 +1,4 @@
-# The library for macOS, as it is installed; the checks need no Mac.
+# Checks the installed library for macOS, on any system.
 set(check ${Python3_EXECUTABLE} "${CMAKE_CURRENT_SOURCE_DIR}/check_macho.py")
 set(installed "${CMAKE_CURRENT_BINARY_DIR}/installed")
 
@@ -9,20 +9,20 @@ abi_test(macos_library ${check} table
 set_tests_properties(abi.install PROPERTIES FIXTURES_SETUP installed)
 set_tests_properties(abi.macos_library PROPERTIES FIXTURES_REQUIRED installed)
 
-# Each check seen to fail: a library that breaks one rule. What these take from nowhere is looked up
-# everywhere, since there is not all of libc++ to link with on another system.
+# Libraries that break one rule each, to prove that each check fails. They look up undefined names in
+# every library, because other systems have only a part of libc++ to link with.
 function(broken_library flaw source)
   add_library(zktarn_broken_${flaw} SHARED broken/${source}.cpp)
   target_link_options(zktarn_broken_${flaw} PRIVATE LINKER:-undefined,dynamic_lookup ${ARGN})
 endfunction()
 
-# under_the_name(flaw name): as another library is called, in a folder of its own.
+# under_the_name(flaw name): gives the library another file name, in its own folder.
 function(under_the_name flaw name)
   set_target_properties(zktarn_broken_${flaw} PROPERTIES
     OUTPUT_NAME ${name} LIBRARY_OUTPUT_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}/${flaw}")
 endfunction()
 
-# breaks(flaw check sentence): the library of that flaw is refused by that check.
+# breaks(flaw check sentence): the check refuses the library of that flaw.
 function(breaks flaw check_name sentence)
   abi_refuses(${flaw}_is_refused "${sentence}"
     ${check} ${check_name} $<TARGET_FILE:zktarn_broken_${flaw}> ${ZKTARN_SOVERSION})
@@ -39,7 +39,7 @@ breaks(throws imports "imports ___cxa_throw: the library never throws")
 breaks(process_memory imports "imports _calloc: array storage comes from the host's memory manager")
 breaks(one_name_too_many exports "missing: .*tarnassert.*extra: .*mallocate_quickly")
 breaks(starts_up startup "runs code when it is loaded")
-breaks(thread_local threads "has variables of a thread")
+breaks(thread_local threads "has thread-local variables")
 breaks(too_large size "bytes, not less than 102400")
 
 add_library(zktarn_broken_bundle MODULE broken/never_fuses.cpp)
@@ -80,7 +80,7 @@ breaks(other_owner bindings "_utIsInterruptPending is taken from libqv, not from
 broken_library(unsigned never_fuses LINKER:-no_adhoc_codesign)
 breaks(unsigned signature "is not signed")
 
-# refuses_damaged(flaw what check sentence library): a copy with that one change is refused.
+# refuses_damaged(flaw what check sentence library): the check refuses a copy with one change.
 function(refuses_damaged flaw what check_name sentence source)
   set(damaged "${CMAKE_CURRENT_BINARY_DIR}/${flaw}.dylib")
   add_custom_command(OUTPUT "${damaged}" DEPENDS ${source} broken/damage.py macho.py
@@ -92,11 +92,11 @@ function(refuses_damaged flaw what check_name sentence source)
     ${check} ${check_name} "${damaged}" ${ZKTARN_SOVERSION})
 endfunction()
 
-refuses_damaged(damaged code signature "signature does not fit its contents" zktarn_util)
+refuses_damaged(damaged code signature "signature does not match its contents" zktarn_util)
 refuses_damaged(arm64e subtype kind "is for arm64e, not for every 64-bit Arm" zktarn_util)
 refuses_damaged(ios platform kind "is for iOS, not for macOS" zktarn_util)
 
-# Copies whose symbol table is right, but whose loader tables take a name from the wrong library.
+# Copies with a correct symbol table whose loader tables bind a name to the wrong library.
 refuses_damaged(lazy_from_elsewhere _utIsInterruptPending=libqv bindings
   "_utIsInterruptPending is taken from libqv, not from libut .lazy bindings" zktarn_util)
 refuses_damaged(eager_from_elsewhere __ZSt7nothrow=libqv bindings
@@ -117,8 +117,8 @@ refuses_damaged(empty_table bindings bindings "is imported and never bound" zkta
 broken_library(replaceable replaceable)
 breaks(replaceable bindings "replaceable.* can be replaced by any library of the process")
 
-# What is no such library at all ends in a sentence too.
-abi_refuses(other_file_is_refused "^check_macho: .* is no 64-bit Mach-O file"
+# A file of another kind is refused with a sentence.
+abi_refuses(other_file_is_refused "^check_macho: .* is not a 64-bit Mach-O file"
   ${check} table "${CMAKE_CURRENT_SOURCE_DIR}/README.md" ${ZKTARN_SOVERSION})
 
 if(TARGET zktarn_python_host)

@@ -1,5 +1,5 @@
-"""Reads a Mach-O library: header, load commands, symbols, bindings, exports, code signature. No
-judgement."""
+"""Reads a Mach-O library: header, load commands, symbols, bindings, exports, code signature.
+Checks nothing."""
 
 import hashlib
 import struct
@@ -8,7 +8,7 @@ from dataclasses import dataclass
 MAGIC = 0xFEEDFACF
 MAGIC_UNIVERSAL = 0xCAFEBABE
 CPU_ARM64 = 0x0100000C
-# What of the processor's subtype is a number; the rest says how an arm64e library signs pointers.
+# The number in the processor's subtype. The other bits state how an arm64e library signs pointers.
 CPU_SUBTYPE = 0x00FFFFFF
 PLATFORM_MACOS = 1
 DYLIB = 6
@@ -18,17 +18,17 @@ LC_SYMTAB, LC_ID_DYLIB, LC_SEGMENT, LC_RPATH = 0x2, 0xD, 0x19, 0x8000001C
 LC_CODE_SIGNATURE, LC_BUILD_VERSION = 0x1D, 0x32
 LC_DYLD_INFO, LC_EXPORTS_TRIE = (0x22, 0x80000022), 0x80000033
 LC_CHAINED_FIXUPS = 0x80000034
-# Before LC_BUILD_VERSION each platform had a command of its own.
+# The older commands, one for each platform, that LC_BUILD_VERSION replaced.
 LC_VERSION_MIN = {0x24: 1, 0x25: 2, 0x2F: 3, 0x30: 4}
-# Every way to load another library: as a need, weakly, exported anew, lazily, upward.
-LOADS = {0xC: "", 0x80000018: "weakly", 0x8000001F: "exported anew", 0x20: "lazily",
+# The ways to load another library: required, weak, re-exported, lazy, upward.
+LOADS = {0xC: "", 0x80000018: "weakly", 0x8000001F: "as a re-export", 0x20: "lazily",
          0x80000023: "upward"}
 
-# Kinds of sections: code that runs at load and at unload time, and variables of a thread.
+# Kinds of sections: initialisers, terminators, and thread-local variables.
 STARTUP_SECTIONS = {0x9, 0xA, 0x16}
 THREAD_SECTIONS = {0x11, 0x12, 0x13, 0x14, 0x15}
 
-# The loader's program for binding names, and how many numbers follow an opcode.
+# The opcodes with which the loader binds names, and how many numbers follow each.
 BIND_DONE, BIND_ORDINAL, BIND_ORDINAL_NUMBER, BIND_ORDINAL_SPECIAL = 0x00, 0x10, 0x20, 0x30
 BIND_NAME = 0x40
 BIND_SKIPPED_NUMBERS = {0x60: 1, 0x70: 1, 0x80: 1, 0xA0: 1, 0xC0: 2}
@@ -39,7 +39,7 @@ CODE_DIRECTORY, AD_HOC, SHA256 = 0xFADE0C02, 0x2, 2
 
 
 class NotMachO(Exception):
-    """What was given is no library that can be read."""
+    """The file is not a library that this module can read."""
 
 
 @dataclass
@@ -64,12 +64,12 @@ class Section:
 @dataclass
 class Import:
     name: str
-    ordinal: int  # 1 for the first library that is loaded; 0, 253 to 255 have meanings of their own
+    ordinal: int  # 1 for the first loaded library; 0 and 253 to 255 are special
 
 
 @dataclass
 class Binding:
-    """What the loader looks up, and in which library; `at` is where the file says which."""
+    """A name that the loader looks up, and in which library; `at` is the position of the ordinal."""
     name: str
     ordinal: int
     table: str  # ordinary, lazy, weak, chained
@@ -103,7 +103,7 @@ class Library:
         try:
             self._read()
         except (struct.error, IndexError, ValueError) as error:
-            raise NotMachO(f"{path} is cut off or damaged") from error
+            raise NotMachO(f"{path} is truncated or damaged") from error
 
     def _unpack(self, layout, at):
         return struct.unpack_from(layout, self.data, at)
@@ -115,7 +115,7 @@ class Library:
         if len(self.data) >= 4 and self._unpack(">I", 0)[0] == MAGIC_UNIVERSAL:
             raise NotMachO(f"{self.path} is for several processors at once")
         if len(self.data) < 32 or self._unpack("<I", 0)[0] != MAGIC:
-            raise NotMachO(f"{self.path} is no 64-bit Mach-O file")
+            raise NotMachO(f"{self.path} is not a 64-bit Mach-O file")
         _, self.cpu, subtype, self.filetype, count, _, self.flags, _ = self._unpack("<8I", 0)
         self.cpu_subtype = subtype & CPU_SUBTYPE
         at = 32
@@ -171,7 +171,7 @@ class Library:
                 self.imports.append(Import(self._text(strings + name), description >> 8))
 
     def _number(self, at):
-        """A number in groups of seven bits, and where it ends."""
+        """A ULEB128 number, and the position after it."""
         value = shift = 0
         while True:
             byte = self.data[at]
@@ -186,7 +186,7 @@ class Library:
             self._read_opcodes(table, *self._unpack("<2I", at + field))
 
     def _read_opcodes(self, table, start, size):
-        """Runs the loader's little program. In the lazy table each name has an end of its own."""
+        """Executes the binding opcodes. In the lazy table BIND_DONE ends each name."""
         name, ordinal, set_at, at = None, 0, start, start
         while at < start + size:
             opcode, small = self.data[at] & 0xF0, self.data[at] & 0x0F
@@ -209,7 +209,7 @@ class Library:
                 for _ in range(BIND_SKIPPED_NUMBERS[opcode]):
                     _, at = self._number(at)
             elif opcode not in BIND_WITHOUT_NUMBERS:
-                raise NotMachO(f"{self.path} binds names by opcode {opcode:#x}, which is not known")
+                raise NotMachO(f"{self.path} binds names by opcode {opcode:#x}, which is unknown")
             if opcode in BIND_DOES and name is not None:
                 self._bind(Binding(name, ordinal, table, set_at))
 
@@ -225,7 +225,7 @@ class Library:
         _, _, imports, symbols, count, layout, packed = self._unpack("<7I", start)
         width = {1: 4, 2: 8, 3: 16}.get(layout)
         if width is None or packed:
-            raise NotMachO(f"{self.path} has chained imports of a format that is not known")
+            raise NotMachO(f"{self.path} has chained imports of an unknown format")
         for k in range(count):
             at = start + imports + width * k
             if layout == 3:
@@ -240,7 +240,7 @@ class Library:
             self._bind(Binding(self._text(start + symbols + name), ordinal, "chained", at))
 
     def _read_exports(self, start, size):
-        """The names that the loader finds: a tree whose edges are pieces of names."""
+        """Reads the exported names from the trie that the loader searches."""
         pending = [(0, "")] if size else []
         while pending:
             node, name = pending.pop()

@@ -5,29 +5,29 @@ namespace {
 using namespace zktarn::vector_mod;
 using namespace zktarn::testing;
 
-/// A procedure on an element or a position, both in 1..n; a vector that it takes, and one that is
-/// without the array that it needs.
+/// A procedure on an index or a list position in 1..n, the arrays that it needs, and arrays of
+/// which it lacks one.
 struct procedure {
     const char* name;
-    arrays fit;
-    arrays unfit;
+    arrays sufficient;
+    arrays insufficient;
     void (*call)(vector&, std::int32_t);
 };
 
 class ElementViolations : public Violations, public testing::WithParamInterface<procedure> {};
 
-TEST_P(ElementViolations, OutsideOfTheCapacityIsReported) {
+TEST_P(ElementViolations, AnIndexOutsideOfTheCapacityIsReported) {
     for (const std::int32_t j : {0, n + 1, -1}) {
-        sample s(GetParam().fit);
+        sample s(GetParam().sufficient);
         EXPECT_REPORTED(GetParam().call(s.v, j)) << j;
     }
 }
 
-TEST_P(ElementViolations, InTheCapacityIsFine) {
+TEST_P(ElementViolations, AnIndexInTheCapacityIsNotReported) {
     for (const std::int32_t j : {1, n}) {
-        sample s(GetParam().fit);
+        sample s(GetParam().sufficient);
         EXPECT_SILENT(GetParam().call(s.v, j)) << j;
-        sample member(GetParam().fit);
+        sample member(GetParam().sufficient);
         member.with({j});
         EXPECT_SILENT(GetParam().call(member.v, j)) << j;
     }
@@ -35,8 +35,8 @@ TEST_P(ElementViolations, InTheCapacityIsFine) {
 
 using ElementViolationsDeathTest = ElementViolations;
 
-TEST_P(ElementViolationsDeathTest, WithoutTheArrayIsReported) {
-    sample s(GetParam().unfit);
+TEST_P(ElementViolationsDeathTest, AnAbsentArrayIsReported) {
+    sample s(GetParam().insufficient);
     s.with({1});
     EXPECT_REPORTED_ABSENCE(GetParam().call(s.v, 1));
 }
@@ -88,8 +88,8 @@ INSTANTIATE_TEST_SUITE_P(, ElementViolations, testing::ValuesIn(procedures),
 INSTANTIATE_TEST_SUITE_P(, ElementViolationsDeathTest, testing::ValuesIn(procedures),
                          [](const auto& tested) { return tested.param.name; });
 
-// A coefficient that stays as it is need not be there.
-TEST_F(Violations, AddingWithoutACoefficient) {
+// Without a value, vector_add_nz does not need coefficients.
+TEST_F(Violations, AddingWithoutAValueNeedsNoCoefficients) {
     for (const arrays& has : {marks_mode, support_only, list_mode, index_set}) {
         for (const std::int32_t j : {0, n + 1, -1}) {
             sample s(has);
@@ -104,13 +104,13 @@ TEST_F(Violations, AddingWithoutACoefficient) {
     EXPECT_SILENT(vector_add_nz(nothing.v, 1));
 }
 
-TEST_F(ViolationsDeathTest, AddingWhereThereAreMarksAndNoList) {
+TEST_F(ViolationsDeathTest, AddingWithMarksButWithoutAListIsReported) {
     sample s(marks_without_list);
     EXPECT_REPORTED_ABSENCE(vector_add_nz(s.v, 1));
 }
 
-// Of what is no member, nothing is looked up.
-TEST_F(Violations, GettingTheCoefficientOfNoMemberWithoutCoefficients) {
+// The coefficient of an index that is not a member is not read.
+TEST_F(Violations, GettingAnAbsentEntryNeedsNoCoefficients) {
     sample marked(support_only);
     EXPECT_SILENT(static_cast<void>(vector_get_coef(marked.v, n)));
     sample listed(index_set);
@@ -118,36 +118,36 @@ TEST_F(Violations, GettingTheCoefficientOfNoMemberWithoutCoefficients) {
     EXPECT_REPORTED(static_cast<void>(vector_get_coef(listed.v, n + 1)));
 }
 
-TEST_F(ViolationsDeathTest, AnElementOfAnAbsentMatrix) {
+TEST_F(ViolationsDeathTest, AnElementOfAnAbsentMatrixIsReported) {
     const zktarn::array_2d<double> absent{nullptr, {n, n}, {1, 1}};
     EXPECT_REPORTED_ABSENCE(static_cast<void>(absent(1, n)));
 }
 
-TEST_F(Violations, NoRoomInTheList) {
+TEST_F(Violations, AFullListIsReported) {
     sample full;
     full.with({1, 2, 3, 4}).mark(4) = 0;
     EXPECT_REPORTED(vector_add_nz(full.v, 4, 1.0));
     sample last;
     last.with({1, 2, 3});
     EXPECT_SILENT(vector_add_nz(last.v, 4, 1.0));
-    // A member takes no room.
+    // An index that is already a member needs no new position.
     EXPECT_SILENT(vector_add_nz(last.v, 4, 2.0));
     sample full_list(list_mode);
     full_list.with({1, 2, 3, 3});
     EXPECT_REPORTED(vector_add_nz(full_list.v, 4, 1.0));
 }
 
-TEST_F(Violations, CountBeyondTheList) {
+TEST_F(Violations, ACountBeyondTheListIsReported) {
     sample s;
     EXPECT_REPORTED(vector_set_nz(s.v, n + 1));
     EXPECT_SILENT(vector_set_nz(s.v, n));
     EXPECT_SILENT(vector_set_nz(s.v, 0));
-    // Without a list the count means nothing.
+    // A vector without a list ignores its count.
     sample dense(dense_mode);
     EXPECT_SILENT(vector_set_nz(dense.v, 2 * n));
 }
 
-TEST_F(Violations, RemovalOfAPositionWhereNothingIsListed) {
+TEST_F(Violations, RemovalOfAPositionBeyondTheCountIsReported) {
     for (const std::int32_t k : {0, 3, n + 1, -1}) {
         sample s;
         s.with({2, 3});
@@ -160,7 +160,7 @@ TEST_F(Violations, RemovalOfAPositionWhereNothingIsListed) {
     EXPECT_REPORTED(vector_rem_nz(s.v, 1));
 }
 
-TEST_F(Violations, RemovalOfWhatIsNoElement) {
+TEST_F(Violations, RemovalOfAnIndexOutsideOfTheCapacityIsReported) {
     for (const std::int32_t j : {0, n + 1}) {
         sample s;
         s.with({j});
@@ -168,7 +168,7 @@ TEST_F(Violations, RemovalOfWhatIsNoElement) {
     }
 }
 
-TEST_F(ViolationsDeathTest, RemovalOutsideOfMarksMode) {
+TEST_F(ViolationsDeathTest, RemovalOutsideOfMarksModeIsReported) {
     sample list(list_mode);
     list.with({1});
     EXPECT_REPORTED_ABSENCE(vector_rem_nz(list.v, 1));
@@ -177,11 +177,11 @@ TEST_F(ViolationsDeathTest, RemovalOutsideOfMarksMode) {
     EXPECT_REPORTED_ABSENCE(vector_rem_nz(marks.v, 1));
 }
 
-/// The two that unmark what is listed.
+/// vector_clean_index and vector_clear, which unmark the listed indices.
 class UnmarkingViolations : public Violations,
                             public testing::WithParamInterface<void (*)(vector&)> {};
 
-TEST_P(UnmarkingViolations, ListedWhatIsNoElement) {
+TEST_P(UnmarkingViolations, AListedIndexOutsideOfTheCapacityIsReported) {
     for (const std::int32_t j : {0, n + 1}) {
         sample s;
         s.with({1, j});
@@ -189,13 +189,13 @@ TEST_P(UnmarkingViolations, ListedWhatIsNoElement) {
     }
 }
 
-TEST_P(UnmarkingViolations, CountBeyondTheList) {
+TEST_P(UnmarkingViolations, ACountBeyondTheListIsReported) {
     sample s;
     s.with({1, 2, 3, 4, 1});
     EXPECT_REPORTED(GetParam()(s.v));
 }
 
-TEST_P(UnmarkingViolations, MarksModeOrNothingListedIsFine) {
+TEST_P(UnmarkingViolations, MarksModeOrAnEmptyVectorIsNotReported) {
     sample s;
     s.with({1, 2, 3, 4});
     EXPECT_SILENT(GetParam()(s.v));
@@ -207,7 +207,7 @@ TEST_P(UnmarkingViolations, MarksModeOrNothingListedIsFine) {
 
 using UnmarkingViolationsDeathTest = UnmarkingViolations;
 
-TEST_P(UnmarkingViolationsDeathTest, SomethingListedOutsideOfMarksMode) {
+TEST_P(UnmarkingViolationsDeathTest, AListOutsideOfMarksModeIsReported) {
     sample list(list_mode);
     list.with({1});
     EXPECT_REPORTED_ABSENCE(GetParam()(list.v));

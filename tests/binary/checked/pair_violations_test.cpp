@@ -8,53 +8,53 @@ using namespace zktarn::testing;
 // Two vectors, one of which breaks an invariant
 // -----------------------------------------------------------------------------
 
-/// How a vector that lists 1 and 3 is spoiled.
+/// How a vector that lists 1 and 3 is made invalid.
 struct defect {
     const char* name;
     void (*make)(sample&);
 };
 
-class SpoiledViolations : public Violations, public testing::WithParamInterface<defect> {
+class InvalidVector : public Violations, public testing::WithParamInterface<defect> {
 protected:
-    SpoiledViolations() {
-        for (sample* each : {&spoiled, &spoiled_set, &sound}) {
+    InvalidVector() {
+        for (sample* each : {&invalid, &invalid_set, &valid}) {
             each->with({1, 3});
         }
-        GetParam().make(spoiled);
-        GetParam().make(spoiled_set);
+        GetParam().make(invalid);
+        GetParam().make(invalid_set);
     }
 
-    sample spoiled;
-    sample spoiled_set{support_only};
-    sample sound;
+    sample invalid;
+    sample invalid_set{support_only};
+    sample valid;
 };
 
-TEST_P(SpoiledViolations, AsTheFirstOfACombination) {
-    EXPECT_REPORTED_FIRST(spoiled, vectors_combine(spoiled.v, sound.v, 1.0, 0.0, 0.5));
-    EXPECT_REPORTED_FIRST(spoiled_set, vectors_combine(spoiled_set.v, sound.v, 1.0, 0.0, 0.5));
+TEST_P(InvalidVector, IsReportedAsTheFirstOfACombination) {
+    EXPECT_REPORTED_FIRST(invalid, vectors_combine(invalid.v, valid.v, 1.0, 0.0, 0.5));
+    EXPECT_REPORTED_FIRST(invalid_set, vectors_combine(invalid_set.v, valid.v, 1.0, 0.0, 0.5));
 }
 
-TEST_P(SpoiledViolations, AsTheSecondOfACombination) {
-    EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, spoiled.v, 1.0, 0.0, 0.5));
-    EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, spoiled_set.v, 1.0, 0.0, 0.5));
+TEST_P(InvalidVector, IsReportedAsTheSecondOfACombination) {
+    EXPECT_REPORTED_FIRST(valid, vectors_combine(valid.v, invalid.v, 1.0, 0.0, 0.5));
+    EXPECT_REPORTED_FIRST(valid, vectors_combine(valid.v, invalid_set.v, 1.0, 0.0, 0.5));
 }
 
-TEST_P(SpoiledViolations, AsTheFirstOfASymmetricDifference) {
+TEST_P(InvalidVector, IsReportedAsTheFirstOfASymmetricDifference) {
     sample one;
     one.with({2});
-    EXPECT_REPORTED_FIRST(spoiled, vectors_calc_sym_diff(spoiled.v, one.v));
-    EXPECT_REPORTED_FIRST(spoiled_set, vectors_calc_sym_diff(spoiled_set.v, one.v));
+    EXPECT_REPORTED_FIRST(invalid, vectors_calc_sym_diff(invalid.v, one.v));
+    EXPECT_REPORTED_FIRST(invalid_set, vectors_calc_sym_diff(invalid_set.v, one.v));
 }
 
-TEST_P(SpoiledViolations, AsEitherOfAComparison) {
-    EXPECT_REPORTED(static_cast<void>(vectors_are_identical(spoiled.v, sound.v, 1.0)));
-    EXPECT_REPORTED(static_cast<void>(vectors_are_identical(sound.v, spoiled.v, 1.0)));
+TEST_P(InvalidVector, IsReportedAsEitherOfAComparison) {
+    EXPECT_REPORTED(static_cast<void>(vectors_are_identical(invalid.v, valid.v, 1.0)));
+    EXPECT_REPORTED(static_cast<void>(vectors_are_identical(valid.v, invalid.v, 1.0)));
 }
 
 const defect defects[] = {
     {"MarkedAndNotListed", [](sample& s) { s.mark(2) = 1; }},
     {"ListedTwice", [](sample& s) { s.listed(2) = 1; }},
-    {"AsManyOthersMarked",
+    {"OtherIndicesMarked",
      [](sample& s) {
          s.listed(2) = 4;
          s.mark(1) = 0;
@@ -69,40 +69,40 @@ const defect defects[] = {
     {"ShortMarks", [](sample& s) { s.v.elm.extent[0] = n - 1; }},
 };
 
-// An entry without a mark counts as 0.0 in a combination and in a comparison, and is dropped from
-// what the combination changes. A symmetric difference relies on marks.
-TEST_F(Violations, AnEntryWithoutAMark) {
+// A combination and a comparison read a listed entry without a mark as 0.0, and a combination drops
+// it from x. A symmetric difference requires the mark.
+TEST_F(Violations, AnEntryWithoutAMarkIsReportedByASymmetricDifferenceOnly) {
     for (const arrays& has : {marks_mode, support_only}) {
         sample unmarked(has);
         unmarked.with({1, 3}).mark(3) = 0;
-        sample sound;
-        sound.with({2, 3});
-        EXPECT_SILENT(vectors_combine(sound.v, unmarked.v, 1.0, 1.0, 0.0));
-        EXPECT_SILENT(vectors_combine(unmarked.v, sound.v, 2.0, 1.0, 0.0));
+        sample valid;
+        valid.with({2, 3});
+        EXPECT_SILENT(vectors_combine(valid.v, unmarked.v, 1.0, 1.0, 0.0));
+        EXPECT_SILENT(vectors_combine(unmarked.v, valid.v, 2.0, 1.0, 0.0));
     }
     sample unmarked;
     unmarked.with({1, 3}).mark(3) = 0;
-    sample sound;
-    sound.with({1, 3});
-    EXPECT_SILENT(static_cast<void>(vectors_are_identical(unmarked.v, sound.v, 1.0)));
-    EXPECT_SILENT(static_cast<void>(vectors_are_identical(sound.v, unmarked.v, 1.0)));
-    EXPECT_REPORTED_FIRST(unmarked, vectors_calc_sym_diff(unmarked.v, sound.v));
+    sample valid;
+    valid.with({1, 3});
+    EXPECT_SILENT(static_cast<void>(vectors_are_identical(unmarked.v, valid.v, 1.0)));
+    EXPECT_SILENT(static_cast<void>(vectors_are_identical(valid.v, unmarked.v, 1.0)));
+    EXPECT_REPORTED_FIRST(unmarked, vectors_calc_sym_diff(unmarked.v, valid.v));
 }
 
-INSTANTIATE_TEST_SUITE_P(, SpoiledViolations, testing::ValuesIn(defects),
+INSTANTIATE_TEST_SUITE_P(, InvalidVector, testing::ValuesIn(defects),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST_F(Violations, AMarkWhereNothingIsListed) {
+TEST_F(Violations, AMarkInAnEmptyVectorIsReported) {
     sample marked;
     marked.mark(2) = 1;
-    sample sound;
-    sound.with({1});
-    EXPECT_REPORTED_FIRST(marked, vectors_combine(marked.v, sound.v, 1.0, 1.0, 0.0));
-    EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, marked.v, 1.0, 1.0, 0.0));
-    EXPECT_REPORTED_FIRST(marked, vectors_calc_sym_diff(marked.v, sound.v));
+    sample valid;
+    valid.with({1});
+    EXPECT_REPORTED_FIRST(marked, vectors_combine(marked.v, valid.v, 1.0, 1.0, 0.0));
+    EXPECT_REPORTED_FIRST(valid, vectors_combine(valid.v, marked.v, 1.0, 1.0, 0.0));
+    EXPECT_REPORTED_FIRST(marked, vectors_calc_sym_diff(marked.v, valid.v));
 }
 
-TEST_F(Violations, CountBeyondTheListOfEither) {
+TEST_F(Violations, ACountBeyondEitherListIsReported) {
     for (const arrays& has : {marks_mode, list_mode}) {
         sample beyond(has);
         beyond.with({1, 2, 3, 4, 5});
@@ -114,7 +114,7 @@ TEST_F(Violations, CountBeyondTheListOfEither) {
         EXPECT_REPORTED_FIRST(empty, vectors_calc_sym_diff(empty.v, beyond.v));
         EXPECT_REPORTED(static_cast<void>(vectors_are_identical(beyond.v, large.v, 1.0)));
     }
-    // A list of its own elements, one too many: neither elements nor marks give it away.
+    // The position beyond the list repeats an index: only the count shows the violation.
     sample twice(list_mode);
     twice.with({1, 2, 3, 4, 4});
     sample empty;
@@ -124,22 +124,22 @@ TEST_F(Violations, CountBeyondTheListOfEither) {
     EXPECT_REPORTED_FIRST(large, vectors_calc_sym_diff(large.v, twice.v));
 }
 
-TEST_F(Violations, ListOfNoElementsWithoutMarks) {
+TEST_F(Violations, AnIndexOutsideOfTheCapacityIsReportedInListMode) {
     for (const std::int32_t j : {0, n + 1}) {
         sample list(list_mode);
         list.with({1, j});
-        sample sound;
-        sound.with({1, 3});
-        EXPECT_REPORTED_FIRST(list, vectors_combine(list.v, sound.v, 1.0, 0.0, 0.5)) << j;
-        EXPECT_REPORTED_FIRST(sound, vectors_combine(sound.v, list.v, 1.0, 0.0, 0.5)) << j;
-        EXPECT_REPORTED(static_cast<void>(vectors_are_identical(list.v, sound.v, 1.0))) << j;
+        sample valid;
+        valid.with({1, 3});
+        EXPECT_REPORTED_FIRST(list, vectors_combine(list.v, valid.v, 1.0, 0.0, 0.5)) << j;
+        EXPECT_REPORTED_FIRST(valid, vectors_combine(valid.v, list.v, 1.0, 0.0, 0.5)) << j;
+        EXPECT_REPORTED(static_cast<void>(vectors_are_identical(list.v, valid.v, 1.0))) << j;
     }
 }
 
-// Two vectors that do not fit each other
+// Two vectors that do not match each other
 // ----------------------------------------------------------------------------------------
 
-TEST_F(Violations, ElementsOfTheSecondThatTheFirstIsWithout) {
+TEST_F(Violations, AnIndexBeyondTheOtherCapacityIsReported) {
     sample large(marks_mode, 2 * n);
     large.with({n + 1});
     sample x;
@@ -165,46 +165,46 @@ TEST_F(Violations, CapacitiesMayDiffer) {
     }
 }
 
-// The whole capacity is room enough for whatever y lists, unless x or y lists something twice.
-TEST_F(Violations, NoRoomInTheListForASum) {
+// A list of the full capacity suffices for every result, unless x or y lists an index twice.
+TEST_F(Violations, AListTooShortForASumIsReported) {
     sample y;
     y.with({4});
     sample full(list_mode);
     full.with({1, 2, 3, 3});
     EXPECT_REPORTED_FIRST(full, vectors_combine(full.v, y.v, 1.0, 1.0, 0.0));
-    sample room(list_mode);
-    room.with({1, 2, 3});
-    EXPECT_SILENT(vectors_combine(room.v, y.v, 1.0, 1.0, 0.0));
+    sample shorter(list_mode);
+    shorter.with({1, 2, 3});
+    EXPECT_SILENT(vectors_combine(shorter.v, y.v, 1.0, 1.0, 0.0));
     sample twice(list_mode);
     twice.with({4, 4});
     sample sum;
     sum.with({1, 2, 3});
     EXPECT_REPORTED_FIRST(sum, vectors_combine(sum.v, twice.v, 1.0, 1.0, 0.0));
-    // Nothing is added, so nothing is listed.
+    // beta = 0 adds no index.
     sample same;
     same.with({1, 2, 3});
     EXPECT_SILENT(vectors_combine(same.v, twice.v, 1.0, 0.0, 0.0));
 }
 
-TEST_F(Violations, NoRoomInTheListForASymmetricDifference) {
+TEST_F(Violations, AListTooShortForASymmetricDifferenceIsReported) {
     sample twice(list_mode);
     twice.with({4, 4});
     sample x;
     x.with({1, 2, 3});
     EXPECT_REPORTED_FIRST(x, vectors_calc_sym_diff(x.v, twice.v));
-    sample room;
-    room.with({1, 2});
-    EXPECT_SILENT(vectors_calc_sym_diff(room.v, twice.v));
+    sample shorter;
+    shorter.with({1, 2});
+    EXPECT_SILENT(vectors_calc_sym_diff(shorter.v, twice.v));
     sample empty;
     sample all(list_mode);
     all.with({4, 3, 2, 1});
     EXPECT_SILENT(vectors_calc_sym_diff(empty.v, all.v));
 }
 
-// Arrays that are not there
+// Absent arrays
 // ----------------------------------------------------------------------------------------------
 
-TEST_F(ViolationsDeathTest, SymmetricDifferenceWithoutMarksOrLists) {
+TEST_F(ViolationsDeathTest, AbsentMarksOrListsAreReportedByASymmetricDifference) {
     sample y;
     y.with({1});
     for (const arrays& has : {list_mode, marks_without_list, marks_alone}) {
@@ -217,35 +217,35 @@ TEST_F(ViolationsDeathTest, SymmetricDifferenceWithoutMarksOrLists) {
     EXPECT_REPORTED_ABSENCE(vectors_calc_sym_diff(x.v, dense.v));
 }
 
-TEST_F(ViolationsDeathTest, CombinationWithoutLists) {
-    sample sound;
-    sound.with({1});
+TEST_F(ViolationsDeathTest, AbsentListsAreReportedByACombination) {
+    sample valid;
+    valid.with({1});
     for (const arrays& has : {dense_mode, marks_without_list}) {
         sample counts(has);
         counts.with({1});
-        EXPECT_REPORTED_ABSENCE(vectors_combine(sound.v, counts.v, 1.0, 1.0, 0.0));
-        EXPECT_REPORTED_ABSENCE(vectors_combine(counts.v, sound.v, 1.0, 1.0, 0.0));
+        EXPECT_REPORTED_ABSENCE(vectors_combine(valid.v, counts.v, 1.0, 1.0, 0.0));
+        EXPECT_REPORTED_ABSENCE(vectors_combine(counts.v, valid.v, 1.0, 1.0, 0.0));
     }
     sample marks(marks_without_list);
-    EXPECT_REPORTED_ABSENCE(vectors_combine(marks.v, sound.v, 1.0, 1.0, 0.0));
+    EXPECT_REPORTED_ABSENCE(vectors_combine(marks.v, valid.v, 1.0, 1.0, 0.0));
 }
 
-TEST_F(ViolationsDeathTest, ComparisonWithoutCoefficientsMarksOrLists) {
-    sample sound;
-    sound.with({1});
+TEST_F(ViolationsDeathTest, AbsentArraysAreReportedByAComparison) {
+    sample valid;
+    valid.with({1});
     for (const arrays& has : {support_only, index_set, dense_mode, marks_without_list}) {
         sample a(has);
         a.with({1});
-        EXPECT_REPORTED_ABSENCE(static_cast<void>(vectors_are_identical(a.v, sound.v, 0.0)));
+        EXPECT_REPORTED_ABSENCE(static_cast<void>(vectors_are_identical(a.v, valid.v, 0.0)));
     }
     for (const arrays& has : {support_only, list_mode, dense_mode, marks_without_list}) {
         sample b(has);
         b.with({1});
-        EXPECT_REPORTED_ABSENCE(static_cast<void>(vectors_are_identical(sound.v, b.v, 0.0)));
+        EXPECT_REPORTED_ABSENCE(static_cast<void>(vectors_are_identical(valid.v, b.v, 0.0)));
     }
 }
 
-TEST_F(Violations, NothingListedIsFineWithoutAnyArray) {
+TEST_F(Violations, EmptyVectorsNeedNoArrays) {
     sample y;
     y.with({1});
     for (const arrays& has : {marks_mode, list_mode, dense_mode, support_only, index_set,
@@ -257,7 +257,7 @@ TEST_F(Violations, NothingListedIsFineWithoutAnyArray) {
         EXPECT_SILENT(vectors_calc_sym_diff(x.v, empty.v));
         EXPECT_SILENT(static_cast<void>(vectors_are_identical(x.v, empty.v, 0.0)));
     }
-    // Marks without a list stand for themselves.
+    // Without a list, marks are valid on their own.
     sample marks(marks_without_list);
     marks.mark(2) = 1;
     EXPECT_SILENT(vectors_combine(marks.v, marks.v, 2.0, 1.0, 0.0));
@@ -269,10 +269,10 @@ TEST_F(Violations, NothingListedIsFineWithoutAnyArray) {
     EXPECT_SILENT(static_cast<void>(vectors_are_identical(x, empty, 0.0)));
 }
 
-// Pairs without a fault
+// Valid pairs
 // ---------------------------------------------------------------------------------------------
 
-TEST_F(Violations, SoundCombinationsAreFine) {
+TEST_F(Violations, ValidCombinationsAreNotReported) {
     sample y;
     y.with({4, 3, 2});
     sample listed(index_set);
@@ -289,7 +289,7 @@ TEST_F(Violations, SoundCombinationsAreFine) {
     EXPECT_SILENT(vectors_combine(y.v, dense.v, 1.0, 1.0, 0.0));
 }
 
-TEST_F(Violations, SoundSymmetricDifferencesAreFine) {
+TEST_F(Violations, ValidSymmetricDifferencesAreNotReported) {
     sample y;
     y.with({4, 3, 2});
     sample listed(index_set);
@@ -301,13 +301,13 @@ TEST_F(Violations, SoundSymmetricDifferencesAreFine) {
         EXPECT_SILENT(vectors_calc_sym_diff(x.v, listed.v));
         EXPECT_SILENT(vectors_calc_sym_diff(x.v, x.v));
     }
-    // Of the second, only the list is looked at.
+    // Of y, only the list is read.
     sample x;
     y.mark(4) = 0;
     EXPECT_SILENT(vectors_calc_sym_diff(x.v, y.v));
 }
 
-TEST_F(Violations, SoundComparisonsAreFine) {
+TEST_F(Violations, ValidComparisonsAreNotReported) {
     sample b;
     b.with({1, 3});
     for (const arrays& has : {marks_mode, list_mode}) {

@@ -11,7 +11,7 @@ def fail(sentence):
 
 
 def functions(objdump, library):
-    """The instructions of each function, by its name, as the disassembler writes them."""
+    """The disassembled instructions of each function, by its name."""
     ran = subprocess.run([objdump, "--disassemble", "--reloc", "--no-show-raw-insn", library],
                          capture_output=True, text=True, check=False)
     if ran.returncode != 0:
@@ -19,11 +19,11 @@ def functions(objdump, library):
     found = {}
     name = member = ""
     for line in ran.stdout.splitlines():
-        # LIBRARY(MEMBER) with LLVM's disassembler, MEMBER alone with GNU's.
-        if beginning := re.match(r"(?:.*[(/])?([^(/]+?)\)?:\s+file format", line):
-            member = beginning.group(1)
-        elif beginning := re.match(r"[0-9a-f]+ <(.*)>:$", line):
-            name = f"{member} {beginning.group(1)}"
+        # LLVM's disassembler prints LIBRARY(MEMBER), GNU's prints MEMBER.
+        if heading := re.match(r"(?:.*[(/])?([^(/]+?)\)?:\s+file format", line):
+            member = heading.group(1)
+        elif heading := re.match(r"[0-9a-f]+ <(.*)>:$", line):
+            name = f"{member} {heading.group(1)}"
             found[name] = []
         elif line.strip() and name:
             found[name].append(line)
@@ -33,15 +33,15 @@ def functions(objdump, library):
 def main():
     if len(sys.argv) != 4:
         fail("usage: same_code.py OBJDUMP LIBRARY OTHER")
-    ours, others = (functions(sys.argv[1], library) for library in sys.argv[2:])
-    if not ours:
+    first, second = (functions(sys.argv[1], library) for library in sys.argv[2:])
+    if not first:
         fail(f"{sys.argv[2]} has no functions")
-    if ours.keys() != others.keys():
-        fail(f"only one of the two has {', '.join(sorted(ours.keys() ^ others.keys()))}")
-    different = [name for name in ours if ours[name] != others[name]]
+    if first.keys() != second.keys():
+        fail(f"only one of the two has {', '.join(sorted(first.keys() ^ second.keys()))}")
+    different = [name for name in first if first[name] != second[name]]
     if different:
         fail(f"the code differs in {', '.join(different)}")
-    print(f"{len(ours)} functions, {sum(map(len, ours.values()))} instructions, all the same")
+    print(f"{len(first)} functions, {sum(map(len, first.values()))} instructions, all the same")
 
 
 if __name__ == "__main__":

@@ -11,7 +11,7 @@ import sys
 
 
 def statement_end(text, start):
-    """The position behind the statement of the check at `start`."""
+    """The position after the statement that begins with a check at `start`."""
     depth = 0
     for position in range(text.index("(", start), len(text)):
         depth += {"(": 1, ")": -1}.get(text[position], 0)
@@ -21,7 +21,7 @@ def statement_end(text, start):
 
 
 def stripped(text):
-    """The text without its checks, and how many there were."""
+    """The text without its checks, and the number of checks."""
     count = 0
     while found := re.search(r"^[ ]*ZKTARN_CHECK\(", text, re.MULTILINE):
         text = text[:found.start()] + text[statement_end(text, found.start()):]
@@ -40,11 +40,11 @@ def main():
         total += count
         target = copy / file.relative_to(source)
         target.parent.mkdir(parents=True, exist_ok=True)
-        # Untouched when nothing has changed, so that nothing is compiled anew.
+        # An unchanged file keeps its time, so that the build does not compile it again.
         if not target.exists() or target.read_text(encoding="utf-8") != text:
             target.write_text(text, encoding="utf-8")
         if "ZKTARN_CHECK(" in text and file.name != "check.hpp":
-            sys.exit(f"strip_checks: {file} has a check that is no statement")
+            sys.exit(f"strip_checks: {file} has a check that is not a statement")
     if total == 0:
         sys.exit(f"strip_checks: {source} has no check")
     stamp = pathlib.Path(f"{copy}.stamp")

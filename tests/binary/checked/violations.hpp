@@ -1,7 +1,6 @@
 #pragma once
 
-/// What the tests of violations have in common. They are linked with a library that is built with
-/// the checks, whatever the rest of the build has.
+/// The fixture of the tests of violations, which link a library built with the checks in any build.
 
 #include <array>
 #include <cstdint>
@@ -33,19 +32,21 @@ inline constexpr arrays index_set{.coef = false, .elm = false};
 inline constexpr arrays marks_without_list{.ind = false};
 inline constexpr arrays marks_alone{.coef = false, .ind = false};
 
-/// The capacity of a sample, unless it is made with another one.
+/// The default capacity of a sample.
 inline constexpr std::int32_t n = 4;
 
-/// A vector whose arrays have room around them, so that a violation that is reported does no harm.
-/// An array that it is without has an extent all the same, as one that was released has, and what
-/// is not listed has an element in its place all the same.
+/// A vector whose arrays are parts of larger blocks, so that an access outside of an array does no
+/// harm. An absent array has a nonzero extent, as a released one has. Unused list positions hold 1.
 class sample {
 public:
     explicit sample(const arrays& has = marks_mode, std::int32_t capacity = n) {
         list_.fill(1);
-        v.coef = {has.coef ? coefs_.data() + before : nullptr, {has.coef ? capacity : left}, {1}};
-        v.ind = {has.ind ? list_.data() + before : nullptr, {has.ind ? capacity : left}, {1}};
-        v.elm = {has.elm ? marks_.data() + before : nullptr, {has.elm ? capacity : left}, {1}};
+        v.coef = {
+            has.coef ? coefs_.data() + before : nullptr, {has.coef ? capacity : stale_extent}, {1}};
+        v.ind = {
+            has.ind ? list_.data() + before : nullptr, {has.ind ? capacity : stale_extent}, {1}};
+        v.elm = {
+            has.elm ? marks_.data() + before : nullptr, {has.elm ? capacity : stale_extent}, {1}};
     }
     sample(const sample&) = delete;
     sample& operator=(const sample&) = delete;
@@ -60,18 +61,18 @@ public:
         return *this;
     }
 
-    /// What is listed at a position, and the mark of an element, whether there is one or not.
+    /// The list position k and the mark of j, also outside of the arrays.
     std::int32_t& listed(std::int32_t k) { return list_[place(k)]; }
     std::int32_t& mark(std::int32_t j) { return marks_[place(j)]; }
 
-    /// All that a procedure can write.
+    /// Everything that a procedure can write.
     [[nodiscard]] auto content() const { return std::tuple(coefs_, list_, marks_, v.nz); }
 
     vector v;
 
 private:
     static constexpr std::int32_t before = 8;
-    static constexpr std::int64_t left = n + 3;
+    static constexpr std::int64_t stale_extent = n + 3;
     static std::size_t place(std::int32_t k) { return static_cast<std::size_t>(before + k - 1); }
 
     std::array<double, 24> coefs_{};
@@ -81,7 +82,7 @@ private:
 
 class Violations : public ::testing::Test {
 protected:
-    // What a violation prints is kept from the console of the tests.
+    // Captures the printed violations, so that the test's own output stays readable.
     void SetUp() override {
         standin::reset();
         standin::set_console(standin::console::capture);
@@ -91,13 +92,13 @@ protected:
     /// The number of reports that a call makes.
     template <class Call>
     static int reports(Call call) {
-        int reported = 0;
-        standin::set_assertion_handler([&] { ++reported; });
+        int count = 0;
+        standin::set_assertion_handler([&] { ++count; });
         call();
-        return reported;
+        return count;
     }
 
-    /// Whether a call makes a report before it writes anything of x.
+    /// Whether a call reports a violation before it changes x.
     template <class Call>
     static bool reports_first(const sample& x, Call call) {
         const auto before = x.content();
@@ -115,11 +116,11 @@ using ViolationsDeathTest = Violations;
 #define EXPECT_REPORTED(statement) EXPECT_GE(reports([&] { statement; }), 1) << #statement
 #define EXPECT_SILENT(statement) EXPECT_EQ(reports([&] { statement; }), 0) << #statement
 
-/// Of a procedure that verifies all it needs at its beginning.
+/// For a procedure that checks its preconditions before it writes.
 #define EXPECT_REPORTED_FIRST(x, statement)                                                        \
     EXPECT_TRUE(reports_first(x, [&] { statement; })) << #statement
 
-/// Ends the process at the first report: what follows would use an array that is not there.
+/// Ends the process at the first report, because the call would go on to use an absent array.
 #define EXPECT_REPORTED_ABSENCE(statement)                                                         \
     EXPECT_EXIT(                                                                                   \
         {                                                                                          \

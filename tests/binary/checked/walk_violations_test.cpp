@@ -5,7 +5,7 @@ namespace {
 using namespace zktarn::vector_mod;
 using namespace zktarn::testing;
 
-/// A procedure that walks the list of one vector and looks at its coefficients.
+/// A procedure that reads the list of one vector and its coefficients.
 struct walk {
     const char* name;
     void (*call)(vector&);
@@ -16,7 +16,7 @@ protected:
     static void call(sample& s) { GetParam().call(s.v); }
 };
 
-TEST_P(WalkViolations, ArraysOfTwoLengths) {
+TEST_P(WalkViolations, ArraysOfDifferentLengthsAreReported) {
     sample list;
     list.with({1}).v.ind.extent[0] = n - 1;
     EXPECT_REPORTED_FIRST(list, call(list));
@@ -28,7 +28,7 @@ TEST_P(WalkViolations, ArraysOfTwoLengths) {
     EXPECT_REPORTED_FIRST(unmarked, call(unmarked));
 }
 
-TEST_P(WalkViolations, ListedWhatIsNoElement) {
+TEST_P(WalkViolations, AListedIndexOutsideOfTheCapacityIsReported) {
     for (const arrays& has : {marks_mode, list_mode}) {
         for (const std::int32_t j : {0, n + 1}) {
             sample s(has);
@@ -38,7 +38,7 @@ TEST_P(WalkViolations, ListedWhatIsNoElement) {
     }
 }
 
-TEST_P(WalkViolations, CountBeyondTheList) {
+TEST_P(WalkViolations, ACountBeyondTheListIsReported) {
     for (const arrays& has : {marks_mode, list_mode}) {
         sample s(has);
         s.with({1, 2, 3, 4, 4});
@@ -46,19 +46,19 @@ TEST_P(WalkViolations, CountBeyondTheList) {
     }
 }
 
-TEST_P(WalkViolations, AListOfElementsIsFine) {
+TEST_P(WalkViolations, AValidListIsNotReported) {
     for (const arrays& has : {marks_mode, list_mode}) {
         sample full(has);
         full.with({4, 1, 3, 2});
         EXPECT_SILENT(call(full));
     }
-    // What is listed and not marked is for the procedure to drop.
+    // The procedure drops a listed entry without a mark.
     sample unmarked;
     unmarked.with({1, 2}).mark(2) = 0;
     EXPECT_SILENT(call(unmarked));
 }
 
-TEST_P(WalkViolations, NothingListedIsFineWithoutAnyArray) {
+TEST_P(WalkViolations, AnEmptyVectorNeedsNoArrays) {
     sample nothing({false, false, false});
     EXPECT_SILENT(call(nothing));
     vector untouched;
@@ -67,7 +67,7 @@ TEST_P(WalkViolations, NothingListedIsFineWithoutAnyArray) {
 
 using WalkViolationsDeathTest = WalkViolations;
 
-TEST_P(WalkViolationsDeathTest, WithoutCoefficientsOrList) {
+TEST_P(WalkViolationsDeathTest, AbsentCoefficientsOrListAreReported) {
     for (const arrays& has : {support_only, index_set, marks_without_list, dense_mode}) {
         sample s(has);
         s.with({1});

@@ -27,7 +27,7 @@ void add(digest& results, std::int32_t value) {
     results.integer(value);
 }
 
-/// As many elements as the longest array has, of which a procedure is to touch the first few.
+/// An array longer than any count, so that the hash also covers elements that must not change.
 template <class T>
 std::vector<T> filled(draws& draw) {
     std::vector<T> elements(longest);

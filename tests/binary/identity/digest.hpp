@@ -5,7 +5,7 @@
 
 namespace zktarn::identity {
 
-/// The 64-bit FNV-1a hash of all that it was given, the lowest byte of a word first.
+/// The 64-bit FNV-1a hash of the added words, lowest byte first.
 class digest {
 public:
     void word(std::uint64_t value) {
@@ -17,12 +17,12 @@ public:
 
     void integer(std::int64_t value) { word(static_cast<std::uint64_t>(value)); }
 
-    /// A real that was copied, bit for bit, whatever it is.
+    /// Adds the bits of a real that a procedure copied.
     void copied(double value) { word(std::bit_cast<std::uint64_t>(value)); }
 
-    /// A real that was computed. Every not-a-number counts as the same one: its sign and payload
-    /// are the processor's (a new one is negative on x86-64 and positive on Arm), and where both
-    /// operands are none, the compiler's, who may turn a sum or a product round.
+    /// Adds a real that a procedure computed. All NaNs count as equal: sign and payload depend on
+    /// the processor (a new NaN is negative on x86-64, positive on Arm) and, for two NaN operands,
+    /// on the order in which the compiler puts the operands.
     void computed(double value) { value != value ? word(0x7FF8000000000000) : copied(value); }
 
     std::uint64_t value() const { return hash_; }

@@ -21,7 +21,7 @@ double from_bits(std::uint64_t bits) {
     return std::bit_cast<double>(bits);
 }
 
-/// The real that is `steps` units away.
+/// The real `steps` units in the last place away.
 double moved(double value, std::int32_t steps) {
     return from_bits(std::bit_cast<std::uint64_t>(value) + static_cast<std::uint64_t>(steps));
 }
@@ -69,7 +69,7 @@ double draws::near_an_integer() {
 }
 
 double draws::near_a_power_of_two() {
-    // Half of them where reals become integers of 32 bits, of 53 bits and of 64 bits.
+    // Half of them near 2^31, 2^53 and 2^63, the limits of conversions to integers.
     const std::int32_t exponent = chance(2) ? between(28, 66) : between(-1022, 1023);
     const std::int32_t steps = between(-1, 1);
     return moved(power_of_two(exponent), steps);

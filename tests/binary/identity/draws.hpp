@@ -6,17 +6,17 @@
 
 namespace zktarn::identity {
 
-/// The cases of one procedure: numbers that are the same on every platform, with no distribution of
-/// a standard library and no rounding but that of single additions, products and quotients.
+/// The random inputs of one procedure, the same on every platform: without a distribution of the
+/// standard library, and rounded only by single additions, multiplications and divisions.
 ///
-/// Draw one number a statement: the order in which operands and arguments are evaluated is the
-/// compiler's.
+/// Draw one number in each statement, because the compiler chooses the order in which operands and
+/// arguments are evaluated.
 class draws {
 public:
-    /// The stream of a procedure, so that no other one changes it.
+    /// Each procedure has its own stream, so that a change of one leaves the others unchanged.
     explicit draws(std::string_view procedure);
 
-    /// Any word. Source: Steele, Lea and Flood, Fast splittable pseudorandom number generators
+    /// A random word. Source: Steele, Lea and Flood, Fast splittable pseudorandom number generators
     /// (2014).
     std::uint64_t word();
 
@@ -37,20 +37,20 @@ public:
     /// `value` or its negation.
     double signed_at_random(double value);
 
-    /// Any kind of real: integers, fractions, decimals, next to an integer, one unit off a power of
-    /// two, huge, subnormal, infinite, not a number, any bits.
+    /// Any kind of real: integers, fractions, decimals, neighbours of integers and of powers of
+    /// two, huge, subnormal, infinite, NaN, random bits.
     double real();
 
-    /// What coefficients mostly are: small integers, and now and then any kind.
+    /// Mostly a small integer, sometimes any kind of real.
     double coefficient();
 
-    /// A factor of a combination.
+    /// alpha or beta of a combination.
     double factor();
 
-    /// A tolerance, usual or strange.
+    /// A tolerance, sometimes a negative, huge or NaN one.
     double tolerance();
 
-    /// A bound for a denominator, usual or strange.
+    /// A bound for a denominator, sometimes a negative, huge or NaN one.
     double denominator_bound();
 
     /// Any 32-bit integer, of any magnitude.

@@ -8,7 +8,7 @@ namespace {
 
 using namespace vector_mod;
 
-/// A vector and an element of it.
+/// A vector and one of its indices.
 struct entry {
     sparse v;
     std::int32_t j;
@@ -20,7 +20,7 @@ entry drawn_entry(draws& draw, form arrays) {
     return {v, draw.between(1, n)};
 }
 
-/// One with something listed, and a position in its list.
+/// A nonempty vector and a position of its list.
 entry drawn_position(draws& draw) {
     entry drawn = drawn_entry(draw, with_marks);
     if (drawn.v.record.nz == 0) {

@@ -7,7 +7,7 @@ namespace {
 
 using namespace util;
 
-// Left in `nearest` where nothing is written.
+// The value of `nearest` that shows that a procedure wrote nothing.
 constexpr double untouched = -12345.5;
 
 void call_fractional(draws& draw, digest& results) {

@@ -1,7 +1,7 @@
 // identity          prints the hash of the results of each procedure
-// identity GOLDEN   names each procedure whose hash is another one than in the file, and fails
+// identity GOLDEN   names each procedure whose hash differs from the file's, and fails if any does
 //
-// The hashes are the same for every compiler, optimisation and processor, or something is wrong.
+// The hashes must not depend on compiler, optimisation level or processor.
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
@@ -31,18 +31,18 @@ std::string hash_of(const procedure& each) {
 
 hashes computed() {
     hashes all;
-    for (const auto& of_a_subject :
+    for (const auto& procedures :
          {integrality_procedures(), array_copy_procedures(), rational_procedures(),
           entry_procedures(), whole_vector_procedures(), sorting_procedures(),
           random_procedures()}) {
-        for (const procedure& each : of_a_subject) {
+        for (const procedure& each : procedures) {
             all.emplace(each.name, hash_of(each));
         }
     }
     return all;
 }
 
-/// Lines of a name and a hash; empty when the file cannot be read.
+/// Reads lines of a name and a hash. Returns no hashes when the file cannot be read.
 hashes read(const char* path) {
     std::ifstream file(path);
     hashes all;
@@ -54,10 +54,10 @@ hashes read(const char* path) {
     return all;
 }
 
-/// The number of names that do not have the same hash in both.
-int differences(const hashes& ours, const hashes& golden) {
+/// Prints and counts the names whose hashes differ or that only one side has.
+int differences(const hashes& current, const hashes& golden) {
     int count = 0;
-    for (const auto& [name, hash] : ours) {
+    for (const auto& [name, hash] : current) {
         const auto found = golden.find(name);
         if (found == golden.end() || found->second != hash) {
             std::printf("different: %s: %s, not %s\n", name.c_str(), hash.c_str(),
@@ -66,7 +66,7 @@ int differences(const hashes& ours, const hashes& golden) {
         }
     }
     for (const auto& [name, hash] : golden) {
-        if (!ours.contains(name)) {
+        if (!current.contains(name)) {
             std::printf("different: %s: not computed, but in the file\n", name.c_str());
             ++count;
         }
@@ -92,8 +92,8 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "identity: there are no hashes in '%s'\n", argv[1]);
         return 2;
     }
-    const hashes ours = computed();
-    const int count = differences(ours, golden);
-    std::printf("%zu procedures, %d different\n", ours.size(), count);
+    const hashes current = computed();
+    const int count = differences(current, golden);
+    std::printf("%zu procedures, %d different\n", current.size(), count);
     return count == 0 ? 0 : 1;
 }

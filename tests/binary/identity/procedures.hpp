@@ -5,12 +5,12 @@
 #include "binary/identity/digest.hpp"
 #include "binary/identity/draws.hpp"
 
-/// What is fed to each procedure whose results have to be the same everywhere.
+/// The procedures whose results must be the same on every platform, with their inputs.
 
 namespace zktarn::identity {
 
-/// One procedure, as module.procedure, and one call of it: on inputs that are drawn, all results
-/// into the digest.
+/// A procedure's name, module.procedure, and a function that calls it once on random inputs and
+/// adds all results to the digest.
 struct procedure {
     const char* name;
     void (*call)(draws& draw, digest& results);

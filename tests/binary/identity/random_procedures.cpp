@@ -4,7 +4,7 @@
 #include "binary/identity/procedures.hpp"
 #include "zktarn/random/random.hpp"
 
-// With the generators of the stand-in host, whose numbers are the same on every platform.
+// The generators of the stand-in host return the same numbers on every platform.
 
 namespace zktarn::identity {
 
@@ -26,7 +26,7 @@ void call_instantiate(draws& draw, digest& results) {
     deleterng(rng);
 }
 
-/// A generator of the stand-in, which has one for every seed.
+/// A generator of the stand-in, which accepts every seed.
 rng_state created(std::int32_t seed) {
     rng_state rng;
     if (instantiaterng(rng, seed) == 0) {
@@ -51,7 +51,7 @@ void call_rand_number(draws& draw, digest& results) {
     deleterng(rng);
 }
 
-/// Numbers, a snapshot, numbers, the snapshot restored, and the same numbers once more.
+/// Draws, takes a snapshot, draws, restores the snapshot and draws the same numbers again.
 void call_with_snapshot(draws& draw, digest& results) {
     const std::int32_t seed = draw.integer();
     const std::uint64_t count = draw.below(8);

@@ -46,7 +46,7 @@ void call_integer_gcd(draws& draw, digest& results) {
     results.integer(xgcd_i4(a, b));
 }
 
-/// Elements that have a common scalar, mostly, or that have none.
+/// Elements that usually have a common scalar, sometimes none.
 testing::recorded_set drawn_set(draws& draw) {
     testing::recorded_set set{std::vector<testing::element>(draw.below(8))};
     const std::uint64_t kind = draw.below(4);
@@ -73,8 +73,8 @@ void call_scalar_search(draws& draw, digest& results) {
                          selected_only);
     results.integer(found);
     results.computed(scalar);
-    for (const std::int32_t asked : set.calls) {
-        results.integer(asked);
+    for (const std::int32_t index : set.calls) {
+        results.integer(index);
     }
 }
 

@@ -8,8 +8,8 @@ namespace zktarn::identity {
 
 namespace {
 
-/// Numbers with some that are equal and some that are none, by the exported form and by the inlined
-/// one: which positions are compared, and what comes out.
+/// Sorts numbers, equal ones and NaN among them, by the exported or the inline form. Adds the
+/// compared positions and the sorted numbers to the digest.
 void call_sort(draws& draw, digest& results) {
     const std::int32_t n = draw.between(0, 200);
     const std::int32_t before = draw.between(-5, 5);

@@ -7,7 +7,7 @@ namespace zktarn::identity {
 
 namespace {
 
-/// The numbers 1 to n in any order.
+/// A random permutation of 1 to n.
 std::vector<std::int32_t> shuffled(draws& draw, std::int32_t n) {
     std::vector<std::int32_t> numbers(static_cast<std::size_t>(n));
     for (std::size_t i = 0; i < numbers.size(); ++i) {

@@ -16,19 +16,18 @@ struct form {
     bool elm;
 };
 
-/// A vector of 3 n elements that uses the indices 1 to n, so that there is room for whatever an
-/// operation appends.
+/// A vector of capacity 3 n that uses the indices 1 to n, so that every operation has room to
+/// append.
 class sparse {
 public:
-    /// Contents at random: stale coefficients everywhere, and in one of three vectors what breaks
-    /// the promises of the marks mode: listed indices without a mark, marks of other values than 0
-    /// and 1.
+    /// Random contents with stale coefficients. One of three vectors breaks the invariants of the
+    /// marks mode: listed indices without a mark, and marks other than 0 and 1.
     sparse(draws& draw, std::int32_t n, form arrays);
 
     sparse(const sparse& other);
     sparse& operator=(const sparse&) = delete;
 
-    /// Count, list, coefficients and marks.
+    /// Adds count, list, coefficients and marks.
     void add_to(digest& results) const;
 
     vector_type::vector record;
@@ -41,10 +40,10 @@ private:
     std::vector<std::int32_t> elm_;
 };
 
-/// A number of indices in use: short, or long enough for several blocks of a list.
+/// A random n: small, or large enough for several blocks of a list.
 std::int32_t drawn_size(draws& draw);
 
-/// A list with or without marks, or, where it may be, neither; with or without coefficients.
+/// A random mode: marks, list or dense, with or without coefficients.
 form drawn_form(draws& draw);
 
 constexpr form with_marks{true, true, true};

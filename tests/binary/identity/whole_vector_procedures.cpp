@@ -47,7 +47,7 @@ void call_mod2(draws& draw, digest& results) {
     v.add_to(results);
 }
 
-/// Mostly a copy with a coefficient changed a little, since any two vectors are hardly identical.
+/// Usually a copy with one coefficient changed a little, because two random vectors rarely match.
 void call_are_identical(draws& draw, digest& results) {
     const std::int32_t n = drawn_size(draw);
     const sparse a(draw, n, with_marks);

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Counts the prefetch instructions of a library, procedure by procedure, and fails where the
-compiler has deleted one: it may take a function that only prefetches for one without any effect.
+"""Counts the prefetch instructions of each procedure of a library and fails if the compiler deleted
+one: a compiler may treat a function that only prefetches as one without effects.
 
     check_prefetch.py LIBRARY OBJDUMP COMPILER
 
-OBJDUMP disassembles the library: ELF, x86-64 or 64-bit Arm. COMPILER is GNU or Clang, which unroll
-and merge some loops differently.
+The library is ELF, for x86-64 or 64-bit Arm. COMPILER is GNU or Clang, whose counts differ because they
+unroll and merge loops differently.
 """
 
 import collections
@@ -16,8 +16,8 @@ import sys
 FUNCTION = re.compile(r"[0-9a-f]+ <(.*)>:")
 PREFETCH = re.compile(r"\s*[0-9a-f]+:\s+(prefetch\w*|prfm)\s")
 
-# What is counted together, and the least number with each compiler. Names of templates are matched
-# in part, because not every objdump can demangle them.
+# Name of a part, pattern of its functions, and its least number of prefetches with GCC and with Clang.
+# The patterns match parts of names, because not every objdump can demangle templates.
 PARTS = (
     ("vectors_calc_sym_diff", r"vectors_calc_sym_diff", 2, 2),
     ("compaction of a symmetric difference", r"compact.*unmarked_entries", 2, 2),
@@ -33,7 +33,7 @@ PARTS = (
     ("other ways of vectors_combine, fused", r"combine_otherwise_fused", 11, 10),
     ("vectors_combine without sums", r"combine_without_sums|scale_entries", 4, 4),
 )
-# How the patterns of the parts end that only x86-64 has.
+# The end of the patterns of parts that exist only on x86-64.
 FUSED = "_fused"
 
 
@@ -53,7 +53,7 @@ def disassembly(library, objdump):
 
 
 def prefetches(text):
-    """The number of prefetches in each function; functions without any are in it too."""
+    """The number of prefetches of each function, 0 included."""
     counts = collections.Counter()
     function = None
     for line in text.splitlines():

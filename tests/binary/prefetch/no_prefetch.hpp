@@ -1,2 +1,2 @@
-// What a compiler does that deletes every prefetch.
+// Simulates a compiler that deletes every prefetch.
 #define __builtin_prefetch(address, ...) static_cast<void>(address)

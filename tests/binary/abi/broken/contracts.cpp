@@ -4,7 +4,7 @@ double broken(double a, double b, double c) {
 
 namespace zktarn::util {
 
-// Asks for one fused operation, and gets one more.
+// The source asks for one fused operation; the compiler makes two.
 double xgcd_r8(const double& a, const double& b, const double& c) {
     const double rest = __builtin_fma(a, b, c);
     return rest * a + b;

@@ -1,14 +1,14 @@
 #!/usr/bin/env python3
-"""damage.py WHAT LIBRARY COPY: a copy of a library for macOS in which one thing is changed.
+"""damage.py WHAT LIBRARY COPY: a copy of a library for macOS with one change.
 
     code            one byte of the code
     subtype         the processor: arm64e
     platform        the system: iOS
-    loader_table    the command that says where the loader's tables are: an unknown one
+    loader_table    the command with the positions of the loader's tables: an unknown one
     bindings        the loader's tables of bindings: empty
-    NAME=LIBRARY    where the loader takes a name from: another library that is loaded
+    NAME=LIBRARY    the library in which the loader looks up a name: another loaded one
 
-The signature stays as it was, so it no longer fits.
+The signature is not updated, so it no longer matches.
 """
 
 import pathlib
@@ -28,7 +28,7 @@ def fail(sentence):
 
 
 def command(contents, wanted):
-    """Where a load command begins."""
+    """The position of a load command."""
     at = 32
     for _ in range(struct.unpack_from("<I", contents, 16)[0]):
         kind, size = struct.unpack_from("<II", contents, at)
@@ -42,8 +42,8 @@ def loader_table(contents):
     return command(contents, macho.LC_DYLD_INFO[1])
 
 
-def take_from(library, contents, name, stem):
-    """Changes where the loader takes `name` from; the symbol table stays as it was."""
+def bind_to(library, contents, name, stem):
+    """Binds `name` to another library in the loader's tables, but not in the symbol table."""
     ordinal = [load.stem for load in library.loads].index(stem) + 1
     found = [binding for binding in library.bindings
              if binding.name == name and binding.table != "weak"]
@@ -73,7 +73,7 @@ def main():
         for size_of_table in (20, 36):
             struct.pack_into("<I", contents, loader_table(contents) + size_of_table, 0)
     elif "=" in what:
-        take_from(library, contents, *what.split("="))
+        bind_to(library, contents, *what.split("="))
     else:
         fail(f"there is no '{what}' to change")
     pathlib.Path(copy).write_bytes(contents)

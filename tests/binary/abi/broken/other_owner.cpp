@@ -1,4 +1,4 @@
-// The host's interrupts, in a library that does not own them.
+// Defines the host's poll for interrupts in a library that does not own it.
 extern "C" bool utIsInterruptPending() noexcept {
     return false;
 }

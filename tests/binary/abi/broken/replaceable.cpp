@@ -1,4 +1,4 @@
-// A definition that any other library of the process may replace.
+// A weak definition, which any other library of the process may replace.
 [[gnu::weak]] int replaceable() {
     return 1;
 }

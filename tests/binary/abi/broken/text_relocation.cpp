@@ -1,4 +1,4 @@
-// An address among the instructions, which the loader would have to write there.
+// An absolute address among the instructions, which the loader has to write there.
 asm(".text\n.quad broken_address\n");
 
 extern "C" {
