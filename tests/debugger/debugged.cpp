@@ -1,4 +1,4 @@
-// What a debugger is shown, at the breakpoint in `look`.
+// The values that a debugger prints at the breakpoint in `look`.
 #include <cstdint>
 
 #include "zktarn/callbacks/stored_value.hpp"

@@ -1,10 +1,10 @@
-"""Runs a program in a debugger and compares what its values print as.
+"""Runs a program in a debugger and compares the printed values with the expected ones.
 
 usage: printers_test.py (gdb|lldb) PROGRAM SCRIPT [LIBRARY]
 
-SCRIPT holds the printers. With LIBRARY, gdb has to load it by itself: a copy lies in an auto-load folder
-under the name of that library. Exits with status 77, and a sentence, where the debugger is missing or
-cannot run a program.
+SCRIPT contains the printers. With LIBRARY, gdb must load SCRIPT itself: a copy is in an auto-load folder
+under the name of the library. If the debugger is missing or cannot run a program, the test prints why and
+exits with status 77.
 """
 
 import pathlib
@@ -43,7 +43,7 @@ def skip(reason: str) -> None:
 
 
 def commands_of(debugger: str, script: str, library: str | None, folder: str) -> list[str]:
-    """The command line up to the printing, which stops in the caller of `look`."""
+    """The command line that stops in the caller of `look`."""
     if debugger == "lldb":
         return ["lldb", "--no-lldbinit", "--batch", "--source-quietly",
                 "-o", f"command script import {script}", "-o", "breakpoint set --name look",
@@ -62,7 +62,7 @@ def commands_of(debugger: str, script: str, library: str | None, folder: str) ->
 
 
 def printed(debugger: str, output: str) -> list[str]:
-    """The values in order, without names and addresses."""
+    """The printed values in order, without names and addresses."""
     values = re.findall(r"^\$\d+ = (.*)$" if debugger == "gdb" else r"^\(.*?\) (?:\$\d+|[\w*]+) = (.*)$",
                         output, re.M)
     return [re.sub(r"at 0x[0-9a-f]+", "at ADDRESS", value) for value in values]
@@ -85,8 +85,8 @@ def main() -> int:
     wrong = [(name, want, has) for (name, want), has in zip(EXPECTED.items(), values) if want != has]
     if wrong or len(values) != len(EXPECTED):
         for name, want, has in wrong:
-            print(f"printers_test: {name} prints as\n    {has}\nand not as\n    {want}")
-        print(f"printers_test: {len(values)} values of {len(EXPECTED)} printed\n{ran.stdout}{ran.stderr}")
+            print(f"printers_test: {name} prints as\n    {has}\nexpected\n    {want}")
+        print(f"printers_test: {len(values)} of {len(EXPECTED)} values printed\n{ran.stdout}{ran.stderr}")
         return 1
     return 0
 

@@ -1,5 +1,4 @@
-// Runs every scenario again and again, with its first, second, ... request refused, until no
-// request is refused. After each run, everything is released.
+// Runs every scenario once for each of its requests, which that run refuses. No run may leak.
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -23,7 +22,7 @@ namespace {
 using namespace zktarn;
 using standin::operation;
 
-/// A way to make the k-th request from now fail, or none for k = 0.
+/// Makes the k-th request from now fail; k = 0 cancels that.
 struct injector {
     std::string name;
     std::function<void(std::int64_t)> plan;
@@ -47,13 +46,13 @@ std::vector<injector> injectors() {
     return all;
 }
 
-/// Allocates, checks the results, and releases. Returns whether a request failed.
+/// `run` allocates, checks the results and releases. It returns whether it noticed a failure.
 struct scenario {
     const char* name;
     bool (*run)();
     /// The number of its requests that can fail.
     std::int64_t requests;
-    /// Whether the library handles some of the failures without reporting them.
+    /// Whether the library handles some failures without reporting them.
     bool hides_failures = false;
 };
 
@@ -152,7 +151,7 @@ bool the_record_of_a_solve() {
     return failed;
 }
 
-/// Too large to lie in the slot itself without a copy procedure.
+/// Has a copy constructor, so that its type has a copy procedure.
 struct named {
     named() = default;
     named(const named& other) noexcept : size(other.size) {}
@@ -172,7 +171,7 @@ bool values_in_slots() {
     return failed || copied == nullptr;
 }
 
-bool slots_that_are_occupied() {
+bool slots_with_old_values() {
     using namespace callbacks_type_util;
     using numbers = std::array<double, 3>;
     cbdatalist slot;
@@ -186,7 +185,7 @@ bool slots_that_are_occupied() {
     return failed || copied == nullptr;
 }
 
-/// Four entries: the header of every block, and one length.
+/// Four entries: the header of three, and one length parameter.
 callbacks_type_util::parameter_block* parameters_of_16_bytes() {
     constexpr std::int64_t entries[] = {1, 4, 16, 16};
     void* const block = ::operator new(sizeof entries, std::nothrow);
@@ -244,19 +243,19 @@ constexpr scenario scenarios[] = {
     {"random numbers and a snapshot", random_numbers_and_a_snapshot, 4},
     {"the record of a solve", the_record_of_a_solve, 1},
     {"values in slots", values_in_slots, 6},
-    {"slots that are occupied", slots_that_are_occupied, 6},
+    {"slots with old values", slots_with_old_values, 6},
     {"a value with parameters", a_value_with_parameters, 4},
     {"a report to the output function", a_report_to_the_output_function, 9, true},
     {"short and long lines", short_and_long_lines, 3, true},
 };
 
-/// One scenario against all failures.
+/// Runs one scenario with every failure.
 class Campaign : public ::testing::TestWithParam<scenario> {
 protected:
     void TearDown() override { standin::reset(); }
 
-    /// Runs the scenario with a failure planned. Returns whether it happened.
-    static bool meets(const injector& failing, std::int64_t k) {
+    /// Runs the scenario with a planned failure. Returns whether the failure occurred.
+    static bool fails(const injector& failing, std::int64_t k) {
         SCOPED_TRACE("failing " + failing.name + " " + std::to_string(k));
         standin::reset();
         standin::set_console(standin::console::capture);
@@ -265,23 +264,23 @@ protected:
         const std::int64_t before = failing.requests();
         failing.plan(k);
         const bool failed = GetParam().run();
-        const bool met = failing.requests() - before >= k;
+        const bool occurred = failing.requests() - before >= k;
         failing.plan(0);
-        if (!met || !GetParam().hides_failures) {
-            EXPECT_EQ(failed, met);
+        if (!occurred || !GetParam().hides_failures) {
+            EXPECT_EQ(failed, occurred);
         }
         EXPECT_TRUE(standin::live_blocks().empty()) << standin::report();
         EXPECT_TRUE(standin::live_objects().empty()) << standin::report();
         EXPECT_EQ(standin::live_records(), 0);
-        return met;
+        return occurred;
     }
 };
 
-TEST_P(Campaign, LeaksNothingWhateverFails) {
+TEST_P(Campaign, LeaksNothingAfterAnyFailure) {
     std::int64_t injected = 0;
     for (const injector& failing : injectors()) {
         std::int64_t k = 1;
-        while (meets(failing, k)) {
+        while (fails(failing, k)) {
             ASSERT_LT(k, 1000) << failing.name << " fails without end";
             ++k;
         }

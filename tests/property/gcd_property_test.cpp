@@ -21,7 +21,7 @@ using zktarn::testing::shown;
 namespace reference = zktarn::reference;
 namespace util = zktarn::util;
 
-TEST(RealGcdProperty, AgreesWithTheRules) {
+TEST(RealGcdProperty, AgreesWithTheReference) {
     number_draws draw(20261127);
     const std::int64_t cases = scaled(3'000'000);
     for (std::int64_t i = 0; i < cases; ++i) {
@@ -34,12 +34,12 @@ TEST(RealGcdProperty, AgreesWithTheRules) {
     }
 }
 
-TEST(RealGcdProperty, AgreesWithTheRulesOnAnyBits) {
+TEST(RealGcdProperty, AgreesWithTheReferenceOnRandomBits) {
     number_draws draw(20261128);
     const std::int64_t cases = scaled(300'000);
     for (std::int64_t i = 0; i < cases; ++i) {
         const auto a = std::bit_cast<double>(draw.word());
-        // Half of the time of similar magnitude, so that quotients are small.
+        // Half of the pairs have similar magnitudes, so that quotients are small.
         const double b =
             draw.chance(2) ? std::bit_cast<double>(draw.word()) : a * (draw.uniform() * 100.0);
         const double eps = draw.chance(2) ? 0.0 : draw.tolerance();
@@ -48,9 +48,9 @@ TEST(RealGcdProperty, AgreesWithTheRulesOnAnyBits) {
     }
 }
 
-// Multiples of one power of two, and tolerances just below it, equal to it and above it: where the
-// exact divisor takes over from Euclid's algorithm.
-TEST(RealGcdProperty, AgreesWithTheRulesOnMultiplesOfAPowerOfTwo) {
+// Multiples of a power of two, with tolerances just below, at and above it: there the exact divisor
+// replaces Euclid's algorithm.
+TEST(RealGcdProperty, AgreesWithTheReferenceOnMultiplesOfAPowerOfTwo) {
     number_draws draw(20261206);
     const std::int64_t cases = scaled(1'000'000);
     for (std::int64_t i = 0; i < cases; ++i) {
@@ -76,7 +76,7 @@ TEST(RealGcdProperty, AgreesWithTheRulesOnMultiplesOfAPowerOfTwo) {
     }
 }
 
-TEST(IntegerGcdProperty, AgreesWithTheRulesAndTheStandardLibrary) {
+TEST(IntegerGcdProperty, AgreesWithTheReferenceAndTheStandardLibrary) {
     number_draws draw(20261129);
     const std::int64_t cases = scaled(3'000'000);
     for (std::int64_t i = 0; i < cases; ++i) {

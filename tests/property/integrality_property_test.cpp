@@ -1,5 +1,5 @@
-// The guarded floor and the procedures that use it, over structured values: compared with the
-// literal reference, and with exact arithmetic where the rule is exact.
+// Compares the guarded floor and the procedures that use it with the literal reference, and with
+// exact arithmetic where their definition is exact.
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -36,8 +36,8 @@ std::string inputs(double x, double scalar, double eps) {
     return text;
 }
 
-/// Powers of two, halves and the two constants of the rule, with their neighbours and of both
-/// signs.
+/// Powers of two, halves and the two constants of the guarded floor, their neighbours, and their
+/// negatives.
 std::vector<double> structured_values() {
     std::vector<double> seeds = {
         0.0,          0.5,          1.5,          2.5,          3.0,          1e9, 2147483646.0,
@@ -89,7 +89,7 @@ const double tolerances[] = {0.0,
                              -std::numeric_limits<double>::infinity(),
                              std::numeric_limits<double>::quiet_NaN()};
 
-/// All eight procedures on one set of inputs, compared with the reference.
+/// Compares all eight procedures with the reference on one set of inputs.
 bool agrees_with_rules(double x, double scalar, double eps) {
     flag is_int = -1;
     flag is_int_scalar = -1;
@@ -110,7 +110,7 @@ bool agrees_with_rules(double x, double scalar, double eps) {
            util::is_even_real(x, eps) == (reference::is_even_real(x, eps) ? 1 : 0);
 }
 
-TEST(IntegralityProperty, AgreesWithTheRulesOnStructuredValues) {
+TEST(IntegralityProperty, AgreesWithTheReferenceOnStructuredValues) {
     const std::vector<double> values = structured_values();
     for (const double x : values) {
         for (const double eps : tolerances) {
@@ -128,7 +128,7 @@ TEST(IntegralityProperty, AgreesWithTheRulesOnStructuredValues) {
     }
 }
 
-TEST(IntegralityProperty, AgreesWithTheRulesNearIntegers) {
+TEST(IntegralityProperty, AgreesWithTheReferenceNearIntegers) {
     std::mt19937_64 engine(20261122);
     const std::int64_t cases = scaled(5'000'000);
     for (std::int64_t i = 0; i < cases; ++i) {
@@ -166,7 +166,7 @@ TEST(IntegralityProperty, FloorsAndCeilingsAreExactInTheExactRange) {
         if (!(std::fabs(x) < 2147483647.0) || !(std::fabs(x) + eps < 0x1p62)) {
             continue;
         }
-        // Tiny values have huge denominators, and the floor of any other tiny value.
+        // Left out: tiny values have huge denominators, and all have the same floor.
         if (x != 0.0 && std::fabs(x) < 0x1p-200) {
             continue;
         }

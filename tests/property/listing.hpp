@@ -16,7 +16,7 @@ inline std::vector<std::int32_t> listing(const vector_type::vector& v) {
     return {v.ind.data, v.ind.data + v.nz};
 }
 
-/// A vector for the life of a test, its coefficients and list cleared.
+/// A vector with coefficients and list cleared, freed by the destructor.
 class made_vector {
 public:
     explicit made_vector(std::int32_t n, flag no_ind = 0, flag no_elm = 0, flag no_coef = 0) {
@@ -37,7 +37,7 @@ public:
     vector_type::vector& operator*() const { return *record_; }
     vector_type::vector* operator->() const { return record_; }
 
-    /// Lists, and where there are marks marks, these indices.
+    /// Appends these indices to the list and marks them if the vector has marks.
     void list(std::initializer_list<std::int32_t> indices) {
         for (const std::int32_t j : indices) {
             record_->ind(++record_->nz) = j;

@@ -9,8 +9,8 @@
 #include "property/reports_pass.hpp"
 #include "zktarn/vector/vector_type.hpp"
 
-/// The same sparse vector twice: as a record of the library over storage with guards, and as the
-/// reference has it.
+/// The same sparse vector twice: a record of the library, in blocks with guard values around each
+/// array, and a vector of the reference.
 
 namespace zktarn::testing {
 
@@ -26,7 +26,7 @@ struct form {
     bool list_mode() const { return !elm && ind; }
 };
 
-/// Equal in every bit, or neither of them a number.
+/// Equal bit for bit, or both NaN.
 inline bool same_bits(double a, double b) {
     return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b) || (a != a && b != b);
 }
@@ -53,7 +53,7 @@ public:
     mirrored_vector(const mirrored_vector&) = delete;
     mirrored_vector& operator=(const mirrored_vector&) = delete;
 
-    // Setters that keep the two in step, whatever the contents.
+    // Setters that change both vectors.
     void set_coef(std::int32_t j, double value) {
         record.coef(j) = value;
         mirror.c(j) = value;
@@ -71,8 +71,8 @@ public:
         mirror.nz = nz;
     }
 
-    /// Whether both agree: count, list in order, all coefficients bit for bit, all marks; and
-    /// nothing outside of the arrays was written.
+    /// Whether both have the same count, list order, coefficients bit for bit, and marks, and all
+    /// guard values are unchanged.
     bool agrees() const {
         return record.nz == mirror.nz && list_agrees() && coef_agrees() && marks_agree() &&
                guarded(coef_, coef_guard) && guarded(ind_, guard) && guarded(elm_, guard);

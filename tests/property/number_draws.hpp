@@ -9,7 +9,7 @@
 #include <random>
 #include <string>
 
-/// Random numbers of the kinds that decide something in a numeric procedure.
+/// Random numbers of the kinds that numeric procedures treat differently.
 
 namespace zktarn::testing {
 
@@ -30,7 +30,7 @@ public:
     double sign() { return chance(2) ? 1.0 : -1.0; }
     double whole(std::uint64_t n) { return static_cast<double>(below(n)); }
 
-    /// Values such as rows of a constraint matrix have, and some that none has.
+    /// Typical coefficients of a constraint matrix, and some unusual ones.
     double value() {
         switch (below(9)) {
         case 0:
@@ -101,7 +101,7 @@ private:
     std::mt19937_64 engine_;
 };
 
-/// Three arguments, digit for digit.
+/// Formats three arguments exactly.
 inline std::string shown(double a, double b, double c) {
     char text[128];
     std::snprintf(text, sizeof text, "%a, %a, %a", a, b, c);

@@ -1,5 +1,5 @@
-// Fractions of random and structured inputs, compared bit for bit with the literal reference and
-// checked with exact arithmetic.
+// Compares fractions of random and structured inputs with the literal reference, bit for bit, and
+// checks them with exact arithmetic.
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -46,14 +46,14 @@ void expect_agreement(double x, double eps, double bound) {
         << shown(theirs.num, theirs.den, 0.0);
 }
 
-TEST(RationalProperty, AgreesWithTheRules) {
+TEST(RationalProperty, AgreesWithTheReference) {
     number_draws draw(20261124);
     const std::int64_t cases = scaled(4'000'000);
     for (std::int64_t i = 0; i < cases; ++i) {
         const double x = draw.value();
         const double eps = draw.tolerance();
         const double bound = draw.bound();
-        // The reference takes long to give up an infinite bound.
+        // The reference is slow with an infinite bound, which it leaves after thousands of steps.
         if (std::isinf(bound) && !draw.chance(200)) {
             continue;
         }
@@ -77,7 +77,7 @@ void expect_agreement_on_many(std::uint64_t seed, Draw question_of) {
     }
 }
 
-TEST(RationalProperty, AgreesWithTheRulesOnAnyBits) {
+TEST(RationalProperty, AgreesWithTheReferenceOnRandomBits) {
     expect_agreement_on_many(20261125, [](number_draws& draw) -> question {
         const auto x = std::bit_cast<double>(draw.word());
         const double eps = draw.chance(2) ? std::bit_cast<double>(draw.word()) : draw.tolerance();
@@ -85,7 +85,7 @@ TEST(RationalProperty, AgreesWithTheRulesOnAnyBits) {
     });
 }
 
-TEST(RationalProperty, AgreesWithTheRulesWhereRoundingDecides) {
+TEST(RationalProperty, AgreesWithTheReferenceWhereRoundingDecides) {
     expect_agreement_on_many(20261202, [](number_draws& draw) -> question {
         const double x =
             draw.sign() * draw.uniform() * std::ldexp(1.0, static_cast<int>(draw.below(9)));
@@ -94,9 +94,9 @@ TEST(RationalProperty, AgreesWithTheRulesWhereRoundingDecides) {
     });
 }
 
-// Bounds near the largest that is searched by table, or equal to a denominator, or next to one; and
-// tolerances near the largest that the margin of the table allows.
-TEST(RationalProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
+// Bounds near the table's limit, at a denominator and next to one. Tolerances near the largest that
+// the table's margin covers.
+TEST(RationalProperty, AgreesWithTheReferenceAtTheLimitsOfTheTable) {
     expect_agreement_on_many(20261208, [](number_draws& draw) -> question {
         static constexpr double bases[] = {1, 2, 3, 4, 5, 6, 7, 8, 9, 11, 13, 15, 17, 19, 23};
         const double base = bases[draw.below(std::size(bases))];
@@ -112,16 +112,16 @@ TEST(RationalProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
     });
 }
 
-// Values a few units in the last place from a fraction, with tolerances of that size: rounding
-// alone decides what the screens accept.
-TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
+// Values a few units in the last place from a fraction, with tolerances of that size: only rounding
+// decides whether a candidate is accepted.
+TEST(RationalProperty, AgreesWithTheReferenceNearFractions) {
     expect_agreement_on_many(20261203, [](number_draws& draw) -> question {
         const double den = 1.0 + draw.whole(100);
         const double num = draw.chance(2) ? 1.0 : 1.0 + draw.whole(100);
         const double place = std::ldexp(num / den, -53);
         const double x = draw.sign() * (num / den + (draw.whole(9) - 4.0) * place);
         const double eps = draw.whole(9) * place * 0.5;
-        // Above 2^53 the recurrence of the convergents is rounded too.
+        // Above 2^53 the recurrence of the convergents is inexact.
         const double bound = draw.chance(2)
                                  ? den + draw.whole(20)
                                  : std::ldexp(1.0, 50 + static_cast<int>(draw.below(12)));
@@ -129,9 +129,9 @@ TEST(RationalProperty, AgreesWithTheRulesBesideFractions) {
     });
 }
 
-// Small values with tolerance 0, and bounds that let the recurrence of the convergents continue
-// after it is rounded: one unit in the last place decides which fraction fits.
-TEST(RationalProperty, AgreesWithTheRulesBehindTheLastExactConvergent) {
+// Small values with tolerance 0, and bounds that let the recurrence of the convergents go on where
+// it is inexact: one unit in the last place decides which fraction fits.
+TEST(RationalProperty, AgreesWithTheReferenceBeyondTheLastExactConvergent) {
     expect_agreement_on_many(20261205, [](number_draws& draw) -> question {
         const double x =
             draw.sign() * std::ldexp(1.0 + draw.uniform(), -static_cast<int>(draw.below(22)));
@@ -140,8 +140,8 @@ TEST(RationalProperty, AgreesWithTheRulesBehindTheLastExactConvergent) {
     });
 }
 
-// Reals so large that few or no bits are left for a fraction.
-TEST(RationalProperty, AgreesWithTheRulesOnLargeValues) {
+// Reals so large that few or no bits remain for a fractional part.
+TEST(RationalProperty, AgreesWithTheReferenceOnLargeValues) {
     expect_agreement_on_many(20261204, [](number_draws& draw) -> question {
         const double x =
             draw.sign() * std::ldexp(1.0 + draw.uniform(), 44 + static_cast<int>(draw.below(10)));
@@ -166,7 +166,7 @@ TEST(RationalProperty, EverySuccessIsWithinTheToleranceAndTheBound) {
         ASSERT_EQ(ours.num, std::trunc(ours.num));
         const cpp_rational error =
             abs(cpp_rational(x) - cpp_rational(ours.num) / cpp_rational(ours.den));
-        // Rounding of the quotient and of the sum with the tolerance.
+        // Allows for the rounding of the quotient and of its sum with the tolerance.
         const cpp_rational allowed =
             cpp_rational(eps) + cpp_rational(std::fabs(x) + eps) * cpp_rational(0x1p-51);
         ASSERT_TRUE(error <= allowed) << shown(x, eps, bound);

@@ -1,8 +1,8 @@
 #pragma once
 
-/// What becomes of a vector that breaks its invariants is settled, and tested, too. A checked build
-/// reports such a vector, and goes on when the host lets it: here it does. That everything is
-/// reported, and nothing else, is tested in tests/binary/checked.
+/// Property tests also cover vectors that break their invariants, whose results are defined. A
+/// checked build reports such a vector, so this lets the stand-in continue after a report. Tests of
+/// the reports are in tests/binary/checked.
 
 #ifdef ZKTARN_CHECKED
 

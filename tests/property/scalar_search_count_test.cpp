@@ -1,4 +1,4 @@
-// A set of as many elements as a 32-bit count can say. Its supplier needs no storage.
+// A set with the largest 32-bit count of elements, whose supplier needs no storage.
 #include <cstdint>
 #include <limits>
 
@@ -24,14 +24,14 @@ TEST(ScalarSearchCount, EachPassEndsAtTheLargestIndex) {
         out_of_order += index == (last == most ? 1 : last + 1) ? 0 : 1;
         last = index;
         ++calls;
-        // The last element alone takes part. The marked one makes the first trial start at 0.5.
+        // Only the last element is included. The marked one makes the first trial start at 0.5.
         value = index == most ? 2.5 : index == 1 ? 2.0 : 0.0;
         marked = index == 1 ? 1 : 0;
     };
     flag found = -1;
     double scalar = -1.0;
-    // From 0.5 the scalar would have to double, from 1.0 the trial does not begin: both fail, and
-    // 2.5 = 25/10 is multiplied by 10/25.
+    // The trial from 0.5 would need a larger scalar and the one from 1.0 exceeds the bound, so both
+    // fail; the construction returns 10/25 for 2.5 = 25/10.
     zktarn::util::find_scalar_integral(most, supply, 1e-9, 1000.0, 0.9, found, scalar, flag{1});
     EXPECT_EQ(found, 1);
     EXPECT_EQ(scalar, 0.4);

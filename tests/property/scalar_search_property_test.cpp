@@ -1,4 +1,4 @@
-// The scalar search over random sets: results and calls compared with the literal reference.
+// Compares the scalar search on random sets with the literal reference: results and calls.
 #include <cmath>
 #include <cstdint>
 #include <functional>
@@ -60,7 +60,7 @@ void expect_agreement_on_many(std::uint64_t seed, std::int64_t cases, Draw searc
     }
 }
 
-TEST(ScalarSearchProperty, AgreesWithTheRulesCallByCall) {
+TEST(ScalarSearchProperty, AgreesWithTheReferenceCallByCall) {
     expect_agreement_on_many(20261130, 300'000, [](number_draws& draw) {
         search each;
         each.elements.resize(draw.below(8));
@@ -83,9 +83,9 @@ TEST(ScalarSearchProperty, AgreesWithTheRulesCallByCall) {
     });
 }
 
-// Tolerances and products near the largest for which factors are looked up in the table, and bounds
-// that end a sequence of doublings at any step.
-TEST(ScalarSearchProperty, AgreesWithTheRulesAtTheLimitsOfTheTable) {
+// Tolerances and products near the limits of the table of factors, and bounds that end the doubling
+// at each step.
+TEST(ScalarSearchProperty, AgreesWithTheReferenceAtTheLimitsOfTheTable) {
     expect_agreement_on_many(20261207, 150'000, [](number_draws& draw) {
         static constexpr double tolerances[] = {
             0x1p-11, 0x1.0000000000001p-11, 0x1.fffffffffffffp-12, 0x1p-12, 0x1p-10, 0x1p-9, 1e-9,
@@ -126,7 +126,7 @@ TEST(ScalarSearchProperty, TheScalarMakesDecimalsIntegral) {
                                    1e6, found, scalar);
         ASSERT_EQ(found, 1);
         for (const double value : values) {
-            // The error grows with the scalar after the element was accepted.
+            // After an element is accepted, its error grows with the scalar.
             const double product = value * scalar;
             ASSERT_NEAR(product, std::round(product), 1e-9 * scalar * 1000.0) << value;
             ASSERT_GE(std::fabs(product), 0.5);

@@ -44,7 +44,7 @@ void run(generator& draw, sizes how_big, std::int32_t x_form, std::int32_t y_for
     for (std::int32_t round = 0; round < how_big.rounds; ++round) {
         const bool turned = draw.chance(3);
         const outcome done = turned ? step(draw, y, x, how) : step(draw, x, y, how);
-        ASSERT_TRUE(done.answers_agree) << done.operation << ", round " << round;
+        ASSERT_TRUE(done.results_agree) << done.operation << ", round " << round;
         ASSERT_TRUE(x.agrees()) << done.operation << ", round " << round;
         ASSERT_TRUE(y.agrees()) << done.operation << ", round " << round;
     }

@@ -74,7 +74,7 @@ private:
 struct outcome {
     const char* operation;
     /// Both gave the same answer, where the operation has one.
-    bool answers_agree = true;
+    bool results_agree = true;
 };
 
 /// How far a vector is from what its invariants promise.

@@ -1,5 +1,5 @@
 # cmake -DSTATUS=status -DPATTERN=pattern -P expect.cmake -- PROGRAM [ARGUMENT...]: fails when the
-# program ends with another status, or when what it prints does not match.
+# exit status differs or the output does not match.
 set(command "")
 set(seen_dashes FALSE)
 math(EXPR last "${CMAKE_ARGC} - 1")
@@ -12,7 +12,7 @@ foreach(i RANGE ${last})
 endforeach()
 
 execute_process(COMMAND ${command} RESULT_VARIABLE status OUTPUT_VARIABLE output ERROR_VARIABLE error)
-# Sentences that the host adds on standard error come first, what is checked last.
+# Standard error comes first, because the host may print there and the pattern may end with $.
 set(said "${error}${output}")
 if(NOT status STREQUAL STATUS)
   message("${said}")

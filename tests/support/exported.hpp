@@ -7,7 +7,7 @@
 
 namespace zktarn::testing {
 
-/// A procedure as the shared library exports it, and not as a header inlines it.
+/// The shared library's symbol of a procedure that a header also defines inline.
 template <class Procedure>
 Procedure exported(const char* mangled_name) {
     static void* const library = dlopen(ZKTARN_TEST_LIBRARY, RTLD_NOW | RTLD_LOCAL);

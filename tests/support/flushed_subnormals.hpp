@@ -8,8 +8,8 @@
 
 namespace zktarn::testing {
 
-/// While it lives, the processor flushes subnormal results to zero and reads subnormal operands as
-/// zero.
+/// Makes the processor flush subnormal results to zero and read subnormal operands as zero, until
+/// the destructor restores the mode.
 class flushed_subnormals {
 public:
     flushed_subnormals() noexcept : before_(control()) { set_control(before_ | flush); }
@@ -17,7 +17,7 @@ public:
     flushed_subnormals(const flushed_subnormals&) = delete;
     flushed_subnormals& operator=(const flushed_subnormals&) = delete;
 
-    /// Whether it is so: some emulators ignore the setting.
+    /// Whether the mode is on: some emulators ignore it.
     static bool effective() noexcept {
         volatile double least_normal = 0x1p-1022;
         volatile double half = 0.5;
@@ -36,7 +36,7 @@ private:
     }
 #elif defined(__aarch64__)
     using word = std::uint64_t;
-    static constexpr word flush = std::uint64_t{1} << 24; // FPCR.FZ, both of them
+    static constexpr word flush = std::uint64_t{1} << 24; // FPCR.FZ: results and operands
     static word control() noexcept {
         word value;
         asm volatile("mrs %0, fpcr" : "=r"(value));

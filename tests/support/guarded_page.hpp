@@ -11,7 +11,7 @@
 
 namespace zktarn::testing {
 
-/// A page of memory between two that end the program when they are touched.
+/// A page of memory between two inaccessible ones, whose access ends the program.
 class guarded_page {
 public:
     guarded_page()
@@ -25,12 +25,12 @@ public:
     guarded_page(const guarded_page&) = delete;
     guarded_page& operator=(const guarded_page&) = delete;
 
-    /// A copy of the integers that begins where the page does.
+    /// A copy of the integers at the beginning of the page.
     std::int32_t* at_the_begin(const std::vector<std::int32_t>& all) const {
         return copied(all, begin());
     }
 
-    /// A copy of the integers that ends where the page does.
+    /// A copy of the integers at the end of the page.
     std::int32_t* at_the_end(const std::vector<std::int32_t>& all) const {
         return copied(all, begin() + size_ - all.size() * sizeof all[0]);
     }

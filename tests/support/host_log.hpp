@@ -26,11 +26,11 @@ inline host_call assert_of(bool condition) {
     return {operation::assertOptim, {condition ? 1 : 0}};
 }
 
-/// The stand-in host, fresh and with its log on, while this object exists. New blocks are filled.
-/// Blocks that a test leaves behind on purpose are released at the end.
+/// Resets the stand-in, turns its call log on and fills new blocks. The destructor releases the
+/// blocks that a test does not release on purpose.
 class host_log {
 public:
-    /// The byte that shows whatever was not written.
+    /// Fills new blocks, which shows bytes that were not written.
     static constexpr unsigned char fill = 0xA5;
 
     host_log() {
@@ -49,12 +49,12 @@ public:
     host_log(const host_log&) = delete;
     host_log& operator=(const host_log&) = delete;
 
-    /// Everything called so far.
+    /// All calls since the constructor or `clear`.
     [[nodiscard]] static std::vector<host_call> calls() { return standin::logged_calls(); }
 
     static void clear() { standin::clear_call_log(); }
 
-    /// The addresses that the logged requests for memory returned, null included.
+    /// The results of the logged requests for memory, null included.
     [[nodiscard]] static std::vector<void*> blocks() {
         std::vector<void*> all;
         for (const host_call& each : standin::logged_calls()) {

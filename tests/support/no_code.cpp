@@ -1,1 +1,1 @@
-// The precompiled headers of the tests need a source to be compiled with.
+// CMake needs a source to precompile the headers of the tests.

@@ -8,14 +8,14 @@
 
 namespace zktarn::testing {
 
-/// One element as a supplier has it.
+/// The data of one element.
 struct element {
     double value;
     flag marked = 0;
     flag selected = 1;
 };
 
-/// A set of elements that supplies them and writes down which ones were asked for.
+/// A supplier of elements that records the requested indices in `calls`.
 struct recorded_set {
     std::vector<element> elements;
     std::vector<std::int32_t> calls = {};

@@ -6,7 +6,7 @@
 
 namespace zktarn::testing {
 
-/// A number of random cases, times ZKTARN_TEST_SCALE where the environment has it: emulators and
+/// A number of random cases, scaled by the environment variable ZKTARN_TEST_SCALE: emulators and
 /// instrumented builds run fewer.
 inline std::int64_t scaled(std::int64_t cases) {
     const char* const scale = std::getenv("ZKTARN_TEST_SCALE");

@@ -1,5 +1,6 @@
-// Two solvers in one process, on two threads, each with objects of its own. Meant to be run under a
-// thread sanitizer, which also has to see the races of the disabled tests: scripts/test, gate tsan.
+// Two solvers on two threads of one process, each with its own objects. The gate tsan of
+// scripts/test runs this under the thread sanitizer, which must also report the races of the
+// disabled tests.
 #include <cstdint>
 #include <thread>
 #include <utility>
@@ -17,9 +18,9 @@ using namespace zktarn;
 /// Runs `work(0)` and `work(1)` at the same time.
 template <class Work>
 void on_two_threads(Work work) {
-    std::thread other(work, 1);
+    std::thread second(work, 1);
     work(0);
-    other.join();
+    second.join();
 }
 
 /// The support and the coefficients of a row modulo 2, sorted by index.
@@ -52,7 +53,7 @@ std::vector<double> row_modulo_2(std::int32_t first) {
     return all;
 }
 
-/// Random numbers in an array of the host's memory.
+/// Random numbers, drawn into an array allocated from the host.
 std::vector<double> random_array(std::int32_t seed) {
     random::rng_state rng;
     array_1d<double> numbers;
@@ -67,7 +68,7 @@ std::vector<double> random_array(std::int32_t seed) {
     return all;
 }
 
-TEST(LibraryThreads, ObjectsOfTheirOwnGiveTheResultsOfOneThread) {
+TEST(LibraryThreads, SeparateObjectsGiveTheSameResultsAsOneThread) {
     const std::vector<double> rows[] = {row_modulo_2(1), row_modulo_2(2)};
     const std::vector<double> arrays[] = {random_array(1), random_array(2)};
     EXPECT_FALSE(rows[0].empty());
@@ -86,7 +87,7 @@ TEST(LibraryThreads, ObjectsOfTheirOwnGiveTheResultsOfOneThread) {
     EXPECT_TRUE(standin::live_objects().empty());
 }
 
-TEST(LibraryThreads, ASeenInterruptIsThatOfTheWholeProcess) {
+TEST(LibraryThreads, TheInterruptFlagIsProcessWide) {
     callbacks_type_util::cbdata* cb = nullptr;
     callbacks_util::cbinit(cb);
     standin::raise_interrupt();
@@ -98,7 +99,7 @@ TEST(LibraryThreads, ASeenInterruptIsThatOfTheWholeProcess) {
     delete cb;
 }
 
-// What may not be shared.
+// Objects that two threads must not share.
 
 TEST(LibraryThreads, DISABLED_AVectorIsShared) {
     vector_type::vector* v = nullptr;

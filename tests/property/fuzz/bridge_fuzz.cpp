@@ -1,7 +1,6 @@
-// Scripts of a solver's calls on the stand-in host: structs filled and handed to an output
-// function, lines, interrupts, sorts, random numbers, and records with values in their slots. What
-// comes of each call is compared with a model of it; the host must have nothing to report and get
-// everything back.
+// Runs scripts of a solver's calls on the stand-in host: structs passed to an output function,
+// lines, interrupts, sorts, random numbers, and records with values in their slots. Compares the
+// result of each call with a model. The host must report no fault and no leak.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
@@ -34,11 +33,11 @@ public:
     bool chance() { return byte() % 2 == 0; }
     double real() { return (byte() - 128) / 4.0; }
     std::string text(int most) {
-        std::string made;
+        std::string characters;
         for (int n = below(most); n > 0; --n) {
-            made += static_cast<char>(' ' + below(95));
+            characters += static_cast<char>(' ' + below(95));
         }
-        return made;
+        return characters;
     }
 
 private:
@@ -53,18 +52,18 @@ void expect(bool holds, const char* what) {
     }
 }
 
-/// What a field holds, by the model.
+/// The model's values of a field.
 using column = std::vector<double>;
 
-/// A solver's calls, and what they should do.
+/// Calls of the bridge, and a model of their effects.
 class bridge_script {
 public:
     explicit bridge_script(bytes& draw) : draw_(draw) {
         standin::set_console(standin::console::capture);
         standin::set_function("tarnCallback", [this](const standin::array_value& input) {
             check_struct(input);
-            ++asked_;
-            return answer_;
+            ++calls_;
+            return result_;
         });
         cbinit(data_);
     }
@@ -96,7 +95,7 @@ public:
             print();
             break;
         case 6:
-            expect((cbhasinterrupt(status_, ctrlc_) != 0) == is_over(), "cbhasinterrupt");
+            expect((cbhasinterrupt(status_, ctrlc_) != 0) == must_end(), "cbhasinterrupt");
             break;
         case 7:
             standin::raise_interrupt();
@@ -113,7 +112,7 @@ private:
         delete data_;
         cbinit(data_);
         expect(data_ != nullptr && data_->nodes_explored == 0, "cbinit");
-        seen_ = false;
+        interrupt_flag_ = false;
     }
 
     void new_struct() {
@@ -168,15 +167,15 @@ private:
         }
     }
 
-    /// The rule of an interrupt: seen before, stopped, or seen by a poll now.
-    bool is_over() {
-        if (seen_ || status_ == 3) {
+    /// Whether the solve must end: interrupt flag set, stopped, or a poll reports an interrupt now.
+    bool must_end() {
+        if (interrupt_flag_ || status_ == 3) {
             return true;
         }
         if (ctrlc_ == 1) {
-            seen_ = std::exchange(pending_, false);
+            interrupt_flag_ = std::exchange(pending_, false);
         }
-        return seen_;
+        return interrupt_flag_;
     }
 
     void call_output_function() {
@@ -185,16 +184,16 @@ private:
         }
         const double first = draw_.real();
         if (draw_.chance()) {
-            answer_ = first;
+            result_ = first;
         } else {
-            answer_ = column{first, 1.0};
+            result_ = column{first, 1.0};
         }
-        const int before = asked_;
+        const int before = calls_;
         flag stop = -1;
         qvcalloutputfcn(structure_, stop, status_, ctrlc_);
-        const bool over = is_over();
-        expect(asked_ - before == (over ? 0 : 1), "calls of the output function");
-        expect(stop == (!over && first >= 1.0 && first < 2.0 ? 1 : 0), "stop");
+        const bool ended = must_end();
+        expect(calls_ - before == (ended ? 0 : 1), "calls of the output function");
+        expect(stop == (!ended && first >= 1.0 && first < 2.0 ? 1 : 0), "stop");
     }
 
     void print() {
@@ -202,7 +201,7 @@ private:
         const std::int32_t display = draw_.below(3);
         standin::clear_console();
         cbprintdisplay(status_, ctrlc_, display, line);
-        const bool silent = display == 0 || is_over();
+        const bool silent = display == 0 || must_end();
         expect(standin::flushed_console_text() == (silent ? "" : line + "\n"), "a line");
     }
 
@@ -210,17 +209,17 @@ private:
     cbdata* data_ = nullptr;
     std::int32_t status_ = 0;
     std::int32_t ctrlc_ = 0;
-    bool seen_ = false;
+    bool interrupt_flag_ = false;
     bool pending_ = false;
     array_handle structure_ = 0;
     std::string phase_;
     std::vector<std::string> names_;
     std::map<std::string, column> fields_;
-    standin::reply answer_ = 0.0;
-    int asked_ = 0;
+    standin::reply result_ = 0.0;
+    int calls_ = 0;
 };
 
-/// Records whose slots hold texts, copied about.
+/// Stores, copies, moves and finalises records whose slots hold texts.
 void record_script(bytes& draw) {
     std::vector<cbdatalist> records(3);
     std::vector<std::optional<std::string>> model(3);
@@ -321,7 +320,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             }
         }
     }
-    // A fault has ended the process by now.
+    // A fault would have ended the process.
     expect(standin::live_objects().empty() && standin::live_blocks().empty(),
            standin::report().c_str());
     return 0;

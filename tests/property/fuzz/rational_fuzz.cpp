@@ -1,5 +1,5 @@
-// Fractions, divisors and the scalar search on reals of any bits and on such as rows have, against
-// the literal rules. The first byte of each step chooses the procedure.
+// Compares fractions, divisors and the scalar search with the reference, on reals with arbitrary
+// bits and on typical coefficients. The first byte of each step selects the procedure.
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -21,7 +21,7 @@ using zktarn::testing::recorded_set;
 namespace reference = zktarn::reference;
 namespace util = zktarn::util;
 
-/// Numbers from bytes; zero bytes when they have run out.
+/// Numbers made of the input's bytes. At the end of the input every byte is zero.
 class bytes {
 public:
     bytes(const std::uint8_t* data, std::size_t size) : next_(data), end_(data + size) {}
@@ -57,7 +57,7 @@ public:
         }
     }
 
-    /// Half of the time one that is in use.
+    /// A common tolerance half of the time, else any real.
     double tolerance() {
         static constexpr double usual[] = {1e-9, 1e-6, 1e-12, 1e-4, 0.01, 0.1, 0.0, 0.5};
         const std::uint8_t choice = byte();
@@ -75,7 +75,7 @@ bool same_bits(double a, double b) {
 
 void expect(bool holds, const char* procedure, double a, double b, double c) {
     if (!holds) {
-        std::fprintf(stderr, "%s(%a, %a, %a) differs from the rules\n", procedure, a, b, c);
+        std::fprintf(stderr, "%s(%a, %a, %a) differs from the reference\n", procedure, a, b, c);
         std::abort();
     }
 }
@@ -88,8 +88,9 @@ void fraction(bytes& draw) {
     double num = -1.0;
     double den = -1.0;
     util::get_rational_rep(x, eps, bound, found, num, den);
-    const reference::fraction rule = reference::get_rational_rep(x, eps, bound);
-    expect(found == flag{rule.found} && same_bits(num, rule.num) && same_bits(den, rule.den),
+    const reference::fraction reference_result = reference::get_rational_rep(x, eps, bound);
+    expect(found == flag{reference_result.found} && same_bits(num, reference_result.num) &&
+               same_bits(den, reference_result.den),
            "get_rational_rep", x, eps, bound);
 }
 
@@ -120,15 +121,15 @@ void search(bytes& draw) {
     const flag selected_only = options & 2;
     flag found = -1;
     double scalar = -1.0;
-    recorded_set ours{elements};
-    util::find_scalar_integral(ours.size(), ours, eps, max_den, max_scalar, found, scalar,
+    recorded_set called{elements};
+    util::find_scalar_integral(called.size(), called, eps, max_den, max_scalar, found, scalar,
                                skip_marked, selected_only);
-    recorded_set theirs{elements};
-    const reference::search_result rule =
-        reference::find_scalar_integral({theirs.size(), std::ref(theirs), eps, max_den, max_scalar,
-                                         skip_marked != 0, selected_only != 0});
-    expect(found == flag{rule.found} && same_bits(scalar, rule.scalar) &&
-               ours.calls == theirs.calls,
+    recorded_set expected{elements};
+    const reference::search_result reference_result =
+        reference::find_scalar_integral({expected.size(), std::ref(expected), eps, max_den,
+                                         max_scalar, skip_marked != 0, selected_only != 0});
+    expect(found == flag{reference_result.found} && same_bits(scalar, reference_result.scalar) &&
+               called.calls == expected.calls,
            "find_scalar_integral", eps, max_den, max_scalar);
 }
 

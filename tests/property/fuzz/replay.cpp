@@ -19,7 +19,7 @@ int digit_value(char digit) {
     return digit >= 'a' && digit <= 'f' ? digit - 'a' + 10 : -1;
 }
 
-/// The bytes of a line of hexadecimal digits; a single dash stands for none.
+/// The bytes of a line of hexadecimal digits; a dash means an empty seed.
 std::optional<std::vector<std::uint8_t>> parse_seed(const std::string& line) {
     std::vector<std::uint8_t> bytes;
     if (line == "-") {

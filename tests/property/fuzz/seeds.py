@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
-"""Keeps the seeds of a fuzz target in one text file: a line a seed, its bytes in hexadecimal.
+"""Reads and writes the seeds of a fuzz target: a text file, one seed a line in hexadecimal digits.
 
     seeds.py unpack FILE FOLDER
-        Writes each seed as a file of FOLDER, which a fuzzer reads.
+        Writes each seed to a file of FOLDER, for the fuzzer to read.
     seeds.py choose CONTROL FILE MOST LONGEST
-        Writes into FILE at most MOST seeds that together reach most, each cut off after LONGEST bytes.
+        Writes to FILE at most MOST seeds that together reach the most features, each truncated to
+        LONGEST bytes.
 
 CONTROL is the file that libFuzzer writes with -set_cover_merge=1 -merge_control_file=CONTROL
 -max_len=LONGEST: for each input, the edges and features that it reaches.
@@ -14,7 +15,7 @@ import pathlib
 import re
 import sys
 
-# Where an empty seed would be, a line would be empty.
+# Stands for an empty seed, whose line would be empty.
 EMPTY = "-"
 
 
@@ -28,7 +29,7 @@ def read_seeds(path):
         try:
             seeds.append(b"" if line == EMPTY else bytes.fromhex(line))
         except ValueError:
-            fail(f"{path}:{number}: is no line of hexadecimal digits")
+            fail(f"{path}:{number}: is not a line of hexadecimal digits")
     return seeds
 
 
@@ -40,10 +41,10 @@ def unpack(file, folder):
 
 
 def read_control(path):
-    """For each input that the fuzzer finished, its path and the set of what it reaches."""
+    """The edges and features that each completed input reaches, by its path."""
     header, *rest = path.read_text(encoding="utf-8").splitlines()
     if not header.isdigit() or len(rest) < int(header) + 1:
-        fail(f"{path} is no control file of a merge")
+        fail(f"{path} is not the control file of a merge")
     inputs = [pathlib.Path(line) for line in rest[1:int(header) + 1]]
     reached = {}
     for line in rest[int(header) + 1:]:
@@ -56,19 +57,19 @@ def read_control(path):
 
 
 def cover(reached, most):
-    """The inputs that together reach most: again and again the one that adds most, edges before
-    features and short inputs before long ones."""
-    left = dict(reached)
+    """Greedy cover: repeatedly takes the input that adds the most edges, then features, then is shortest.
+    Returns the inputs and the number of edges and features that they reach."""
+    remaining = dict(reached)
     chosen, known = [], set()
-    while left and len(chosen) < most:
+    while remaining and len(chosen) < most:
         def gain(path):
-            new = left[path] - known
+            new = remaining[path] - known
             edges = sum(kind == "COV" for kind, _ in new)
             return edges, len(new), -path.stat().st_size
-        best = max(sorted(left), key=gain)
-        if not left[best] - known:
+        best = max(sorted(remaining), key=gain)
+        if not remaining[best] - known:
             break
-        known |= left.pop(best)
+        known |= remaining.pop(best)
         chosen.append(best)
     return chosen, len(known)
 

@@ -1,6 +1,5 @@
-// Scripts of operations on two vectors, read from bytes. The first three bytes choose the forms,
-// the capacity and how far the vectors may stray from their invariants; the rest is filling and
-// steps.
+// Runs scripts of operations on two vectors. The first three bytes select the modes, the capacity
+// and whether the vectors keep their invariants; the others give the contents and the operations.
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -16,7 +15,8 @@ class bytes : public choices {
 public:
     bytes(const std::uint8_t* data, std::size_t size) : next_(data), end_(data + size) {}
 
-    /// A byte at a time; two where the first one asks for more. Zero when they have run out.
+    /// One byte, or 14 bits of two bytes when the first is 0xC0 or larger. Zero at the end of the
+    /// input.
     std::uint64_t word() override {
         std::uint64_t value = byte();
         if (value >= 0xC0) {
@@ -53,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fill(draw, y, draw.below(n + 1), how);
     for (int steps = 0; steps < 64 && !draw.done(); ++steps) {
         const outcome done = draw.chance(3) ? step(draw, y, x, how) : step(draw, x, y, how);
-        expect(done.answers_agree && x.agrees() && y.agrees(), done);
+        expect(done.results_agree && x.agrees() && y.agrees(), done);
     }
     return 0;
 }

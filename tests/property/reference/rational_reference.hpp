@@ -10,8 +10,7 @@
 #include "property/reference/util_reference.hpp"
 
 /// Literal reference of the fraction search, the divisors and the scalar search: the steps of their
-/// definitions without a shortcut. Steps that would never end are cut off by a count; the result
-/// then is a failure.
+/// definitions without shortcuts. A loop that would not end fails after `endless` steps.
 
 namespace zktarn::reference {
 
@@ -160,7 +159,7 @@ struct search_input {
     bool skip_marked;
     bool selected_only;
 
-    bool takes_part(std::int32_t i, double& value) const {
+    bool is_included(std::int32_t i, double& value) const {
         std::int64_t marked = 0;
         std::int64_t selected = 0;
         get_element(i, value, marked, selected);
@@ -182,7 +181,7 @@ inline search_result scale_to_integral(const search_input& in, double start) {
     }
     for (std::int32_t i = 1; i <= in.n; ++i) {
         double value = 0.0;
-        if (!in.takes_part(i, value)) {
+        if (!in.is_included(i, value)) {
             continue;
         }
         for (int round = 0;; ++round) {
@@ -233,7 +232,7 @@ inline search_result find_scalar_integral(const search_input& in) {
     bool first = true;
     for (std::int32_t i = 1; i <= in.n; ++i) {
         double value = 0.0;
-        if (!in.takes_part(i, value)) {
+        if (!in.is_included(i, value)) {
             continue;
         }
         const fraction rep = get_rational_rep(value, in.eps, in.max_den);

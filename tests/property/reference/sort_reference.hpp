@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <functional>
 
-/// Literal reference of the sort.
+/// Literal reference of `sort`.
 
 namespace zktarn::reference {
 

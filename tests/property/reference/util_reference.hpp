@@ -5,7 +5,7 @@
 #include <limits>
 #include <optional>
 
-/// Literal reference of integrality within a tolerance: the steps without a shortcut.
+/// Literal reference of integrality within a tolerance: the steps without shortcuts.
 
 namespace zktarn::reference {
 
@@ -75,7 +75,7 @@ inline double epsilon_fractionality(double x, double eps) {
     return x - guarded_floor(x, eps);
 }
 
-/// The nearest integer, if it is within the tolerance.
+/// The nearest integer if it is within the tolerance.
 inline std::optional<double> epsilon_is_int(double x, double eps) {
     const double f = guarded_floor(x, eps);
     if (x - f <= eps) {

@@ -7,11 +7,11 @@
 
 #include "property/reference/util_reference.hpp"
 
-/// The operations on sparse vectors, step by step and without a shortcut.
+/// Literal reference of the operations on sparse vectors: the steps without shortcuts.
 
 namespace zktarn::reference {
 
-/// A sparse vector whose arrays are counted from 1; position 0 is not used.
+/// A sparse vector with arrays indexed from 1; position 0 is unused.
 struct sparse_vector {
     std::optional<std::vector<double>> coef;
     std::optional<std::vector<std::int32_t>> ind;
