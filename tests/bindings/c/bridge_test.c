@@ -162,7 +162,7 @@ static void test_codes(void) {
     CHECK(zktarn_cbisctrlcon(1) == 1 && zktarn_cbisctrlcon(2) == 0);
 }
 
-/* Whatever call of the host fails, nothing is lost: the struct holds what it owns, or is 0. */
+/* No failing call of the host leaks: the struct owns its values, or is 0. */
 static void test_host_failures(void) {
     static const zktarn_standin_operation operations[] = {
         zktarn_op_qvcreatestructarray800_,  zktarn_op_qvcreatestring800_,

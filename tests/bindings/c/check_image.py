@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Compares a shared library with the functions that it exports and with its name.
+"""Checks the exported functions and the name of a shared library.
 
     check_image.py LIBRARY GOLDEN NAME
 

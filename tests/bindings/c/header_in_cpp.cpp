@@ -1,4 +1,4 @@
-// The C headers as C++: they compile without a warning beside the C++ headers, and name the same.
+// The C headers compile as C++ without a warning, together with the C++ headers.
 #include "zktarn/zktarn_util.hpp"
 #include "zktarn_standin/control.hpp"
 

@@ -1,4 +1,4 @@
-# The images of the two libraries in C: what they export, their names, their protections.
+# The images of the two libraries in C: exported functions, names, hardening.
 find_package(Python3 3.9 REQUIRED COMPONENTS Interpreter)
 set(check ${Python3_EXECUTABLE} "${CMAKE_CURRENT_LIST_DIR}/check_image.py")
 set(goldens "${CMAKE_CURRENT_LIST_DIR}")
@@ -19,7 +19,7 @@ zktarn_image_test(exports_c $<TARGET_FILE:zktarn_util_c> "${goldens}/exports.gol
 zktarn_image_test(exports_standin_c
   $<TARGET_FILE:zktarn_standin_c> "${goldens}/standin_exports.golden" ${standin_name})
 
-# The comparison seen to fail: another list, another name.
+# Proves that the check fails: a wrong list, a wrong name.
 zktarn_image_test(exports_difference_is_named
   $<TARGET_FILE:zktarn_util_c> "${goldens}/standin_exports.golden" ${c_name})
 set_tests_properties(bindings.exports_difference_is_named PROPERTIES PASS_REGULAR_EXPRESSION

@@ -1,4 +1,5 @@
-/* The library as a checked build makes it: each NULL that is no answer is reported, and harmless.
+/* The library built with checks: each NULL that a procedure does not accept is reported and does no
+ * harm.
  */
 
 #include "check.h"
@@ -148,12 +149,12 @@ static void test_vectors(void) {
     REPORTS(zktarn_vector_mod2(NULL, 0.0));
     REPORTS_AND_IS(zktarn_vectors_are_identical(NULL, v, 0.0), 0);
     REPORTS_AND_IS(zktarn_vectors_are_identical(v, NULL, 0.0), 0);
-    /* What the accessors trust in an ordinary build is checked too. */
+    /* Preconditions of accessors, which ordinary builds do not check. */
     REPORTS(zktarn_vector_set_nz(v, 3));
     zktarn_vector_free(&v);
 }
 
-/* Where NULL is an answer, nothing is reported. */
+/* An optional argument may be NULL, which is not reported. */
 static void test_answers(void) {
     reports = 0;
     zktarn_vector* v = NULL;

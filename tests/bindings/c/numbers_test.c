@@ -55,7 +55,7 @@ static void supply(int32_t index, double* value, zktarn_flag* marked, zktarn_fla
     *selected = index != 2;
 }
 
-/* The second and the third element have no scalar, so both have to be left out. */
+/* The second and the third element have no scalar, so the search must exclude both. */
 static void test_scalar_search(void) {
     static const double values[] = {0.5, 0.7071067811865476, 0.5773502691896257};
     static const zktarn_flag yes = 1;

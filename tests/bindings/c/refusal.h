@@ -10,7 +10,7 @@ extern "C" {
 /* Makes the k-th allocation of a record from now on fail; none for 0. */
 void refuse_record(int64_t k);
 
-/* Records that are not released. */
+/* The number of unreleased records. */
 int64_t live_records(void);
 
 #ifdef __cplusplus

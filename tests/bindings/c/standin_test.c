@@ -48,7 +48,7 @@ static void test_memory(void) {
     CHECK(!zktarn_standin_huge_pages(huge));
 }
 
-/* As with snprintf: cut where the buffer ends, and the whole length told. */
+/* Like snprintf: truncates the text at the end of the buffer and returns its whole length. */
 static void test_texts(void) {
     void* const block = zktarn_mallocate(24);
     char whole[2000];
@@ -240,7 +240,7 @@ static void test_scripts(void) {
     zktarn_mdeallocate(block);
 }
 
-/* A fault says which calls led to it, and which made the block. */
+/* A fault gives the call stacks of the fault and of the block's allocation. */
 static void note_places(const zktarn_standin_fault* fault, void* context) {
     int* const seen = context;
     *seen += 1;

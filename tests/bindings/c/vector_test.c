@@ -1,6 +1,6 @@
 /*
- * Vectors: every procedure, each optional argument present and absent, each failure. The program is
- * built twice: with the procedures that the header inlines, and with those of the library.
+ * Vectors: every procedure, each optional argument present and absent, each failure. Built twice:
+ * with the inline procedures of the header, and with those of the library.
  */
 
 #include <math.h>

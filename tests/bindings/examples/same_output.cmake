@@ -1,5 +1,5 @@
-# cmake -DFIRST=program -DSECOND=program -DWITHOUT=pattern -P same_output.cmake: fails when the two
-# programs do not print the same, apart from lines that match the pattern and blanks at the end of one.
+# cmake -DFIRST=program -DSECOND=program -DWITHOUT=pattern -P same_output.cmake: fails when the
+# outputs differ, without lines that match the pattern and blanks at the end of lines.
 foreach(which IN ITEMS FIRST SECOND)
   execute_process(COMMAND "${${which}}" OUTPUT_VARIABLE output RESULT_VARIABLE status)
   if(NOT status EQUAL 0)

@@ -98,7 +98,7 @@ contains
         call check(.not. associated(elements(a)), 'r8 refused')
     end subroutine
 
-    !> Element (i, j) is where the C++ record has it: column after column.
+    !> Elements are stored column by column, as in the C++ record.
     subroutine test_i4_2d()
         type(i4_2d_array) :: a
         integer(c_int32_t), pointer :: p(:, :), flat(:)

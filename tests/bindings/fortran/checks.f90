@@ -1,4 +1,4 @@
-!> Counts the checks that fail and names each; `finish` ends the program with the status of that.
+!> Counts failed checks and names each. `finish` ends the program with a nonzero status if any failed.
 module checks
     use, intrinsic :: iso_fortran_env, only: error_unit
     implicit none

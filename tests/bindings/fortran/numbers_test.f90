@@ -81,7 +81,7 @@ contains
         selected = 1
     end subroutine
 
-    !> The second and the third element have no scalar, so both have to be left out.
+    !> The second and the third element have no scalar, so the search must exclude both.
     subroutine test_scalar_search()
         type(supplied) :: set
         integer(flag_kind) :: found, skip, selected

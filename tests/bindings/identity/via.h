@@ -2,8 +2,8 @@
 #define ZKTARN_TESTS_VIA_H
 
 /*
- * The numeric, vector, sorting and random procedures as another language calls them. calls.c
- * implements these in C, calls.f90 in Fortran; each calls the procedure of that name.
+ * The numeric, vector, sorting and random procedures, called from another language. calls.c
+ * implements them in C, calls.f90 in Fortran; each calls the procedure of the same name.
  */
 
 #include "zktarn_util.h"

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Plays one scenario of a project that uses the installed library from C or Fortran.
+"""Builds and runs one scenario of a project that uses the installed library from C or Fortran.
 
-The projects are the examples: each is built from outside, and has to print what it printed inside.
+The projects are the examples, built against the installed package.
 """
 
 import argparse
@@ -20,7 +20,7 @@ def fail(sentence):
 
 class Scenarios:
     def __init__(self, arguments):
-        self.given = arguments
+        self.options = arguments
         self.examples = pathlib.Path(arguments.source) / "examples"
         self.work = pathlib.Path(arguments.work)
         shutil.rmtree(self.work, ignore_errors=True)
@@ -37,36 +37,36 @@ class Scenarios:
         return ran.stdout
 
     def install(self, *components):
-        """Installs and moves the tree, so that nothing can be found where it was put at first."""
+        """Installs and moves the tree, so that an absolute path in it does not work."""
         first, moved = self.work / "first", self.work / "moved"
         for component in components or (None,):
-            command = [self.given.cmake, "--install", self.given.build, "--prefix", first]
+            command = [self.options.cmake, "--install", self.options.build, "--prefix", first]
             self.must(*command, *(["--component", component] if component else []))
         first.rename(moved)
         return moved
 
     def configure(self, project, prefix):
-        return self.run(self.given.cmake, "-S", project, "-B", self.work / "build", "-G", "Ninja",
+        return self.run(self.options.cmake, "-S", project, "-B", self.work / "build", "-G", "Ninja",
                         f"-DCMAKE_PREFIX_PATH={prefix}", f"-DCMAKE_EXE_LINKER_FLAGS={FATAL}",
-                        f"-DCMAKE_C_COMPILER={self.given.c_compiler}",
-                        f"-DCMAKE_Fortran_COMPILER={self.given.fortran_compiler}")
+                        f"-DCMAKE_C_COMPILER={self.options.c_compiler}",
+                        f"-DCMAKE_Fortran_COMPILER={self.options.fortran_compiler}")
 
     def refused(self, configured, reason):
-        said = " ".join((configured.stdout + configured.stderr).split())
-        if configured.returncode == 0 or reason not in said:
-            fail(f"was not refused because of '{reason}':\n{said}")
+        output = " ".join((configured.stdout + configured.stderr).split())
+        if configured.returncode == 0 or reason not in output:
+            fail(f"was not refused because of '{reason}':\n{output}")
 
     def check_output(self, example, program):
-        said = self.must(program)
+        output = self.must(program)
         expected = {"vectors": "marks  coef ind elm", "separator": "efficacy 0."}[example]
-        if expected not in said:
-            fail(f"{example} printed:\n{said}")
+        if expected not in output:
+            fail(f"{example} printed:\n{output}")
 
     def find_package(self, language, prefix):
         configured = self.configure(self.examples / language, prefix)
         if configured.returncode != 0:
             fail(f"did not configure\n{configured.stdout}{configured.stderr}")
-        self.must(self.given.cmake, "--build", self.work / "build")
+        self.must(self.options.cmake, "--build", self.work / "build")
         for example in ("vectors", "separator"):
             self.check_output(example, self.work / "build" / f"{example}_{language}")
 
@@ -88,7 +88,7 @@ class Scenarios:
         flags = self.pkg_config(prefix, "--cflags", "--libs", "zktarn_util_c", "zktarn_standin_c")
         for example in ("vectors", "separator"):
             program = self.work / example
-            self.must(self.given.c_compiler, "-std=c11", "-Wall", "-Wextra", "-Wconversion",
+            self.must(self.options.c_compiler, "-std=c11", "-Wall", "-Wextra", "-Wconversion",
                       "-Wpedantic", "-Werror", FATAL, self.examples / "c" / f"{example}.c", "-o",
                       program, *flags, "-lm")
             self.check_output(example, program)
@@ -101,7 +101,7 @@ class Scenarios:
         for example in ("vectors", "separator"):
             program = self.work / example
             own = [self.examples / "fortran" / name for name in ("text.f90", f"{example}.f90")]
-            self.must(self.given.fortran_compiler, "-std=f2018", FATAL, f"-J{self.work}", *sources,
+            self.must(self.options.fortran_compiler, "-std=f2018", FATAL, f"-J{self.work}", *sources,
                       *own, "-o", program, *flags)
             self.check_output(example, program)
 
@@ -117,7 +117,7 @@ class Scenarios:
         configured = self.configure(project, prefix)
         if configured.returncode != 0:
             fail(f"did not configure\n{configured.stdout}{configured.stderr}")
-        self.must(self.given.cmake, "--build", self.work / "build")
+        self.must(self.options.cmake, "--build", self.work / "build")
         self.check_output("separator", self.work / "build" / "vectors_static")
         for library in ("libzktarn_util_c", "libzktarn_util.so"):
             if library in self.must("ldd", self.work / "build" / "vectors_static"):

@@ -1,11 +1,10 @@
 #!/usr/bin/env python3
-"""The tables of docs/c.md and docs/fortran.md: each procedure in C++ and in the other language.
+"""Generates the tables of docs/c.md and docs/fortran.md: each procedure in C++ and in the other language.
 
-    tables.py check SOURCE   fails when a page has another table than the headers give
-    tables.py write SOURCE   writes the tables into the pages
+    tables.py check SOURCE   fails when the table of a page differs from the headers
+    tables.py write SOURCE   writes the tables to the pages
 
-Everything comes from the headers and modules themselves; the list of procedures is that of the
-exported names.
+The signatures come from the headers and modules, the list of procedures from exports.golden.
 """
 
 import pathlib
@@ -25,7 +24,7 @@ def squeezed(text):
 
 
 def exported(source):
-    """Module and name of each procedure, in the order of the list."""
+    """The module and name of each exported procedure, sorted."""
     text = (source / "tests/binary/abi/exports.golden").read_text(encoding="utf-8")
     found = []
     for mangled in re.findall(r"^_ZN6zktarn(\w+)$", text, flags=re.M):
@@ -64,7 +63,7 @@ def c_prototypes(source):
 
 
 def fortran_procedures(source):
-    """The forms of each public procedure: head and declarations of its arguments."""
+    """The interfaces of each public procedure, and the specific procedures of each generic name."""
     forms = {}
     generics = {}
     for module in sorted((source / "bindings/fortran").glob("zktarn_*.f90")):
@@ -113,7 +112,7 @@ def fortran_cell(called, shown):
 
 
 def fortran_cells(name, forms, generics):
-    """One form, or those of a generic name of its own."""
+    """The interface of a procedure, or those of a generic name."""
     if name in forms:
         return fortran_cell(name, forms[name])
     if name in generics:
@@ -164,7 +163,7 @@ def main():
         if sys.argv[1] == "write":
             path.write_text(before + new + after, encoding="utf-8")
         elif old != new:
-            fail(f"the table of docs/{name} is not that of the headers; write it anew")
+            fail(f"the table of docs/{name} differs from the headers; write it again")
     print(f"{len(exported(source))} procedures in two languages")
 
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the solver in Fortran as its users do.
+"""Runs the solver in Fortran from its command line.
 
     covering_test.py SCENARIO PROGRAM SAMPLE WORK_FOLDER
 """
@@ -34,17 +34,17 @@ class Scenarios:
         return path
 
     def demand(self, ran, status, *parts):
-        said = ran.stdout + ran.stderr
+        output = ran.stdout + ran.stderr
         if ran.returncode != status:
-            fail(f"status {ran.returncode}, not {status}:\n{said}")
+            fail(f"status {ran.returncode}, not {status}:\n{output}")
         for part in parts:
-            if part not in said:
-                fail(f"no '{part}' in:\n{said}")
+            if part not in output:
+                fail(f"no '{part}' in:\n{output}")
 
     # Scenarios
 
     def optimum(self):
-        """Against every point of small random problems."""
+        """Compares the optimum with an enumeration of small random problems."""
         draw = random.Random(7)
         for _ in range(80):
             n = draw.randint(1, 9)
@@ -60,13 +60,13 @@ class Scenarios:
                         if all(sum(a * x[j] for j, a in row.items()) >= rhs for row, rhs in rows)),
                        default=None)
             ran = self.run(self.write(text), "--quiet")
-            said = ran.stdout.splitlines()
+            output = ran.stdout.splitlines()
             if ran.returncode != 0 or ran.stderr:
                 fail(f"status {ran.returncode}: {ran.stderr}\n{text}")
-            if best is None and said != ["infeasible"]:
-                fail(f"{said} for an infeasible problem\n{text}")
-            if best is not None and (said[0] != "solved" or float(said[1].split()[1]) != best):
-                fail(f"{said}, but the optimum is {best}\n{text}")
+            if best is None and output != ["infeasible"]:
+                fail(f"{output} for an infeasible problem\n{text}")
+            if best is not None and (output[0] != "solved" or float(output[1].split()[1]) != best):
+                fail(f"{output}, but the optimum is {best}\n{text}")
 
     def progress(self):
         self.demand(self.run(self.sample, "--every", 2), 0, "search         2 nodes",
@@ -82,7 +82,7 @@ class Scenarios:
         self.demand(self.run(self.sample, "--stop-at", 4), 0, "solved\nobjective 5.0")
 
     def interrupt(self):
-        """A real SIGINT, once the search is under way, of a problem that takes very long."""
+        """Sends SIGINT during the search of a large problem."""
         draw = random.Random(1)
         n = 60
         lines = [f"variables {n}", "minimize " + " ".join(str(draw.randint(50, 60)) for _ in range(n))]
@@ -95,13 +95,13 @@ class Scenarios:
             line = process.stdout.readline()
             if "nodes" not in line:
                 process.kill()
-                fail(f"'{line}' is no progress")
+                fail(f"'{line}' is not a line of progress")
             process.send_signal(signal.SIGINT)
             out, error = process.communicate(timeout=60)
         ran = subprocess.CompletedProcess([], process.returncode, line + out, error)
         self.demand(ran, 4, "\ninterrupted\n")
         if error:
-            fail(f"something is not released:\n{error}")
+            fail(f"not everything is released:\n{error}")
 
     def bad_input(self):
         self.demand(self.run(), 2, "no file")

@@ -1,4 +1,4 @@
-!> The solver in Fortran on a host that fails: it says so or goes on, and gives everything back.
+!> The solver in Fortran on a failing host: it reports the failure or continues, and leaks nothing.
 program failures_test
     use, intrinsic :: iso_c_binding
     use checks
@@ -20,7 +20,7 @@ program failures_test
     call get_command_argument(1, sample)
     previous = standin_set_console(console_capture)
 
-    ! Each request for memory refused in turn, until the run needs none more.
+    ! Refuses the k-th request for memory for k = 1, 2, ... until a run succeeds.
     k = 0
     do
         k = k + 1
@@ -47,31 +47,31 @@ program failures_test
 
 contains
 
-    !> Reads and solves the sample. Whether it was solved; everything is given back in any case.
+    !> Reads and solves the sample. Returns whether it was solved; releases everything in any case.
     logical function ran_through()
-        type(program_01) :: given
-        type(reporter) :: to
+        type(program_01) :: problem_data
+        type(reporter) :: reports
         type(outcome) :: found
         character(:), allocatable :: message
         ran_through = .false.
-        to%has_output_function = 1
+        reports%has_output_function = 1
         call standin_set_function('tarnCallback', go_on, c_null_ptr)
-        call read_program(sample, given, message)
+        call read_program(sample, problem_data, message)
         if (message == '') then
-            call begin_reports(to)
-            call solve(given, to, 1, found)
-            call end_reports(to)
-            call free_program(given)
+            call begin_reports(reports)
+            call solve(problem_data, reports, 1, found)
+            call end_reports(reports)
+            call free_program(problem_data)
             ran_through = found%status == solved
             if (ran_through) call check(nint(found%best) == 5, 'the optimum')
             if (.not. ran_through) call check(found%status == no_memory .or. &
-                found%status == interrupted, 'why not')
+                found%status == interrupted, 'the reason')
         else
             call check(index(message, 'no memory') > 0, 'the sentence')
         end if
         call standin_remove_function('tarnCallback')
-        call check(size(standin_live_blocks()) == 0, 'every block given back')
-        call check(size(standin_live_objects()) == 0, 'every object given back')
+        call check(size(standin_live_blocks()) == 0, 'every block released')
+        call check(size(standin_live_objects()) == 0, 'every object released')
     end function
 
     subroutine go_on(input, reply, context) bind(c)

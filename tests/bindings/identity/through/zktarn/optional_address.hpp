@@ -4,7 +4,7 @@
 
 namespace zktarn {
 
-/// Where an optional argument is; null when it is absent.
+/// The address of an optional argument; null if it is absent.
 template <class T>
 T* address_of(optional_ref<T> argument) {
     return argument.present() ? &*argument : nullptr;
