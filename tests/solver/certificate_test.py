@@ -1,4 +1,7 @@
-"""Certificates of zero_half, and what check_cuts says of them: zero_half check_cuts model..."""
+"""Tests that check_cuts accepts certificates of zero_half and refuses changed ones.
+
+    certificate_test.py ZERO_HALF CHECK_CUTS MODEL...
+"""
 import pathlib
 import subprocess
 import sys

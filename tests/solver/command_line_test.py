@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Calls the zero-half solver as a user does and checks what it prints, writes and returns.
+"""Runs the zero-half solver and checks its output, the files it writes and its exit status.
 
 Usage: command_line_test.py PROGRAM FOLDER [TEST ...]
 """
@@ -37,7 +37,7 @@ ROUND = ["round", "bound", "closed", "found", "kept", "separation_ms", "lp_ms"]
 NO_LEAK = re.compile(r"host memory: \d+ requests, 0 refused, 0 blocks not released")
 CALL_TIMEOUT = 60  # seconds
 
-# CoinMpsIO leaks memory on some invalid files. A leak checker has to ignore that.
+# CoinMpsIO leaks memory on some invalid files, which a leak checker must ignore.
 LEAKS_OF_THE_READER = "leak:CoinMpsIO::readMps\n"
 
 PROGRAM = ""
@@ -46,7 +46,7 @@ FOLDER = pathlib.Path()
 
 
 def program(columns, rows, rhs=(), bounds=(), head=(), integer=True):
-    """A free MPS file of {column: {row: coefficient}} and {row: kind}. Numbers are not formatted."""
+    """A free MPS file from {column: {row: coefficient}} and {row: kind}, with numbers as given."""
     marked = lambda what: [f" M 'MARKER' '{what}'"] if integer else []
     lines = ["NAME t", *head, "ROWS", " N cost", *(f" {kind} {row}" for row, kind in rows.items()),
              "COLUMNS", *marked("INTORG")]
@@ -107,7 +107,7 @@ def random_set_cover(columns, rows):
 
 
 def columns_of(file):
-    """The columns of a free MPS file: (names in order, integer ones, bounds)."""
+    """The columns of a free MPS file: names in order, names of integer columns, bounds."""
     section, in_integers, names, integers, bounds = "", False, [], set(), {}
     for line in file.read_text().splitlines():
         words = line.split()
@@ -145,7 +145,7 @@ class Call:
                 if not line.startswith("host memory")]
 
     def rounds(self):
-        """The printed rounds, one list for each model."""
+        """The printed rounds of each model."""
         models = []
         for line in self.out.splitlines():
             if line.startswith("round "):
@@ -185,7 +185,7 @@ class CommandLine(unittest.TestCase):
         return found
 
     def report(self, *arguments, status=0):
-        """A call and the models of its JSON report, which is checked against the schema."""
+        """Runs the solver and checks its JSON report against the schema. Returns the call and the models."""
         file = self.folder / "report.json"
         call = self.call(*arguments, "--json", file, status=status)
         return call, self.read_report(file)
@@ -196,7 +196,7 @@ class CommandLine(unittest.TestCase):
         return record["models"]
 
     def assert_one_sentence(self, call, about):
-        """Standard error is one line that starts with the file."""
+        """Standard error is one sentence about the file."""
         self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
         self.assertTrue(call.err.startswith(f"zero_half: {about}: "), call.err)
         self.assertNotRegex(call.err[:-1], r"[\x00-\x1f\x7f]")
@@ -216,7 +216,7 @@ class CommandLine(unittest.TestCase):
 
     # Bounds and figures
 
-    def test_every_own_instance_closes_its_gap(self):
+    def test_every_generated_instance_closes_its_gap(self):
         call = self.call(*(self.own / name for name in self.names))
         table = call.table()
         self.assertEqual([row["model"] for row in table], self.labels)
@@ -351,7 +351,7 @@ class CommandLine(unittest.TestCase):
                                     [("r", 1), ("cost", -7)], [" UP b x 1"])))
         self.assertEqual((model["lp_bound"], model["bound"]), (6.0, 6.0))
 
-    # Endings
+    # Ends of a run
 
     def test_no_rounds(self):
         call, (model,) = self.report(self.cover, "--rounds", "0")
@@ -448,7 +448,7 @@ class CommandLine(unittest.TestCase):
         self.assertRegex(call.out.splitlines()[-1], NO_LEAK)
 
     @unittest.skipUnless(os.path.exists("/proc/self/status"), "needs /proc")
-    def test_interrupt_at_the_very_beginning(self):
+    def test_interrupt_before_the_first_round(self):
         file, report = self.write("long.mps", random_cover(300, 900)), self.folder / "report.json"
         for delay in (0, 0.001, 0.003, 0.01, 0.03):
             child = subprocess.Popen([PROGRAM, str(file), "--rounds", "100000", "--json",
@@ -481,8 +481,8 @@ class CommandLine(unittest.TestCase):
         figures = [{key: model[key] for key in ("rows", "columns", "lp_bound", "bound",
                                                 "cuts_kept", "status")} for model in models]
         self.assertEqual(figures, [figures[0]] * len(files))
-        # The constant 7, x4 = 2 and by row r3 without cuts y = 2.5, x3 = -5.5, with cuts y = 2,
-        # x3 = -5. Of the other three columns no two can be 1; their sum is 1.5 without cuts and 1
+        # The constant is 7 and x4 = 2. By row r3, y = 2.5 and x3 = -5.5 without cuts, y = 2 and x3 = -5
+        # with cuts. At most one of the other three columns can be 1: their sum is 1.5 without cuts, 1
         # with cuts.
         relaxed = 7 + 2 + 2.5 / 4 - 2 * 5.5 - 1.5
         self.assertEqual((figures[0]["lp_bound"], figures[0]["bound"]),
@@ -636,7 +636,7 @@ class CommandLine(unittest.TestCase):
     def test_error_in_a_free_file_is_reported_by_the_free_reader(self):
         self.refuse_program(self.cover.read_text().replace("UP bnd x5 1", "UP bnd x77 1"), "x77")
 
-    def test_nonsense(self):
+    def test_file_of_another_format(self):
         self.refuse_program("hello\nworld\n", "this is not an MPS file")
 
     def test_binary_file(self):
@@ -660,11 +660,12 @@ class CommandLine(unittest.TestCase):
         self.refuse_program(one_column(bound=" LO b x 0.3\n UP b x 0.7"),
                             "no integer between the bounds of column x")
 
-    def test_unbounded_relaxation_that_the_simplex_method_calls_infeasible(self):
+    def test_unbounded_relaxation_reported_infeasible_by_the_simplex_method(self):
         self.refuse(HERE / "models" / "unbounded_free_column.mps", "the relaxation is unbounded")
 
     def test_no_claim_without_a_proof(self):
-        # The simplex method finds no point, but there are ten with integers; 2913.5 is the least.
+        # The simplex method reports the model infeasible, but it has ten integer points; the optimum is
+        # 2913.5.
         file = HERE / "models" / "ten_integer_points.mps"
         for seed in range(1, 6):
             _, (model,) = self.report(file, "--seed", seed, status=1)
@@ -690,14 +691,14 @@ class CommandLine(unittest.TestCase):
                                     {"r": "L"}, [("r", 1)], [" UP b x 1"]), "too large")
 
     def test_bounds_too_large_to_compute_with(self):
-        # 1e30 means that there is no upper bound; -1e30 as an upper bound is a number.
+        # An upper bound of 1e30 means no bound; one of -1e30 is a number.
         values = ("1e16", "-1e16", "-1e29", "-1e30", "-1e31", "-1e400")
         for content in (*(one_column(rhs=value) for value in values),
                         *(one_column(bound=f" MI b x\n UP b x {value}") for value in values)):
             with self.subTest(content):
                 self.refuse_program(content, "a bound or a right-hand side is beyond 1e15")
 
-    def test_infinite_right_hand_side_is_no_bound(self):
+    def test_infinite_right_hand_side_is_ignored(self):
         _, (model,) = self.report(self.write("free_row.mps", one_column(rhs="1e30")))
         self.assertEqual(model["bound"], -1.0)
 
@@ -726,7 +727,7 @@ class CommandLine(unittest.TestCase):
             "BOUNDS", "RANGES\n    RNG       r3                   2\nBOUNDS")
         line = "    {:<10}{:<8}  {:>12}".format
         tightened = self.folder / "tightened.mps"
-        for cost, least in ((2, -1.5), (-2, 12.125)):  # each side of the range is tight once
+        for cost, least in ((2, -1.5), (-2, 12.125)):  # each side of the range is active once
             file = self.write("fixed.mps", plain.replace(line("x3", "cost", 2),
                                                          line("x3", "cost", cost)))
             _, (before,) = self.report(file, "--cuts", tightened)
@@ -792,7 +793,7 @@ class CommandLine(unittest.TestCase):
         self.assert_one_sentence(call, picture)
         self.assertIn("there is no bound to draw", call.err)
         self.assertFalse(picture.exists())
-        # The relaxation of the first model takes longer than the limit, that of the second one not.
+        # The relaxation of the first model exceeds the time limit, the second one does not.
         file = self.write("long.mps", random_set_cover(30000, 400))
         self.call(file, self.cover, "--time-limit", "0.5", "--plot", picture)
         text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
@@ -838,7 +839,7 @@ class CommandLine(unittest.TestCase):
             self.assertNotRegex(call.out + call.err, r"[^\n -~]")
 
     def on_terminal(self, *arguments):
-        """What the program writes to its standard error, a terminal, and to its standard output."""
+        """The program's output to standard error, a terminal, and to standard output."""
         ours, theirs = pty.openpty()
         try:
             child = subprocess.Popen([PROGRAM, *map(str, arguments)], stdout=subprocess.PIPE,

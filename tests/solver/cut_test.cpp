@@ -43,7 +43,7 @@ void add_row(row_pool& pool, const std::vector<double>& dense_row, double rhs) {
     pool.add(indices, coefficients, rhs, {});
 }
 
-/// The cut of these rows of the pool at a point.
+/// Halves and rounds the sum of these rows at a point.
 std::optional<cut> halved(const columns& model, const row_pool& pool,
                           const std::vector<std::int32_t>& rows,
                           const std::vector<substitution>& bounds, const std::vector<double>& point,
@@ -53,7 +53,7 @@ std::optional<cut> halved(const columns& model, const row_pool& pool,
     return rounding.halved_sum({0.0, rows, changed_column}, bounds, point.data());
 }
 
-/// The coefficients of a cut, column by column.
+/// The dense coefficients of a cut.
 std::vector<double> dense(const cut& inequality, std::size_t n) {
     std::vector<double> coefficients(n, 0.0);
     for (std::size_t k = 0; k < inequality.columns.size(); ++k) {
@@ -146,7 +146,7 @@ TEST(CgRounding, SubstitutesTheNearestBound) {
     EXPECT_EQ(upper->rhs, 2.0);
 }
 
-TEST(CgRounding, SubstitutesTheFartherBoundOfOneColumnToMakeTheRightHandSideOdd) {
+TEST(CgRounding, SubstitutesAFartherBoundToMakeTheRightHandSideOdd) {
     row_pool pool;
     add_row(pool, {3, 3}, 4);
     const auto made = halved(columns(2), pool, {0}, {{}, at_lower, at_lower}, {0.5, 0.5}, 2);
@@ -174,7 +174,7 @@ TEST(CgRounding, DoesNotRoundTheCoefficientOfAColumnWithoutBounds) {
     EXPECT_TRUE(halved(columns(2), pool, {1}, bounds, {0.5, 0.5}).has_value());
 }
 
-TEST(CgRounding, MakesNoCutOfNumbersTooLargeToBeExact) {
+TEST(CgRounding, ReturnsNoCutForCoefficientsTooLargeToBeExact) {
     const auto is_made = [](const std::vector<double>& row, double rhs,
                             const substitution& first = at_lower) {
         row_pool pool;
@@ -188,7 +188,7 @@ TEST(CgRounding, MakesNoCutOfNumbersTooLargeToBeExact) {
     EXPECT_FALSE(is_made({3, 3}, 1, {1e15, 0.5, false}));
 }
 
-TEST(CgRounding, MakesNoCutWithoutColumns) {
+TEST(CgRounding, ReturnsNoCutWithoutColumns) {
     row_pool pool;
     add_row(pool, {1}, 1);
     EXPECT_FALSE(halved(columns(1), pool, {0}, {{}, at_lower}, {0.5}).has_value());
@@ -221,7 +221,7 @@ TEST(CutSelection, SelectsTheGreatestEfficacyFirst) {
     EXPECT_EQ(kept[1].columns, (std::vector<std::int32_t>{1}));
 }
 
-TEST(CutSelection, LeavesOutCutsThatAreParallelToABetterOne) {
+TEST(CutSelection, RejectsCutsParallelToABetterOne) {
     selection_options options;
     options.passes = {{{10, 0.85, 1.0}, {0, 1.0, 1.0}, {0, 1.0, 1.0}}};
     const columns model(3);
@@ -233,7 +233,7 @@ TEST(CutSelection, LeavesOutCutsThatAreParallelToABetterOne) {
     EXPECT_EQ(kept[1].columns, (std::vector<std::int32_t>{1, 3}));
 }
 
-TEST(CutSelection, LeavesOutCutsThatASelectedOneImplies) {
+TEST(CutSelection, RejectsCutsImpliedByASelectedOne) {
     columns model(3);
     const auto kept = [&](double larger, double rhs) {
         cut better = cut_with({1, 1, larger}, 1.0);
@@ -254,7 +254,7 @@ TEST(CutSelection, LeavesOutCutsThatASelectedOneImplies) {
     EXPECT_EQ(kept(5, 1), 1u) << "a column with equal coefficients";
 }
 
-TEST(CutSelection, SelectsParallelCutsWhereThereAreFewOthers) {
+TEST(CutSelection, SelectsParallelCutsIfThereAreFewOthers) {
     selection_options options;
     options.passes = {{{10, 0.85, 1.0}, {2, 0.9999, 1.0}, {0, 1.0, 1.0}}};
     const columns model(3);
@@ -279,7 +279,7 @@ TEST(CutSelection, SelectsNoMoreThanTheTarget) {
         2u);
 }
 
-TEST(CutSelection, LeavesOutDenseCutsUnlessTheyAreShortOrFew) {
+TEST(CutSelection, RejectsDenseCutsUnlessTheyAreShortOrFew) {
     const std::vector<double> all(60, 1.0);
     selection_options options;
     options.passes = {{{10, 0.85, 0.8}, {0, 1.0, 0.8}, {0, 1.0, 1.0}}};
@@ -292,7 +292,7 @@ TEST(CutSelection, LeavesOutDenseCutsUnlessTheyAreShortOrFew) {
     EXPECT_EQ(select(50, options, {cut_with(few, 0.1)}).size(), 1u);
 }
 
-TEST(CutSelection, LeavesOutCutsWithALargeDynamicRange) {
+TEST(CutSelection, RejectsCutsWithALargeDynamicRange) {
     const columns model(2);
     const mixed_integer_rows view = model.view();
     cut_selection selection(view, {});

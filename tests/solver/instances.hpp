@@ -5,9 +5,9 @@
 
 namespace zero_half::testing {
 
-/// The files that the tests and the benchmark solve: the graph problems of `instances.py`, the
-/// models of the solver, and the plain MPS files of the optional folder ZKTARN_INSTANCES. Of files
-/// with the same name in several folders the first is taken.
+/// The models that the tests and the benchmark solve: the graph problems of `instances.py`, the
+/// models of the solver, and the uncompressed MPS files of the optional folder ZKTARN_INSTANCES. If
+/// several folders have a file of the same name, the first one counts.
 std::vector<std::string> instances();
 
 /// The file name up to the first dot.

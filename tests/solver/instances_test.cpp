@@ -18,11 +18,11 @@ namespace zero_half::testing {
 
 namespace {
 
-/// Figures of a model from other programs.
+/// Results of other programs for a model.
 struct known_figures {
     double optimum;
-    /// The share of the gap that must be closed, in per cent: all of it where zero-half cuts of the
-    /// rows suffice, elsewhere what CglZeroHalf closes.
+    /// The required gap closed in per cent: 100 if zero-half cuts of the rows suffice, else the
+    /// value that CglZeroHalf reaches.
     double closed;
 };
 
@@ -84,7 +84,7 @@ TEST_P(Instance, HasValidCutsByExactDerivation) {
     EXPECT_EQ(zktarn::standin::live_blocks().size(), blocks_before);
 }
 
-TEST_P(Instance, ClosesTheRequiredShareOfTheGap) {
+TEST_P(Instance, ClosesTheRequiredPartOfTheGap) {
     const known_figures known = known_of(GetParam());
     const run_result run = run_of(read_model(GetParam()), known.optimum);
     EXPECT_GE(*run.gap_closed(run.bound), known.closed - 1e-6);

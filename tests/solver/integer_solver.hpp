@@ -13,7 +13,7 @@ struct integer_solution {
     std::vector<double> point;
 };
 
-/// An integer optimum by branch and cut, proven; nothing when there is no integer point.
+/// A proven integer optimum by branch and cut; empty if there is no integer point.
 std::optional<integer_solution> solve_by_branching(const model& program);
 
 } // namespace zero_half::testing

@@ -74,7 +74,7 @@ private:
 
 } // namespace
 
-TEST(MixedModels, GetOnlyCutsThatFollowExactly) {
+TEST(MixedModels, HaveOnlyCutsThatFollowExactly) {
     const char* const scale = std::getenv("ZKTARN_TEST_SCALE");
     const int trials = static_cast<int>(5000 * (scale == nullptr ? 1.0 : std::atof(scale)));
     mixed_models models(20261121);
@@ -94,7 +94,7 @@ TEST(MixedModels, GetOnlyCutsThatFollowExactly) {
                 substituted += run.pool.origin(i).terms.size() > 1 ? 1u : 0u;
             }
         } catch (const error&) {
-            // The relaxation has no optimum.
+            // The relaxation is infeasible or unbounded.
         }
     }
     EXPECT_GT(cuts, static_cast<std::size_t>(trials) / 10);

@@ -94,20 +94,20 @@ TEST(Certificate, ProvesCrossedBoundsAndRowsThatTheBoundsContradict) {
     EXPECT_TRUE(is_proven_infeasible(contradicted));
 }
 
-TEST(Certificate, ProvesNothingOfAFeasibleProgram) {
+TEST(Certificate, RejectsAFeasibleProgram) {
     ClpSimplex lp = program_of({1, 1}, {{{1, 1}, 1, 1}, {{1, -1}, 0, 0}}, 0, 1);
     lp.primal();
     EXPECT_FALSE(is_proven_infeasible(lp));
     EXPECT_FALSE(has_proven_ray(lp));
 }
 
-TEST(Certificate, ProvesNothingOfAContradictionWithinTheErrorOfDecimals) {
+TEST(Certificate, RejectsAContradictionWithinTheErrorOfDecimals) {
     // 0.1 + 0.2 is not 0.3 in doubles.
     ClpSimplex lp = program_of({0, 0}, {{{0.1, 0.2}, 0.3, 0.3}}, 1, 1);
     EXPECT_FALSE(is_proven_infeasible(lp));
 }
 
-TEST(Certificate, ProvesARayAndNotADirectionThatARowEnds) {
+TEST(Certificate, ProvesARayButNotADirectionThatARowBounds) {
     ClpSimplex unbounded = program_of({-1, -1}, {{{1, -1}, -infinite, 1}}, 0, infinite);
     unbounded.primal();
     ASSERT_EQ(unbounded.status(), 2);
@@ -169,7 +169,7 @@ TEST(Relaxation, HasNoBoundWhereAHiddenReducedCostMakesItUnbounded) {
     EXPECT_EQ(bounded.bound(), -5.0);
 }
 
-TEST(SafeBound, TellsModerateFromLargeNumbers) {
+TEST(SafeBound, DistinguishesModerateFromLargeNumbers) {
     EXPECT_TRUE(safe_bound(program_of({1e9}, {{{1}, -infinite, 1}}, 0, infinite)).is_moderate());
     EXPECT_FALSE(safe_bound(program_of({2e9}, {{{1}, -infinite, 1}}, 0, infinite)).is_moderate());
     EXPECT_FALSE(safe_bound(program_of({1}, {{{1e14}, -infinite, 1}}, 0, infinite)).is_moderate());
@@ -186,7 +186,7 @@ TEST(IntegralPoint, HasTheObjectiveOfTheRoundedPoint) {
 TEST(IntegralPoint, RefusesFractionsAndPointsThatViolateARowAfterRounding) {
     const std::vector<double> fractional = {2.0, 2.99};
     EXPECT_FALSE(integral_objective(model_of({1, 1}, 5), fractional.data()));
-    // 1e8 * (2 - 1e-7) is below the right-hand side, 2e8 is not.
+    // 1e8 * (2 - 1e-7) is below the right-hand side, but 2e8 is not.
     const std::vector<double> below = {2.0 - 1e-7, 0.0};
     EXPECT_FALSE(integral_objective(model_of({1e8, 1}, 2e8 - 5), below.data()));
     EXPECT_TRUE(integral_objective(model_of({1e8, 1}, 2e8), below.data()));

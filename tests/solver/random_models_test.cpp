@@ -17,13 +17,13 @@ namespace zero_half::testing {
 
 namespace {
 
-/// Random models over a few integer columns with small ranges, so that every integer point can be
+/// Random models of a few integer columns with small ranges, whose integer points can be
 /// enumerated.
 class model_generator {
 public:
     explicit model_generator(unsigned seed) : random_(seed) {}
 
-    /// The largest coefficient has up to this many digits before the point.
+    /// The number of digits of the largest coefficient before the decimal point, at most.
     model next(int digits);
 
 private:
@@ -114,14 +114,14 @@ void for_each_point(const model& program, Visitor visit) {
 
 using boost::multiprecision::cpp_rational;
 
-/// How far a number of a file may be from the decimal that it stands for: half a unit in the last
-/// place, nothing for integers.
+/// The largest distance of a double from the decimal in the file: half a unit in the last place, 0
+/// for integers.
 double decimal_error(double number) {
     return std::trunc(number) == number ? 0.0 : std::ldexp(std::fabs(number), -53);
 }
 
-/// Whether the point satisfies row `i` in exact arithmetic, if each number that is not an integer
-/// may be off by its decimal error and the sides by a relative tolerance.
+/// Whether the point satisfies row `i` in exact arithmetic, allowing each number that is not an
+/// integer its decimal error, and the sides a relative tolerance.
 bool satisfies_row(const model& program, int i, const std::vector<double>& point,
                    double tolerance) {
     const int first = program.rows.getVectorFirst(i);
@@ -190,7 +190,7 @@ void check(const model& program) {
         }
         EXPECT_FALSE(optimum && run.reason == ending::no_integer_point);
         if (run.reason == ending::integral) {
-            // Its point may exceed a side by the error of decimals, or be a point that does not.
+            // Its point may violate a side by the error of decimals, or not at all.
             ASSERT_TRUE(tolerant_optimum.has_value());
             const double margin = 1e-6 * (1.0 + std::fabs(*tolerant_optimum));
             EXPECT_GE(*run.optimum, *tolerant_optimum - margin);
@@ -205,7 +205,7 @@ void check(const model& program) {
 
 } // namespace
 
-TEST(RandomModels, GetNoFalseBoundNoFalseStatementAndNoInvalidCut) {
+TEST(RandomModels, HaveValidBoundsValidStatementsAndValidCuts) {
     const char* const scale = std::getenv("ZKTARN_TEST_SCALE");
     const int trials = static_cast<int>(6000 * (scale == nullptr ? 1.0 : std::atof(scale)));
     model_generator generator(20261122);

@@ -20,7 +20,7 @@ cpp_int floor_of(const cpp_rational& value) {
     return n < 0 && quotient * d != n ? cpp_int(quotient - 1) : quotient;
 }
 
-/// a * x <= rhs, columns counted from 1.
+/// a * x <= rhs with columns numbered from 1.
 struct exact_row {
     std::map<int, cpp_rational> a;
     cpp_rational rhs;
@@ -52,7 +52,8 @@ private:
         verdict_.faults.push_back("row " + std::to_string(i) + " " + what);
     }
 
-    /// The term's row, multiplied; nothing when it is none that may be used.
+    /// The row of a term; empty if the term must not use it: a later row, a negative multiplier of
+    /// a row of the pool, or an infinite side.
     std::optional<exact_row> term_of(std::size_t i, const row_origin::term& term) const {
         const cpp_rational multiplier(term.multiplier);
         if (!term.is_model_row) {
@@ -75,8 +76,8 @@ private:
         return made;
     }
 
-    /// Adds up the terms, and checks that what the row differs from their sum by costs no more than
-    /// its right-hand side allows.
+    /// Sums the terms, substitutes a bound for each difference between the sum's coefficients and
+    /// the row's, and checks that the rounded right-hand side is at most the row's.
     void check(std::size_t i) {
         const exact_row own = row_of_pool(run_.pool, i);
         const row_origin& origin = run_.pool.origin(i);
@@ -84,7 +85,7 @@ private:
         for (const row_origin::term& term : origin.terms) {
             const auto part = term_of(i, term);
             if (!part) {
-                return fault(i, "uses a row or a side that it may not use");
+                return fault(i, "uses a row or a side that it must not use");
             }
             const cpp_rational factor =
                 cpp_rational(term.multiplier) / cpp_rational(origin.divisor);
@@ -107,7 +108,7 @@ private:
             const auto at = static_cast<std::size_t>(j) - 1;
             const double bound = excess > 0 ? model_.lower[at] : model_.upper[at];
             if (excess != 0 && (bound <= -no_bound || bound >= no_bound)) {
-                return fault(i, "needs a bound that is not there");
+                return fault(i, "needs a bound that does not exist");
             }
             sum.rhs -= excess * (excess != 0 ? cpp_rational(bound) : cpp_rational(0));
         }

@@ -14,11 +14,14 @@ struct verdict {
     std::vector<std::string> faults;
 };
 
-/// Derives every row of a run's pool again, in exact rational arithmetic. A row a * x <= rhs is
-/// right when it follows from its origin: the multiples of rows of the model and of earlier rows
-/// are added up and divided; every coefficient is moved to the one of the row, which costs a bound
-/// of its column; the right-hand side is rounded down. The row must have integer coefficients, in
-/// integer columns only.
+/// Derives every row a * x <= rhs of a run's pool again, in exact rational arithmetic, from its
+/// origin:
+///
+/// 1. Sum the multiples of rows of the model and of earlier rows, and divide by the divisor.
+/// 2. Substitute a bound of the column for the difference of each coefficient to that of the row.
+/// 3. Round the right-hand side down.
+///
+/// The row must have integer coefficients, and only integer columns.
 verdict replay(const model& program, const run_result& run);
 
 } // namespace zero_half::testing

@@ -40,7 +40,7 @@ public:
         }
     }
 
-    /// Adds a row with a slack from 0 to 1.
+    /// Adds a row with a slack in [0, 1].
     void add(const std::map<int, double>& row) {
         std::vector<std::int32_t> columns;
         std::vector<double> coefficients;
@@ -102,7 +102,7 @@ problem random_column_graph(std::mt19937& random, int columns, int rows) {
     return made;
 }
 
-/// The slack of the sum of these rows after the substitution, by the definition. Where the
+/// The slack of the sum of these rows after the substitution, computed by definition. If the
 /// right-hand side is even, one odd column is substituted by its farther bound.
 double slack_of_sum(const problem& instance, const std::vector<std::int32_t>& members) {
     std::vector<double> sum(instance.bounds.size(), 0.0);
@@ -143,7 +143,7 @@ double least_slack(const problem& instance) {
     return least;
 }
 
-/// The least slack of the sums that were found, which all have to be violated.
+/// The least slack of the sums found, all of which must be violated.
 double least_of(const problem& instance, const odd_sums& found) {
     double least = std::numeric_limits<double>::infinity();
     for (std::size_t i = 0; i < found.size(); ++i) {
@@ -168,7 +168,7 @@ void add_rows(const parity_system& system, odd_sums& found) {
     }
 }
 
-/// Whether the best sum was found; some sums must have been when there is a violated one.
+/// Whether the search found the best sum. If a violated sum exists, it must find at least one.
 void expect_best(const problem& instance, const odd_sums& found, int trial, int& with_cut) {
     const double best = least_slack(instance);
     if (best < 1.0 - 1e-5) {
@@ -279,7 +279,7 @@ TEST(GreedySearch, FindsOnlyViolatedSums) {
     EXPECT_GT(found_some, 100);
 }
 
-TEST(OddSums, KeepEachSumOnceSortedByPrice) {
+TEST(OddSums, StoreEachSumOnceSortedByPrice) {
     std::mt19937 random(10);
     const zktarn::owned_generator generator(3);
     const problem instance = random_problem(random, 10, 14, 4);
@@ -302,7 +302,7 @@ TEST(OddSums, KeepEachSumOnceSortedByPrice) {
     }
 }
 
-TEST(OddSums, AreEnoughWhenTheirNumberIsReached) {
+TEST(OddSums, AreCompleteAtTheirTargetNumber) {
     std::mt19937 random(15);
     const problem instance = random_problem(random, 6, 9, 2);
     const parity_system system = instance.system();
@@ -314,9 +314,9 @@ TEST(OddSums, AreEnoughWhenTheirNumberIsReached) {
     EXPECT_TRUE(some.are_enough());
 }
 
-TEST(ParitySystem, KeepsOnlyWhatCanBePartOfACut) {
-    // Columns at their bounds, in the same rows, and in only one row; rows with much slack, with
-    // equal odd columns, and without odd columns.
+TEST(ParitySystem, KeepsOnlyRowsAndColumnsOfPossibleCuts) {
+    // The columns include one at its bounds, two in the same rows, and one in a single row. The
+    // rows include one with a large slack, two with equal odd columns, and one without odd columns.
     const std::vector<double> point = {0.0, 0.5, 0.25, 0.5, 0.125};
     const std::vector<double> lower(5, 0.0);
     const std::vector<double> upper = {2.0, 2.0, 2.0, 2.0, 2.0};
