@@ -26,12 +26,12 @@ std::string unpadded(std::string name) {
 }
 
 std::string text_of(const char* text, std::int64_t length) {
-    // Everything here has two characters more behind it.
+    // With the flaw, reads two characters beyond the text.
     const std::int64_t more = has_flaw("length_ignored") ? 2 : 0;
     return {text, static_cast<std::size_t>(length + more)};
 }
 
-/// A 32-bit integer; with the flaw, 64 bits are read.
+/// The value of a 32-bit argument. With the flaw, reads 64 bits at its address.
 std::int64_t integer(const std::int32_t& value, const char* flaw) {
     std::int64_t wide = value;
     if (has_flaw(flaw)) {
@@ -60,7 +60,7 @@ void erase(host::array_handle handle) {
     arrays.erase(handle);
 }
 
-/// Stores a value in a field, counted from 0, unless there is no such field.
+/// Stores a value in a field, numbered from 0. Does nothing if there is no such field.
 void store(host::array_handle structure, std::size_t field, host::array_handle value) {
     array& owner = arrays.at(structure);
     if (field >= owner.values.size()) {

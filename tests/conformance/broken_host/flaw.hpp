@@ -3,7 +3,8 @@
 #include <cstdlib>
 #include <string_view>
 
-/// A small host of its own that is right, but for the one flaw that the environment names.
+/// A small host, correct except for the flaw that the environment variable BROKEN_HOST names.
+/// flaws.txt describes the flaws.
 
 namespace zktarn::broken_host {
 

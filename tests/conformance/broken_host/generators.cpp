@@ -11,7 +11,7 @@ using broken_host::has_flaw;
 
 namespace {
 
-/// A counter, scrambled.
+/// A counter, whose hash is the next number.
 struct engine {
     std::uint64_t counter;
 };
@@ -41,7 +41,7 @@ std::uint64_t start(std::int32_t seed) {
     return static_cast<std::uint64_t>(seed);
 }
 
-/// The numbers of every thread but the first are others.
+/// With the flaw, each thread after the first draws other numbers.
 std::uint64_t thread_offset() {
     static int first = 0;
     thread_local const int own = first++;

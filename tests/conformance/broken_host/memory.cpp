@@ -15,7 +15,7 @@ using broken_host::has_flaw;
 
 namespace {
 
-// Blocks lie that far behind what the process allocates, so that some can be off their alignment.
+// The distance of a block from its allocation, which lets a flaw misalign blocks.
 constexpr std::size_t lead = 64;
 
 std::mutex lock;
