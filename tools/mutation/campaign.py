@@ -1,4 +1,4 @@
-"""Tries mutants one after the other, on as many threads as wanted."""
+"""Tries mutants on several threads."""
 
 import collections
 import os
@@ -11,7 +11,7 @@ from pathlib import Path
 from operators import Mutant
 from workbench import call, digest, module_of, must
 
-# The tests of a module are in the folder of its name; here is what is elsewhere.
+# A module's tests are in the folder of its name. These folders test the files beside the modules.
 FOLDERS = {"": ["types", "owners"]}
 
 
@@ -19,12 +19,12 @@ FOLDERS = {"": ["types", "owners"]}
 class Outcome:
     mutant: Mutant
     verdict: str  # killed, endless, survived, unchanged, uncompilable
-    by: str = ""
+    program: str = ""
     seconds: float = 0.0
 
 
 class Campaign:
-    """Runs mutants on a workbench and remembers which programs kill."""
+    """Runs mutants on a workbench and counts the kills of each program."""
 
     def __init__(self, bench, sources):
         self.bench = bench
@@ -37,12 +37,12 @@ class Campaign:
         return module_of(file, self.sources)
 
     def modules_of(self, unit):
-        """The modules of the library that an object was compiled from."""
+        """The modules whose files an object includes."""
         inside = [f for f in unit.sources_included if f.startswith(self.sources + "/")]
         return {self.module_of(file) for file in inside}
 
     def callers_of(self, module):
-        """The module itself, and those that include something of it."""
+        """The module and those that include its headers."""
         callers = {module}
         for unit in self.bench.library_units:
             if module in self.modules_of(unit):
@@ -54,28 +54,28 @@ class Campaign:
         return [f"tests/unit/{each}" for each in FOLDERS.get(module, [module])]
 
     def programs_for(self, file):
-        """Programs that can tell, the most likely killers first: those that killed before, then
-        those of the module itself."""
+        """Programs that call the file's module, the likeliest killers first: by number of earlier kills,
+        then those of the module itself, then the fastest."""
         folders = self.test_folders(file)
         callers = self.callers_of(self.module_of(file))
-        able = [
+        calling = [
             program
             for program in self.bench.programs
             if any(callers & self.modules_of(unit) for unit in program.units)
         ]
         with self.lock:
             return sorted(
-                able,
+                calling,
                 key=lambda p: (-self.kills[file, p.name], p.folder not in folders, p.seconds),
             )
 
     def try_mutant(self, mutant, place):
         start = time.monotonic()
-        verdict, by = self._verdict(mutant, place)
+        verdict, program = self._verdict(mutant, place)
         if verdict in ("killed", "endless"):
             with self.lock:
-                self.kills[mutant.file, by] += 1
-        return Outcome(mutant, verdict, by, time.monotonic() - start)
+                self.kills[mutant.file, program] += 1
+        return Outcome(mutant, verdict, program, time.monotonic() - start)
 
     def _verdict(self, mutant, place):
         bench = self.bench
@@ -104,9 +104,9 @@ class Campaign:
                 if verdict != "passed":
                     return ("killed" if verdict == "failed" else verdict), program.name
         if mutant.file.endswith(".hpp"):
-            tried, verdict, by = self._recompile_tests(mutant, place, overlay, changed, differs)
+            tried, verdict, program = self._recompile_tests(mutant, place, overlay, changed, differs)
             if verdict != "passed" or tried:
-                return ("survived" if verdict == "passed" else verdict), by
+                return ("survived" if verdict == "passed" else verdict), program
         if differs and self._differs_when_optimised(touched, mutant, place, overlay, changed):
             return "survived", ""
         return "unchanged", ""
@@ -129,7 +129,7 @@ class Campaign:
         return bool(objects)
 
     def _differs_when_optimised(self, units, mutant, place, overlay, changed):
-        """Whether an optimiser, which removes what has no effect, makes other code of it."""
+        """Whether the optimised code differs. An optimiser removes code without effect."""
         for unit in units:
             with self.lock:
                 if unit.object not in self.optimised:
@@ -148,8 +148,8 @@ class Campaign:
         return digest(target)
 
     def _recompile_tests(self, mutant, place, overlay, changed, differs):
-        """What a header has inline is part of the programs that include it. Returns whether it
-        changes any of them, then the verdict on the mutant and the program that it is from."""
+        """Compiles the test programs that include a changed header, which contain its inline procedures.
+        Returns whether any of them changes, the verdict, and the program that gave it."""
         bench = self.bench
         if not differs:
             bench.link_library(place, {})

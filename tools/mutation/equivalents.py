@@ -1,17 +1,17 @@
-"""The list of mutants that no caller can tell from the library, each with its reason.
+"""The list of equivalent mutants, which behave like the library for every caller, with reasons.
 
 An entry is a paragraph. Its first line names the module and the procedure. Then each line names an
-operator and what it changed, and, where several such changes of the procedure are equivalent, how many:
+operator and its change, with a count if several such changes of the procedure are equivalent:
 
     util screen::passes
     relational: > into >=
     constant x2: 7 into 8
-    Why no caller can tell, in one sentence or more.
+    The reason, in one sentence or more.
 
-So an entry stays true when code is laid out anew, moves within its module, or renames what is local. It
-becomes wrong, and the tool says so, when the procedure has fewer such changes than are listed, or when
-tests kill one that is counted. The procedure of what stands outside of all procedures is the name that is
-declared there, or a dash. Lines that begin with "#" are comments."""
+An entry stays valid when the code is reformatted, moves within its module, or renames local variables. It is
+wrong, and the tool reports it, when the procedure has fewer such changes than listed, or when tests kill one
+that the count includes. For code outside of procedures, the entry gives the declared name or a dash. Lines
+that begin with "#" are comments."""
 
 import collections
 import re
@@ -28,22 +28,22 @@ CHANGE = re.compile(
 
 @dataclass
 class Entry:
-    """How many mutants of one kind are equivalent, and where the list says so."""
+    """The number of equivalent mutants of one kind, and the place of the entry."""
 
     place: str
     count: int = 0
 
 
 def kind_of(mutant, sources):
-    """What an entry says of a mutant: module, procedure, operator and change."""
+    """The kind of a mutant, as entries name it: module, procedure, operator and change."""
     return module_of(mutant.file, sources) or "-", mutant.procedure or "-", mutant.operator, mutant.change
 
 
 class Judgement:
-    """What a list says of a run: which survivors it explains, and which entries are wrong."""
+    """Compares a list with a run: the explained survivors, the unexplained ones, and the wrong entries."""
 
     def __init__(self, listed, outcomes, mutants, sources):
-        self.explained, self.left, self.wrong = [], [], []
+        self.explained, self.unexplained, self.wrong = [], [], []
         existing = collections.Counter(kind_of(each, sources) for each in mutants)
         tried = collections.defaultdict(list)
         for each in outcomes:
@@ -56,24 +56,24 @@ class Judgement:
             if entry and len(survivors) <= entry.count:
                 self.explained += survivors
             else:
-                self.left += survivors
+                self.unexplained += survivors
 
     def _judge_entry(self, kind, entry, existing, group):
         words = "{} {}: {}: {}".format(*kind)
         if existing < entry.count:
             self.wrong.append(f"{entry.place}: {words}: lists {entry.count}, but {existing} exist")
             return
-        noticed = [each for each in group if each.verdict != "survived"]
-        if len(noticed) > existing - entry.count:
+        detected = [each for each in group if each.verdict != "survived"]
+        if len(detected) > existing - entry.count:
             self.wrong.append(
-                f"{entry.place}: {words}: lists {entry.count} of {existing}, but {len(noticed)} "
-                f"did not survive, one of them at line {noticed[0].mutant.line} "
-                f"({noticed[0].verdict} {noticed[0].by})".replace(" )", ")")
+                f"{entry.place}: {words}: lists {entry.count} of {existing}, but {len(detected)} "
+                f"did not survive, one of them at line {detected[0].mutant.line} "
+                f"({detected[0].verdict} {detected[0].program})".replace(" )", ")")
             )
 
 
 def read(path):
-    """The entries of a list by the kind of mutant that they are about."""
+    """The entries of a list, by kind of mutant."""
     listed = {}
     name = Path(path).name
     entry = []

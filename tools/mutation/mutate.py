@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Puts small faults into the library, one at a time, and shows which of them no test notices."""
+"""Changes the library by one small fault at a time and shows the faults that no test detects."""
 
 import argparse
 import collections
@@ -16,7 +16,7 @@ from workbench import ToolError, Workbench
 
 HERE = Path(__file__).resolve().parent
 
-# Folders whose programs do not call the library for its own sake.
+# Folders whose programs do not test the library itself.
 LEAVE_OUT = (
     "tests/unit/standin", "tests/pages", "tests/conformance", "tests/binary/abi", "tools/mutation",
     "tests/solver", "tests/bindings", "tests/threads",
@@ -28,21 +28,21 @@ def read_arguments():
     parser.add_argument("--root", type=Path, default=HERE.parents[1], help="the checkout")
     parser.add_argument("--build", type=Path, required=True, help="a Ninja build with its tests")
     parser.add_argument("--work", type=Path, help="where mutants are built (in the build)")
-    parser.add_argument("--sources", default="src/zktarn", help="what is mutated")
+    parser.add_argument("--sources", default="src/zktarn", help="the folder to mutate")
     parser.add_argument("--library", default="zktarn_util", help="the library's name")
     parser.add_argument("--equivalents", type=Path, default=HERE / "equivalent.txt")
     parser.add_argument("--files", nargs="+", default=[""], help="only files with one in the path")
-    parser.add_argument("--sample", type=int, help="so many mutants, drawn at random")
-    parser.add_argument("--seed", type=int, default=1, help="of the drawing")
+    parser.add_argument("--sample", type=int, help="the size of a random sample")
+    parser.add_argument("--seed", type=int, default=1, help="seed of the sample")
     parser.add_argument("--again", type=Path, help="only survivors of the report in this file")
-    parser.add_argument("--report", type=Path, help="where to write what became of each mutant")
+    parser.add_argument("--report", type=Path, help="the file for the outcome of each mutant")
     parser.add_argument("--jobs", type=int, default=1)
-    parser.add_argument("--least", type=float, default=0.0, help="percent that have to be killed")
+    parser.add_argument("--least", type=float, default=0.0, help="the percentage that must be killed")
     arguments = parser.parse_args()
     arguments.root, arguments.build = arguments.root.resolve(), arguments.build.resolve()
     arguments.work = (arguments.work or arguments.build / "mutation").resolve()
     if arguments.sample is not None and arguments.sample < 1 or arguments.jobs < 1:
-        parser.error("--sample and --jobs are numbers above 0")
+        parser.error("--sample and --jobs must be above 0")
     return arguments
 
 
@@ -58,17 +58,17 @@ def chosen(arguments, mutants):
     mutants = [m for m in mutants if any(part in m.file for part in arguments.files)]
     if arguments.again:
         lines = arguments.again.read_text().splitlines()
-        before = [json.loads(line) for line in lines]
-        survivors = {tuple(b["key"]) for b in before if b["verdict"] == "survived"}
+        earlier = [json.loads(line) for line in lines]
+        survivors = {tuple(each["key"]) for each in earlier if each["verdict"] == "survived"}
         mutants = [m for m in mutants if m.key() in survivors]
     if arguments.sample is not None and arguments.sample < len(mutants):
         mutants = random.Random(arguments.seed).sample(mutants, arguments.sample)
-    # Those of a file stand together, since its killers are learnt from the first of them.
+    # Mutants of a file are tried in sequence, because earlier ones show which programs kill.
     return sorted(mutants, key=lambda m: (m.file, m.start, m.end, m.replacement))
 
 
 class Reporter:
-    """Tells of each outcome: survivors on standard output, everything in the report."""
+    """Writes each outcome to the report file and prints the progress."""
 
     def __init__(self, arguments, total):
         self.file = open(arguments.report, "w") if arguments.report else None
@@ -80,7 +80,7 @@ class Reporter:
         if self.file:
             line = {
                 "key": mutant.key(), "line": mutant.line, "operator": mutant.operator,
-                "verdict": outcome.verdict, "by": outcome.by, "seconds": round(outcome.seconds, 3),
+                "verdict": outcome.verdict, "program": outcome.program, "seconds": round(outcome.seconds, 3),
             }  # fmt: skip
             self.file.write(json.dumps(line) + "\n")
             self.file.flush()
@@ -116,13 +116,13 @@ def show_table(outcomes, judgement):
     return total, counts["killed"] + counts["endless"]
 
 
-def complaints(judgement, name):
-    """Shows the survivors that no entry explains, and returns the sentences that say what is wrong."""
-    for each in judgement.left:
+def failures(judgement, name):
+    """Prints the unexplained survivors and returns a sentence for each reason to fail."""
+    for each in judgement.unexplained:
         show(each, sys.stdout)
-    if not judgement.left:
+    if not judgement.unexplained:
         return judgement.wrong
-    return [*judgement.wrong, f"{len(judgement.left)} mutants survived that {name} does not explain"]
+    return [*judgement.wrong, f"{len(judgement.unexplained)} mutants survived that {name} does not explain"]
 
 
 def main():
@@ -143,12 +143,12 @@ def main():
     reporter = Reporter(arguments, len(selected))
     outcomes = run_all(Campaign(bench, arguments.sources), selected, arguments.jobs, reporter)
     judgement = equivalents.Judgement(listed, outcomes, mutants, arguments.sources)
-    wrong = complaints(judgement, arguments.equivalents.name)
+    wrong = failures(judgement, arguments.equivalents.name)
     total, killed = show_table(outcomes, judgement)
     percent = 100.0 * killed / total if total else 0.0
     print(f"{percent:.1f} % of {total} mutants killed, in {time.monotonic() - start:.0f} s")
     if percent < arguments.least:
-        wrong.append(f"{percent:.1f} % of the mutants were killed, and not {arguments.least} %")
+        wrong.append(f"{percent:.1f} % of the mutants were killed, fewer than {arguments.least} %")
     for each in wrong:
         print(f"mutate.py: {each}", file=sys.stderr)
     return 1 if wrong else 0

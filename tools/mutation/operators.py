@@ -1,4 +1,4 @@
-"""Small faults to put into C++ sources, one at a time."""
+"""Mutation operators: the small faults that are put into C++ sources."""
 
 from collections import Counter
 from dataclasses import dataclass, replace
@@ -42,13 +42,12 @@ class Mutant:
         return text[: self.start] + self.replacement + text[self.end :]
 
     def key(self):
-        """What tells it from all other mutants: the lines as they are and as they become, and which
-        of several such places it is."""
+        """Identifies the mutant: file, lines before and after, and the number among equal changes."""
         return self.file, squeeze(self.before), squeeze(self.after), self.occurrence
 
 
 def change_of(operator, before, after):
-    """What the operator did, in words that mention no name of the source."""
+    """Describes the change without names of the source."""
     fixed = {"condition": "negated", "statement": "deleted", "arguments": "swapped"}
     if operator in fixed:
         return fixed[operator]
@@ -60,7 +59,7 @@ def squeeze(text):
 
 
 def mutants_of(file, text):
-    """Every mutant of a source, in the order of the text."""
+    """All mutants of a source, in the order of the text."""
     source = Source(text)
     found = []
 
@@ -157,8 +156,8 @@ def _negate_condition(source, index, add):
         source.tokens[each].text in RELATIONAL and source.is_spaced(each)
         for each in range(first, closing)
     )
-    # Of a single comparison there is a mutant with the opposite one, and of a negated condition one
-    # without the negation. What declares something cannot be put in brackets.
+    # Other operators already negate a single comparison and drop a negation. A declaration cannot be
+    # put in brackets.
     single = relations == 1 and not any(text in LOGICAL for text in texts)
     negated = texts[0] == "!" and (
         first + 1 in source.partner and source.partner[first + 1] == closing - 1
@@ -185,11 +184,11 @@ def _swap_arguments(source, index, add):
     pairs = list(zip(parts, parts[1:]))
     for (a, a_end), (b, b_end) in pairs[before.text in SYMMETRIC :]:
         start, end = source.tokens[a].start, source.tokens[b_end - 1].end
-        left = source.text[start : source.tokens[a_end - 1].end]
-        right = source.text[source.tokens[b].start : end]
-        between = source.text[start + len(left) : source.tokens[b].start]
-        if left != right:
-            add("arguments", start, end, right + between + left)
+        first = source.text[start : source.tokens[a_end - 1].end]
+        second = source.text[source.tokens[b].start : end]
+        between = source.text[start + len(first) : source.tokens[b].start]
+        if first != second:
+            add("arguments", start, end, second + between + first)
 
 
 def _begins_statement(source, index):
@@ -210,12 +209,12 @@ def _delete_statement(source, index, add):
         end = source.partner.get(end, end) + 1
         if end >= len(source.tokens) or source.tokens[end].text in ("}", ",", ")"):
             return
-    if _can_go(source, index, end):
+    if _is_deletable(source, index, end):
         add("statement", source.tokens[index].start, source.tokens[end].start, "")
 
 
-def _can_go(source, first, last):
-    """Whether the code still means something without the statement."""
+def _is_deletable(source, first, last):
+    """Whether the code can compile without the statement."""
     words = source.texts(first, last)
     if not words:
         return False
@@ -228,7 +227,7 @@ def _can_go(source, first, last):
         "using", "else", "struct", "static_assert", "typedef", "try",
     ):
         return False
-    # A declaration has a name right behind a type, before anything that only expressions have.
+    # In a declaration a name follows a type, before any token that only expressions contain.
     for index in range(first, last):
         text = source.tokens[index].text
         if text in ("=", "(", ".", "->", "[", "++", "--") or text in ASSIGNING:

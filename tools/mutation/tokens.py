@@ -1,4 +1,4 @@
-"""C++ source as tokens, with what brackets, statements and scopes they belong to."""
+"""C++ source as tokens, with their brackets, scopes and procedures."""
 
 import bisect
 import re
@@ -28,11 +28,11 @@ class Token:
     end: int
     in_body: bool = False
     masked: bool = False
-    procedure: str = ""  # what it belongs to: see Source._find_procedures
+    procedure: str = ""  # see Source._find_procedures
 
 
 class Source:
-    """The tokens of a file that are neither space nor comment, and how they nest."""
+    """The tokens of a file without space and comments, and their nesting."""
 
     def __init__(self, text):
         self.text = text
@@ -52,18 +52,18 @@ class Source:
         return bisect.bisect_right(self._line_starts, offset)
 
     def procedure_at(self, offset):
-        """The name of the procedure that the token at an offset belongs to."""
+        """The name of the procedure that contains the token at an offset."""
         index = bisect.bisect_right(self._token_starts, offset) - 1
         return self.tokens[index].procedure
 
     def lines_from(self, start, end):
-        """The text of the whole lines that [start, end) touches."""
+        """The complete lines that overlap [start, end)."""
         first = self._line_starts[self.line_of(start) - 1]
         last = self.text.find("\n", max(start, end - 1))
         return self.text[first : last if last >= 0 else len(self.text)]
 
     def is_spaced(self, index):
-        """Whether there is space on both sides, as the formatter puts around binary operators."""
+        """Whether there is space on both sides, where the formatter puts it around binary operators."""
         token = self.tokens[index]
         around = self.text[token.start - 1 : token.start], self.text[token.end : token.end + 1]
         return all(each.isspace() for each in around)
@@ -72,7 +72,7 @@ class Source:
         return [token.text for token in self.tokens[first:last]]
 
     def arguments(self, opening):
-        """Ranges [first, last) of tokens between the commas of a bracket."""
+        """The token ranges [first, last) between the commas of a bracket."""
         parts = []
         first = index = opening + 1
         closing = self.partner[opening]
@@ -96,7 +96,7 @@ class Source:
             if token.text in CLOSING:
                 stack.append(index)
             elif token.text == "]]" and self.tokens[stack[-1]].text == "[":
-                # The end of a subscript within a subscript; such a token ends both.
+                # A ]] that is not an attribute's closes two nested subscripts.
                 partner[stack.pop()] = index
                 partner[stack.pop()] = index
             elif token.text in CLOSING.values():
@@ -109,8 +109,7 @@ class Source:
         return partner
 
     def _mask(self):
-        """Marks what is no code that runs: it either does not compile when it is changed, or
-        changes nothing that could be seen."""
+        """Masks tokens of code that does not run: a change would not compile or would have no effect."""
         for index, token in enumerate(self.tokens):
             following = self.tokens[index + 1].text if index + 1 < len(self.tokens) else ""
             if token.text == "[[":
@@ -142,10 +141,10 @@ class Source:
             depth += {"<": 1, ">": -1, ">>": -2}.get(text, 0)
             if depth <= 0:
                 return index
-        raise ValueError("a list of template parameters has no end")
+        raise ValueError("a list of template parameters is not closed")
 
     def _find_bodies(self):
-        """Tells the code of procedures from what stands in types and namespaces."""
+        """Separates the bodies of procedures from the members of types and namespaces."""
         scopes = ["outside"]
         self._scopes = {}
         head = 0
@@ -162,9 +161,9 @@ class Source:
                 head = index + 1
 
     def _find_procedures(self):
-        """Gives each token the name of the procedure that it belongs to: parameters, the list of
-        initialisers and lambdas included, and preceded by the names of the types around it. Outside of
-        procedures it is the name of the variable or type that is declared."""
+        """Gives each token the name of its procedure, qualified by the enclosing types. Parameters, member
+        initialisers and lambdas are part of a procedure. Outside of procedures the name is that of the
+        declared variable or type."""
         self._name_declarations(0, len(self.tokens), ())
 
     def _name_declarations(self, first, last, types):
@@ -198,7 +197,7 @@ class Source:
             token.procedure = "::".join(each for each in names if each)
 
     def _without_attributes(self, first, last):
-        """The indices of the tokens that are part of neither attributes nor lists in angles."""
+        """The indices of the tokens outside of attributes and template lists."""
         index = first
         while index < last:
             text = self.tokens[index].text
@@ -213,14 +212,13 @@ class Source:
                 index += 1
 
     def _declared_type(self, first, last):
-        """The name of the type whose members follow, or nothing."""
+        """The name of the type whose members follow, or an empty text."""
         words = [self.tokens[k].text for k in self._without_attributes(first, last)]
         heads = [k for k, word in enumerate(words) if word in TYPE_HEADS]
         return next((word for word in words[heads[-1] + 1 :] if word != "class"), "") if heads else ""
 
     def _declared(self, first, last):
-        """The name of a procedure, which is before its parameters, or of a variable, which is before
-        its value."""
+        """The name of the declared procedure or variable: the word before its parameters or its value."""
         name = ""
         for index in self._without_attributes(first, last):
             token = self.tokens[index]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of the tool: which mutants it makes of a text, and what it reports on those of a sample."""
+"""Tests of the tool: the mutants of a text, and the report on a sample library."""
 
 import argparse
 import re
@@ -35,14 +35,14 @@ def body(code):
 
 
 class Operators(unittest.TestCase):
-    def test_a_comparison_moves_its_boundary_and_is_turned_round(self):
+    def test_a_comparison_moves_its_boundary_and_is_reversed(self):
         self.assertEqual(
             changes("bool b = x < y;") + changes("bool b = x >= y;") + changes("bool b = x == y;"),
             ["bool b = x <= y;", "bool b = x >= y;", "bool b = x < y;", "bool b = x > y;",
              "bool b = x != y;"],
         )  # fmt: skip
 
-    def test_brackets_of_templates_are_no_comparisons(self):
+    def test_brackets_of_templates_are_not_comparisons(self):
         self.assertEqual(changes(body("g(static_cast<int>(x), h<T>());"), "relational"), [])
 
     def test_arithmetic_turns_into_its_opposite(self):
@@ -51,7 +51,7 @@ class Operators(unittest.TestCase):
             ["int k = a - b;", "int k = a / b;", "int k = a >> b;"],
         )
 
-    def test_pointers_and_references_are_no_arithmetic(self):
+    def test_pointers_and_references_are_not_arithmetic(self):
         self.assertEqual(changes("int* p(const int& a, int&& b, T* const c);"), [])
 
     def test_signs_and_negations_are_dropped(self):
@@ -60,7 +60,7 @@ class Operators(unittest.TestCase):
             ["bool b = c;", "int k = a;", "int k = a;"],
         )
 
-    def test_constants_become_one_more_and_one_less(self):
+    def test_constants_are_changed_by_one(self):
         self.assertEqual(
             changes("int k = 7;") + changes("double x = 0.0;") + changes("double x = 0x1p-3;")
             + changes("bool b = true;"),
@@ -71,7 +71,7 @@ class Operators(unittest.TestCase):
     def test_texts_comments_and_directives_have_no_mutants(self):
         self.assertEqual(changes('#if A < 7\n// a + 1\n/* b - 2 */ const char* t = "3 < 4";'), [])
 
-    def test_what_is_decided_by_the_compiler_has_no_mutants(self):
+    def test_code_for_the_compiler_only_has_no_mutants(self):
         self.assertEqual(
             changes(
                 "static_assert(sizeof(x) == 8);\ntemplate <class T, int n = 2> struct s;\n"
@@ -84,7 +84,7 @@ class Operators(unittest.TestCase):
     def test_prefetching_has_no_mutants(self):
         self.assertEqual(changes(body("__builtin_prefetch(p + 1, 1);"), "arithmetic"), [])
 
-    def test_conditions_are_negated_where_no_other_mutant_does_it(self):
+    def test_conditions_are_negated_unless_another_mutant_does_it(self):
         self.assertEqual(changes(body("if (a && b) {\ng();\n}"), "condition"), ["if (!(a && b)) {"])
         self.assertEqual(changes(body("while (is(a)) {\ng();\n}"), "condition"),
                          ["while (!(is(a))) {"])  # fmt: skip
@@ -111,7 +111,7 @@ class Operators(unittest.TestCase):
         )
         self.assertEqual(changes(body("return {a, b};"), "arguments"), ["return {b, a};"])
 
-    def test_arguments_of_which_the_order_does_not_matter_stay(self):
+    def test_arguments_of_symmetric_procedures_are_not_swapped(self):
         self.assertEqual(changes(body("k = std::min(a, b) + h(c, c);"), "arguments"), [])
         self.assertEqual(
             changes(body("k = real_gcd(a, b, c);"), "arguments"), ["k = real_gcd(a, c, b);"]
@@ -124,7 +124,7 @@ class Operators(unittest.TestCase):
         (mutant,) = (m for m in mutants_of("x", body("g(a,\n  b);")) if m.operator == "statement")
         self.assertEqual((mutant.line, mutant.before, mutant.after), (2, "g(a,\n  b);", ";"))
 
-    def test_places_with_the_same_change_are_told_apart(self):
+    def test_equal_changes_are_numbered(self):
         mutants = mutants_of("x", "int a = 1;\nint b = 2;\nint a = 1;\n")
         self.assertEqual(
             [m.occurrence for m in mutants if m.after == "int a = 0;"], [1, 2]
@@ -157,12 +157,12 @@ int after = 9;
 
 
 class Kinds(unittest.TestCase):
-    """What entries of the list of equivalent mutants are about."""
+    """Kinds of mutants, by which the list of equivalent mutants names them."""
 
     def kinds(self, text, file="src/zktarn/util/some.cpp"):
         return {equivalents.kind_of(m, "src/zktarn") for m in mutants_of(file, text)}
 
-    def test_a_mutant_belongs_to_its_procedure_with_the_types_around_it(self):
+    def test_a_mutant_belongs_to_its_procedure_and_the_enclosing_types(self):
         found = {(change.split()[0], procedure)
                  for _, procedure, operator, change in self.kinds(NAMES) if operator == "constant"}
         self.assertEqual(found, {
@@ -171,7 +171,7 @@ class Kinds(unittest.TestCase):
             ("8", "total"), ("9", "after"),
         })  # fmt: skip
 
-    def test_a_folder_for_details_belongs_to_the_module_around_it(self):
+    def test_a_detail_folder_belongs_to_its_module(self):
         for file, module in (("util/detail/a.hpp", "util"), ("a.hpp", "-"), ("detail/a.hpp", "-")):
             (kind, *_) = self.kinds("int k = 1;", f"src/zktarn/{file}")
             self.assertEqual(kind[0], module)
@@ -250,7 +250,7 @@ class Tool(unittest.TestCase):
                                       r"lists 1, but 0 exist")  # fmt: skip
 
     def test_an_entry_that_is_killed_fails(self):
-        entry = "sums steps\nassignment: += into -=\nNobody counts.\n"
+        entry = "sums steps\nassignment: += into -=\nThe count is unused.\n"
         done = self.run_tool((SAMPLE / "equivalent.txt").read_text() + "\n" + entry)
         self.assertEqual(done.returncode, 1)
         self.assertRegex(done.stderr, r"lists 1 of 1, but 1 did not survive, one of them at line 17 "
@@ -280,7 +280,7 @@ class Tool(unittest.TestCase):
     def test_too_few_kills_fail(self):
         done = self.run_tool(SAMPLE / "equivalent.txt", "--least", "99")
         self.assertEqual(done.returncode, 1)
-        self.assertRegex(done.stderr, r"\d+\.\d % of the mutants were killed, and not 99\.0 %")
+        self.assertRegex(done.stderr, r"\d+\.\d % of the mutants were killed, fewer than 99\.0 %")
 
     def test_a_sample_is_the_same_each_time(self):
         runs = [

@@ -1,9 +1,9 @@
-"""Compiles mutants, links them under the programs that test them, and runs those.
+"""Compiles mutants, links them into a shared library, and runs the test programs with it.
 
-A workbench stands on a Ninja build of the project with its tests. Objects of tests are taken from
-there as they are, and each program is linked anew, once, with a shared library in which every
-symbol is visible. So what a mutant costs is the compilation of what it touches, one link of a small
-library, and the runs. Nothing is written but to the workbench's own folder.
+A workbench uses a Ninja build of the project with its tests. It takes the objects of the tests from
+that build and links each program once, with a shared library in which every symbol is visible. A
+mutant then costs the compilation of the objects it changes, one link of a small library, and the
+runs. The workbench writes only to its own folder.
 """
 
 import hashlib
@@ -20,20 +20,20 @@ import time
 from dataclasses import dataclass, field
 from pathlib import Path
 
-# What the library is called among the arguments of a linker, and where a test finds it at run time.
+# The file name of the shared library, for the linker and at run time.
 SONAME = "lib{}.so.1"
 
-# Makes the standard library refuse an index that is out of range.
+# Makes the standard library abort on an index that is out of range.
 CHECKED = "-D_GLIBCXX_ASSERTIONS"
 
 
 class ToolError(Exception):
-    """What keeps the tool from working, in a sentence."""
+    """An error that stops the tool; the text is one sentence."""
 
 
 @dataclass
 class Unit:
-    """The compilation of one source, by the build's own command."""
+    """One source with its compile command in the build."""
 
     command: list
     source: str
@@ -43,7 +43,7 @@ class Unit:
 
 @dataclass
 class Program:
-    """A test program: how it is linked and started, and how long it runs when nothing is wrong."""
+    """A test program: its link command, its arguments, and its time without mutants."""
 
     name: str
     folder: str
@@ -73,8 +73,8 @@ def digest(path):
 
 
 def module_of(file, sources):
-    """The folder of a source in the library, or "" for what lies beside the modules. What is in a folder
-    detail/ belongs to the module around it."""
+    """The module of a source, or "" for a file beside the modules. detail/ belongs to the module around
+    it."""
     folders = Path(os.path.relpath(file, sources)).parts[:-1]
     return folders[0] if folders and folders[0] != "detail" else ""
 
@@ -96,7 +96,7 @@ class Workbench:
         self.library_units, self.test_units = self._read_units()
         self.programs = self._read_programs(leave_out)
 
-    # What the build knows
+    # Reading the build
 
     def _read_units(self):
         included = self._read_includes()
@@ -107,7 +107,7 @@ class Workbench:
             file = os.path.relpath(entry["file"], self.root)
             unit = Unit(command, file, target_object, included.get(target_object, frozenset()))
             if file.startswith(self.sources + "/"):
-                # Tests may compile the library once more, by other rules.
+                # Some tests compile the library again with other options.
                 if not target_object.startswith("tests/"):
                     library.append(unit)
             elif file.startswith("tests/"):
@@ -117,7 +117,7 @@ class Workbench:
         return library, tests
 
     def _read_includes(self):
-        """For each object, the files of the project that it was compiled from."""
+        """The files of the project that each object includes."""
         included = {}
         for line in must(["ninja", "-t", "deps"], "ninja", self.build).splitlines():
             if line and not line[0].isspace():
@@ -141,8 +141,8 @@ class Workbench:
             marker = f" -o {path} "
             link = next(each for each in commands if marker in each)
             words = shlex.split(link.split(" && ")[1])
-            ours = [w for w in words if Path(w).name.split(".")[0] == f"lib{self.library}"]
-            if ours:
+            libraries = [w for w in words if Path(w).name.split(".")[0] == f"lib{self.library}"]
+            if libraries:
                 folder, name = path.rsplit("/", 1)
                 programs.append(
                     Program(name, folder, words, owners[path], self._arguments(folder, name))
@@ -154,10 +154,10 @@ class Workbench:
             return [str(self.root / folder / f"{name[: -len('_replay')]}.seeds")]
         return ["--gtest_brief=1", "--gtest_fail_fast", "--gtest_print_time=0"]
 
-    # The state without mutants
+    # The baseline without mutants
 
     def prepare(self):
-        """Builds everything as it is and sees it pass. Returns the seconds it took."""
+        """Builds the baseline and runs all programs, which must pass. Returns the seconds it took."""
         start = time.monotonic()
         self._precompile()
         self.baseline, self.baseline_of_tests = {}, {}
@@ -173,7 +173,7 @@ class Workbench:
 
     def _prepare_program(self, program, bench):
         for unit in program.units:
-            # Who looks for the library by its path shall find the one of the mutant instead.
+            # A test that loads the library by its path must load the mutant.
             if any("_LIBRARY=" in word for word in unit.command):
                 target = self.work / "objects" / f"{program.name}.{Path(unit.object).name}"
                 must(self.compile_command(unit, unit.command[-1], target), unit.source, self.build)
@@ -184,10 +184,10 @@ class Workbench:
         verdict, output = self.run(program, executable, bench, limit=120)
         program.seconds = time.monotonic() - start
         if verdict != "passed":
-            raise ToolError(f"{program.name} fails without any mutant: {output.strip()[-2000:]}")
+            raise ToolError(f"{program.name} fails without a mutant: {output.strip()[-2000:]}")
 
     def _precompile(self):
-        """Headers from elsewhere, which are most of what a compiler reads here."""
+        """Precompiles the headers of the standard library, most of the text of each source."""
         names = {
             name
             for each in (self.root / self.sources).rglob("*.[ch]pp")
@@ -204,7 +204,7 @@ class Workbench:
         self.precompiled = header
 
     def place(self, name):
-        """A folder for one mutant at a time."""
+        """A folder in which one thread tries its mutants."""
         bench = self.work / name
         bench.mkdir(exist_ok=True)
         return bench
@@ -219,13 +219,13 @@ class Workbench:
         if overlay is not None:
             command.insert(1, f"-I{overlay}")
         command += ["-w", level]
-        # What is compiled beforehand is of use at the same level only.
+        # Precompiled headers are valid for one optimisation level only.
         if level == "-O0" and unit in self.library_units:
             command[1:1] = ["-include", str(self.precompiled), CHECKED]
         return [*command, "-o", str(target), "-c", str(source)]
 
     def link_library(self, bench, objects):
-        """Links the library of a mutant: its own objects in place of those of the baseline."""
+        """Links the library of a mutant: its objects replace those of the baseline."""
         files = [objects.get(key, path) for key, path in self.baseline.items()]
         compiler = self.library_units[0].command
         flags = [each for each in compiler if each.startswith("-fsanitize")]
@@ -238,7 +238,7 @@ class Workbench:
     def link_program(self, program, bench, executable, objects):
         replaced = {**program.replaced, **objects}
         words = [str(replaced.get(word, word)) for word in program.link]
-        # A shared library takes all of the host, where a static one takes what is called.
+        # The shared library refers to all operations of the host, so the archives are linked completely.
         archives = dict.fromkeys(w for w in words if w.startswith("tests/") and w.endswith(".a"))
         words = [w for w in words if w not in archives]
         words = [
@@ -251,23 +251,23 @@ class Workbench:
         words[words.index("-o") + 1] = str(executable)
         must(words, f"linking {program.name}", self.build)
 
-    # Runs
+    # Running
 
     def run(self, program, executable, bench, limit=None):
         """Returns "passed", "failed" or "endless", and what was printed.
 
-        The limit is on the time of the processor, which does not depend on who else uses it."""
+        The limit is on processor time, which does not depend on the load of the machine."""
         seconds = limit or math.ceil(1 + 5 * program.seconds)
         environment = dict(
             os.environ,
             LD_LIBRARY_PATH=str(bench),
             ZKTARN_TEST_SCALE=os.environ.get("ZKTARN_TEST_SCALE", "0.02"),
-            # New and released memory is full of what nobody wrote.
+            # Fills new and released memory with a nonzero byte.
             MALLOC_PERTURB_="165",
         )
 
         def limited():
-            # A shell that started this in the background has it ignored.
+            # A shell ignores SIGINT in processes that it starts in the background.
             signal.signal(signal.SIGINT, signal.SIG_DFL)
             resource.setrlimit(resource.RLIMIT_CPU, (seconds, seconds + 1))
             resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
@@ -285,7 +285,7 @@ class Workbench:
             except subprocess.TimeoutExpired:
                 code = None
             if code != 0:
-                # What it started, such as the copies that death tests make, ends with it.
+                # Also ends child processes, such as those of death tests.
                 try:
                     os.killpg(process.pid, 9)
                 except ProcessLookupError:
