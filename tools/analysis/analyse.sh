@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Runs the static analysers over the library and the stand-in: clang-tidy, cppcheck and GCC's own, and
-# clang-tidy and GCC's again over what a checked build compiles. Fails at the first analyser that has a
-# finding, or that misses a defect planted for it.
+# Runs clang-tidy, cppcheck and GCC's analyser over the library and the stand-in, and clang-tidy and GCC's
+# again over the code of a checked build. Fails at the first analyser that reports a finding or misses its
+# planted defect.
 set -euo pipefail
 
 fail() { echo "analyse.sh: $*" >&2 && exit 1; }
@@ -12,7 +12,7 @@ fi
 build=$1
 jobs=$2
 tidy=$3
-command -v "$tidy" >/dev/null || fail "there is no $tidy"
+command -v "$tidy" >/dev/null || fail "$tidy is not installed"
 [[ $build == /* ]] || build=$PWD/$build
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
@@ -20,16 +20,16 @@ broken=tools/analysis/broken
 flags=(-std=c++20 -I src -I standin/include -I standin/src)
 checked=-DZKTARN_CHECKED
 
-# refuses WORD COMMAND...: the command has to fail on the planted defect and to name WORD.
+# refuses WORD COMMAND...: the command must fail on the planted defect and print WORD.
 refuses() {
-    local word=$1 said
+    local word=$1 output
     shift
-    if said=$("$@" 2>&1) || [[ $said != *"$word"* ]]; then
-        fail "$1 does not find $word, which is planted for it"
+    if output=$("$@" 2>&1) || [[ $output != *"$word"* ]]; then
+        fail "$1 does not find the planted $word"
     fi
 }
 
-# accepts COMMAND...: without checks the same file has no defect, and the command may report none.
+# accepts COMMAND...: the command must report nothing, because the file has no defect without checks.
 accepts() {
     "$@" >/dev/null 2>&1 || fail "$1 reports a defect that only a checked build has"
 }
@@ -46,8 +46,8 @@ cppcheck_them() {
         -j "$jobs" -I src -I standin/include "$@"
 }
 
-# GCC 12 analyses neither exceptions nor containers of C++, and the stand-in uses both, so it analyses the
-# library alone. Its warning about shift counts takes the elements of a SIMD vector for the whole vector.
+# GCC 12 analyses neither exceptions nor containers of C++, which the stand-in uses, so it analyses only the
+# library. Its warning about shift counts confuses the elements of a SIMD vector with the whole vector.
 analyzing=("${flags[@]}" -DZKTARN_BUILDING -O2 -fno-exceptions -fno-rtti -fanalyzer -Werror
     -Wno-analyzer-shift-count-overflow -c -o /dev/null)
 
@@ -57,7 +57,7 @@ analyze_one() { "$analyzer" "${analyzing[@]}" "$@"; }
 # analyze_them [OPTION...] < FILES
 analyze_them() { xargs -P "$jobs" -n 1 "$analyzer" "${analyzing[@]}" "$@"; }
 
-# On a Mac g++ is Clang, which has no such option.
+# On a Mac g++ is Clang, which has no -fanalyzer.
 analyzer=
 if g++ -fanalyzer -x c++ -fsyntax-only /dev/null 2>/dev/null; then
     analyzer=g++
@@ -77,7 +77,7 @@ if [ -n "$analyzer" ]; then
     refuses use-after-free analyze_one "$broken/checked.cpp" "$checked"
     accepts analyze_one "$broken/checked.cpp"
 fi
-echo "planted: each analyser finds its defect, and the one inside a check"
+echo "planted: each analyser finds its defect and the one inside a check"
 
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DCMAKE_CXX_COMPILER=clang++ \
     -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null

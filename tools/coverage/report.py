@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Reports the coverage of a finished test run, file by file, and fails where it falls short.
+"""Reports the coverage of a finished test run for each file, and fails if a file is below its limit.
 
 Reads the raw profiles of the coverage build, merges them over all test programs and libraries, and
 prints lines, branches and conditions (MC/DC) of each source file of the project. exclusions.txt lists
@@ -19,10 +19,10 @@ HERE = Path(__file__).resolve().parent
 MEASURES = ("lines", "branches", "mcdc")
 # A procedure in the tables of llvm-cov: its linker name, and three columns for each measure.
 PROCEDURE = re.compile(r"^(\S+)" + r" +(\d+) +(\d+) +[\d.]+%" * 4 + "$", re.MULTILINE)
-# The folders whose files are reported, and the percentage of each file that has to be covered.
+# The reported folders, and the percentage of each file that must be covered.
 LEAST = {"src/zktarn": 100, "standin": 95}
 COMMENT = re.compile(r"//.*")
-# Parameters or a condition, and then a body.
+# Matches a body after parameters or a condition.
 CODE = re.compile(r"\)\s*((const|noexcept|override)\s*)*\{")
 
 
@@ -31,13 +31,13 @@ def fail(sentence):
 
 
 def tool(compiler, name):
-    """The LLVM tool that belongs to a compiler: same folder, same version suffix."""
+    """The LLVM tool with the folder and version suffix of the compiler."""
     folder, base = os.path.split(compiler)
     return os.path.join(folder, base.replace("clang++", name))
 
 
 def instrumented(build):
-    """The libraries, and the test programs, which have the code of the headers."""
+    """The libraries, and the test programs, which contain the code of headers."""
     libraries = []
     for pattern in ("so", "dylib"):
         libraries += glob.glob(f"{build}/src/zktarn/libzktarn_util.{pattern}")
@@ -62,7 +62,7 @@ def merge_profiles(build, compiler):
 
 
 def llvm_cov(build, compiler, action, *arguments):
-    """What llvm-cov prints about everything that ran."""
+    """The output of llvm-cov for all libraries and programs."""
     first, *others = instrumented(build)
     command = [tool(compiler, "llvm-cov"), *action, "--show-mcdc-summary",
                f"--instr-profile={build}/profiles/all.profdata", first]
@@ -72,19 +72,19 @@ def llvm_cov(build, compiler, action, *arguments):
 
 
 def missed_by(table, procedure):
-    """What a procedure misses of each measure, by the table of the procedures of a file; or None."""
+    """The uncovered lines, branches and conditions of a procedure in llvm-cov's table, or None."""
     linked = f"{len(procedure)}{procedure}"
     found = None
     for name, *columns in PROCEDURE.findall(table):
         if name == procedure or linked in name:
-            # Of regions, lines, branches and conditions the last three are measured.
+            # The columns are regions, lines, branches and conditions; regions are not measured.
             missed = [int(each) for each in columns[3::2]]
             found = [a + b for a, b in zip(found or [0, 0, 0], missed)]
     return found
 
 
 def coverage_of(files, project):
-    """For each file of the library and the stand-in, by its path in the project: its counts."""
+    """The counts of each file of the library and the stand-in, by its path in the project."""
     found = {}
     for entry in sorted(files, key=lambda e: e["filename"]):
         name = os.path.relpath(entry["filename"], project)
@@ -103,7 +103,7 @@ def row(name, counts):
 
 
 def files_with_code(project, folder):
-    """The paths, in the project, of a folder's files in which something has a body."""
+    """The paths, in the project, of a folder's files that contain code."""
     return [
         str(path.relative_to(project)) for path in sorted((project / folder).rglob("*.?pp"))
         if CODE.search(COMMENT.sub("", path.read_text(encoding="utf-8")))
@@ -111,8 +111,8 @@ def files_with_code(project, folder):
 
 
 def read_exclusions(path):
-    """The excluded files and procedures, each a line `file: reason` or `file procedure: reason`; of
-    each the file and the procedure, which is empty where the whole file is excluded."""
+    """Reads lines `file: reason` and `file procedure: reason`. Returns pairs (file, procedure); the
+    procedure is empty if the whole file is excluded."""
     excluded = []
     for line in path.read_text(encoding="utf-8").splitlines():
         if not line or line.startswith("#"):
@@ -126,13 +126,13 @@ def read_exclusions(path):
 
 
 def excuse(coverage, procedures, table_of):
-    """Takes what excluded procedures miss out of the counts of their files. Returns the exclusions
-    that excuse nothing."""
+    """Subtracts the uncovered code of excluded procedures from the counts of their files. Returns a
+    sentence for each exclusion that is not needed."""
     stale = []
     for file, procedure in procedures:
         missed = missed_by(table_of(file), procedure) if file in coverage else None
         if not missed or not any(missed):
-            stale.append(f"{procedure} of {file} is excluded for nothing")
+            stale.append(f"{procedure} of {file} needs no exclusion")
             continue
         coverage[file] = [{"covered": c["covered"], "count": c["count"] - less}
                           for c, less in zip(coverage[file], missed)]
@@ -140,7 +140,7 @@ def excuse(coverage, procedures, table_of):
 
 
 def shortfall(counts, least):
-    """What a file lacks: a percentage of its lines and branches or, at 100, of its conditions too."""
+    """How a file misses its limit on lines and branches, and on conditions if the limit is 100."""
     if counts is None:
         return "not counted"
     measured = MEASURES if least == 100 else MEASURES[:2]
@@ -149,14 +149,14 @@ def shortfall(counts, least):
 
 
 def findings(coverage, project, excluded):
-    """What is wrong with files and exclusions, a line each."""
+    """A sentence for each file below its limit and each exclusion that is not needed."""
     lacking = {}
     for folder, least in LEAST.items():
         counted = {name for name in coverage if name.startswith(f"{folder}/")}
         for name in sorted(counted.union(files_with_code(project, folder))):
             lacking[name] = shortfall(coverage.get(name), least)
     wrong = [f"{n} is {lack}" for n, lack in lacking.items() if lack and n not in excluded]
-    return wrong + [f"{n} is excluded for nothing" for n in excluded if not lacking.get(n)]
+    return wrong + [f"{n} needs no exclusion" for n in excluded if not lacking.get(n)]
 
 
 def main():

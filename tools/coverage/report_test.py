@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of the coverage tool: what its report objects to, and which compilations fail."""
+"""Tests of the coverage tool: the findings of its report, and the compilations that fail."""
 
 import subprocess
 import tempfile
@@ -14,7 +14,7 @@ DECLARATION = "// The body of twice(x) { ... } is elsewhere.\nint twice(int x) n
 
 
 def counts(lines, branches=100, conditions=100):
-    """Counts of a file of which so many of 100 are covered."""
+    """Counts of a file, each out of 100."""
     return [{"covered": covered, "count": 100} for covered in (lines, branches, conditions)]
 
 
@@ -52,17 +52,17 @@ class Project(unittest.TestCase):
         self.assertEqual(self.findings(standin=counts(95, 94)),
                          ["standin/src/code.cpp is below 95 % of its branches"])
 
-    def test_a_file_with_code_and_without_counts_is_missed(self):
+    def test_a_file_with_code_but_without_counts_is_reported(self):
         self.write("src/zktarn/forgotten.hpp", FUNCTION)
         self.assertEqual(self.findings(), ["src/zktarn/forgotten.hpp is not counted"])
         self.assertEqual(self.findings(excluded=["src/zktarn/forgotten.hpp"]), [])
 
-    def test_an_excluded_file_may_fall_short(self):
+    def test_an_excluded_file_may_be_below_its_limit(self):
         self.assertEqual(self.findings(library=counts(99), excluded=["src/zktarn/code.hpp"]), [])
 
-    def test_an_exclusion_that_excuses_nothing_is_stale(self):
-        for name in ("src/zktarn/code.hpp", "src/zktarn/declaration.hpp", "src/zktarn/gone.hpp"):
-            self.assertEqual(self.findings(excluded=[name]), [f"{name} is excluded for nothing"])
+    def test_an_exclusion_that_is_not_needed_is_reported(self):
+        for name in ("src/zktarn/code.hpp", "src/zktarn/declaration.hpp", "src/zktarn/missing.hpp"):
+            self.assertEqual(self.findings(excluded=[name]), [f"{name} needs no exclusion"])
 
     def test_an_exclusion_has_a_reason(self):
         path = self.write("exclusions.txt", "# comment\n\na.hpp: for a reason\n")
@@ -84,26 +84,26 @@ TOTAL                11       1  90.91%         5       1  80.00%         6     
 
 
 class Procedures(unittest.TestCase):
-    """Procedures that are excluded, and nothing else of their files."""
+    """Exclusions of single procedures."""
 
     def excuse(self, name, procedure):
         coverage = {"src/zktarn/code.hpp": counts(99, 97, 98)}
         stale = report.excuse(coverage, [(name, procedure)], lambda file: TABLE)
-        left = [c["count"] - c["covered"] for c in coverage["src/zktarn/code.hpp"]]
-        return stale, left
+        uncovered = [c["count"] - c["covered"] for c in coverage["src/zktarn/code.hpp"]]
+        return stale, uncovered
 
-    def test_what_an_excluded_procedure_misses_is_not_counted(self):
+    def test_uncovered_code_of_an_excluded_procedure_is_not_counted(self):
         self.assertEqual(self.excuse("src/zktarn/code.hpp", "choose"), ([], [0, 1, 0]))
 
-    def test_a_procedure_that_misses_nothing_is_excluded_for_nothing(self):
-        for procedure in ("other", "start", "hoose", "gone"):
-            stale, left = self.excuse("src/zktarn/code.hpp", procedure)
-            self.assertEqual(stale, [f"{procedure} of src/zktarn/code.hpp is excluded for nothing"])
-            self.assertEqual(left, [1, 3, 2])
+    def test_a_covered_procedure_needs_no_exclusion(self):
+        for procedure in ("other", "start", "hoose", "missing"):
+            stale, uncovered = self.excuse("src/zktarn/code.hpp", procedure)
+            self.assertEqual(stale, [f"{procedure} of src/zktarn/code.hpp needs no exclusion"])
+            self.assertEqual(uncovered, [1, 3, 2])
 
-    def test_a_procedure_of_a_file_that_is_not_counted_is_excluded_for_nothing(self):
-        stale, _ = self.excuse("src/zktarn/gone.cpp", "choose")
-        self.assertEqual(stale, ["choose of src/zktarn/gone.cpp is excluded for nothing"])
+    def test_a_procedure_of_an_uncounted_file_needs_no_exclusion(self):
+        stale, _ = self.excuse("src/zktarn/missing.cpp", "choose")
+        self.assertEqual(stale, ["choose of src/zktarn/missing.cpp needs no exclusion"])
 
     def test_an_exclusion_may_name_a_procedure(self):
         with tempfile.TemporaryDirectory() as folder:
@@ -113,18 +113,18 @@ class Procedures(unittest.TestCase):
 
 
 class Compilation(unittest.TestCase):
-    def status_of(self, says, status=0):
-        compiler = ["sh", "-c", f"echo '{says}' >&2; exit {status}"]
+    def status_of(self, text, status=0):
+        compiler = ["sh", "-c", f"echo '{text}' >&2; exit {status}"]
         ran = subprocess.run([MEASURED, *compiler], capture_output=True, text=True, check=False)
-        self.assertEqual(ran.stderr, f"{says}\n")
+        self.assertEqual(ran.stderr, f"{text}\n")
         return ran.returncode
 
-    def test_a_condition_of_the_library_that_is_left_out_is_an_error(self):
-        left_out = "code.hpp:3:5: warning: unsupported MC/DC boolean expression; contains more"
-        self.assertEqual(self.status_of(f"/home/src/zktarn/util/{left_out}"), 1)
-        self.assertEqual(self.status_of(f"/home/tests/unit/util/{left_out}"), 0)
+    def test_an_unmeasured_condition_of_the_library_is_an_error(self):
+        warning = "code.hpp:3:5: warning: unsupported MC/DC boolean expression; contains more"
+        self.assertEqual(self.status_of(f"/home/src/zktarn/util/{warning}"), 1)
+        self.assertEqual(self.status_of(f"/home/tests/unit/util/{warning}"), 0)
 
-    def test_anything_else_is_left_to_the_compiler(self):
+    def test_other_warnings_and_errors_keep_the_compilers_status(self):
         self.assertEqual(self.status_of("src/zktarn/a.hpp:1:1: warning: unused"), 0)
         self.assertEqual(self.status_of("src/zktarn/a.hpp:1:1: error: unknown", status=4), 4)
 

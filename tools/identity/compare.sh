@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library with compilers, options and processors that must not change a result, runs each build
-# on processors that must not either, and compares the results with the file of hashes.
+# Builds the library with different compilers, options and targets, runs each build on different processors,
+# and compares the results with the file of hashes, which none of them may change.
 set -euo pipefail
 
 if [ $# -ne 2 ] || ! [[ $2 =~ ^[1-9][0-9]*$ ]]; then
@@ -24,18 +24,18 @@ unequal=0
 
 # compare COMPILER PROCESSOR NAME [EMULATOR...]
 compare() {
-    local said status=0 verdict=equal
-    said=$("${@:4}" "$builds/$3/tests/binary/identity/identity" "$golden") || status=$?
-    echo "$said"
+    local output status=0 verdict=equal
+    output=$("${@:4}" "$builds/$3/tests/binary/identity/identity" "$golden") || status=$?
+    echo "$output"
     if [ "$status" -ne 0 ]; then
         unequal=$((unequal + 1))
-        verdict=$(sed -n 's/^different: \([^:]*\):.*/\1/p' <<<"$said" | paste -sd ' ' -)
+        verdict=$(sed -n 's/^different: \([^:]*\):.*/\1/p' <<<"$output" | paste -sd ' ' -)
         verdict="different: ${verdict:-all, status $status}"
     fi
     rows+=("$(printf '%-30s  %-34s  %s' "$1" "$2" "$verdict")")
 }
 
-# On this processor if it has a fused multiply-add, else on an emulated one.
+# fused PROGRAM...: runs it on this processor if it has FMA and AVX2, else on an emulated one.
 fused() {
     if grep -qw avx2 /proc/cpuinfo && grep -qw fma /proc/cpuinfo; then
         "$@"
@@ -55,11 +55,11 @@ on_x86_64() {
         compiler=$(basename "${name%-O0}")
         case $name in *-O0) compiler+=" -O0" ;; *) compiler+=" -O3" ;; esac
         compare "$compiler" "x86-64, fused multiply-add" "$name" fused
-        compare "$compiler" "x86-64, none" "$name" qemu-x86_64 -cpu Nehalem
+        compare "$compiler" "x86-64, neither" "$name" qemu-x86_64 -cpu Nehalem
     done
-    # The faster variant needs AVX2 and FMA; a processor with only one of them must not get it.
-    compare "gcc -O3" "x86-64, AVX2 alone" gcc qemu-x86_64 -cpu max,-fma
-    compare "gcc -O3" "x86-64, all but AVX2" gcc qemu-x86_64 -cpu max,-avx2
+    # The faster variant needs AVX2 and FMA and must not be chosen on a processor with only one of them.
+    compare "gcc -O3" "x86-64, AVX2 without FMA" gcc qemu-x86_64 -cpu max,-fma
+    compare "gcc -O3" "x86-64, FMA without AVX2" gcc qemu-x86_64 -cpu max,-avx2
     compare "gcc -O3 -march=x86-64-v3" "x86-64, fused multiply-add" identity/gcc-v3 fused
 }
 

@@ -1,4 +1,4 @@
-// Sound, unless checks are compiled.
+// Has a defect only in a checked build.
 #include <cstdlib>
 
 #include "zktarn/check.hpp"
