@@ -1,4 +1,4 @@
-// What a call costs in C against the same call of the library in C++, and in Fortran against C.
+// Compares the time of a call in C with the same call in C++, and a call in Fortran with C.
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
@@ -13,8 +13,8 @@
 
 namespace zktarn::bench {
 
-// The library's own procedures, which a compiler would otherwise inline from the header. In the
-// mangled names a 32-bit integer is `i` everywhere.
+// The library's exported symbols, because a compiler would inline the header's procedures. In the
+// mangled names `i` is a 32-bit integer on every platform.
 #ifdef __APPLE__
 #define ZKTARN_SYMBOL(name) __asm__("_" name)
 #else
@@ -35,7 +35,7 @@ using vector_mod::vector;
 
 constexpr std::int32_t capacity = 1000;
 
-/// A vector in which every second index is listed, and the listed indices in no order.
+/// A vector that lists every second index in random order.
 struct problem {
     vector* v = nullptr;
     vector* shorter = nullptr;

@@ -5,8 +5,8 @@
 
 /*
  * Loops of calls, each written in C and in Fortran: over the n entries of `indices`, which are
- * elements of v, or over n reals. Loops of accessors in C come twice: inlined, and by calls of the
- * library (`_exported`).
+ * indices of v, or over n reals. The C loops of accessors exist twice: with inline accessors, and
+ * with calls of the library (`_exported`).
  */
 
 #ifdef __cplusplus

@@ -1,4 +1,4 @@
-/* As a checked build calls the accessors: in the library. The library itself checks nothing here.
+/* Calls the accessors in the library, as a checked build does. This library itself does not check.
  */
 #define ZKTARN_CHECKED
 #include "bindings_calls.h"

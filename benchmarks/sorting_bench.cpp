@@ -1,4 +1,4 @@
-// Sorting keys with a companion array, against the same gaps written by hand.
+// Sorts keys with a companion array, compared with a handwritten Shell sort of the same gaps.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>

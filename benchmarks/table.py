@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Turns the results of the benchmark programs into one table and pictures.
+"""Makes one table and pictures of the results of the benchmark programs.
 
     table.py RESULTS DOCS
 
@@ -19,7 +19,7 @@ import sys
 
 from bars import bars, duration
 
-# What is measured, in which comparison, which ratio, and at most how large it should be.
+# Label, comparison, peer, and the largest ratio that meets the target.
 ROWS = (
     ("combine, 1 entry, n = 10", "combine/10/10%/shuffled", "ideal_marks", 1.30),
     ("combine, 1 entry, n = 1000", "combine/1000/0.1%/shuffled", "ideal_marks", 1.30),
@@ -63,7 +63,7 @@ ROWS = (
     ("xgcd_i4 of 31 bits", "xgcd_i4/31bit", "Boost", 0.75),
 )
 
-# Pictures: the operation and the fill, and which contenders they show.
+# Pictures: operation, fill and order.
 PICTURES = (
     ("combine", "10%", "shuffled"), ("combine", "1%", "shuffled"),
     ("scale_and_combine", "10%", "shuffled"), ("sym_diff", "10%", "sorted"),
@@ -94,13 +94,13 @@ def fail(sentence):
 
 
 def results(folder, pages):
-    """All comparisons of a run, by name, and the lines about the machine."""
+    """The comparisons of a run, by name, and the context of the machine."""
     found, context = {}, {}
     for path in sorted(folder.glob(f"*.{pages}.json")):
         try:
             content = json.loads(path.read_text(encoding="utf-8"))
         except ValueError as error:
-            fail(f"{path} is no result of a benchmark: {error}")
+            fail(f"{path} is not a result of a benchmark: {error}")
         context = context or content["context"]
         for each in content["benchmarks"]:
             found[each["name"].removesuffix("/manual_time")] = each
@@ -127,7 +127,7 @@ def table(small, huge):
 
 
 def per_entry(found, operation, fill, order, contender):
-    """Nanoseconds an entry over the capacity, where that was measured."""
+    """The measured pairs of capacity and nanoseconds per entry."""
     points = []
     for capacity in CAPACITIES:
         entries = max(1, capacity * float(fill.rstrip("%")) / 100)
@@ -185,7 +185,7 @@ def others(found):
 
 
 def draw(found, folder, operation, fill, order):
-    """One picture; returns its file name, or None when nothing was measured."""
+    """Draws one picture. Returns its file name, or None if nothing was measured."""
     prefix = f"{operation}/"
     contenders = sorted({key.removesuffix("_ns") for name, each in found.items() if name.startswith(prefix)
                          for key in each if key.endswith("_ns")}, key=lambda c: (c != "library", c))

@@ -58,7 +58,7 @@ double mixed(numbers& n) {
     return kinds[n.below(kinds.size())].make(n);
 }
 
-/// The continued fraction alone: the least that a search costs.
+/// Only the continued fraction, the minimum cost of a search.
 double bare_continued_fraction(double x, double max_den) {
     double a = std::floor(x);
     double r = x;
@@ -117,7 +117,7 @@ void compare_fractions(const kind& inputs_kind, double max_den, bool trained) {
                                          contend("continued_fraction", bare_continued_fraction),
                                          contend("literal", literal)};
 #ifdef ZKTARN_BENCH_COINUTILS
-    // Above 1000 it takes too long to be of interest.
+    // Too slow for bounds above 1000.
     if (max_den <= 1000.0) {
         contenders.push_back(contend("CoinRational", coin));
     }

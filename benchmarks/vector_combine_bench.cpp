@@ -10,7 +10,7 @@ namespace {
 constexpr double tolerance = 1e-9;
 constexpr double beta = -1.0;
 
-/// The peers that scale are left out where alpha is not 1: they would need a pass of their own.
+/// Peers are left out when alpha is not 1, because they would need a separate pass for scaling.
 std::vector<contender> combining(const shape& like, const pool& problems, double alpha) {
     std::vector<contender> contenders;
     contenders.push_back(on<library_pair>("library", like, problems, [=](library_pair& p) {
@@ -51,7 +51,7 @@ void compare_combinations(const shape& like, double alpha) {
 
 void register_comparisons() {
     name_peers();
-    // Full vectors of 10^7 entries for alpha 1 only: each round of them takes seconds.
+    // Full vectors of 10^7 entries take seconds in each round, so only for alpha 1.
     for (const shape& like : all_shapes(listing::shuffled, 10'000'000)) {
         compare_combinations(like, 1.0);
     }

@@ -1,4 +1,4 @@
-// What the inline procedures on one element cost in a caller's loop.
+// The inline procedures on one element, in a caller's loop.
 #include "support/raw_vector.hpp"
 #include "support/vector_pairs.hpp"
 

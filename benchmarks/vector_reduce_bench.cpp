@@ -25,7 +25,7 @@ std::vector<contender> dropping_zeros(const shape& like, const pool& problems) {
         on<raw_pair>("ideal_marks", like, problems, [](raw_pair& p) { marked_drop_zeros(p.x); })};
 }
 
-/// They are identical: the answer that takes longest to find.
+/// Identical vectors, the slowest case of the comparison.
 std::vector<contender> comparing(const shape& like, const pool& problems) {
     return {on<library_pair>("library", like, problems,
                              [](library_pair& p) {

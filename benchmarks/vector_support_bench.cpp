@@ -8,7 +8,7 @@ namespace zktarn::bench {
 
 namespace {
 
-/// Sorted lists of indices, and room for what is made of them.
+/// Sorted lists of indices, and space for the result.
 struct sorted_lists {
     explicit sorted_lists(std::int32_t) {}
     void load(const sparse_problem& source) {

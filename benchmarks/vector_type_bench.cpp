@@ -11,7 +11,7 @@ namespace zktarn::bench {
 
 namespace {
 
-/// What a vector costs beyond its three blocks and the clearing of its marks.
+/// The extra cost of a vector over its three blocks and the clearing of its marks.
 void compare_vector_with_blocks(std::int32_t n) {
     const auto library = [n](std::int64_t) {
         vector_type::vector* vec = nullptr;

@@ -13,21 +13,21 @@ namespace zktarn::bench {
 
 namespace {
 
-/// Processor time of this thread in nanoseconds: what other processes take does not count.
+/// Processor time of this thread in nanoseconds, without the time of other processes.
 double processor_time() {
     std::timespec now{};
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return static_cast<double>(now.tv_sec) * 1e9 + static_cast<double>(now.tv_nsec);
 }
 
-/// The rounds that every comparison takes at least. ZKTARN_BENCH_ROUNDS=1 only shows that a program
+/// The least number of rounds of a comparison. ZKTARN_BENCH_ROUNDS=1 only shows that a program
 /// runs.
 std::size_t least_rounds() {
     const char* const rounds = std::getenv("ZKTARN_BENCH_ROUNDS");
     return rounds == nullptr ? 15 : std::strtoul(rounds, nullptr, 10);
 }
 
-/// Long beside the resolution of the clock, short beside the time slices of the system.
+/// Long compared with the resolution of the clock, short compared with the system's time slices.
 constexpr double round_target = 20'000.0;
 
 double median(std::vector<double> values) {
@@ -36,7 +36,7 @@ double median(std::vector<double> values) {
     return *middle;
 }
 
-/// Nanoseconds that `repetitions` take.
+/// The nanoseconds of `repetitions`.
 double timed(const contender& each, std::int64_t repetitions) {
     if (each.prepare) {
         each.prepare(repetitions);
@@ -72,7 +72,7 @@ private:
     /// Doubles the repetitions until the fastest contender takes as long as a round should.
     void calibrate() {
         repetitions_ = 1;
-        fastest(); // The first time is slower: pages and caches are cold.
+        fastest(); // The first run is slower, because pages and caches are cold.
         while (repetitions_ < most_repetitions_ && fastest() < round_target) {
             repetitions_ *= 2;
         }
@@ -86,7 +86,7 @@ private:
         return least;
     }
 
-    /// Notes each contender's time for one repetition; returns that of the whole round.
+    /// Records each contender's time for one repetition. Returns the time of the whole round.
     double round(std::vector<std::vector<double>>& times) {
         std::shuffle(order_.begin(), order_.end(), generator_);
         double total = 0;

@@ -19,7 +19,7 @@ namespace zktarn::bench {
 
 struct contender {
     std::string name;
-    /// Does the job that many times. This is what is timed.
+    /// Does the job that many times; only this is timed.
     std::function<void(std::int64_t repetitions)> run;
     /// Makes fresh input for that many repetitions, before each `run` and untimed; may be empty.
     std::function<void(std::int64_t repetitions)> prepare;
@@ -38,7 +38,7 @@ contender doing(std::string name, Job job,
     return {std::move(name), std::move(run), std::move(prepare)};
 }
 
-/// Registers a comparison. The others are compared with the first contender.
+/// Registers a comparison of the first contender with each other one.
 ///
 /// A round repeats the job until it can be timed well, but not more often than `most_repetitions`,
 /// which bounds the fresh input that must be held at a time.

@@ -43,8 +43,7 @@ std::string processor() {
     return "unknown";
 }
 
-/// With ZKTARN_BENCH_PAGES=small no memory of this process is on huge pages, whichever allocator it
-/// is from.
+/// With ZKTARN_BENCH_PAGES=small no memory of this process is on huge pages.
 std::string choose_pages() {
     const char* const wanted = std::getenv("ZKTARN_BENCH_PAGES");
     const std::string pages = wanted == nullptr ? "as the system has them" : wanted;
@@ -59,7 +58,7 @@ std::string choose_pages() {
 } // namespace
 
 int main(int argc, char** argv) {
-    // Enough for steady medians; what the user asks for comes later and counts.
+    // Enough for stable medians. An option of the user comes later and overrides this one.
     char brief[] = "--benchmark_min_time=0.02";
     std::vector<char*> arguments(argv, argv + argc);
     arguments.insert(arguments.begin() + std::min(argc, 1), brief);
@@ -78,7 +77,7 @@ int main(int argc, char** argv) {
     benchmark::AddCustomContext("pages", choose_pages());
 
     zktarn::bench::register_comparisons();
-    // A filter that matches nothing is an error, which Google Benchmark has reported before.
+    // Google Benchmark has already reported a filter that matches nothing.
     const bool any = benchmark::RunSpecifiedBenchmarks() > 0;
     benchmark::Shutdown();
     return any ? 0 : 1;

@@ -11,8 +11,8 @@
 
 /// Inputs of pure procedures, held ready in an array.
 ///
-/// A branch predictor learns repeated inputs. An array therefore holds far more than it can learn,
-/// and each round starts elsewhere in it. Lines that end in `trained` use a few inputs on purpose.
+/// A branch predictor learns repeated inputs. The array therefore holds more than it can learn, and
+/// each round starts at another position. Lines that end in `trained` use few inputs on purpose.
 
 namespace zktarn::bench {
 

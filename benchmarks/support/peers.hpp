@@ -68,7 +68,7 @@ struct eigen_pair {
         load(y, source.y);
         result.reserve(x.nonZeros() + y.nonZeros());
     }
-    /// The sum, without entries that are zero.
+    /// The sum, without zeros.
     void combine(double beta) {
         result = x + beta * y;
         result.prune(0.0);
@@ -92,7 +92,7 @@ private:
 inline constexpr const char* eigen_state = "not found when this was built";
 #endif
 
-/// Says in the lines above the table which peers are there.
+/// Prints the installed peers in the lines above the table.
 inline void name_peers() {
     benchmark::AddCustomContext("CoinIndexedVector", coinutils_state);
     benchmark::AddCustomContext("Eigen", eigen_state);

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-/// Shell sorts written for one kind of data: the limit for a general one.
+/// Shell sorts for one kind of data, as the limit of a general sort.
 
 namespace zktarn::bench {
 

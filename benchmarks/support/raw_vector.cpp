@@ -3,8 +3,8 @@
 #include <bit>
 #include <cmath>
 
-// Each loop with a fused multiply-add exists for every machine and, on x86-64, for machines that
-// have the instruction.
+// Each loop with a fused multiply-add is compiled portably and, on x86-64, also for machines with
+// the instruction.
 #ifdef __x86_64__
 #define ZKTARN_FUSED [[gnu::target("fma")]]
 #else
@@ -22,25 +22,25 @@ constexpr bool machine_is_fused = true;
 #endif
 
 /// `value` when `member` is 1, 0.0 when it is 0.
-[[gnu::always_inline]] inline double kept_if(std::int32_t member, double value) {
+[[gnu::always_inline]] inline double masked(std::int32_t member, double value) {
     const std::uint64_t mask = std::uint64_t{0} - static_cast<std::uint64_t>(member);
     return std::bit_cast<double>(std::bit_cast<std::uint64_t>(value) & mask);
 }
 
-/// Whether a loop reads marks that the invariants settle: those of listed entries.
+/// Whether a loop reads the marks of listed entries, which the invariants imply.
 enum class marks { trusted, read };
 
-/// How a job is done: which marks it reads, and how many entries ahead it prefetches; 0 for none.
-struct manner {
+/// How a loop works: which marks it reads, and how many entries ahead it prefetches (0: none).
+struct access {
     marks listed = marks::trusted;
     std::int32_t ahead = 0;
 };
 
-constexpr manner ideal{};
-constexpr manner reading_marks{marks::read, 0};
-constexpr manner limit{marks::read, 16};
+constexpr access ideal{};
+constexpr access reading_marks{marks::read, 0};
+constexpr access limit{marks::read, 16};
 
-template <manner how>
+template <access how>
 [[gnu::always_inline]] inline void prefetch(const std::int32_t* marks, const double* coef,
                                             std::int32_t j) {
     if (how.ahead != 0) {
@@ -53,7 +53,7 @@ template <manner how>
     }
 }
 
-template <manner how>
+template <access how>
 [[gnu::always_inline]] inline void add(raw_vector& x, const raw_vector& y, double beta) {
     double* const coef = x.coef;
     std::int32_t* const ind = x.ind;
@@ -72,7 +72,7 @@ template <manner how>
         const std::int32_t j = y_ind[k];
         const std::int32_t member = elm[j];
         const double added = how.listed == marks::trusted || y_elm[j] != 0 ? y_coef[j] : 0.0;
-        coef[j] = __builtin_fma(beta, added, kept_if(member, coef[j]));
+        coef[j] = __builtin_fma(beta, added, masked(member, coef[j]));
         ind[nz] = j;
         nz += 1 - member;
         elm[j] = 1;
@@ -80,19 +80,19 @@ template <manner how>
     x.nz = nz;
 }
 
-template <manner how>
+template <access how>
 void add_anywhere(raw_vector& x, const raw_vector& y, double beta) {
     add<how>(x, y, beta);
 }
 
-template <manner how>
+template <access how>
 ZKTARN_FUSED void add_fused(raw_vector& x, const raw_vector& y, double beta) {
     add<how>(x, y, beta);
 }
 
-/// Drops the entries that `dead` picks and calls `unmark` for each.
-template <manner how, class Dead, class Unmark>
-[[gnu::always_inline]] inline void drop(raw_vector& v, const double* coef, Dead dead,
+/// Drops the entries for which `drops(j)` is true and calls `unmark(j)` for each.
+template <access how, class Drops, class Unmark>
+[[gnu::always_inline]] inline void drop(raw_vector& v, const double* coef, Drops drops,
                                         Unmark unmark) {
     std::int32_t* const ind = v.ind;
     std::int32_t nz = v.nz;
@@ -101,7 +101,7 @@ template <manner how, class Dead, class Unmark>
             prefetch<how>(v.elm, coef, ind[k + how.ahead]);
         }
         const std::int32_t j = ind[k];
-        if (dead(j)) {
+        if (drops(j)) {
             ind[k] = ind[--nz];
             unmark(j);
         } else {
@@ -111,9 +111,9 @@ template <manner how, class Dead, class Unmark>
     v.nz = nz;
 }
 
-constexpr auto unmarked_already = [](std::int32_t) {};
+constexpr auto nothing_to_unmark = [](std::int32_t) {};
 
-template <manner how>
+template <access how>
 void drop_zeros(raw_vector& v) {
     const double* const coef = v.coef;
     std::int32_t* const elm = v.elm;
@@ -126,7 +126,7 @@ void drop_zeros(raw_vector& v) {
 }
 
 /// Calls `visit(j)` for each entry of a list.
-template <manner how, class Visit>
+template <access how, class Visit>
 [[gnu::always_inline]] inline void walk(const raw_vector& v, Visit visit) {
     const std::int32_t* const ind = v.ind;
     const std::int32_t count = v.nz;
@@ -138,7 +138,7 @@ template <manner how, class Visit>
     }
 }
 
-template <manner how>
+template <access how>
 void combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
     if (alpha != 1.0) {
         double* const coef = x.coef;
@@ -151,7 +151,7 @@ void combine(raw_vector& x, const raw_vector& y, double alpha, double beta) {
     drop_zeros<how>(x);
 }
 
-template <manner how>
+template <access how>
 void sym_diff(raw_vector& x, const raw_vector& y) {
     std::int32_t* const ind = x.ind;
     std::int32_t* const elm = x.elm;
@@ -173,11 +173,11 @@ void sym_diff(raw_vector& x, const raw_vector& y) {
     x.nz = nz;
     if (common != 0) {
         drop<how>(
-            x, nullptr, [=](std::int32_t j) { return elm[j] == 0; }, unmarked_already);
+            x, nullptr, [=](std::int32_t j) { return elm[j] == 0; }, nothing_to_unmark);
     }
 }
 
-template <manner how>
+template <access how>
 void mod2(raw_vector& v) {
     double* const coef = v.coef;
     const std::int32_t* const elm = v.elm;
@@ -188,7 +188,7 @@ void mod2(raw_vector& v) {
     drop_zeros<how>(v);
 }
 
-template <manner how>
+template <access how>
 bool identical(const raw_vector& a, const raw_vector& b, double tol) {
     if (a.nz != b.nz) {
         return false;
@@ -330,7 +330,7 @@ void raw_combine_lists(raw_vector& x, const raw_vector& y, double beta) {
     }
     const double* const coef = x.coef;
     drop<ideal>(
-        x, coef, [=](std::int32_t j) { return coef[j] == 0.0; }, unmarked_already);
+        x, coef, [=](std::int32_t j) { return coef[j] == 0.0; }, nothing_to_unmark);
 }
 
 } // namespace zktarn::bench

@@ -6,8 +6,8 @@
 
 #include "support/sparse_problem.hpp"
 
-/// Sparse vectors as three raw arrays and a count. The loops over them do the library's work for
-/// vectors that keep their invariants, and nothing else.
+/// Sparse vectors as three raw arrays and a count. The loops do the library's operations for
+/// vectors that keep their invariants, without any other check.
 
 namespace zktarn::bench {
 
@@ -50,9 +50,9 @@ struct raw_pair {
 
 // The jobs, out of line as the library's procedures are.
 //
-// `raw_` is the ideal: it trusts the marks of listed entries and reads none of them. `marked_` is
-// the same loop and reads them, as the library's rules require. `limit_` is that loop with every
-// pass prefetched: what the rules allow.
+// `raw_` is the ideal: it does not read the marks of listed entries. `marked_` is the same loop,
+// but reads them, as the library's contract requires. `limit_` is `marked_` with prefetches in
+// every pass: the limit of the contract.
 
 /// x := alpha * x + beta * y, with one fused multiply-add for each entry of y and no branch on
 /// membership; then a pass that drops zeros. There is no scaling pass when alpha is 1.
@@ -60,8 +60,8 @@ void raw_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
 void marked_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
 void limit_combine(raw_vector& x, const raw_vector& y, double alpha, double beta);
 
-/// Appends what only y has and unmarks what both have, with no branch on membership; then a pass
-/// that drops what is unmarked. No coefficients.
+/// Appends the indices only y has and unmarks those both have, with no branch on membership; then a
+/// pass drops unmarked entries. No coefficients.
 void raw_sym_diff(raw_vector& x, const raw_vector& y);
 void limit_sym_diff(raw_vector& x, const raw_vector& y);
 
@@ -88,7 +88,7 @@ bool limit_identical(const raw_vector& a, const raw_vector& b, double tol);
 /// The sum of x's coefficients at the indices of y.
 double raw_sum_at(const raw_vector& x, const raw_vector& y);
 
-/// Stores y's coefficients in x, and lists and marks what x does not have.
+/// Stores y's coefficients in x, and lists and marks indices that x lacks.
 void raw_store_at(raw_vector& x, const raw_vector& y);
 
 /// `raw_combine` without marks: searches the list of x for each index of y, entry by entry.

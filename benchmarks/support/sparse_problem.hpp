@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-/// Pairs of sparse vectors to work on, another one for every repetition.
+/// Random pairs of sparse vectors, a new one for every repetition.
 ///
-/// One input again and again trains the branch predictor and flatters code with branches by a
-/// factor of two. So problems come from a pool with far more entries than a predictor can learn by
-/// heart; the trained figure is taken from a pool of one.
+/// A repeated input trains the branch predictor and makes code with branches look faster. So
+/// problems come from a pool with more entries than a predictor can learn. The trained figure uses
+/// a pool of one.
 
 namespace zktarn::bench {
 
@@ -26,7 +26,7 @@ struct sparse_problem {
 
 /// All values are integers from -9 to 9, and nonzero unless stated otherwise.
 enum class relation {
-    /// Half of y's indices are x's, and a tenth of those have the same value.
+    /// Half of y's indices are also x's; a tenth of those have the same value.
     overlapping,
     /// y is empty; an entry of x in twenty is zero.
     with_zeros,
@@ -48,13 +48,13 @@ struct shape {
     std::int64_t entries() const;
     bool beyond_cache() const { return capacity > 1'000'000; }
 
-    /// A round does short jobs several times, each on vectors of their own; all of them fit the
-    /// cache that one pair of the largest of these shapes needs.
+    /// The largest number of repetitions in a round. Each repetition has its own pair of vectors,
+    /// and together the pairs are no larger than one pair of the largest shape.
     std::int64_t most_repetitions() const;
 };
 
-/// Capacities of 10 to 10^7 by tens, each filled to 0.1, 1, 10 and 100 %, where that is another
-/// number of entries than the fill before. `most_entries` leaves larger vectors out.
+/// Capacities 10, 100, ..., 10^7, each with 0.1, 1, 10 and 100 % of its entries listed, without
+/// fills that give the same number of entries. `most_entries` excludes larger vectors.
 std::vector<shape> all_shapes(listing order, std::int64_t most_entries = 1'000'000);
 
 /// A shape whose inputs the branch predictor has learnt.

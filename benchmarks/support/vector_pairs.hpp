@@ -15,8 +15,8 @@
 #include "support/sparse_problem.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 
-/// What jobs on two vectors work on. A pair has room for a capacity, and `load` gives it the
-/// entries of a problem, whatever it held before.
+/// Pairs of vectors for the jobs. A pair has a fixed capacity, and `load` replaces its contents by
+/// the entries of a problem.
 
 namespace zktarn::bench {
 
@@ -27,7 +27,7 @@ struct library_pair {
             if (vector_type::vector_alloc(*each, n, {}, {}, no_elm) == 0) {
                 throw std::bad_alloc();
             }
-            // Pages that were never written would be taken from the system while the clock runs.
+            // Writes every page now, because the first write to a page costs time.
             std::fill_n((*each)->coef.data, n, 0.0);
             std::fill_n((*each)->ind.data, n, 0);
         }
@@ -69,7 +69,7 @@ struct library_lists : library_pair {
     explicit library_lists(std::int32_t n) : library_pair(n, 1) {}
 };
 
-/// Problems for the comparisons of one shape; made when the first of them runs.
+/// Problems for the comparisons of one shape, generated when the first of them runs.
 using pool = std::shared_ptr<problem_pool>;
 
 inline pool make_pool(const shape& like, relation between) {
@@ -94,10 +94,10 @@ std::vector<Pair*> pairs_of(const std::string& contender, std::int32_t capacity,
     return pairs;
 }
 
-/// A contender that does its job on pairs of its own kind.
+/// A contender that does its job on pairs of its kind of vector.
 ///
-/// Before each round the job is done once, untimed, on a problem other than those of the round,
-/// which brings in the code; not beyond the cache, where that is nothing beside the job.
+/// Before each round the job runs once, untimed, on another problem, to bring its code into the
+/// cache. Vectors larger than the cache skip this, because their jobs take much longer.
 template <class Pair, class Job>
 contender on(std::string name, const shape& like, const pool& problems, Job job) {
     const auto pairs = std::make_shared<std::vector<Pair*>>();
