@@ -20,7 +20,7 @@ using numbers = std::vector<double>;
 constexpr const char* no_array = "the handle is 0";
 constexpr const char* no_address = "the address is null";
 
-/// An array that is destroyed at the end.
+/// Owns an array and destroys it.
 class array {
 public:
     explicit array(array_handle made) : handle(made) {}

@@ -18,7 +18,7 @@ namespace {
 constexpr const char* prints = "qvxprintf800_";
 constexpr const char* flushes = "ioFlushOptim";
 
-/// A text with percent signs, a line feed and blanks. The characters behind it do not belong to it.
+/// A text with percent signs, a line feed and blanks, followed by characters beyond its length.
 constexpr std::string_view difficult = "100% of %d %s\n  and no more  #?";
 constexpr std::size_t difficult_length = difficult.size() - 2;
 
@@ -26,7 +26,7 @@ void print(std::string_view text) {
     host::qvxprintf800_(text.data(), static_cast<std::int64_t>(text.size()));
 }
 
-/// Redirects standard output to a file while it exists.
+/// Redirects standard output to a file until it is destroyed.
 class caught_output {
 public:
     caught_output() : file_(std::tmpfile()), before_(::dup(STDOUT_FILENO)) {
@@ -53,12 +53,12 @@ public:
         std::string all;
         char piece[4096];
         for (;;) {
-            const ssize_t got =
+            const ssize_t count =
                 ::pread(::fileno(file_), piece, sizeof piece, static_cast<off_t>(all.size()));
-            if (got <= 0) {
+            if (count <= 0) {
                 return all;
             }
-            all.append(piece, static_cast<std::size_t>(got));
+            all.append(piece, static_cast<std::size_t>(count));
         }
     }
 
@@ -67,7 +67,7 @@ private:
     int before_;
 };
 
-/// The first characters of a text, with its line feeds visible.
+/// The first characters of a text, with visible line feeds.
 std::string shown(const std::string& text) {
     std::string line;
     for (const char c : text.substr(0, 60)) {

@@ -47,7 +47,7 @@ finding reads_answer(const array_handle& output, const settings& wanted) {
     return is_as_wanted(answer, wanted);
 }
 
-/// Two calls with one struct, which the first one must leave unchanged.
+/// Calls the function twice with the same struct, which the first call must not change.
 finding answers(const settings& wanted) {
     const array_handle input = make_sample_struct();
     if (input == 0) {

@@ -16,7 +16,7 @@ using numbers = std::vector<double>;
 
 constexpr double unwritten = std::numeric_limits<double>::quiet_NaN();
 
-/// Numbers of a generator, one at a time, as the library draws them.
+/// Draws numbers one at a time, as the library does.
 numbers draw(void* generator, std::size_t count) {
     numbers drawn(count, unwritten);
     const std::int64_t one = 1;
@@ -26,7 +26,7 @@ numbers draw(void* generator, std::size_t count) {
     return drawn;
 }
 
-/// The first numbers after a seed; none without a generator.
+/// The first numbers of a seed; none if the host makes no generator.
 numbers numbers_of_seed(std::int32_t seed) {
     void* const generator = host::instantiateRngOptim(seed);
     if (generator == nullptr) {
@@ -37,7 +37,7 @@ numbers numbers_of_seed(std::int32_t seed) {
     return drawn;
 }
 
-/// A generator that lives as long as this object.
+/// Owns a generator and deletes it.
 class generator {
 public:
     explicit generator(std::int32_t seed) : address(host::instantiateRngOptim(seed)) {}
@@ -52,7 +52,7 @@ public:
     void* const address;
 };
 
-/// A snapshot that lives as long as this object.
+/// Owns a snapshot and deletes it.
 class snapshot {
 public:
     explicit snapshot(void* source) : address(host::getRngStateOptim(source)) {}

@@ -24,7 +24,7 @@ using blocks = std::vector<block>;
 
 constexpr std::size_t sizes[] = {1, 2, 3, 7, 8, 9, 16, 24, 100, 1000, 4096, 65537, 1 << 20};
 
-/// A block that is filled with its own pattern, or none.
+/// A block filled with its own pattern; null if the request was refused.
 block obtain(std::size_t nbytes, unsigned char pattern) {
     void* const address = host::qvMallocExOptim(static_cast<std::int64_t>(nbytes));
     auto* const first = static_cast<unsigned char*>(address);

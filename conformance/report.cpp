@@ -20,7 +20,7 @@ int failed = 0;
 // The check that is running. A signal handler reads it, so it is not a std::string.
 std::array<char, 256> current = {};
 
-/// A copy of standard output, where there is one: a check may redirect standard output.
+/// A duplicate of standard output, if there is one, because a check may redirect standard output.
 int lines_go_to = STDOUT_FILENO;
 
 void set_current(const std::string& text) {
@@ -90,7 +90,7 @@ void note(const std::string& operation, const std::string& what) {
 }
 
 void report_signals() {
-    // A copy, because a check may have redirected standard output when the signal arrives.
+    // A duplicate, because a check may have redirected standard output when the signal arrives.
     if (const int copy = ::dup(STDOUT_FILENO); copy >= 0) {
         lines_go_to = copy;
     }

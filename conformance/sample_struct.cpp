@@ -19,7 +19,7 @@ std::int64_t length(std::string_view text) {
     return static_cast<std::int64_t>(text.size());
 }
 
-/// A text. The characters behind it do not belong to it.
+/// A text, followed by characters beyond its length.
 std::string with_trailing_characters(std::string_view text) {
     return std::string(text) + "#?";
 }

@@ -6,12 +6,12 @@
 
 #include "zktarn/host/libqv.hpp"
 
-/// Arrays for the checks. Nonzero bytes follow each 32-bit argument in memory, so that a host which
-/// reads 64 bits reads a different number.
+/// Arrays for the checks. Nonzero bytes follow each 32-bit argument in memory, so that a host that
+/// reads 64 bits reads another number.
 
 namespace zktarn::host_conformance {
 
-/// A 1-by-1 struct with fields named by slots of one width.
+/// A 1-by-1 struct with the field names in slots of equal width.
 host::array_handle make_struct(std::int64_t ndims, std::initializer_list<std::string_view> slots);
 
 host::array_handle make_text(std::string_view text);
@@ -26,8 +26,8 @@ void set_field(const host::array_handle& structure, std::string_view name,
 void set_field(const host::array_handle& structure, std::int32_t number,
                const host::array_handle& value);
 
-/// A struct with phase = "conformance ", value = 2.5 and column = [1; 2; 3], after setting, adding
-/// and replacing its fields in every way. Handle 0 when it cannot be made.
+/// A struct with phase = "conformance ", value = 2.5 and column = [1; 2; 3], filled by every
+/// operation that sets, adds or replaces a field. Returns 0 if the host makes no struct.
 host::array_handle make_sample_struct();
 
 } // namespace zktarn::host_conformance
