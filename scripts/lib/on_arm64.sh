@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # on_arm64.sh PROGRAM [ARGUMENT...]: runs a program for 64-bit Arm Linux on an emulator.
 #
-# A death test may restart its own program, which the kernel cannot run. So the program gets the
-# name of this script, and the script without a program argument runs the same program again.
+# A death test may restart its own program, which this kernel cannot run directly. So the program's argv[0]
+# is this script, which then runs the same program again.
 case ${1-} in
 -* | '') ;;
 *)
@@ -19,6 +19,6 @@ fi
 # The emulator supports fork, but not every form of clone.
 GTEST_DEATH_TEST_USE_FORK=1
 export GTEST_DEATH_TEST_USE_FORK
-# A process that a signal ends writes no core file.
+# No core file for a process that a signal ends.
 ulimit -c 0
 exec qemu-aarch64 -L /usr/aarch64-linux-gnu -0 "$0" "$ON_ARM64_PROGRAM" "$@"

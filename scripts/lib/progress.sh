@@ -5,7 +5,7 @@
 # clock SECONDS
 clock() { printf '%d:%02d' $(($1 / 60)) $(($1 % 60)); }
 
-# The last counter in a log: what Ninja prints, or what CTest does.
+# counter_in LOG: the last counter of Ninja or CTest in the log.
 counter_in() {
     tail -c 4000 "$1" 2>/dev/null | tr '\r' '\n' |
         sed -n -e 's/^\[\([0-9]*\/[0-9]*\)\].*/built \1/p' -e 's/^ *\([0-9]*\/[0-9]*\) Test *#.*/tested \1/p' |
@@ -14,7 +14,7 @@ counter_in() {
 
 watch_log() {
     local start=$SECONDS
-    # The step's own signals end it; this one ends with the script.
+    # done_watching ends this background process by SIGTERM. Ctrl-C also ends it.
     trap 'exit 0' TERM INT
     while kill -0 $$ 2>/dev/null; do
         printf '\r%s  %s  %s\033[K' "$2" "$(clock $((SECONDS - start)))" "$(counter_in "$1")"

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
-# under_valgrind.sh PROGRAM: runs a GoogleTest program under valgrind, and prints its output in one
-# piece, so that the output of parallel runs is not mixed.
+# under_valgrind.sh PROGRAM: runs a GoogleTest program under valgrind and prints its output at the end, so
+# that parallel runs do not mix their output.
 #
-# Death tests are left out, because they end processes on purpose. An operator new of the program is
-# not replaced.
+# Skips death tests, because they end processes on purpose. Valgrind does not replace the program's own
+# operator new.
 status=0
 output=$(ZKTARN_TEST_SCALE=0.01 valgrind --quiet --leak-check=full --error-exitcode=99 \
     --errors-for-leak-kinds=definite --child-silent-after-fork=yes \
