@@ -1,4 +1,4 @@
-# 64-bit Arm Linux from another machine: Debian's cross compiler, and qemu to run what it makes.
+# Builds for 64-bit Arm Linux on another machine with Debian's cross compiler, and runs programs with qemu.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
@@ -12,8 +12,7 @@ endif()
 find_program(QEMU_AARCH64 qemu-aarch64 REQUIRED)
 set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/lib/on_arm64.sh")
 
-# Programs come from the building machine; headers, libraries and packages come from the target
-# only.
+# Finds programs on the building machine, and headers, libraries and packages only for the target.
 set(CMAKE_FIND_ROOT_PATH /usr/aarch64-linux-gnu)
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)

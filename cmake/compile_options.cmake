@@ -1,5 +1,5 @@
-# Warnings for this project's own code, and the rules under which its results are the same bit for
-# bit with every compiler.
+# Warnings for this project's code, and the options that make its results the same bit for bit with every
+# compiler.
 
 function(zktarn_warnings target)
   target_compile_options(${target} PRIVATE
@@ -12,9 +12,9 @@ function(zktarn_warnings target)
     $<$<BOOL:${ZKTARN_WERROR}>:-Werror>)
 endfunction()
 
-# Where processor and compiler support it, the processor stops a jump or a return to an overwritten
-# address: landing pads and shadow stacks on x86-64, landing pads and signed return addresses on
-# Arm. On macOS the processor does not check plain 64-bit Arm code.
+# Hardening against overwritten addresses, if processor and compiler support it: landing pads for indirect
+# jumps, and shadow stacks (x86-64) or signed return addresses (Arm) for returns. On macOS the processor does
+# not check arm64 code.
 include(CheckCXXCompilerFlag)
 if(NOT APPLE)
   check_cxx_compiler_flag(-fcf-protection=full ZKTARN_HAS_CF_PROTECTION)
@@ -23,24 +23,24 @@ endif()
 if(ZKTARN_HAS_CF_PROTECTION)
   set(ZKTARN_CONTROL_FLOW_GUARD -fcf-protection=full)
   set(ZKTARN_NO_CONTROL_FLOW_GUARD -fcf-protection=none)
-  # The linker drops the mark for shadow stacks if the system's start files have no mark, so this
-  # sets it. Start files do work with a shadow stack. They may have no landing pads, so that mark is
-  # left to the linker.
+  # The linker marks the library as supporting shadow stacks only if the system's start files have the mark.
+  # They work with a shadow stack without it, so this sets the mark. They may lack landing pads, so the linker
+  # decides about that mark.
   set(ZKTARN_SHADOW_STACK LINKER:-z,shstk)
 elseif(ZKTARN_HAS_BRANCH_PROTECTION)
   set(ZKTARN_CONTROL_FLOW_GUARD -mbranch-protection=standard)
   set(ZKTARN_NO_CONTROL_FLOW_GUARD -mbranch-protection=none)
 endif()
 
-# Neither contraction nor any other relaxation of IEEE 754 may change a result. The code throws
-# nothing, and its hosts cannot unwind it, so it has neither exceptions nor type information. It
-# never ends the process, so it has no stack guard, which some systems add by default.
+# No contraction and no other relaxation of IEEE 754, because they change results. No exceptions and no RTTI,
+# because the code throws nothing and its hosts cannot unwind it. No stack protector, which would end the
+# process.
 function(zktarn_library_rules target)
   zktarn_warnings(${target})
   target_compile_options(${target} PRIVATE
     -ffp-contract=off -fno-fast-math -fno-exceptions -fno-rtti -fno-stack-protector
     ${ZKTARN_CONTROL_FLOW_GUARD}
-    # On macOS symbols are bound to their library anyway, and Clang warns about this option.
+    # macOS always binds symbols to their library, and Clang warns about this option there.
     $<$<NOT:$<BOOL:${APPLE}>>:-fno-semantic-interposition>)
   set_target_properties(${target} PROPERTIES
     POSITION_INDEPENDENT_CODE ON

@@ -1,5 +1,5 @@
 # Installs the components `util`, `standin` and `conformance`: libraries, headers, one CMake package, pkg-config files
-# and pages. Nothing contains an absolute path, so the installed tree can be moved.
+# and pages. No file contains an absolute path, so the installed tree can be moved.
 
 include(CMakePackageConfigHelpers)
 
@@ -69,7 +69,7 @@ if(ZKTARN_STATIC)
   install_pkg_config(zktarn_util_static util)
 endif()
 
-# The pages keep their places relative to each other, so that their links hold.
+# The pages keep their relative positions, so that their links work.
 install(FILES README.md CHANGELOG.md SECURITY.md LICENSE
   DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util)
 install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util
@@ -77,8 +77,8 @@ install(DIRECTORY docs DESTINATION "${CMAKE_INSTALL_DOCDIR}" COMPONENT util
 install(FILES standin/README.md
   DESTINATION "${CMAKE_INSTALL_DOCDIR}/standin" COMPONENT standin)
 
-# Printers for debuggers. gdb loads by itself the script with the full name of the library, which is
-# known when the tree is installed.
+# Printers for debuggers. gdb loads the script whose name is the full path of the library, which is known at
+# installation.
 install(FILES src/debugger/README.md src/debugger/zktarn_gdb.py src/debugger/zktarn_lldb.py
   DESTINATION "${CMAKE_INSTALL_DATADIR}/zktarn_util/debugger" COMPONENT util)
 if(NOT APPLE)

@@ -1,5 +1,5 @@
-# As a part of another project: installs the shared libraries, so that the project's own programs run
-# where they are installed. ZKTARN_INSTALL adds headers and packages.
+# When another project includes this one: installs the shared libraries, so that the project's installed
+# programs run. ZKTARN_INSTALL adds headers and packages.
 
 set(standin_libraries zktarn_standin_qv zktarn_standin_qvx zktarn_standin_ut
   zktarn_standin_zkoptimutil)
@@ -15,8 +15,8 @@ if(ZKTARN_INSTALL_RUNTIME AND NOT ZKTARN_INSTALL)
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/${ZKTARN_STANDIN_SUBDIR}" COMPONENT standin)
 endif()
 
-# Programs that the calling folder defines from here on look for the libraries where these are
-# installed, unless it has a run path of its own.
+# Gives the programs that the calling folder defines afterwards a run path to the installed libraries, unless
+# the folder sets a run path.
 if(ZKTARN_INSTALL_RUNTIME AND NOT DEFINED CMAKE_INSTALL_RPATH)
   file(RELATIVE_PATH to_libraries
     "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")

@@ -1,5 +1,5 @@
-# What the tests are built with: GoogleTest and the headers of Boost. A cross build takes both as
-# source from the machine that builds, because what is installed there is built for that machine.
+# GoogleTest and the headers of Boost, for the tests. A cross build compiles GoogleTest from the building
+# machine's sources, because the installed library is for the building machine.
 
 if(NOT CMAKE_CROSSCOMPILING)
   find_package(GTest REQUIRED)
@@ -21,7 +21,7 @@ endforeach()
 set(INSTALL_GTEST OFF)
 add_subdirectory("${ZKTARN_GOOGLETEST_SOURCE}" "${PROJECT_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL)
 
-# In a folder of its own, since next to it are the headers of this machine.
+# A link in a separate folder, because the original folder also has headers of the building machine.
 set(boost_alone "${PROJECT_BINARY_DIR}/boost_alone")
 file(MAKE_DIRECTORY "${boost_alone}")
 file(CREATE_LINK "${ZKTARN_BOOST_HEADERS}" "${boost_alone}/boost" SYMBOLIC)

@@ -1,4 +1,4 @@
-# Reads the version from the header that states it, and configures again when the header changes.
+# Reads the version from version.hpp, and makes CMake configure again when that header changes.
 
 set(version_header "${CMAKE_CURRENT_SOURCE_DIR}/src/zktarn/version.hpp")
 set(numbers "")

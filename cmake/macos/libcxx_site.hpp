@@ -1,7 +1,7 @@
 #pragma once
 
-// How libc++ was configured on macOS. Apple's headers contain this as <__config_site>. The headers
-// used on Linux do not, so the toolchain includes this file before any other.
+// The configuration of libc++ on macOS, which Apple's headers contain as <__config_site>. The
+// headers used on Linux lack it, so the toolchain includes this file first.
 
 #define _LIBCPP_ABI_VERSION 1
 #define _LIBCPP_ABI_NAMESPACE __1
@@ -18,5 +18,5 @@
 #define _LIBCPP_HARDENING_MODE _LIBCPP_HARDENING_MODE_NONE
 #define _LIBCPP_PSTL_BACKEND_SERIAL
 
-// Refuses what the libc++ of the oldest supported macOS does not have.
+// Makes the compiler refuse functions that the libc++ of the oldest supported macOS lacks.
 #define _LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS 1

@@ -1,12 +1,12 @@
-# Builds for 64-bit Arm macOS on Linux: Clang and the linker of LLVM, and a folder that looks like
-# Apple's SDK to both. The headers and the list of the system library's symbols come from an npm
-# package, which `scripts/test` installs. By hand:
+# Builds for 64-bit Arm macOS on Linux with Clang, LLVM's linker and a folder laid out like Apple's SDK. The
+# headers and the symbol list of the system library come from an npm package, which `scripts/test` installs.
+# To install it by hand:
 #
 #     mkdir -p build/tools/macos && cp cmake/macos/package*.json build/tools/macos
 #     npm ci --prefix build/tools/macos
 #
-# libc++ is only a list of the few symbols that the library may use. So programs cannot be linked, and
-# the stand-in host serves only to be linked against.
+# For libc++ there is only a list of the symbols that the library may use. So programs cannot be linked, and
+# the stand-in host can be linked against but not run.
 
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_VERSION 20) # macOS 11
@@ -45,7 +45,7 @@ foreach(kind IN ITEMS EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld")
 endforeach()
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
-# CMake decides from the version of the building system whether the linker supports @rpath.
+# CMake derives from the version of the building system whether the linker supports @rpath.
 set(CMAKE_USER_MAKE_RULES_OVERRIDE "${CMAKE_CURRENT_LIST_DIR}/run_path.cmake")
 
 foreach(tool IN ITEMS AR NM OBJDUMP RANLIB STRIP INSTALL_NAME_TOOL)
@@ -54,7 +54,7 @@ foreach(tool IN ITEMS AR NM OBJDUMP RANLIB STRIP INSTALL_NAME_TOOL)
   find_program(CMAKE_${tool} "${name}" REQUIRED)
 endforeach()
 
-# Programs come from the building machine; headers, libraries and packages come from the SDK only.
+# Finds programs on the building machine, and headers, libraries and packages only in the SDK.
 set(CMAKE_FIND_ROOT_PATH "${CMAKE_OSX_SYSROOT}")
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
