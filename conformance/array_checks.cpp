@@ -1,8 +1,10 @@
 #include <cmath>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "checks.hpp"
@@ -42,6 +44,17 @@ finding finds(const array_handle& structure, std::string_view name, std::int32_t
                                  std::to_string(found) + ", not " + std::to_string(number);
 }
 
+using field_numbers = std::initializer_list<std::pair<std::string_view, std::int32_t>>;
+
+finding finds_all(const array_handle& structure, field_numbers fields) {
+    finding wrong;
+    for (const auto& [name, number] : fields) {
+        const finding each = finds(structure, name, number);
+        wrong += wrong.empty() || each.empty() ? each : "; " + each;
+    }
+    return wrong;
+}
+
 finding makes_struct_of_padded_slot() {
     const array made(make_struct(1, {"phase     "}));
     return made.handle == 0 ? no_array : finds(made.handle, "phase", 1);
@@ -52,8 +65,7 @@ finding makes_struct_of_slots() {
     if (made.handle == 0) {
         return no_array;
     }
-    return finds(made.handle, "phase", 1) + finds(made.handle, "ten_letter", 2) +
-           finds(made.handle, "x", 3);
+    return finds_all(made.handle, {{"phase", 1}, {"ten_letter", 2}, {"x", 3}});
 }
 
 finding misses_fields() {
@@ -61,8 +73,7 @@ finding misses_fields() {
     if (made.handle == 0) {
         return no_array;
     }
-    return finds(made.handle, "column", 0) + finds(made.handle, "phas", 0) +
-           finds(made.handle, "phase2", 0);
+    return finds_all(made.handle, {{"column", 0}, {"phas", 0}, {"phase2", 0}});
 }
 
 finding reads_name_of_length() {
