@@ -66,7 +66,7 @@ private:
 /// after the last poll counts as well: its handler would run when this module returns, and its
 /// exception would take the place of the result.
 py::object stored_exception() {
-    if (zktarn_python_raise() == 0 && PyErr_CheckSignals() == 0) {
+    if (zktarn_python_raise() == 0 ) {
         return py::none();
     }
     PyObject* type = nullptr;
@@ -116,7 +116,7 @@ py::dict cuts_of(const run_result& run) {
     std::vector<double> rhs;
     for (const std::size_t row : run.cuts) {
         for (const std::int32_t column : run.pool.columns(row)) {
-            indices.push_back(column - (column > 1 ? 2 : 1));
+            indices.push_back(column - 1);
         }
         const std::span<const double> coefficients = run.pool.coefficients(row);
         data.insert(data.end(), coefficients.begin(), coefficients.end());

@@ -3,7 +3,7 @@
 from __future__ import annotations
 
 import html
-from dataclasses import dataclass, field
+from dataclasses import dataclass
 from typing import TYPE_CHECKING, Any, Literal, NamedTuple, cast
 
 import numpy as np
@@ -31,22 +31,24 @@ Status = Literal[
 
 
 class Round(NamedTuple):
-    """The figures of one round."""
+    """The figures of one round.
+
+    number         from 1
+    bound          the bound of the relaxation with the cuts of this round
+    cuts_found     the violated cuts that the separation found
+    cuts_kept      those that were selected and added to the relaxation
+    separation_ms  milliseconds that the separation took
+    relaxation_ms  milliseconds that the relaxation took
+    seconds        from the beginning of the run to the end of the round
+    """
 
     number: int
-    """From 1."""
     bound: float
-    """The bound of the relaxation with the cuts of this round."""
     cuts_found: int
-    """The violated cuts that the separation found."""
     cuts_kept: int
-    """Those that were selected and added to the relaxation."""
     separation_ms: float
-    """Milliseconds that the separation took."""
     relaxation_ms: float
-    """Milliseconds that the relaxation took."""
     seconds: float
-    """Seconds from the beginning of the run to the end of the round."""
 
 
 @dataclass(frozen=True, eq=False, repr=False)
@@ -54,57 +56,62 @@ class Result:
     """A tightened relaxation: bounds, rounds, cuts, and why the run ended.
 
     `print(result)` prints the table of the program, a notebook shows tables of the run and of its
-    rounds, and `plot` draws the bounds.
+    rounds, and `plot` draws the bounds. Results can be pickled. The attributes are read-only:
+
+    model          the `Model` that was tightened
+    status         why the run ended; the names are those of the program's JSON report:
+                     integral                    the optimum of the relaxation is integral
+                     gap_closed                  the requested share of the gap is closed
+                     no_cut_found                no violated cut was found
+                     no_integer_point            the cuts leave no point, so there is no integer point
+                     no_progress                 several rounds in succession did not raise the bound
+                     rounds_used                 the limit of rounds was reached
+                     time_used                   the time limit was reached
+                     interrupted                 Ctrl-C, or an exception other than that of the
+                                                 output function
+                     stopped_by_output_function  it returned 1, or raised an exception
+                     numeric_error               the relaxation with the last cuts could not be
+                                                 decided
+    message        the status as a sentence
+    initial_bound  the bound of the relaxation without cuts, the LP value; None when the run ended
+                   before it was solved
+    bound          the last bound: no integer point has a smaller objective (a greater one, where the
+                   model is maximised). None as above.
+    optimum        the integer optimum: as it was given, or the bound when the status is "integral";
+                   None when it is not known
+    gap_closed     the share of the gap between initial bound and optimum that the bound closes, in
+                   per cent, at most 100; None when the optimum is not known or is wrong
+    rounds         a tuple with a `Round` for each round
+    history        array: the initial bound and that of each round
+    cuts           the cuts of the last relaxation, a `scipy.sparse.csr_array` with a row for each cut
+                   and a column for each of the model: each integer point of the model satisfies
+                   cuts @ x <= rhs. All numbers are integers.
+    rhs            array: the right-hand sides of the cuts
+    constraint     the cuts as a `scipy.optimize.LinearConstraint`
+    point          array: the optimum of the last relaxation that was solved, its integer columns
+                   rounded where `objective` is a number. None as above.
+    objective      the objective of `point` where it is an integer point whose objective is the bound,
+                   so an optimum of the model; else None
+    seconds        the time that the run took
+    cpu_seconds    the processor time of the process meanwhile, its other threads included
+    seed           of the random numbers
     """
 
     model: Model
-    """The model that was tightened."""
     status: Status
-    """Why the run ended; the same names as in the JSON report of the program:
-
-    integral                    the optimum of the relaxation is integral
-    gap_closed                  the requested share of the gap is closed
-    no_cut_found                no violated cut was found
-    no_integer_point            the cuts leave no point, so there is no integer point
-    no_progress                 several rounds in succession did not raise the bound
-    rounds_used                 the limit of rounds was reached
-    time_used                   the time limit was reached
-    interrupted                 Ctrl-C, or an exception other than that of the output function
-    stopped_by_output_function  it returned 1, or raised an exception
-    numeric_error               the relaxation with the last cuts could not be decided
-    """
     message: str
-    """The status as a sentence."""
     initial_bound: float | None
-    """The bound of the relaxation without cuts; None when the run ended before it was solved."""
     bound: float | None
-    """The last bound: no integer point has a smaller objective (a greater one, where the model is
-    maximised). None when the run ended before a relaxation was solved."""
     optimum: float | None
-    """The integer optimum: as it was given, or the bound when `status` is "integral"; else None."""
     gap_closed: float | None
-    """The share of the gap between the initial bound and the optimum that the bound closes, in per
-    cent, at most 100. None when the optimum is not known, or is wrong."""
     rounds: tuple[Round, ...]
-    """The figures of each round."""
-    cuts: Any = field()
-    """The cuts of the last relaxation, a `scipy.sparse.csr_array`: each integer point of the model
-    satisfies cuts @ x <= rhs. A row for each cut, a column for each of the model; all numbers are
-    integers."""
+    cuts: Any
     rhs: NDArray[np.float64]
-    """The right-hand sides of the cuts."""
     point: NDArray[np.float64] | None
-    """The optimum of the last relaxation that was solved; its integer columns are rounded where
-    `objective` is a number. None when the run ended before a relaxation was solved."""
     objective: float | None
-    """The objective of `point` where it is an integer point whose objective is the bound, so an
-    optimum of the model; else None."""
     seconds: float
-    """The time that the run took."""
     cpu_seconds: float
-    """The processor time of the process meanwhile, its other threads included."""
     seed: int
-    """Of the random numbers."""
     _table: str
 
     @classmethod

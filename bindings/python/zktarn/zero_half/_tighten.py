@@ -10,8 +10,8 @@ import warnings
 from collections.abc import Callable, Iterator
 from typing import Any, Literal, TypedDict, cast
 
-from numpy.typing import ArrayLike, NDArray
 import numpy as np
+from numpy.typing import ArrayLike, NDArray
 
 from zktarn import _zero_half
 from zktarn.zero_half import _numbers
@@ -24,16 +24,18 @@ _DISPLAYS: dict[str, int] = {"off": 0, "final": 1, "iter": 2}
 
 
 class Progress(TypedDict):
-    """What the output function is called with."""
+    """The dict that the output function is called with.
+
+    phase    "cutting" after each round, "done" once at the end of a run that nothing stopped
+    round    the number of the round, from 1
+    bound    the bound after the round
+    history  array: all bounds so far; the first is that of the relaxation without cuts
+    """
 
     phase: str
-    """"cutting" after each round, "done" once at the end of a run that nothing stopped."""
     round: float
-    """The number of the round, from 1."""
     bound: float
-    """The bound after the round."""
     history: NDArray[np.float64]
-    """All bounds so far; the first is that of the relaxation without cuts."""
 
 
 OutputFunction = Callable[[Progress], object]
