@@ -113,4 +113,19 @@ zktarn_package(libzktarn-util-fortran-dev
   DEPENDS "libzktarn-util-dev ${same_version}"
   RECOMMENDS "gfortran | fortran-compiler")
 
+# The modules are built for one version of Python.
+zktarn_package(python3-zktarn
+  SECTION python
+  SUMMARY "support routines for integer optimisation solvers, on NumPy"
+  DESCRIPTION
+    "Python package zktarn: libzktarn_util on a host made of CPython and NumPy. Its"
+    "arrays are NumPy arrays, its errors are exceptions, its console is sys.stdout."
+    ""
+    "The module zktarn.zero_half, which needs SciPy, tightens integer programs by"
+    "zero-half cuts."
+  DEPENDS python3-numpy
+  RECOMMENDS python3-scipy
+  SUGGESTS python3-matplotlib
+  CONTROL postinst prerm)
+
 include(CPack)

@@ -24,6 +24,13 @@ rm -rf "$stage"
 mkdir -p "$stage/debian"
 everything=$stage/everything
 DESTDIR=$everything "$cmake" --install "$build" >/dev/null
+# Python's modules have a folder of Debian's own; the library in there is that of libzktarn-util1, next to
+# the libraries of the Python host.
+rm -r "$everything/usr/zktarn"
+DESTDIR=$everything "$cmake" --install "$build" --component python --prefix /usr/lib/python3/dist-packages >/dev/null
+python=$everything/usr/lib/python3/dist-packages/zktarn
+rm "$python/LICENSE"
+ln -sf "../../../../$(dpkg-architecture -qDEB_HOST_MULTIARCH)/libzktarn_util.so.1" "$python/_lib/libzktarn_util.so.1"
 find "$everything/usr" -type f \( -name '*.so*' -o -path '*/bin/*' \) ! -name '*.py' \
     -exec strip --strip-unneeded --remove-section=.comment --remove-section=.note {} +
 find "$everything/usr" -name '*.a' -exec strip --strip-debug --remove-section=.comment \
@@ -72,6 +79,15 @@ add_documents() {
     [ ! -d "$tree/usr/bin" ] || chmod 755 "$tree"/usr/bin/*
 }
 
+# add_scripts PACKAGE: those that run when the package is installed or removed.
+add_scripts() {
+    local script
+    for script in postinst prerm; do
+        [ -e "$here/$1.$script" ] || continue
+        install -D -m 755 "$here/$1.$script" "$stage/debian/$1/DEBIAN/$script"
+    done
+}
+
 # describe_library PACKAGE: what other packages have to depend on when they link its library.
 describe_library() {
     local package=$1 control=$stage/debian/$1/DEBIAN name
@@ -87,6 +103,15 @@ describe_library() {
     find "$control" -type f -exec chmod 644 {} +
 }
 
+# add_python_versions PACKAGE: those of Python and NumPy that its modules were built for.
+add_python_versions() {
+    local minor numpy
+    minor=$(find "$stage/debian/$1/usr" -name '*.cpython-3*.so' -print -quit | sed 's/.*[.]cpython-3\([0-9]*\)-.*/\1/')
+    [ -n "$minor" ] || return 0
+    numpy=$(dpkg-query -W -f '${Provides}' python3-numpy | grep -o 'python3-numpy-abi[0-9]*')
+    sed -i "s/\$/, python3 (>= 3.$minor~), python3 (<< 3.$((minor + 1))~), $numpy/" "$stage/debian/$1.depends"
+}
+
 # find_dependencies PACKAGE: of its programs and libraries. The host's libraries belong to no
 # dependency: which host it is is known at run time only.
 find_dependencies() {
@@ -96,6 +121,7 @@ find_dependencies() {
     : >"$stage/debian/$package.depends"
     [ ${#binaries[@]} -gt 0 ] || return 0
     (cd "$stage" && dpkg-shlibdeps -O --ignore-missing-info \
+        -l"debian/python3-zktarn/usr/lib/python3/dist-packages/zktarn/_lib" \
         -l"debian/zktarn-standin/usr/lib/$(dpkg-architecture -qDEB_HOST_MULTIARCH)/zktarn_standin" \
         "${binaries[@]}" 2>"debian/$package.shlibdeps") | sed 's/^shlibs:Depends=//' >"$stage/debian/$package.depends" ||
         { cat "$stage/debian/$package.shlibdeps" >&2 && fail "dpkg-shlibdeps failed for $package"; }
@@ -109,9 +135,12 @@ for package in "${packages[@]}"; do
     sort_files "$package"
     add_documents "$package"
     describe_library "$package"
+    add_scripts "$package"
 done
+find "$stage/debian" -depth -type d -empty -delete
 left=$(cd "$everything" && find . ! -type d)
 [ -z "$left" ] || fail "no list in packaging/debian names these installed files: $left"
 for package in "${packages[@]}"; do
     find_dependencies "$package"
+    add_python_versions "$package"
 done

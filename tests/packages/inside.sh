@@ -7,7 +7,7 @@ fail() { echo "inside.sh: $*" >&2 && exit 1; }
 # Python and gdb keep what they have compiled beside the sources of other packages.
 export DEBIAN_FRONTEND=noninteractive PYTHONDONTWRITEBYTECODE=1
 install() { apt-get install -q -y --no-install-recommends "$@" >install.log 2>&1 || { cat install.log && fail "cannot install $*"; }; }
-mine=(libzktarn-util1 libzktarn-util-c1 libzktarn-util-dev libzktarn-util-fortran-dev zktarn-standin)
+mine=(libzktarn-util1 libzktarn-util-c1 libzktarn-util-dev libzktarn-util-fortran-dev zktarn-standin python3-zktarn)
 file() { echo ./packages/"$1"_*.deb; }
 
 # What may differ without being left behind: state of dpkg, apt and the loader, logs and caches.
@@ -46,6 +46,9 @@ runs ", 0 failed" zktarn_host_conformance
 all_removed
 
 install g++ gfortran cmake ninja-build pkg-config gdb
+# What the Python package depends on outside of these packages stays after it is removed.
+needed=$(dpkg-deb -f "$(file python3-zktarn)" Depends | tr ',' '\n' | grep -v zktarn | paste -sd ,)
+apt-get satisfy -q -y --no-install-recommends "$needed" >install.log 2>&1 || { cat install.log && fail "cannot install $needed"; }
 files >before
 # shellcheck disable=SC2046
 install $(printf '%s\n' "${mine[@]}" | while read -r name; do file "$name"; done)
@@ -83,5 +86,13 @@ runs "x2 is odd" cmake/minimal/minimal
 runs "efficacy 0." cmake/c/separator_c
 runs "marks  coef ind elm" cmake/fortran/vectors_fortran
 runs "zktarn" gdb -batch -ex 'break main' -ex run -ex 'info pretty-printer' cmake/minimal/minimal
+runs ", 0 failed" python3 -m zktarn --conformance
+runs "{2: 1.0}" python3 -c '
+import zktarn, zktarn._zero_half
+x = zktarn.Vector(9)
+x.add_nz(2, 3.0)
+x.add_nz(5, 4.0)
+x.mod2(1e-9)
+print(x.to_dict())'
 all_removed
 echo "inside.sh: installed, used and removed on Debian $(cat /etc/debian_version)"

@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
-# Makes the source tarball, Debian packages out of it, and uses these on a bare Debian 12.
+# Makes the source tarball and Debian packages out of it, and uses these on a bare Debian 12.
 set -euo pipefail
 
 usage="Usage: packages.sh [--packages-only] FOLDER [BASE_FOLDER]
-Makes the source tarball of this checkout, uncommitted changes included, builds Debian packages out of it
-without git, and checks them with lintian. Then installs them on a bare Debian 12 in FOLDER/root, builds
+Makes the source tarball of this checkout, uncommitted changes included, and checks the recipes for Homebrew
+and vcpkg that are filled in for it. Builds Debian packages out of it without git, and checks them with
+lintian. Then installs them on a bare Debian 12 in FOLDER/root, builds
 and runs programs in C++, C, Fortran and Python with them, and removes them: nothing may be left.
 BASE_FOLDER keeps the base system between runs, FOLDER if none is named.
 
@@ -47,6 +48,9 @@ tarball=$("$checkout/packaging/source.sh" "$folder")
 tar -C "$folder/source" --strip-components=1 -xf "$tarball"
 [ ! -e "$folder/source/.git" ] || fail "the source tarball contains .git"
 cd "$folder/source"
+
+step "recipes for Homebrew and vcpkg"
+"$here/recipes.sh" "$tarball" "$folder/recipes_checked"
 
 step "packages out of the tarball"
 # No git is found from here on, and no checkout around the unpacked source.
