@@ -4,11 +4,11 @@
     /usr/bin/python3 benchmarks/python/interface_bench.py [--size N] [--samples N]
 
 Each line is the median of the ratios of two times that were measured one after the other, with the
-quartiles of these ratios and the median times (of the thread's processor): whole arrays against a loop in C++ over the same
-procedures and against a formulation in NumPy, fractions against `Fraction.limit_denominator`, a call
-of a method of Vector against a pybind11 method of the same signature that does nothing. A last column
-says whether the median keeps the limit of its kind. The exit status is 0 in either case, because times
-depend on the machine.
+quartiles of these ratios and the median times (of the thread's processor): whole arrays against a
+loop in C++ over the same procedures and against a formulation in NumPy, fractions against
+`Fraction.limit_denominator`, a call of a method of Vector against a pybind11 method of the same
+signature that does nothing. A last column says whether the median keeps the limit of its kind. The
+exit status is 0 in either case, because times depend on the machine.
 """
 
 import argparse

@@ -21,10 +21,11 @@ def show(row: zktarn.Vector, membership: str) -> None:
     row.add_nz(5, 2.0)
     row[7] = -1.0  # the same as add_nz
 
-    arrays = f"coef {'ind' if row.ind is not None else '':3s} {'elm' if row.elm is not None else '':3s}"
+    ind = "ind" if row.ind is not None else ""
+    elm = "elm" if row.elm is not None else ""
     coefficients = "".join(f"{row[j]:3g}" for j in range(1, COLUMNS + 1))
     entries = "".join(f" {j}:{a:g}" for j, a in row)
-    print(f"{row.mode:5s}  {arrays}  {membership:24s} {coefficients}  {entries}")
+    print(f"{row.mode:5s}  coef {ind:3s} {elm:3s}  {membership:24s} {coefficients}  {entries}")
 
 
 def main() -> int:

@@ -74,8 +74,8 @@ def rational(
     out        Rationals, or three arrays: receives the result, which is then arrays in any case.
 
     Three numbers give a `fractions.Fraction`, or None if no fraction was found. Any array gives
-    `Rationals(num, den, found)`: three arrays of the common shape of the arguments, float64, float64
-    and bool.
+    `Rationals(num, den, found)`: three arrays of the common shape of the arguments, float64,
+    float64 and bool.
 
     First tries denominators that are common in decimal data, then the convergents of the continued
     fraction of x; the C++ header states which fraction is found. NaN has none.
@@ -110,17 +110,18 @@ def gcd(
 
     Numbers give an int or a float; arrays give an array of their common shape, int32 or float64.
 
-    Integers: never negative; gcd(a, 0) = abs(a); 0 if a or b is outside of -2147483646 to 2147483646.
-    Reals: the last divisor of Euclid's algorithm; 0.0 if a or b is NaN, infinite or the largest real,
-    or if eps < 0; max(abs(a), abs(b)) if the smaller magnitude is at most eps.
+    Integers: never negative; gcd(a, 0) = abs(a); 0 if a or b is outside of -2147483646 to
+    2147483646.
+    Reals: the last divisor of Euclid's algorithm; 0.0 if a or b is NaN, infinite or the
+    largest real, or if eps < 0; max(abs(a), abs(b)) if the smaller magnitude is at most eps.
 
         >>> gcd(12, 18)
         6
         >>> gcd(0.5, 0.75, 1e-9)
         0.25
 
-    TypeError: an argument is no real number, or no integer where eps is None. ValueError: an integer
-    needs more than 32 bits, or the shapes do not broadcast.
+    TypeError: an argument is no real number, or no integer where eps is None. ValueError: an
+    integer needs more than 32 bits, or the shapes do not broadcast.
     C++: util::xgcd_i4, util::xgcd_r8.
     """
     if eps is None:
@@ -154,8 +155,8 @@ def scalar_integral(
     eps           real: tolerance of integrality. A value of at most this magnitude takes no part.
     max_den       real: bound of the denominators, as in `rational`.
     max_scalar    real: the largest scalar allowed.
-    mask          array of bool, shape (m,): the values that take part; None for all. The others only
-                  contribute to the first trial, 1 over the smallest magnitude above eps.
+    mask          array of bool, shape (m,): the values that take part; None for all. The others
+                  only contribute to the first trial, 1 over the smallest magnitude above eps.
 
     Returns the scalar, or None if none was found. The C++ header states which scalar is found, and
     what happens when no value takes part.

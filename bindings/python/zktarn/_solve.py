@@ -50,9 +50,10 @@ class Solve:
 
     @property
     def data(self) -> _core.SolveData:
-        """The counters of the solve, as the solver sets them: nodes_explored, feasible_points, node,
-        parent_node, depth, branching_variable, lower_bound, upper_bound, gap, incumbent_node, cuts,
-        restarts. C++: callbacks_type_util::cbdata, which has the defaults."""
+        """The counters of the solve, as the solver sets them.
+
+        nodes_explored, feasible_points, node, parent_node, depth, branching_variable, lower_bound,
+        upper_bound, gap, incumbent_node, cuts, restarts. C++: callbacks_type_util::cbdata, which has the defaults."""
         return self._data
 
     @property
@@ -77,7 +78,9 @@ class Solve:
 
     @property
     def stopped(self) -> bool:
-        """Whether the output function has ended the solve. C++: callbacks_util::cbstopfromoutputfcn."""
+        """Whether the output function has ended the solve.
+
+        C++: callbacks_util::cbstopfromoutputfcn."""
         return _core.stopped_by_output_function(self._status)
 
     def report(self, phase: str, /, **fields: ArrayLike) -> bool:
@@ -86,8 +89,8 @@ class Solve:
         phase     str.
         fields    reals, or arrays of reals of one dimension, by their names.
 
-        Returns whether to end the solve: True once the output function has returned 1. Returns False
-        without an output function, and after an interrupt, without calling it.
+        Returns whether to end the solve: True once the output function has returned 1. Returns
+        False without an output function, and after an interrupt, without calling it.
 
         An exception of the output function ends the solve and is raised here. KeyboardInterrupt:
         Ctrl-C. TypeError: a field is no real number. ValueError: it has two dimensions or more.

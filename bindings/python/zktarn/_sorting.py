@@ -17,8 +17,8 @@ def sort(
                    called.
     exchange       callable: takes positions a < b. If the elements there are out of order, it
                    exchanges them and returns True; else it returns False.
-    compare, swap  instead of `exchange`: compare(a, b) returns a positive number if the elements are
-                   out of order, and then swap(a, b) exchanges them.
+    compare, swap  instead of `exchange`: compare(a, b) returns a positive number if the elements
+                   are out of order, and then swap(a, b) exchanges them.
 
     Returns None. Not stable: equal elements may change places. An exception of a callable ends the
     sort and is raised here; the data keep their order of that moment.

@@ -107,7 +107,8 @@ const ufunc_description descriptions[] = {
 x      array of reals.
 out    array, optional: receives the result.
 
-Returns float64 in [0, 0.5], with the shape of x. For abs(x) > 2**52: 0. For infinities and NaN: NaN.
+Returns float64 in [0, 0.5], with the shape of x. For abs(x) > 2**52: 0. For infinities and
+NaN: NaN.
 
 C++: util::fractional.)",
      1, 1, 1, fractional_loop, reals},
@@ -189,8 +190,8 @@ x1     array of reals, the numbers x.
 x2     array of reals, the tolerances eps.
 out    array, optional: receives the result.
 
-Returns float64, with the common shape of the inputs: the guarded ceiling of x - eps. A zero may be a
-negative zero.
+Returns float64, with the common shape of the inputs: the guarded ceiling of x - eps. A zero may be
+a negative zero.
 
 C++: util::epsilon_ceiling.)",
      2, 1, 1, ceil_loop, reals},

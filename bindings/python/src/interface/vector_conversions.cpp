@@ -335,7 +335,8 @@ A new vector with the given entries, listed in their order.
 
 n           int, 0 to 2147483647, the capacity.
 indices     array of integers, shape (m,): distinct element indices from 1 to n.
-values      array of reals, shape (m,): their coefficients. None makes a vector without coefficients.
+values      array of reals, shape (m,): their coefficients. None makes a vector without
+            coefficients.
 ind, elm    bool, whether the vector has a list and marks, as in `Vector`.
 
 Returns a Vector.
@@ -388,8 +389,8 @@ coefficients gives 1.0 for each.)"),
     plain_method<to_numpy>("to_numpy", R"(to_numpy($self)
 --
 
-The vector as a new array, float64, shape (n,): the coefficients of the members, and 0.0 elsewhere. A
-vector without coefficients gives 1.0 for its members.)"),
+The vector as a new array, float64, shape (n,): the coefficients of the members, and 0.0 elsewhere.
+A vector without coefficients gives 1.0 for its members.)"),
     plain_method<to_sparse>("to_sparse", R"(to_sparse($self)
 --
 
@@ -407,12 +408,12 @@ A new vector with copies of all arrays, in the same mode. MemoryError: no memory
     plain_method<check>("check", R"(check($self)
 --
 
-Tests the invariants that the operations expect: each listed index is an element and listed once, each
-mark is 0 or 1, and exactly the listed elements are marked.
+Tests the invariants that the operations expect: each listed index is an element and listed once,
+each mark is 0 or 1, and exactly the listed elements are marked.
 
-Returns None. IndexError or ValueError: names the first violation. Operations never violate them, but
-writes to `ind`, `elm` and `nz` can, and so can `set_ind`, `set_elm`, `rem_elm` and `clean_index`.
-Takes time proportional to n.)"),
+Returns None. IndexError or ValueError: names the first violation. Operations never violate them,
+but writes to `ind`, `elm` and `nz` can, and so can `set_ind`, `set_elm`, `rem_elm` and
+`clean_index`. Takes time proportional to n.)"),
     {},
 };
 

@@ -130,13 +130,14 @@ beta     float. Nothing of y is added when abs(beta) <= tol or beta is NaN.
 tol      float, used in these two tests only: no result is rounded to zero. When it is NaN, x is
          not scaled and nothing is added.
 
-Elements of y that are no members of x are appended in y's order. Each sum is one fused multiply-add.
-Entries that are exactly zero are dropped at the end as by `rem_zeros`, also those that were zero
-before. When x or y has no coefficients, the elements of y are merged into x and no sums are formed.
+Elements of y that are no members of x are appended in y's order. Each sum is one fused
+multiply-add. Entries that are exactly zero are dropped at the end as by `rem_zeros`, also those
+that were zero before. When x or y has no coefficients, the elements of y are merged into x and no
+sums are formed.
 
 IndexError: y lists an element that x does not have. ValueError: the list of x has no room for the
-elements that only y lists. Then x is unchanged. Takes time proportional to the nz of both; with x in
-list mode to their product. C++: vector_mod::vectors_combine.)"),
+elements that only y lists. Then x is unchanged. Takes time proportional to the nz of both; with x
+in list mode to their product. C++: vector_mod::vectors_combine.)"),
     method<sym_diff_parameters, sym_diff>(R"(sym_diff($self, y)
 --
 
@@ -157,8 +158,9 @@ Reduces coefficients modulo 2, in place.
 
 tol    float, the tolerance of `is_even`.
 
-A listed coefficient that is even within tol becomes 0.0, and its entry is dropped as by `rem_zeros`.
-Any other coefficient, integral or not, becomes 1.0. Does nothing if nz is 0, nor in dense mode.
+A listed coefficient that is even within tol becomes 0.0, and its entry is dropped as by
+`rem_zeros`. Any other coefficient, integral or not, becomes 1.0. Does nothing if nz is 0, nor in dense
+mode.
 
 ValueError: nz is at least 1, and the vector has no coefficients. Takes time proportional to nz.
 C++: vector_mod::vector_mod2.)"),

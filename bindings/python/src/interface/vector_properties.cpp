@@ -97,8 +97,8 @@ stays valid after the vector is gone.)",
     {"elm", get_array<&record::elm, &vector_form::elm>, nullptr,
      R"(The marks: a view, int32, shape (n,), or None.
 
-elm[j - 1] is 1 if element j is a member, else 0. Writes change the vector; whoever writes keeps list
-and marks consistent (see `check`). The view stays valid after the vector is gone.)",
+elm[j - 1] is 1 if element j is a member, else 0. Writes change the vector; whoever writes keeps
+list and marks consistent (see `check`). The view stays valid after the vector is gone.)",
      nullptr},
     {},
 };

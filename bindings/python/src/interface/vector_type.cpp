@@ -31,7 +31,7 @@ elm     bool. False: no marks.
 The arrays decide the mode, which states what the members are:
 
     mode     arrays         j is a member when     operations
-    marks    elm and ind    elm[j - 1] is 1        all, in constant time an element
+    marks    elm, ind       elm[j - 1] is 1        all, in constant time an element
     list     ind            j is in ind[:nz]       those on one element search the list
     dense    coef           always                 only those on one element change anything
 

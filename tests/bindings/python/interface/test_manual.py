@@ -67,7 +67,8 @@ def test_the_examples_of_the_modules(module):
 
 def test_the_examples_of_the_docstrings_in_cpp():
     parser, runner = doctest.DocTestParser(), doctest.DocTestRunner()
-    example = parser.get_doctest(zktarn.Vector.__doc__, {"Vector": zktarn.Vector}, "Vector", None, 0)
+    example = parser.get_doctest(zktarn.Vector.__doc__, {"Vector": zktarn.Vector},
+                               "Vector", None, 0)
     assert len(example.examples) == 5
     assert runner.run(example).failed == 0
 

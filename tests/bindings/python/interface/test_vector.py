@@ -3,6 +3,8 @@
 import copy
 import inspect
 import pickle
+import subprocess
+import sys
 import weakref
 
 import numpy as np
@@ -664,3 +666,28 @@ def test_each_member_is_documented_and_names_its_procedure():
             assert inspect.getdoc(member), name
     for name in ("get_coef", "add_nz", "combine", "mod2"):
         assert "C++: vector_mod::vector" in inspect.getdoc(getattr(Vector, name))
+
+
+# Memory
+
+REFUSED = """
+import resource
+from zktarn import Vector, _host
+size = int(open("/proc/self/statm").read().split()[0]) * resource.getpagesize()
+resource.setrlimit(resource.RLIMIT_AS, (size + 2**28,) * 2)
+keep = Vector.from_dict(8, {2: 3.0})
+for make in (lambda: Vector(2**31 - 1), lambda: Vector.from_entries(2**31 - 1, [1], [1.0]),
+             lambda: Vector(2**31 - 1, coef=False, ind=False)):
+    try:
+        make()
+    except MemoryError as error:
+        print(error)
+print(_host.block_count(), keep)
+"""
+
+
+def test_a_refused_allocation_is_a_memory_error():
+    child = subprocess.run([sys.executable, "-c", REFUSED], capture_output=True, text=True, check=False)
+    assert (child.returncode, child.stderr) == (0, "")
+    assert child.stdout == (3 * "no memory for a vector of 2147483647 elements\n"
+                            + "3 <Vector n=8 marks {2: 3.0}>\n")
