@@ -4,7 +4,7 @@
     table.py RESULTS DOCS
 
 RESULTS has a file PROGRAM.PAGES.json for each program, as Google Benchmark writes it; PAGES is small
-(4 KiB) or huge. Writes DOCS/benchmarks.md, DOCS/benchmarks/table.csv and pictures: bars for each
+(4 KiB) or huge; and python.txt, the lines of python/interface_bench.py, if it was run. Writes DOCS/benchmarks.md, DOCS/benchmarks/table.csv and pictures: bars for each
 operation, of the library and everything it is compared with, and, with gnuplot, nanoseconds an entry
 over the capacity.
 """
@@ -18,6 +18,7 @@ import subprocess
 import sys
 
 from bars import bars, duration
+from python.interface_bench import LIMITS as PYTHON_LIMITS
 
 # Label, comparison, peer, and the largest ratio that meets the target.
 ROWS = (
@@ -184,6 +185,49 @@ def others(found):
             for contenders in [contenders_of(measured)] for name, time, value in contenders[1:]]
 
 
+def python_lines(folder):
+    """What python/interface_bench.py measured: kind, name, ratio, both times in nanoseconds."""
+    path = folder / "python.txt"
+    if not path.is_file():
+        return []
+    line = re.compile(rf"({'|'.join(map(re.escape, PYTHON_LIMITS))})\s+(.*?)\s+([\d.]+)\s+\[[^]]*\]"
+                      r"\s+([\d.]+)\s+([\d.]+) us")
+    found = [match.groups() for match in map(line.match, path.read_text(encoding="utf-8").splitlines()) if match]
+    if not found:
+        fail(f"{path} has no measurements")
+    return [(kind, name, float(ratio), float(ours) * 1e3, float(theirs) * 1e3)
+            for kind, name, ratio, ours, theirs in found]
+
+
+def python_section(lines):
+    """The table of the Python interface."""
+    text = ["", "## Python", "",
+            "Whole arrays against a loop in C++ over the same procedures and against a formulation in NumPy, calls",
+            "of a method against calls of a pybind11 method that does nothing, fractions against",
+            "`Fraction.limit_denominator`: medians of the ratios of times taken one after the other.", "",
+            "| against | what | target | reached | verdict | time | its time |", "|---|---|---:|---:|---|---:|---:|"]
+    for kind, name, ratio, ours, theirs in lines:
+        limit = PYTHON_LIMITS[kind]
+        verdict = "met" if ratio <= limit else "missed"
+        text.append(f"| {kind} | `{name}` | {limit:.2f} | {ratio:.3f} | {verdict} | {duration(ours)} | "
+                    f"{duration(theirs)} |")
+    return text
+
+
+def draw_python(lines, folder, date, machine):
+    """A picture for each thing compared with; returns their names."""
+    drawn = []
+    for kind, limit in PYTHON_LIMITS.items():
+        groups = [(name, f"at most {limit:.2f}", [("library", ours, None), (kind, theirs, ratio)])
+                  for each, name, ratio, ours, theirs in lines if each == kind]
+        if groups:
+            name = "bars_python_" + re.sub(r"\W+", "_", kind.lower()).strip("_") + ".svg"
+            title = f"Python, beside {kind}"
+            (folder / name).write_text(bars(title, f"{machine}; {date}", groups), encoding="utf-8")
+            drawn.append((name, title))
+    return drawn
+
+
 def draw(found, folder, operation, fill, order):
     """Draws one picture. Returns its file name, or None if nothing was measured."""
     prefix = f"{operation}/"
@@ -229,6 +273,8 @@ def main():
     date = datetime.date.today().isoformat()
     machine = f"{context.get('processor', 'unknown')}, {context.get('compiler', 'unknown')}"
     drawn = draw_bars(small, pictures, date, machine)
+    python = python_lines(folder)
+    drawn += draw_python(python, pictures, date, machine)
     names = [name for picture in PICTURES if (name := draw(small, pictures, *picture))]
     met = sum(line[4] == "met" for line in lines)
     text = ["# Results of the benchmarks", "",
@@ -250,6 +296,8 @@ def main():
                  "cuts each finds.", "",
                  "| comparison | first | time | other | its time | ratio | rounds |", "|---|---|---:|---|---:|---:|---:|"]
         text += ["| " + " | ".join(line) + " |" for line in more]
+    if python:
+        text += python_section(python)
     text += ["", "## Pictures", "",
              "Blue is the library, grey are the limit of the contract and the ideal loops that",
              "`benchmarks/README.md` describes, orange are peers. The ratio is that of the library's time to the",
