@@ -39,7 +39,7 @@ class Formula
 
   def pkgshare
     (prefix/"share/zktarn-util").tap do |folder|
-      folder.define_singleton_method(:install) { |what| mkpath && FileUtils.cp_r(what, self) }
+      folder.define_singleton_method(:install) { |what| mkpath; FileUtils.cp_r(what, self) }
     end
   end
 
