@@ -294,6 +294,7 @@ gate_benchmarks() {
 }
 
 gate_docs() {
+    python3 docs/site/check_links_test.py
     python3 docs/site/make_site.py . "$build_dir/docs" "$build_dir/site"
     python3 docs/site/check_links.py "$build_dir/site"
 }
