@@ -128,7 +128,7 @@ int write_to(const std::string& file, int status, Write write) {
 
 int write_all(const command_line& options, const std::deque<solved_model>& models, int status) {
     status = write_to(options.json_file, status,
-                      [&](const std::string& file) { write_json(models, file); });
+                      [&](const std::string& file) { write_json(models, options.run, file); });
     if (models.empty()) {
         return status;
     }

@@ -52,14 +52,22 @@ json record_of(const solved_model& solved) {
 
 } // namespace
 
-void write_json(const std::deque<solved_model>& models, const std::string& file) {
+void write_json(const std::deque<solved_model>& models, const run_options& options,
+                const std::string& file) {
     json records = json::array();
     for (const solved_model& solved : models) {
         records.push_back(record_of(solved));
     }
+    const json report = {{"version", ZERO_HALF_VERSION},
+                         {"options",
+                          {{"rounds", options.rounds},
+                           {"time_limit", options.seconds},
+                           {"seed", options.seed},
+                           {"stop_at_gap", options.stop_at_gap}}},
+                         {"models", records}};
     std::ofstream stream(file);
     // A file name may not be valid UTF-8; invalid bytes are replaced.
-    stream << json{{"models", records}}.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
+    stream << report.dump(2, ' ', false, json::error_handler_t::replace) << '\n';
     if (!stream.flush()) {
         throw error(file + ": cannot be written");
     }
