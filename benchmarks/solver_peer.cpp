@@ -9,10 +9,24 @@
 #include <CglZeroHalf.hpp>
 #include <OsiClpSolverInterface.hpp>
 
+#include "input/error.hpp"
+#include "input/read_model.hpp"
+
 namespace {
 
 double cpu_seconds() {
     return static_cast<double>(std::clock()) / CLOCKS_PER_SEC;
+}
+
+void load(const zero_half::model& program, OsiClpSolverInterface& lp) {
+    lp.messageHandler()->setLogLevel(0);
+    lp.loadProblem(program.rows, program.lower.data(), program.upper.data(),
+                   program.objective.data(), program.row_lower.data(), program.row_upper.data());
+    for (int j = 0; j < program.column_count(); ++j) {
+        if (program.is_integer[static_cast<std::size_t>(j)] != 0) {
+            lp.setInteger(j);
+        }
+    }
 }
 
 } // namespace
@@ -24,12 +38,18 @@ int main(int argc, char** argv) {
     }
     const int most_rounds = std::atoi(argv[2]);
     const double limit = std::atof(argv[3]);
-    OsiClpSolverInterface lp;
-    lp.messageHandler()->setLogLevel(0);
-    if (lp.readMps(argv[1], "") != 0) {
-        std::fprintf(stderr, "solver_peer: %s: not a valid MPS file\n", argv[1]);
+    zero_half::model program;
+    try {
+        program = zero_half::read_model(argv[1]);
+    } catch (const zero_half::error& found) {
+        std::fprintf(stderr, "solver_peer: %s\n", found.what());
         return 1;
     }
+    const auto in_file = [&](double value) {
+        return program.in_sense_of_file(value + program.constant);
+    };
+    OsiClpSolverInterface lp;
+    load(program, lp);
     const double start = cpu_seconds();
     lp.initialSolve();
     const double first = lp.getObjValue();
@@ -56,7 +76,7 @@ int main(int argc, char** argv) {
         cuts += found.sizeRowCuts();
         ++rounds;
     }
-    std::printf("%.10g %.10g %d %d %.4f %.4f\n", first, bound, rounds, cuts, separation,
-                cpu_seconds() - start);
+    std::printf("%.10g %.10g %d %d %.4f %.4f\n", in_file(first), in_file(bound), rounds, cuts,
+                separation, cpu_seconds() - start);
     return 0;
 }

@@ -1,42 +1,67 @@
-"""Runs zero_half with several seeds, and CglZeroHalf beside it, on MPS files; writes a table, a CSV
-file and a performance profile of the share of the gap closed. All seconds are processor time.
+#!/usr/bin/env python3
+"""Runs zero_half with several seeds and CglZeroHalf beside it, and Cbc with the cuts of both.
 
-    solver_table.py ZERO_HALF SOLVER_PEER FOLDER [--seeds 8] [--time-limit 60] [--rounds 50]
-                    [--output build/bench-solver] [--only NAME...]
+    solver_table.py PROGRAMS OUTPUT FOLDER... [--seeds 8] [--rounds 50] [--time-limit 60]
+                    [--cbc-time-limit 60] [--cbc-seeds 1] [--only NAME...]
 
-FOLDER has the models, and a table optima.csv (file,optimum) or a README.md with the columns `file` and
-`optimum`. A model without an optimum is left out.
+PROGRAMS is the folder of a build with zero_half, zero_half_cbc and solver_peer. Each FOLDER has models and a
+table optima.csv (file,optimum), or a README.md with columns `file` and `optimum`. Models without an optimum
+are left out. Writes OUTPUT/solver_benchmarks.md, and into OUTPUT/solver_benchmarks the tables gap.csv
+and cbc.csv and the picture profile.svg. All seconds are processor time.
 """
 import argparse
 import csv
+import datetime
 import json
 import pathlib
+import platform
 import statistics
 import subprocess
 import sys
 import tempfile
 
+VARIANTS = ["none", "CglZeroHalf, root", "zero_half, root", "CglZeroHalf, tree", "zero_half, tree"]
+GAP_HEADING = ["model", "closed %, median", "least", "most", "CglZeroHalf closed %", "seconds",
+               "CglZeroHalf seconds", "end"]
 
-def optima_of(folder):
+
+def optima_of_table(table):
     found = {}
-    table = folder / "optima.csv"
-    if table.exists():
-        for row in csv.reader(table.read_text().splitlines()):
-            if len(row) == 2:
-                try:
-                    found[row[0]] = float(row[1])
-                except ValueError:
-                    pass  # the heading
-    readme = folder / "README.md"
-    if not found and readme.exists():
-        column = None
-        for line in readme.read_text().splitlines():
-            cells = [cell.strip() for cell in line.strip().strip("|").split("|")]
-            if "file" in cells and "optimum" in cells:
-                column = (cells.index("file"), cells.index("optimum"))
-            elif column and len(cells) > max(column) and ".mps" in cells[column[0]]:
-                found[cells[column[0]]] = float(cells[column[1]])
+    for row in csv.reader(table.read_text(encoding="utf-8").splitlines()):
+        try:
+            found[row[0]] = float(row[1])
+        except (IndexError, ValueError):
+            pass  # the heading
     return found
+
+
+def optima_of_page(page):
+    found = {}
+    columns = None
+    for line in page.read_text(encoding="utf-8").splitlines():
+        cells = [cell.strip().strip("`") for cell in line.strip().strip("|").split("|")]
+        if "file" in cells and "optimum" in cells:
+            columns = (cells.index("file"), cells.index("optimum"))
+        elif columns and len(cells) > max(columns) and ".mps" in cells[columns[0]]:
+            found[cells[columns[0]]] = float(cells[columns[1]])
+    return found
+
+
+def models_of(folders, only):
+    """Paths with optima. A name that occurs in several folders is taken from the first."""
+    found = {}
+    for folder in folders:
+        table, page = folder / "optima.csv", folder / "README.md"
+        optima = (optima_of_table(table) if table.exists() else
+                  optima_of_page(page) if page.exists() else {})
+        for name, optimum in optima.items():
+            if (folder / name).exists() and (not only or name.split(".")[0] in only):
+                found.setdefault(name, (folder / name, optimum))
+    return [found[name] for name in sorted(found)]
+
+
+def stem(path):
+    return path.name.split(".")[0]
 
 
 def closed(first, bound, optimum):
@@ -45,82 +70,226 @@ def closed(first, bound, optimum):
 
 
 def run_own(options, model, optimum, seed):
-    with tempfile.NamedTemporaryFile(suffix=".json") as report:
-        subprocess.run([options.zero_half, model, "--seed", str(seed), "--rounds",
-                        str(options.rounds), "--time-limit", str(options.time_limit), "--optimum",
-                        str(optimum), "--display", "off", "--json", report.name], check=False)
-        return json.load(open(report.name, encoding="utf-8"))["models"][0]
+    """The record of the JSON report; nothing when the solver refuses the model."""
+    with tempfile.TemporaryDirectory() as folder:
+        report = pathlib.Path(folder) / "report.json"
+        subprocess.run([options.programs / "solvers/zero_half/zero_half", model, "--seed", str(seed),
+                        "--rounds", str(options.rounds), "--time-limit", str(options.time_limit),
+                        f"--optimum={optimum!r}", "--display", "off", "--json", report], check=False)
+        models = json.loads(report.read_text(encoding="utf-8"))["models"]
+    return models[0] if models else None
 
 
 def run_peer(options, model, optimum):
-    found = subprocess.run([options.peer, model, str(options.rounds), str(options.time_limit)],
-                           capture_output=True, text=True, check=True).stdout.split()
-    return {"closed": closed(float(found[0]), float(found[1]), optimum), "rounds": int(found[2]),
-            "cuts": int(found[3]), "separation": float(found[4]), "cpu": float(found[5])}
+    """Share closed and seconds; nothing when the peer cannot read the model."""
+    call = subprocess.run([options.programs / "benchmarks/solver_peer", model, str(options.rounds),
+                           str(options.time_limit)], capture_output=True, text=True, check=False)
+    if call.returncode != 0:
+        print(call.stderr.strip(), file=sys.stderr)
+        return None
+    first, bound, rounds, cuts, separation, seconds = map(float, call.stdout.split())
+    return {"closed": closed(first, bound, optimum), "rounds": int(rounds), "cuts": int(cuts),
+            "separation": separation, "cpu": seconds}
 
 
 def own_figures(report):
     separation = sum(line["separation_ms"] for line in report["rounds"]) / 1e3
-    return {"closed": report["gap_closed_percent"], "rounds": len(report["rounds"]),
+    return {"closed": report["gap_closed_percent"] or 0.0, "rounds": len(report["rounds"]),
             "cuts": report["cuts_kept"], "separation": separation, "cpu": report["cpu_seconds"],
             "status": report["status"]}
 
 
-def draw_profile(rows, picture):
-    """For each share x the part of the models of which at least x per cent of the gap is closed."""
-    data = "".join(
-        "\n".join(f"{x} {sum(row[key] >= x - 1e-6 for row in rows) / len(rows)}"
-                  for x in range(101)) + "\ne\n" for key in ("median", "peer"))
-    commands = (f"set terminal svg size 700,450\nset output '{picture}'\n"
-                "set xlabel 'gap closed, per cent'\nset ylabel 'part of the models'\n"
-                "set yrange [0:1.05]\nset key bottom left\n"
-                "plot '-' with steps lw 2 title 'zero\\_half, median over seeds', "
-                "'-' with steps lw 2 title 'CglZeroHalf'\n")
-    subprocess.run(["gnuplot"], input=commands + data, text=True, check=True)
+def measure_gaps(options, models, table):
+    """One row for each model, and all runs as CSV."""
+    rows = []
+    writer = csv.writer(table)
+    writer.writerow(["model", "solver", "seed", "closed_percent", "rounds", "cuts",
+                     "separation_seconds", "cpu_seconds", "status"])
+    for model, optimum in models:
+        peer = run_peer(options, model, optimum)
+        if peer:
+            writer.writerow([stem(model), "CglZeroHalf", "", *peer.values(), ""])
+        runs = []
+        for seed in range(1, options.seeds + 1):
+            report = run_own(options, model, optimum, seed)
+            if report:
+                runs.append(own_figures(report))
+                writer.writerow([stem(model), "zero_half", seed, *runs[-1].values()])
+        if not runs:
+            continue
+        shares = [run["closed"] for run in runs]
+        rows.append({"model": stem(model), "shares": shares, "median": statistics.median(shares),
+                     "peer": peer["closed"] if peer else None,
+                     "cells": [stem(model), f"{statistics.median(shares):.2f}", f"{min(shares):.2f}",
+                               f"{max(shares):.2f}", f"{peer['closed']:.2f}" if peer else "-",
+                               f"{statistics.median(run['cpu'] for run in runs):.2f}",
+                               f"{peer['cpu']:.2f}" if peer else "-", runs[0]["status"]]})
+        print("  ".join(f"{cell:>12}" for cell in rows[-1]["cells"]), flush=True)
+    return rows
+
+
+def measure_cbc(options, models, table):
+    """The runs, and the sentences of zero_half_cbc about all. Ends the script when optima differ."""
+    call = subprocess.run([options.programs / "solvers/zero_half/zero_half_cbc",
+                           *(model for model, _ in models), "--time-limit",
+                           str(options.cbc_time_limit), "--seeds", str(options.cbc_seeds), "--csv",
+                           table], capture_output=True, text=True, check=False)
+    if call.returncode != 0:
+        sys.exit(call.stderr.strip())
+    print(call.stdout)
+    with open(table, newline="", encoding="utf-8") as stream:
+        return list(csv.DictReader(stream)), call.stdout[call.stdout.index("\n\n"):].strip()
+
+
+def markdown(heading, rows):
+    lines = ["| " + " | ".join(heading) + " |",
+             "|---|" + "---:|" * (len(heading) - 1)]
+    return "\n".join(lines + ["| " + " | ".join(row) + " |" for row in rows])
+
+
+def cbc_rows(runs, figure):
+    by_run = {}
+    for run in runs:
+        by_run.setdefault((run["model"], run["seed"]), {})[run["cuts_from"]] = figure(run)
+    many_seeds = len({seed for _, seed in by_run}) > 1
+    return [[model + (f", seed {seed}" if many_seeds else ""), *(cells[name] for name in VARIANTS)]
+            for (model, seed), cells in by_run.items()]
+
+
+def nodes_of(run):
+    return run["nodes"] + (" (time)" if run["status"] == "time" else "")
+
+
+def gap_profile(rows):
+    """For each x the part of the models of which at least x per cent of the gap are closed."""
+    shared = [row for row in rows if row["peer"] is not None]
+    return {name: [(x, sum(row[key] >= x - 1e-6 for row in shared) / len(shared))
+                   for x in range(101)]
+            for key, name in (("median", "zero_half, median"), ("peer", "CglZeroHalf"))}
+
+
+def node_profile(runs):
+    """For each factor the part of the runs that a variant finished with at most that many times the
+    least nodes + 1 of all variants (Dolan and More 2002)."""
+    least = {}
+    for run in runs:
+        key = (run["model"], run["seed"])
+        if run["status"] != "time":
+            least[key] = min(least.get(key, 1e99), int(run["nodes"]) + 1)
+    factors = [2 ** (k / 8) for k in range(41)]
+    return {name: [(factor, sum(run["status"] != "time" and int(run["nodes"]) + 1 <=
+                                factor * least[run["model"], run["seed"]] * (1 + 1e-9)
+                                for run in runs if run["cuts_from"] == name) / max(1, len(least)))
+                   for factor in factors] for name in VARIANTS}
+
+
+def panel(curves, label, extra):
+    titles = [name.replace("_", "\\_") for name in curves]
+    data = "".join("\n".join(f"{x} {y}" for x, y in points) + "\ne\n" for points in curves.values())
+    return (f"{extra}\nset xlabel '{label}'\nplot " +
+            ", ".join(f"'-' with steps lw 2 dt {k} title '{title}'"
+                      for k, title in enumerate(titles, 1)) + "\n" + data)
+
+
+def draw(rows, runs, picture):
+    commands = (f"set terminal svg size 1100,500 background rgb 'white'\nset output '{picture}'\n"
+                "set multiplot layout 1,2\nset yrange [0:1.05]\n" +
+                panel(gap_profile(rows), "gap closed, per cent",
+                      "set ylabel 'part of the models'\nset key below"))
+    if runs:
+        commands += panel(node_profile(runs), "nodes of Cbc, times the least",
+                          "set ylabel 'part of the runs'\nset logscale x 2\nset key below")
+    subprocess.run(["gnuplot"], input=commands, text=True, check=True)
+
+
+def processor():
+    for line in pathlib.Path("/proc/cpuinfo").read_text(encoding="utf-8").splitlines():
+        if line.startswith("model name"):
+            return line.split(":", 1)[1].strip()
+    return platform.machine()
+
+
+def page(options, rows, runs, sentences):
+    version = subprocess.run([options.programs / "solvers/zero_half/zero_half", "--version"],
+                             capture_output=True, text=True, check=True).stdout.strip()
+    parts = [f"""# Benchmarks of the solver
+
+`scripts/bench-solver` writes this page: {version}, {processor()},
+{datetime.date.today().isoformat()}. All seconds are processor time.
+
+![Profiles of the gap closed and of the nodes of Cbc](solver_benchmarks/profile.svg)
+
+## Share of the gap that cuts close
+
+At most {options.rounds} rounds and {options.time_limit:g} s for each run. zero_half runs with default settings and the
+seeds 1 to {options.seeds}. CglZeroHalf runs with default settings, and every cut is kept. The column `end` says why the first
+run ended. Each run is in [gap.csv](solver_benchmarks/gap.csv).
+
+""" + markdown(GAP_HEADING, [row["cells"] for row in rows])]
+    if runs:
+        parts.append(f"""
+## Inside Cbc
+
+Cbc with its default settings, with no zero-half cuts, and with those of CglZeroHalf and of zero_half: at the root
+only, or in the tree as well. At most {options.cbc_time_limit:g} s for each run. A run that ends at the root has 0 nodes.
+Each run is in [cbc.csv](solver_benchmarks/cbc.csv).
+
+```
+{sentences}
+```
+
+### Nodes
+
+""" + markdown(["model", *VARIANTS], cbc_rows(runs, nodes_of)) + """
+
+### Seconds
+
+""" + markdown(["model", *VARIANTS],
+               cbc_rows(runs, lambda run: f"{float(run['cpu_seconds']):.2f}")) + """
+
+### Bound at the root
+
+""" + markdown(["model", *VARIANTS],
+               cbc_rows(runs, lambda run: f"{float(run['root_bound']):.8g}"
+                        if run["root_bound"] else "-")))
+    return "\n".join(parts) + "\n"
+
+
+def parsed_arguments():
+    parser = argparse.ArgumentParser(description=__doc__.split("\n\n", maxsplit=1)[0])
+    parser.add_argument("programs", type=pathlib.Path)
+    parser.add_argument("output", type=pathlib.Path)
+    parser.add_argument("folders", type=pathlib.Path, nargs="+")
+    parser.add_argument("--seeds", type=int, default=8)
+    parser.add_argument("--rounds", type=int, default=50)
+    parser.add_argument("--time-limit", type=float, default=60.0)
+    parser.add_argument("--cbc-time-limit", type=float, default=60.0)
+    parser.add_argument("--cbc-seeds", type=int, default=1)
+    parser.add_argument("--only", nargs="+", default=[])
+    options = parser.parse_args()
+    if min(options.seeds, options.rounds, options.time_limit) <= 0:
+        parser.error("--seeds, --rounds and --time-limit are greater than 0")
+    return options
 
 
 def main():
-    parser = argparse.ArgumentParser(description=__doc__.split("\n\n")[0])
-    parser.add_argument("zero_half")
-    parser.add_argument("peer")
-    parser.add_argument("folder", type=pathlib.Path)
-    parser.add_argument("--seeds", type=int, default=8)
-    parser.add_argument("--time-limit", type=float, default=60.0)
-    parser.add_argument("--rounds", type=int, default=50)
-    parser.add_argument("--output", type=pathlib.Path, default=pathlib.Path("build/bench-solver"))
-    parser.add_argument("--only", nargs="+", default=[])
-    options = parser.parse_args()
-    optima = optima_of(options.folder) if options.folder.is_dir() else {}
-    files = [name for name in optima if not options.only or name.split(".")[0] in options.only]
-    if not files:
-        print(f"solver_table: {options.folder}: no models with an optimum", file=sys.stderr)
-        return 1
-    options.output.mkdir(parents=True, exist_ok=True)
-    rows = []
-    print(f"{'model':20}{'median':>8}{'least':>8}{'most':>8}{'peer':>8}{'cpu s':>8}{'peer s':>8}  end",
-          flush=True)
-    with open(options.output / "runs.csv", "w", newline="", encoding="utf-8") as stream:
-        table = csv.writer(stream)
-        table.writerow(["model", "solver", "seed", "closed_percent", "rounds", "cuts",
-                        "separation_seconds", "cpu_seconds", "status"])
-        for name in files:
-            model = options.folder / name
-            peer = run_peer(options, model, optima[name])
-            table.writerow([name, "CglZeroHalf", "", *peer.values(), ""])
-            runs = []
-            for seed in range(1, options.seeds + 1):
-                runs.append(own_figures(run_own(options, model, optima[name], seed)))
-                table.writerow([name, "zero_half", seed, *runs[-1].values()])
-            shares = [run["closed"] for run in runs]
-            rows.append({"median": statistics.median(shares), "peer": peer["closed"]})
-            print(f"{name.split('.')[0]:20}{rows[-1]['median']:8.2f}{min(shares):8.2f}"
-                  f"{max(shares):8.2f}{peer['closed']:8.2f}"
-                  f"{statistics.median(run['cpu'] for run in runs):8.2f}{peer['cpu']:8.2f}  "
-                  f"{runs[0]['status']}", flush=True)
-    draw_profile(rows, options.output / "profile.svg")
-    print(f"written: {options.output / 'runs.csv'}, {options.output / 'profile.svg'}")
-    return 0
+    options = parsed_arguments()
+    models = models_of(options.folders, options.only)
+    if not models:
+        sys.exit("solver_table.py: no models with an optimum in " +
+                 ", ".join(map(str, options.folders)))
+    results = options.output / "solver_benchmarks"
+    results.mkdir(parents=True, exist_ok=True)
+    print("  ".join(f"{cell:>12.12}" for cell in GAP_HEADING), flush=True)
+    with open(results / "gap.csv", "w", newline="", encoding="utf-8") as table:
+        rows = measure_gaps(options, models, table)
+    runs, sentences = [], ""
+    if options.cbc_time_limit > 0:
+        runs, sentences = measure_cbc(options, models, results / "cbc.csv")
+    draw(rows, runs, results / "profile.svg")
+    (options.output / "solver_benchmarks.md").write_text(page(options, rows, runs, sentences),
+                                                         encoding="utf-8")
 
 
 if __name__ == "__main__":
-    sys.exit(main())
+    main()
