@@ -272,6 +272,12 @@ def parsed_arguments():
     return options
 
 
+def write_results(options, rows, runs, sentences):
+    draw(rows, runs, options.output / "solver_benchmarks" / "profile.svg")
+    (options.output / "solver_benchmarks.md").write_text(page(options, rows, runs, sentences),
+                                                         encoding="utf-8")
+
+
 def main():
     options = parsed_arguments()
     models = models_of(options.folders, options.only)
@@ -283,12 +289,10 @@ def main():
     print("  ".join(f"{cell:>12.12}" for cell in GAP_HEADING), flush=True)
     with open(results / "gap.csv", "w", newline="", encoding="utf-8") as table:
         rows = measure_gaps(options, models, table)
-    runs, sentences = [], ""
+    write_results(options, rows, [], "")
     if options.cbc_time_limit > 0:
         runs, sentences = measure_cbc(options, models, results / "cbc.csv")
-    draw(rows, runs, results / "profile.svg")
-    (options.output / "solver_benchmarks.md").write_text(page(options, rows, runs, sentences),
-                                                         encoding="utf-8")
+        write_results(options, rows, runs, sentences)
 
 
 if __name__ == "__main__":
