@@ -72,8 +72,17 @@ PYBIND11_MODULE(_host, module) {
     module.attr("version") = ZKTARN_VERSION_STRING;
     module.attr("library") = file_of(library_function());
     module.attr("functions") = functions();
-    module.def("set_bit_generator", &set_bit_generator, py::arg("factory"));
-    module.def("block_count", &zktarn_python_block_count);
+    module.def("set_bit_generator", &set_bit_generator, py::arg("factory"),
+               "Sets what makes the bit generator of a seed: a callable that returns one for an "
+               "integer from 0 to 2**32 - 1, for instance numpy.random.Philox. None restores "
+               "numpy.random.PCG64. Generators that exist keep theirs. Raises TypeError when it is "
+               "not callable.");
+    module.def("block_count", &zktarn_python_block_count,
+               "Returns the number of blocks that the library has obtained and not released.");
     module.def("conformance", &conformance, py::arg("function"), py::arg("answer"),
-               py::arg("console_is_standard_output"));
+               py::arg("console_is_standard_output"),
+               "Checks every operation of the host and prints a line a check to file descriptor 1; "
+               "returns whether all passed. Calls the function of that name, which must return "
+               "`answer`. Runs once in a process, and replaces handlers of fatal signals. See "
+               "python -m zktarn --conformance.");
 }

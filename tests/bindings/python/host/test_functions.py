@@ -10,7 +10,7 @@ import pytest
 import growth
 import host
 
-from zktarn import _host
+from zktarn import host as public
 
 
 @pytest.fixture
@@ -30,7 +30,7 @@ def structure():
 def no_function_stays():
     yield
     host.set_function(None)
-    _host.functions.clear()
+    public.functions.clear()
 
 
 def call_once(structure, library=host.held):
@@ -131,7 +131,7 @@ def test_registering_returns_the_previous_function():
 
 
 def test_a_function_of_a_thread_comes_before_those_of_all(structure):
-    _host.functions["tarnCallback"] = lambda fields: 10
+    public.functions["tarnCallback"] = lambda fields: 10
     host.set_function(lambda fields: 20)
     answers = []
     thread = threading.Thread(target=lambda: answers.append(call_once(structure)[1]))
@@ -149,12 +149,12 @@ def test_threads_that_python_did_not_make_use_the_functions_of_all():
     assert harness.harness_call_elsewhere() == 1.0
     with pytest.raises(LookupError):
         host.raise_stored()
-    _host.functions["tarnCallback"] = lambda fields: 10 + len(fields)
+    public.functions["tarnCallback"] = lambda fields: 10 + len(fields)
     assert harness.harness_call_elsewhere() == 11.0
 
 
 def test_what_is_no_callable_among_the_functions_is_reported(structure):
-    _host.functions["tarnCallback"] = 7
+    public.functions["tarnCallback"] = 7
     assert call_once(structure) == (1, 1.0)
     with pytest.raises(TypeError, match="not callable"):
         host.raise_stored()

@@ -8,7 +8,7 @@ import pytest
 import growth
 import host
 
-from zktarn import _host
+from zktarn import host as public
 
 BIT_GENERATORS = [numpy.random.PCG64, numpy.random.PCG64DXSM, numpy.random.MT19937,
                   numpy.random.Philox, numpy.random.SFC64]
@@ -39,7 +39,7 @@ def make_generator():
 def restore_bit_generator():
     """Puts the default bit generator back."""
     yield
-    _host.set_bit_generator(None)
+    public.set_bit_generator(None)
 
 
 @pytest.mark.parametrize("seed", [0, 1, 42, (1 << 31) - 1, -1, -(1 << 31)])
@@ -56,14 +56,14 @@ def test_many_numbers_are_drawn_at_once(library, make_generator):
 
 @pytest.mark.parametrize("bit_generator", BIT_GENERATORS)
 def test_any_bit_generator_serves(make_generator, restore_bit_generator, bit_generator):
-    _host.set_bit_generator(bit_generator)
+    public.set_bit_generator(bit_generator)
     expected = numpy.random.Generator(bit_generator(7)).random(COUNT)
     assert host.draw(make_generator(7), COUNT) == expected.tolist()
 
 
 @pytest.mark.parametrize("bit_generator", BIT_GENERATORS)
 def test_a_snapshot_is_the_state_and_repeats(make_generator, restore_bit_generator, bit_generator):
-    _host.set_bit_generator(bit_generator)
+    public.set_bit_generator(bit_generator)
     generator = make_generator(7)
     host.draw(generator, 5)
     snapshot = host.held.getRngStateOptim(generator)
@@ -94,7 +94,7 @@ def test_a_snapshot_outlives_its_generator_and_restores_another():
 def test_a_snapshot_of_another_kind_is_reported_and_changes_nothing(
         make_generator, restore_bit_generator):
     generator = make_generator(1)
-    _host.set_bit_generator(numpy.random.Philox)
+    public.set_bit_generator(numpy.random.Philox)
     snapshot = host.held.getRngStateOptim(make_generator(1))
     host.held.setRngStateOptim(generator, snapshot)
     host.held.deleteRngStateOptim(snapshot)
@@ -157,18 +157,18 @@ def test_only_generators_are_adopted(what):
 
 def test_a_factory_has_to_be_callable():
     with pytest.raises(TypeError, match="callable"):
-        _host.set_bit_generator(7)
+        public.set_bit_generator(7)
 
 
 def test_a_factory_that_fails_is_null_and_reported(restore_bit_generator):
     def fail(seed):
         raise LookupError(f"no generator for {seed}")
 
-    _host.set_bit_generator(fail)
+    public.set_bit_generator(fail)
     assert host.held.instantiateRngOptim(-1) is None
     with pytest.raises(LookupError, match="no generator for 4294967295"):
         host.raise_stored()
-    _host.set_bit_generator(lambda seed: object())
+    public.set_bit_generator(lambda seed: object())
     assert host.held.instantiateRngOptim(1) is None
     with pytest.raises(AttributeError, match="capsule"):
         host.raise_stored()
@@ -178,7 +178,7 @@ def test_a_factory_without_memory_is_null_and_nothing_else(restore_bit_generator
     def fail(seed):
         raise MemoryError
 
-    _host.set_bit_generator(fail)
+    public.set_bit_generator(fail)
     assert host.held.instantiateRngOptim(1) is None
     host.raise_stored()
 
