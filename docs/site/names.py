@@ -6,7 +6,7 @@ import xml.etree.ElementTree as xml
 # Words that are names of the stand-in, but stand for something else in most sentences.
 AMBIGUOUS = {"answer", "begin", "block", "calls", "console", "end", "entry", "fault", "host", "inspect",
              "name", "operation", "owner", "record", "random", "reply", "report", "requests", "reset",
-             "settings", "standin", "store", "stored", "summary", "util", "value"}
+             "settings", "standin", "store", "stored", "summary", "util", "value", "zktarn"}
 
 
 def read_tags(path):
