@@ -42,8 +42,8 @@ def main() -> int:
     coef = row.coef
     assert coef is not None  # None for coef=False
     del row
-    print(f"\nThe vector is gone, and a view of its coefficients is not: {coef[1]:g}, {coef[4]:g}, "
-          f"{coef[6]:g}.")
+    values = ", ".join(f"{coef[j - 1]:g}" for j in (2, 5, 7))
+    print(f"\nThe vector is deleted, a view of its coefficients stays valid: {values}.")
     return 0
 
 

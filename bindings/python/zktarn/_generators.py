@@ -28,12 +28,12 @@ class Generator:
 
     source    int of 32 bits: a seed; the numbers are those of
               `numpy.random.default_rng(seed).random()`. A negative seed counts from 2**32 down.
-              Or a `numpy.random` bit generator or `Generator`, which is then shared: numbers drawn
-              on either side are gone on the other.
+              Or a `numpy.random` bit generator or `Generator`, which is then shared: each
+              number goes to the one that draws it.
 
     TypeError: another type. ValueError: the seed needs more than 32 bits. One generator must not be
     used by two threads at once.
-    C++: random::instantiaterng; random::deleterng runs when the last reference is gone.
+    C++: random::instantiaterng; random::deleterng runs with the last reference.
     """
 
     def __init__(
@@ -66,8 +66,8 @@ class Generator:
         return numbers
 
     def state(self) -> GeneratorState:
-        """Takes a snapshot of the state. C++: random::getrngstate; random::deleterngstate runs when
-        the last reference to the snapshot is gone."""
+        """Takes a snapshot of the state. C++: random::getrngstate; random::deleterngstate runs with
+        the last reference to the snapshot."""
         return GeneratorState(self._generator.save())
 
     def restore(self, state: GeneratorState) -> None:

@@ -16,7 +16,7 @@ class Rationals(NamedTuple):
     """Fractions near the elements of an array: three arrays of the shape of the arguments.
 
     Where `found` is False, numerator and denominator are 0.0. They are integral reals, because a
-    denominator may exceed 64 bits, and need not be without a common divisor.
+    denominator may exceed 64 bits. A fraction need not be in lowest terms.
     """
 
     num: NDArray[np.float64]

@@ -85,20 +85,20 @@ C++: vector_mod::vector_get_nz, vector_mod::vector_set_nz.)",
      R"(The coefficients: a view, float64, shape (n,), or None.
 
 coef[j - 1] belongs to element j. The coefficient of an element that is no member is stale: it may
-hold any number. Writes change the vector. The view stays valid after the vector is gone.)",
+hold any number. Writes change the vector. The view stays valid after the vector is deleted.)",
      nullptr},
     {"ind", get_array<&record::ind, &vector_form::ind>, nullptr,
      R"(The list of element indices: a view, int32, shape (n,), or None.
 
 ind[:nz] are the listed elements, counted from 1 and in no particular order; the rest is scratch.
 Writes change the vector; whoever writes keeps list, marks and nz consistent (see `check`). The view
-stays valid after the vector is gone.)",
+stays valid after the vector is deleted.)",
      nullptr},
     {"elm", get_array<&record::elm, &vector_form::elm>, nullptr,
      R"(The marks: a view, int32, shape (n,), or None.
 
 elm[j - 1] is 1 if element j is a member, else 0. Writes change the vector; whoever writes keeps
-list and marks consistent (see `check`). The view stays valid after the vector is gone.)",
+list and marks consistent (see `check`). The view stays valid after the vector is deleted.)",
      nullptr},
     {},
 };

@@ -60,8 +60,8 @@ Every method checks its arguments before it changes anything: TypeError for anot
 for an index out of range, ValueError for anything else. A vector must not be used by two threads at
 once; the interpreter's lock is held throughout. Vectors compare by identity: see `is_identical`.
 
-C++: vector_type::vector, vector_type::vector_alloc; vector_type::vector_free runs when the last
-reference is gone.)";
+C++: vector_type::vector, vector_type::vector_alloc; vector_type::vector_free runs with the last
+reference.)";
 
 PyObject* create(PyTypeObject* type, PyObject* positional, PyObject* keywords) noexcept {
     static const std::array<const char*, 5> names = {"n", "coef", "ind", "elm", nullptr};

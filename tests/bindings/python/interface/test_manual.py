@@ -55,7 +55,7 @@ def test_the_example_prints_what_the_other_languages_print():
     table = readme[start:readme.index("\n\n", start)]
     assert table.count("\n") == 3 and table in ran.stdout
     assert ran.stdout.endswith(
-        "\nThe vector is gone, and a view of its coefficients is not: 3, 2, -1.\n")
+        "\nThe vector is deleted, a view of its coefficients stays valid: 3, 2, -1.\n")
     wrong = run(sys.executable, ROOT / "examples" / "python" / "vectors.py", "x")
     assert (wrong.returncode, wrong.stderr) == (2, "vectors: takes no arguments, but was given 'x'\n")
 

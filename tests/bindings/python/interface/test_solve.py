@@ -99,13 +99,13 @@ def test_lines_go_to_standard_output(display, shown, off, final):
 def test_a_console_that_fails_raises():
     class Broken:
         def write(self, text):
-            raise OSError("console is gone")
+            raise OSError("console is closed")
 
         def flush(self):
             pass
 
     with contextlib.redirect_stdout(Broken()):
-        refuses(OSError, "console is gone", zktarn.Solve().print, "line")
+        refuses(OSError, "console is closed", zktarn.Solve().print, "line")
 
 
 def test_ctrl_c_becomes_keyboard_interrupt_once():

@@ -435,7 +435,7 @@ def test_comparison():
     assert x != marks() and x == x
 
 
-def test_a_list_that_a_program_spoiled_is_refused():
+def test_a_corrupted_list_is_refused():
     for call in ("clean_index", "clear", "rem_zeros", "check"):
         x = marks()
         x.ind[1] = 9
@@ -645,7 +645,7 @@ def test_views_are_the_memory_of_the_vector():
     assert (x.ind.dtype, x.elm.dtype, x.coef.dtype) == (np.int32, np.int32, np.float64)
 
 
-def test_views_stay_valid_when_the_vector_is_gone():
+def test_views_stay_valid_after_the_vector_is_deleted():
     x = marks(1000)
     coef, ind, elm = x.coef, x.ind, x.elm
     del x
