@@ -25,6 +25,7 @@ HEADERS = (("src", "src/zktarn"), ("standin/include", "standin/include"),
            ("conformance/include", "conformance/include"))
 THEME = pathlib.Path("/usr/share/doxygen-awesome-css")
 ZERO_HALF = f"{python_view.MODULE}_zero_half"
+HOST = f"{python_view.MODULE}_host"
 STYLES = ("doxygen-awesome.css", "doxygen-awesome-sidebar-only.css",
           "doxygen-awesome-sidebar-only-darkmode-toggle.css")
 SCRIPTS = ("doxygen-awesome-darkmode-toggle.js", "doxygen-awesome-fragment-copy-button.js",
@@ -103,6 +104,8 @@ def write_python(root, folder, names):
             undescribed += [f"{source.relative_to(root)}: warning: {name} has no docstring" for name in missing]
             write(folder / "python" / f"{module}.py", text)
             links.update(python_view.links_by_procedure(text, module))
+    if (package / "host.py").is_file():
+        write(folder / "python" / f"{HOST}.py", python_view.described_module(package / "host.py", HOST))
     return links, undescribed
 
 
@@ -112,7 +115,10 @@ def name_python(target):
         text = read(path)
         if python_view.MODULE in text:
             text = re.sub(rf'([">]){python_view.MODULE}(["<])', r"\1zktarn (Python)\2", text)
-            write(path, text.replace(ZERO_HALF, "zktarn.zero_half").replace(python_view.MODULE, "zktarn"))
+            for module, name in ((ZERO_HALF, "zktarn.zero_half"), (HOST, "zktarn.host"),
+                                 (python_view.MODULE, "zktarn")):
+                text = text.replace(module, name)
+            write(path, text)
 
 
 def language_links(root, folder, python):

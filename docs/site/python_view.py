@@ -126,6 +126,12 @@ def class_lines(node, texts, names, missing):
     return out
 
 
+def described_module(path, module):
+    """A module whose docstring describes all of its names."""
+    text = comment(ast.get_docstring(ast.parse(read(path))), {}, "")
+    return "\n".join([f"##  @package {module}", *(line.replace("##", "#", 1) for line in text)]) + "\n"
+
+
 def module_view(root, package, module, names):
     """One package: its docstring, then its public names. Returns the view and the names without a
     docstring, which Doxygen would not report."""
