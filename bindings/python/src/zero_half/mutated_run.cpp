@@ -51,7 +51,7 @@ public:
         }
     }
     ~registered_function() {
-        Py_XDECREF(zktarn_python_set_function(name, previous_));
+
         Py_DECREF(previous_);
     }
     registered_function(const registered_function&) = delete;
@@ -66,7 +66,7 @@ private:
 /// after the last poll counts as well: its handler would run when this module returns, and its
 /// exception would take the place of the result.
 py::object stored_exception() {
-    if (zktarn_python_raise() == 0 ) {
+    if (zktarn_python_raise() == 0 && PyErr_CheckSignals() == 0) {
         return py::none();
     }
     PyObject* type = nullptr;

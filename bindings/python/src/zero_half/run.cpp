@@ -199,8 +199,12 @@ py::tuple tighten(const py::dict& model_arrays, const py::dict& given,
         const registered_function registered(output_function);
         result = attempted(program, options);
     } catch (...) {
-        stored_exception(); // less than what is thrown, and no exception of the next call
-        throw;
+        // What the host stored is the cause: a generator that could not be made, for example.
+        py::object cause = stored_exception();
+        if (cause.is_none()) {
+            throw;
+        }
+        return py::make_tuple(py::none(), cause);
     }
     py::object raised = stored_exception();
     if (result.failure && raised.is_none()) {

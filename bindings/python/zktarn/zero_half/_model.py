@@ -260,7 +260,7 @@ def _matrix(values: Any, columns: int) -> Any:
     if scipy.sparse.issparse(values):
         if values.dtype.kind not in "biuf":
             raise TypeError("the matrix A of constraints has to hold real numbers")
-        matrix = scipy.sparse.csr_array(values, dtype=np.float64, copy=True)
+        matrix = scipy.sparse.csr_array(values, dtype=np.float64)
     else:
         dense = _numbers.real_array("the matrix A of constraints", values)
         if dense.ndim > 2:

@@ -95,6 +95,14 @@ def test_the_first_lines_of_a_user_run(python, tmp_path):
     assert run(python, "-c", program, cwd=tmp_path) == expected
 
 
+def test_the_solver_in_the_wheel_tightens_a_model_and_draws_it(python, tmp_path):
+    for module in ("scipy", "matplotlib"):
+        pytest.importorskip(module)
+    text = run(python, ROOT / "examples" / "python" / "tighten.py", "picture.svg", cwd=tmp_path)
+    assert "stopped_by_output_function: the output function stopped the run" in text
+    assert "<svg" in (tmp_path / "picture.svg").read_text(encoding="utf-8")
+
+
 def test_the_library_is_the_one_that_is_installed_everywhere(wheel, tmp_path):
     build = pathlib.Path(os.environ["PYTHONPATH"].split(os.pathsep)[0]).parent
     run("cmake", "--install", build, "--component", "util", "--prefix", tmp_path)

@@ -82,10 +82,13 @@ def test_defaults_are_those_of_milp():
         tighten([1.0])
 
 
-def test_duplicates_in_a_sparse_matrix_are_added():
-    matrix = scipy.sparse.coo_array(([1.0, 1.0, 2.0], ([0, 0, 0], [0, 0, 1])), shape=(1, 2))
+@pytest.mark.parametrize("matrix", [
+    scipy.sparse.coo_array(([1.0, 1.0, 2.0], ([0, 0, 0], [0, 0, 1])), shape=(1, 2)),
+    scipy.sparse.csr_array(([1.0, 2.0, 1.0], [0, 1, 0], [0, 3]), shape=(1, 2))],
+    ids=["coo", "csr"])
+def test_duplicates_in_a_sparse_matrix_are_added(matrix):
     model = Model([-1, -1], (matrix, -np.inf, 3), (0, 5), 1)
-    assert np.array_equal(model.A.toarray(), [[2.0, 2.0]])
+    assert np.array_equal(model.A.toarray(), [[2.0, 2.0]]) and model.A.nnz == 2
     result = tighten(model)
     assert (result.initial_bound, result.bound, result.status) == (-1.5, -1.0, "integral")
     assert matrix.nnz == 3
