@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include <ClpSolve.hpp>
+
 #include "lp/certificate.hpp"
 
 namespace zero_half {
@@ -45,11 +47,32 @@ void relaxation::set_tolerance(double tolerance) {
     lp_.setDualTolerance(tolerance);
 }
 
+/// The first solve of a large program. The dual method from the slack basis takes time that grows
+/// almost with the square of the rows. Clp's crash method (`Idiot`) finds a nearly optimal point in
+/// a few passes over the entries, from which the primal method continues.
+void relaxation::solve_large() {
+    constexpr int crash_option = 1;
+    constexpr int with_idiot = 2;
+    constexpr int passes = 60;
+    ClpSolve method;
+    method.setSolveType(ClpSolve::usePrimal);
+    method.setPresolveType(ClpSolve::presolveOff);
+    method.setSpecialOption(crash_option, with_idiot, passes);
+    lp_.initialSolve(method);
+}
+
 /// The dual method from the last basis. Without a result that is proven, the primal method from the
 /// last basis, and then from the beginning.
 relaxation::outcome relaxation::solve() {
+    constexpr int least_large_rows = 3000;
     set_tolerance(tight_tolerance);
-    lp_.dual();
+    if (is_first_ && model_rows_ >= least_large_rows) {
+        solve_large();
+    }
+    if (!is_first_ || lp_.status() != stopped_by_event) {
+        lp_.dual();
+    }
+    is_first_ = false;
     if (lp_.status() == infeasible) {
         // With large numbers no point may satisfy the tight tolerance.
         set_tolerance(usual_tolerance);

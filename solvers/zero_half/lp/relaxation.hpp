@@ -26,7 +26,8 @@ public:
     /// The simplex method calls `should_stop` in each iteration and stops when it returns true.
     relaxation(const model& program, std::function<bool()> should_stop);
 
-    /// Solves by the dual simplex method, starting from the last basis.
+    /// Solves by the dual simplex method, starting from the last basis. A large program is solved
+    /// the first time by a crash method and the primal simplex method.
     outcome solve();
     /// Adds rows of the pool as cuts.
     void add(const row_pool& pool, std::span<const std::size_t> rows);
@@ -64,6 +65,7 @@ private:
     };
 
     void set_tolerance(double tolerance);
+    void solve_large();
     void solve_afresh();
     outcome checked_outcome();
     outcome take_bound();
@@ -76,6 +78,8 @@ private:
     /// The rows behind those of the model, in their order.
     std::vector<active_cut> cuts_;
     int model_rows_;
+    /// Whether `solve` has not been called.
+    bool is_first_ = true;
 };
 
 } // namespace zero_half
