@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Runs zero_half with several seeds and CglZeroHalf beside it, and Cbc with the cuts of both.
 
-    solver_table.py PROGRAMS OUTPUT FOLDER... [--seeds 8] [--rounds 50] [--time-limit 60]
+    solver_table.py PROGRAMS OUTPUT FOLDER... [--seeds 8] [--rounds 1000] [--time-limit 60]
                     [--cbc-time-limit 60] [--cbc-seeds 1] [--only NAME...]
 
 PROGRAMS is the folder of a build with zero_half, zero_half_cbc and solver_peer. Each FOLDER has models and a
@@ -82,7 +82,7 @@ def run_own(options, model, optimum, seed):
 
 def run_peer(options, model, optimum):
     """Share closed and seconds; nothing when the peer cannot read the model."""
-    call = subprocess.run([options.programs / "benchmarks/solver_peer", model, str(options.rounds),
+    call = subprocess.run([options.programs / "benchmarks/solver_peer", model, str(min(options.rounds, 50)),
                            str(options.time_limit)], capture_output=True, text=True, check=False)
     if call.returncode != 0:
         print(call.stderr.strip(), file=sys.stderr)
@@ -261,7 +261,7 @@ def parsed_arguments():
     parser.add_argument("output", type=pathlib.Path)
     parser.add_argument("folders", type=pathlib.Path, nargs="+")
     parser.add_argument("--seeds", type=int, default=8)
-    parser.add_argument("--rounds", type=int, default=50)
+    parser.add_argument("--rounds", type=int, default=1000)
     parser.add_argument("--time-limit", type=float, default=60.0)
     parser.add_argument("--cbc-time-limit", type=float, default=60.0)
     parser.add_argument("--cbc-seeds", type=int, default=1)

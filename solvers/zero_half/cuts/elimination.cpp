@@ -52,7 +52,7 @@ private:
         words_[row * width_ + bit / word_bits] |= std::uint64_t{1} << (bit % word_bits);
     }
     std::vector<std::int32_t> column_order();
-    std::size_t best_pivot(std::span<const std::size_t> rows);
+    std::size_t best_pivot(std::span<const std::size_t> rows) const;
     void add(std::size_t pivot, std::size_t row);
     /// Bits 0 to columns() - 1 are the columns, the others the slacks of `members_`.
     std::int32_t element_of(std::size_t bit) const {
@@ -70,6 +70,8 @@ private:
     std::vector<char> is_odd_;
     /// For each row the total slack of the rows of which it is the sum.
     std::vector<double> slack_;
+    /// A small random number for each row, which decides between pivots with equal slack.
+    std::vector<double> perturbation_;
     /// The rows that have not been pivots.
     std::vector<std::size_t> remaining_;
     std::vector<std::int32_t> odd_;
@@ -80,6 +82,7 @@ elimination::elimination(const parity_system& system, const zktarn::random::rng_
       width_((static_cast<std::size_t>(system.columns()) + members_.size() + word_bits - 1) /
              word_bits),
       words_(width_ * members_.size()) {
+    constexpr double perturbation = 1e-3;
     for (std::size_t row = 0; row < members_.size(); ++row) {
         for (const std::int32_t column : system.odd_columns(members_[row])) {
             set(row, static_cast<std::size_t>(column) - 1);
@@ -87,6 +90,7 @@ elimination::elimination(const parity_system& system, const zktarn::random::rng_
         set(row, static_cast<std::size_t>(system.columns()) + row);
         is_odd_.push_back(system.is_odd(members_[row]) ? 1 : 0);
         slack_.push_back(system.value(system.slack_of(members_[row])));
+        perturbation_.push_back(perturbation * zktarn::random::rand_number(random_));
         remaining_.push_back(row);
     }
 }
@@ -104,12 +108,11 @@ std::vector<std::int32_t> elimination::column_order() {
     return order;
 }
 
-std::size_t elimination::best_pivot(std::span<const std::size_t> rows) {
-    constexpr double perturbation = 1e-3;
+std::size_t elimination::best_pivot(std::span<const std::size_t> rows) const {
     std::size_t best = rows.front();
     double least = std::numeric_limits<double>::infinity();
     for (const std::size_t row : rows) {
-        const double key = slack_[row] + perturbation * zktarn::random::rand_number(random_);
+        const double key = slack_[row] + perturbation_[row];
         if (key < least) {
             least = key;
             best = row;

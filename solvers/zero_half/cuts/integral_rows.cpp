@@ -91,36 +91,53 @@ std::optional<double> common_divisor(const std::vector<double>& values) {
     return divisor;
 }
 
-/// Adds the sum to the pool, without its continuous columns, divided by the greatest common divisor
-/// and rounded down. Adds nothing when a column needs a bound that it does not have.
-void add_to_pool(const mixed_integer_rows& model, const scaled_sum& scaled, row_pool& pool) {
-    constexpr double largest_error = 0.01;
-    exact_sum exact = sum_of(model, scaled.terms);
+/// The sum without its continuous columns, with integer coefficients. The right-hand side is not
+/// yet rounded, and may be off by `error`.
+struct unrounded_row {
     std::vector<std::int32_t> columns;
     std::vector<double> values;
+    double rhs = 0.0;
+    double error = 0.0;
+};
+
+/// Moves each coefficient to its integer, that of a continuous column to 0, at the cost of a bound
+/// of the column.
+unrounded_row move_to_integers(const mixed_integer_rows& model, const scaled_sum& scaled) {
+    const exact_sum exact = sum_of(model, scaled.terms);
+    unrounded_row made;
+    made.rhs = exact.rhs;
+    made.error = exact.error;
     for (const auto& [column, value] : exact.coefficients) {
         const bool is_integer = model.is_integer[static_cast<std::size_t>(column)] != 0;
         const auto place = scaled.coefficients.find(column);
         const double rounded =
             is_integer && place != scaled.coefficients.end() ? place->second : 0.0;
         const double moved = most_over_bounds(model, column, rounded - value.whole - value.rest);
-        exact.rhs += moved;
-        exact.error += is_whole(moved) ? 0.0 : 16.0 * unit_roundoff * std::fabs(moved);
+        made.rhs += moved;
+        made.error += is_whole(moved) ? 0.0 : 16.0 * unit_roundoff * std::fabs(moved);
         if (rounded != 0.0) {
-            columns.push_back(column + 1);
-            values.push_back(rounded);
+            made.columns.push_back(column + 1);
+            made.values.push_back(rounded);
         }
     }
-    const double error = std::max(integrality_tolerance, exact.error);
-    const std::optional<double> divisor = common_divisor(values);
-    if (columns.empty() || !divisor || !(std::fabs(exact.rhs) <= largest_exact) ||
+    return made;
+}
+
+/// Adds the sum to the pool, without its continuous columns, divided by the greatest common divisor
+/// and rounded down. Adds nothing when a column needs a bound that it does not have.
+void add_to_pool(const mixed_integer_rows& model, const scaled_sum& scaled, row_pool& pool) {
+    constexpr double largest_error = 0.01;
+    unrounded_row row = move_to_integers(model, scaled);
+    const double error = std::max(integrality_tolerance, row.error);
+    const std::optional<double> divisor = common_divisor(row.values);
+    if (row.columns.empty() || !divisor || !(std::fabs(row.rhs) <= largest_exact) ||
         error > largest_error) {
         return;
     }
-    for (double& each : values) {
+    for (double& each : row.values) {
         each /= *divisor;
     }
-    pool.add(columns, values, floor_of(floor_of(exact.rhs, error) / *divisor, 0.0),
+    pool.add(row.columns, row.values, floor_of(floor_of(row.rhs, error) / *divisor, 0.0),
              {scaled.terms, *divisor});
 }
 

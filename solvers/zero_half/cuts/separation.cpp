@@ -77,7 +77,19 @@ std::vector<std::size_t> separator::find(const double* point) {
         selected.push_back(*each.pool_row);
         is_in_use_[*each.pool_row] = 1;
     }
+    set_budget(selected.size());
     return selected;
+}
+
+/// Where the selection takes few of the cuts, the next call looks for fewer: making a cut costs
+/// more than finding its sum, and the most promising sums come first. Where it takes many, the next
+/// call looks for more.
+void separator::set_budget(std::size_t selected) {
+    constexpr std::size_t cuts_for_each_selected = 5;
+    constexpr std::size_t sums_for_each_cut = 2;
+    most_cuts_ =
+        std::clamp(cuts_for_each_selected * selected, options_.least_cuts, options_.most_cuts);
+    enough_ = sums_for_each_cut * most_cuts_;
 }
 
 void separator::truncate(std::size_t count) {
@@ -114,7 +126,7 @@ void separator::add_blossoms(const separated_point& at, std::vector<cut>& cuts) 
     if (system.columns() == 0 || !is_column_graph(system)) {
         return;
     }
-    odd_sums sums(system, options_.enough);
+    odd_sums sums(system, enough_);
     find_blossoms(system, should_stop_, sums);
     add_cuts_of(sums, at, cuts);
 }
@@ -126,16 +138,21 @@ void separator::add_sums(const separated_point& at, bool with_all_cuts, std::vec
         slacks[i] = is_in_use_[i] != 0 ? slacks[i] : too_much_slack;
     }
     const parity_system system(model_, pool_, slacks, at.bounds);
-    odd_sums sums(system, options_.enough);
+    odd_sums sums(system, enough_);
     add_single_rows(system, sums);
     find_odd_cycles(system, should_stop_, sums);
-    for (int i = 0; i < options_.restarts && !sums.are_enough() && !should_stop_(); ++i) {
+    for (int i = 0; goes_on(i, sums.size()) && !sums.are_enough() && !should_stop_(); ++i) {
         find_by_elimination(system, random_, should_stop_, sums);
     }
     if (sums.size() == 0 && system.rows() <= options_.small_system) {
         find_by_greedy_search(system, should_stop_, sums);
     }
     add_cuts_of(sums, at, cuts);
+}
+
+/// Eliminations are cheap beside a round that ends the run, so they go on where they find nothing.
+bool separator::goes_on(int eliminations, std::size_t sums) const {
+    return eliminations < (sums > 0 ? options_.restarts : options_.restarts_without_sums);
 }
 
 void separator::add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts) {
@@ -145,8 +162,8 @@ void separator::add_cuts_of(odd_sums& sums, const separated_point& at, std::vect
     std::size_t entries = 0;
     sums.sort();
     const std::size_t before = cuts.size();
-    for (std::size_t i = 0;
-         i < sums.size() && cuts.size() - before < options_.most_cuts && entries < most_entries;
+    for (std::size_t i = 0; i < sums.size() && cuts.size() - before < most_cuts_ &&
+                            entries < most_entries && !should_stop_();
          ++i) {
         const odd_sum sum = sums[i];
         for (const std::int32_t row : sum.rows) {

@@ -11,12 +11,15 @@
 namespace zero_half {
 
 struct separation_options {
-    /// The most eliminations; they end when `enough` sums are found.
+    /// The most eliminations, and the most of them while none has found a sum.
     int restarts = 10;
-    std::size_t enough = 1000;
-    /// The most sums that are made into cuts, the most promising first, and the most entries that
-    /// the rows of these sums may have, as a multiple of the entries of the model.
-    std::size_t most_cuts = 500;
+    int restarts_without_sums = 40;
+    /// How many sums are made into cuts, the most promising first. Between these limits a call
+    /// takes a number that depends on how many cuts the selection took in the call before.
+    std::size_t least_cuts = 100;
+    std::size_t most_cuts = 1000;
+    /// The most entries that the rows of these sums may have, as a multiple of the entries of the
+    /// model.
     std::size_t most_entries = 5;
     /// The greedy search is used where nothing else finds a cut, in systems with at most this many
     /// rows.
@@ -69,6 +72,8 @@ private:
     void add_sums(const separated_point& at, bool with_all_cuts, std::vector<cut>& cuts);
     void add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts);
     void put_into_pool(std::vector<cut>& cuts);
+    void set_budget(std::size_t selected);
+    bool goes_on(int eliminations, std::size_t sums) const;
 
     mixed_integer_rows model_;
     const zktarn::random::rng_state& random_;
@@ -81,6 +86,9 @@ private:
     cg_rounding rounding_;
     cut_selection selection_;
     std::size_t found_ = 0;
+    /// The number of cuts that the next call makes, and of sums at which its searches end.
+    std::size_t most_cuts_ = 500;
+    std::size_t enough_ = 1000;
 };
 
 } // namespace zero_half

@@ -9,7 +9,7 @@ namespace zero_half {
 enum class display : std::int32_t { off = 0, final = 1, iter = 2 };
 
 struct run_options {
-    int rounds = 50;
+    int rounds = 1000;
     double seconds = 60.0;
     /// Seed of the host's generator.
     std::int32_t seed = 1;

@@ -17,9 +17,10 @@ struct round_figures {
     double bound;
     std::size_t cuts_found;
     std::size_t cuts_kept;
+    /// Processor time.
     double separation_ms;
     double relaxation_ms;
-    /// Since the run began.
+    /// Elapsed since the run began.
     double seconds;
 };
 

@@ -42,8 +42,6 @@ std::string line_of(const round_figures& figures, std::optional<double> gap_clos
     return line;
 }
 
-constexpr int most_stalled_rounds = 15;
-
 /// One run, from the first relaxation to the last round.
 class run {
 public:
@@ -70,6 +68,7 @@ private:
     ending stop_reason() const {
         return host_.is_interrupted() ? ending::interrupted : ending::time_used;
     }
+    bool has_stalled() const;
     std::optional<ending> reason_to_end(const step& last) const;
 
     const model& model_;
@@ -124,6 +123,23 @@ run_result run::execute() {
     return std::move(result_);
 }
 
+/// Whether the bound has not risen for some rounds, or the last rounds raised it by a small share
+/// of what all rounds did.
+bool run::has_stalled() const {
+    constexpr int most_stalled_rounds = 15;
+    constexpr std::size_t recent_rounds = 30;
+    constexpr double least_share = 0.02;
+    if (stalled_rounds_ >= most_stalled_rounds) {
+        return true;
+    }
+    if (history_.size() <= 2 * recent_rounds) {
+        return false;
+    }
+    const double bound = history_.back();
+    const double recent_rise = std::fabs(bound - history_[history_.size() - 1 - recent_rounds]);
+    return recent_rise < least_share * std::fabs(bound - history_.front());
+}
+
 /// The only place that decides whether the run ends, and why.
 std::optional<ending> run::reason_to_end(const step& last) const {
     switch (last.lp) {
@@ -156,7 +172,7 @@ std::optional<ending> run::reason_to_end(const step& last) const {
     if (is_time_used()) {
         return ending::time_used;
     }
-    if (stalled_rounds_ >= most_stalled_rounds) {
+    if (has_stalled()) {
         return ending::no_progress;
     }
     return last.has_cuts ? std::nullopt : std::optional(ending::no_cut_found);
@@ -186,7 +202,7 @@ run::step run::solve_first() {
 /// bound for some rounds, may be one of many with the same objective; then others are separated
 /// too.
 std::vector<std::size_t> run::separate() {
-    constexpr int most_other_points = 5;
+    constexpr int most_other_points = 40;
     constexpr int rounds_until_stall = 3;
     std::vector<std::size_t> rows = separator_.find(relaxation_.point());
     cuts_found_ = separator_.found();
@@ -212,20 +228,20 @@ std::vector<std::size_t> run::separate() {
 /// cuts of the round are removed; if they leave no point, they are kept, because they prove it.
 run::step run::execute_round() {
     constexpr int most_slack_rounds = 5;
-    const clock::time_point separation_start = clock::now();
+    const double separation_start = cpu_seconds();
     const std::size_t pool_size = separator_.pool().size();
     const std::vector<std::size_t> rows = separate();
-    const double separation_ms = seconds_since(separation_start) * 1e3;
+    const double separation_ms = (cpu_seconds() - separation_start) * 1e3;
     if (rows.empty()) {
         return {relaxation::outcome::optimal, false};
     }
-    const clock::time_point relaxation_start = clock::now();
+    const double relaxation_start = cpu_seconds();
     relaxation_.drop_slack_cuts(most_slack_rounds);
     relaxation_.add(separator_.pool(), rows);
     const relaxation::outcome outcome = relaxation_.solve();
     if (outcome == relaxation::outcome::optimal) {
         take_bound();
-        record_round(rows.size(), separation_ms, seconds_since(relaxation_start) * 1e3);
+        record_round(rows.size(), separation_ms, (cpu_seconds() - relaxation_start) * 1e3);
     } else if (outcome != relaxation::outcome::infeasible) {
         separator_.truncate(pool_size);
         return {outcome};

@@ -48,7 +48,7 @@ def tighten(
     integrality: ArrayLike | None = None,
     *,
     output_function: OutputFunction | None = None,
-    rounds: int = 50,
+    rounds: int = 1000,
     time_limit: float = 60.0,
     seed: int = 1,
     display: Display = "iter",
