@@ -15,6 +15,8 @@ ENTRIES = {2: 3.0, 5: 2.0}
 X = Vector.from_dict(8, ENTRIES)
 Y = Vector.from_dict(8, {5: 1.0})
 EMPTY = Vector(8)
+# An index that the interpreter keeps no object for.
+LARGE, INDEX = Vector(10**6), np.int64(10**6 - 1)
 ARRAY = np.array([0.5, 1.0, 2.0])
 SOLVE = zktarn.Solve(lambda report: 0, display="off")
 RNG = zktarn.Generator(1)
@@ -35,7 +37,7 @@ CASES = {
     "refuse to create": (CALLS, lambda: refused(Vector, -1)),
     "get": (CALLS, lambda: X[2]),
     "set": (CALLS, lambda: X.set_coef(2, 3.0)),
-    "add": (CALLS, lambda: X.add_nz(j=np.int64(2), value=3)),
+    "add": (CALLS, lambda: LARGE.add_nz(j=INDEX, value=3)),
     "remove": (CALLS, lambda: (X.add_nz(1, 1.0), X.rem_nz(3))),
     "out of range": (CALLS, lambda: refused(X.get_coef, 9)),
     "not an index": (CALLS, lambda: refused(X.get_coef, "2")),
@@ -73,7 +75,8 @@ CASES = {
     "print": (CALLS // 10, lambda: SOLVE.print("line")),
     "solve": (CALLS // 10, lambda: zktarn.Solve().data),
 }
-SHARED = [None, True, False, X, Y, EMPTY, ARRAY, Vector, ENTRIES, np.dtype(np.float64), zktarn.Rationals]
+SHARED = [None, True, False, X, Y, EMPTY, LARGE, INDEX, ARRAY, Vector, ENTRIES,
+          np.dtype(np.float64), zktarn.Rationals]
 
 
 def counts():
