@@ -13,6 +13,7 @@ import argparse
 import csv
 import datetime
 import json
+import os
 import pathlib
 import platform
 import statistics
@@ -21,6 +22,9 @@ import sys
 import tempfile
 
 VARIANTS = ["none", "CglZeroHalf, root", "zero_half, root", "CglZeroHalf, tree", "zero_half, tree"]
+COLOURS = {("none", False): "#444444", ("CglZeroHalf", False): "#d95f02",
+           ("CglZeroHalf", True): "#e6ab02", ("zero_half", False): "#1b9e77",
+           ("zero_half", True): "#7570b3"}
 GAP_HEADING = ["model", "closed %, median", "least", "most", "CglZeroHalf closed %", "seconds",
                "CglZeroHalf seconds", "end"]
 
@@ -183,12 +187,16 @@ def node_profile(runs):
                    for factor in factors] for name in VARIANTS}
 
 
+def escaped(name):
+    """gnuplot reads an underscore as the beginning of an index."""
+    return name.replace("_", "\\_")
+
+
 def panel(curves, label, extra):
-    titles = [name.replace("_", "\\_") for name in curves]
     data = "".join("\n".join(f"{x} {y}" for x, y in points) + "\ne\n" for points in curves.values())
     return (f"{extra}\nset xlabel '{label}'\nplot " +
-            ", ".join(f"'-' with steps lw 2 dt {k} title '{title}'"
-                      for k, title in enumerate(titles, 1)) + "\n" + data)
+            ", ".join(f"'-' with steps lw 2 lc rgb '{COLOURS[name.split(', ')[0], 'tree' in name]}' "
+                      f"title '{escaped(name)}'" for name in curves) + "\n" + data)
 
 
 def draw(rows, runs, picture):
@@ -215,7 +223,8 @@ def page(options, rows, runs, sentences):
     parts = [f"""# Benchmarks of the solver
 
 `scripts/bench-solver` writes this page: {version}, {processor()},
-{datetime.date.today().isoformat()}. All seconds are processor time.
+{datetime.date.today().isoformat()}, {os.cpu_count()} processors, load {os.getloadavg()[2]:.1f} at the end. All seconds are processor time, but the
+time limit of zero_half is in seconds of the clock: on a busy machine it ends runs early (`time_used`).
 
 ![Profiles of the gap closed and of the nodes of Cbc](solver_benchmarks/profile.svg)
 
