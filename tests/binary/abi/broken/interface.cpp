@@ -22,11 +22,9 @@ extern "C" int takes(const record& r, second number) {
 }
 
 #ifndef REMOVED_EXPORT
-extern "C" void removed_later() {
-}
+extern "C" void removed_later() {}
 #endif
 
 #ifdef ADDED_EXPORT
-extern "C" void added_later() {
-}
+extern "C" void added_later() {}
 #endif
