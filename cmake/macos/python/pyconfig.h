@@ -1,5 +1,5 @@
-// What Python's headers ask of the machine, for 64-bit macOS. A Mac's Python has a pyconfig.h of its
-// own; this one serves where the library for macOS is built with the headers of another system.
+// What Python's headers ask of the machine, for 64-bit macOS. A Mac's Python has a pyconfig.h of
+// its own; this one serves where the library for macOS is built with the headers of another system.
 
 #pragma once
 
