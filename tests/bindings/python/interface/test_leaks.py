@@ -10,6 +10,8 @@ import pytest
 import zktarn
 from zktarn import Vector, _host
 
+pytestmark = pytest.mark.without_sanitizer
+
 CALLS = 100_000
 ENTRIES = {2: 3.0, 5: 2.0}
 X = Vector.from_dict(8, ENTRIES)
