@@ -3,6 +3,8 @@
 #include <map>
 #include <string>
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "input/optima.hpp"
@@ -99,7 +101,8 @@ TEST_P(Instance, HasTheSameOptimumWhenWrittenWithItsCuts) {
     options.rounds = 5;
     run_result run = tighten(program, options);
     const solved_model solved{std::move(program), std::move(run)};
-    const std::string file = ::testing::TempDir() + "zero_half_" + stem_of(GetParam()) + ".mps";
+    const std::string file = ::testing::TempDir() + "zero_half_" + std::to_string(getpid()) +
+                             stem_of(GetParam()) + ".mps";
     write_model(solved, file);
     const model again = read_model(file);
     std::filesystem::remove(file);

@@ -11,6 +11,8 @@
 #include <map>
 #include <string>
 
+#include <unistd.h>
+
 #include <gtest/gtest.h>
 
 #include "input/error.hpp"
@@ -192,7 +194,10 @@ double setting(const char* name, double usual) {
 
 class ModelFiles : public ::testing::Test {
 protected:
-    void SetUp() override { name_ = ::testing::TempDir() + "zero_half_model"; }
+    void SetUp() override {
+        // The process number keeps two runs on one machine apart.
+        name_ = ::testing::TempDir() + "zero_half_model" + std::to_string(getpid());
+    }
 
     void check_next(model_generator& generator, int trial, counts& seen) {
         exact_model model = generator.next();
