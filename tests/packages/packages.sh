@@ -61,8 +61,7 @@ cmake --build "$folder/build" --parallel "$(nproc)"
 unset GIT_DIR
 
 step "lintian"
-lintian --allow-root --display-info --show-overrides --fail-on error,warning,info \
-    "$folder"/build/packages/*.deb
+lintian --allow-root --display-info --fail-on error,warning,info "$folder"/build/packages/*.deb
 echo "lintian: no finding"
 ! $packages_only || exit 0
 
