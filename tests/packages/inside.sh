@@ -38,8 +38,9 @@ apt-get update -q >/dev/null
 files >before
 # shellcheck disable=SC2046 # a file a word
 install $(file libzktarn-util1) $(file libzktarn-util-c1) $(file zktarn-standin)
-ldconfig -p | grep -q 'libzktarn_util[.]so[.]1 ' || fail "the loader does not know libzktarn_util.so.1"
-ldconfig -p | grep -q 'libzktarn_util_c[.]so[.]1 ' || fail "the loader does not know libzktarn_util_c.so.1"
+# Without -q, grep reads everything, so that ldconfig can always write its whole output.
+ldconfig -p | grep 'libzktarn_util[.]so[.]1 ' >/dev/null || fail "the loader does not know libzktarn_util.so.1"
+ldconfig -p | grep 'libzktarn_util_c[.]so[.]1 ' >/dev/null || fail "the loader does not know libzktarn_util_c.so.1"
 ! ldconfig -p | grep 'libqv[.]so' || fail "the stand-in is in the loader's own folders, before any host"
 ! ldd -r /usr/lib/*/libzktarn_util{,_c}.so.1 | grep -E 'not found|undefined' || fail "a library is not complete"
 runs ", 0 failed" zktarn_host_conformance
