@@ -165,7 +165,7 @@ def nodes_of(run):
 
 
 def gap_profile(rows):
-    """For each x the part of the models of which at least x per cent of the gap are closed."""
+    """For each x the share of the models of which at least x per cent of the gap are closed."""
     shared = [row for row in rows if row["peer"] is not None]
     return {name: [(x, sum(row[key] >= x - 1e-6 for row in shared) / len(shared))
                    for x in range(101)]
@@ -173,7 +173,7 @@ def gap_profile(rows):
 
 
 def node_profile(runs):
-    """For each factor the part of the runs that a variant finished with at most that many times the
+    """For each factor the share of the runs that a variant finished with at most that many times the
     least nodes + 1 of all variants (Dolan and More 2002)."""
     least = {}
     for run in runs:
@@ -203,10 +203,10 @@ def draw(rows, runs, picture):
     commands = (f"set terminal svg size 1100,500 background rgb 'white'\nset output '{picture}'\n"
                 "set multiplot layout 1,2\nset yrange [0:1.05]\n" +
                 panel(gap_profile(rows), "gap closed, per cent",
-                      "set ylabel 'part of the models'\nset key below"))
+                      "set ylabel 'share of the models'\nset key below offset 0,-0.7"))
     if runs:
         commands += panel(node_profile(runs), "nodes of Cbc, times the least",
-                          "set ylabel 'part of the runs'\nset logscale x 2\nset key below")
+                          "set ylabel 'share of the runs'\nset logscale x 2\nset key below offset 0,-0.7")
     subprocess.run(["gnuplot"], input=commands, text=True, check=True)
 
 
