@@ -24,7 +24,8 @@ SECTIONS = (
         "solvers/zero_half/README.md", "solvers/zero_half/models/README.md",
         "solvers/fortran_covering/README.md", "examples/minimal", "examples/vectors",
         "examples/separator", "examples/c", "examples/fortran", "examples/python")),
-    ("Benchmarks", "benchmarks", ("docs/benchmarks.md", "benchmarks/README.md")),
+    ("Benchmarks", "benchmarks", (
+        "docs/benchmarks.md", "docs/solver_benchmarks.md", "benchmarks/README.md")),
     ("The project", "project", (
         "CHANGELOG.md", "CONTRIBUTING.md", "SECURITY.md", "docs/testing.md", "packaging/README.md",
         "bindings/python/README.md", "src/debugger/README.md", "tests/binary/abi/README.md",
