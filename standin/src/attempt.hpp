@@ -130,21 +130,20 @@ template <class Result, class Arguments, class Output, class Work>
 Result attempt(operation what, Result failed, Arguments arguments, Output output,
                Work work) noexcept {
     const bool fails_now = fails(what);
+    const bool observe = is_observed();
     std::optional<Result> result;
-    if (is_observed()) {
-        auto observe = [&] { return observed<Result>(arguments, fails_now, output, work); };
-        result = carried_out<std::optional<Result>>(observe).value_or(std::nullopt);
-        if (result && *result == failed) {
-            note_failure(what);
-        }
+    if (observe) {
+        auto call = [&] { return observed<Result>(arguments, fails_now, output, work); };
+        result = carried_out<std::optional<Result>>(call).value_or(std::nullopt);
     } else if (!fails_now) {
         result = carried_out<Result>(work);
     }
-    if (!result) {
+    const Result given = result.value_or(failed);
+    // A script may give the failure value as the result.
+    if (!result || (observe && given == failed)) {
         note_failure(what);
-        return failed;
     }
-    return *result;
+    return given;
 }
 
 /// An operation that writes nothing to its caller.
