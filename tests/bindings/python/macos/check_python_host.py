@@ -3,7 +3,7 @@
     check_python_host.py FOLDER
 
 A library for macOS takes each name from the library that it was linked with. So each of the host's
-four names has to export the host anew: libzktarn_util, unchanged, then finds every operation. Prints a
+four names has to re-export the host: libzktarn_util, unchanged, then finds every operation. Prints a
 line a library; ends with a sentence and status 1 at the first that is wrong.
 """
 
@@ -54,10 +54,10 @@ def check_host(library, operations):
 
 
 def check_name(library, name):
-    """A library of one of the host's names exports the host anew, and nothing of its own."""
+    """A library of one of the host's names re-exports the host, and exports nothing of its own."""
     check_image(library, name)
-    demand([each.stem for each in library.loads if each.how == "exported anew"] == [HOST],
-           f"{name} does not export the host anew")
+    demand([each.stem for each in library.loads if each.how == "re-exported"] == [HOST],
+           f"{name} does not re-export the host")
     demand(not library.exports, f"{name} exports {', '.join(sorted(library.exports))} itself")
 
 
@@ -75,7 +75,7 @@ def main(arguments):
     for name, library in libraries.items():
         check_name(library, name)
         taken = [operation for operation, owner in owners.items() if owner == name]
-        print(f"{name:<24} exports {HOST} anew; libzktarn_util takes {len(taken)} names from it")
+        print(f"{name:<24} re-exports {HOST}; libzktarn_util takes {len(taken)} names from it")
     check_host(host, set(owners))
     print(f"{HOST:<24} {len(owners)} operations")
     return 0

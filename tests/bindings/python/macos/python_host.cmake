@@ -29,7 +29,7 @@ endfunction()
 
 broken_python_library(python_loads_only qv "@loader_path")
 target_link_libraries(zktarn_broken_python_loads_only PRIVATE zktarn_python_host)
-breaks_python_host(without_re_export "libqv does not export the host anew"
+breaks_python_host(without_re_export "libqv does not re-export the host"
   zktarn_broken_python_loads_only libqv.dylib)
 breaks_python_host(of_another_name "libqvx: its name is @rpath/libqv.dylib"
   zktarn_python_host_qv libqvx.dylib)
