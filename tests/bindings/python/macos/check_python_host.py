@@ -56,7 +56,7 @@ def check_host(library, operations):
 def check_name(library, name):
     """A library of one of the host's names re-exports the host, and exports nothing of its own."""
     check_image(library, name)
-    demand([each.stem for each in library.loads if each.how == "re-exported"] == [HOST],
+    demand([each.stem for each in library.loads if each.how == "as a re-export"] == [HOST],
            f"{name} does not re-export the host")
     demand(not library.exports, f"{name} exports {', '.join(sorted(library.exports))} itself")
 
