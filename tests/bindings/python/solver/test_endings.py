@@ -173,12 +173,13 @@ def test_an_answer_that_is_no_number_is_a_type_error():
 
 def test_the_solver_is_usable_after_an_exception():
     expected = tighten(P0282, rounds=3)
+    blocks = _host.block_count()
     for exception in (Refusal(), KeyboardInterrupt()):
         with pytest.raises(type(exception)):
             tighten(P0282, output_function=raising_at(1, exception))
         again = tighten(P0282, rounds=3)
         assert np.array_equal(again.history, expected.history) and again.status == "rounds_used"
-    assert _host.block_count() == 0
+    assert _host.block_count() == blocks
 
 
 def test_changing_the_dict_does_not_change_the_run():
