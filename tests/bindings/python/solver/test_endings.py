@@ -1,6 +1,7 @@
 """How runs end: limits, the output function, exceptions."""
 
 import functools
+import gc
 import math
 import threading
 import time
@@ -173,6 +174,7 @@ def test_an_answer_that_is_no_number_is_a_type_error():
 
 def test_the_solver_is_usable_after_an_exception():
     expected = tighten(P0282, rounds=3)
+    gc.collect()
     blocks = _host.block_count()
     for exception in (Refusal(), KeyboardInterrupt()):
         with pytest.raises(type(exception)):

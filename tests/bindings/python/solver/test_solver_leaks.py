@@ -85,6 +85,7 @@ def least_growth(case, size):
                     reason="the C library does not count its bytes")
 @pytest.mark.parametrize("case", CASES, ids=lambda case: case.__name__)
 def test_runs_leave_no_memory_behind(case):
+    gc.collect()
     blocks = _host.block_count()
     assert least_growth(case, process_bytes) < 40 * RUNS
     assert _host.block_count() == blocks
