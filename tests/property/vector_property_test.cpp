@@ -165,6 +165,25 @@ INSTANTIATE_TEST_SUITE_P(, CombineWays, ::testing::Values(state::consistent, sta
                                                                          : "Inconsistent";
                          });
 
+// Indices on either side of the limit up to which one shift of the index names every block.
+TEST(CombineInBlocks, HoldsTheLastIndex) {
+    for (const std::int32_t n : {1024, 1025, 2048, 2049}) {
+        generator draw(n);
+        mirrored_vector x(n, form_of(0));
+        mirrored_vector y(n, form_of(0));
+        fill(draw, x, 40, state::consistent);
+        fill(draw, y, 40, state::consistent);
+        for (mirrored_vector* const each : {&x, &y}) {
+            each->set_elm(each->mirror.i(1), 0);
+            each->set_elm(n, 1);
+            each->set_ind(1, n);
+        }
+        combine(way::in_blocks, x.record, y.record, 1.0, 2.0, 0.0);
+        reference::vectors_combine(x.mirror, y.mirror, 1.0, 2.0, 0.0);
+        ASSERT_TRUE(x.agrees()) << n;
+    }
+}
+
 // Sparse lists in arrays large enough for the procedure itself to prefetch.
 TEST_P(CombineWays, SparseListsOfTheLibraryAgreeWithTheReference) {
     const std::int64_t seeds = scaled(3000);

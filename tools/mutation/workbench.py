@@ -196,7 +196,7 @@ class Workbench:
         header = self.work / "precompiled.hpp"
         header.write_text("".join(f"#include <{name}>\n" for name in sorted(names)))
         command = self.library_units[0].command
-        flags = without(command[: command.index("-o")], "-Werror") + ["-O0", "-w", CHECKED]
+        flags = without(command[: command.index("-o")], "-Werror", "-g") + ["-O0", "-w", CHECKED]
         must(
             [*flags, "-x", "c++-header", str(header), "-o", f"{header}.gch"],
             "precompiling", self.build,
@@ -211,7 +211,7 @@ class Workbench:
 
     def compile_command(self, unit, source, target, overlay=None, level="-O0"):
         end = unit.command.index("-o")
-        command = without(unit.command[:end], "-Werror", "-fvisibility=hidden")
+        command = without(unit.command[:end], "-Werror", "-fvisibility=hidden", "-g")
         command = [
             f'{each.split("=")[0]}="{self.soname}"' if "_LIBRARY=" in each else each
             for each in command

@@ -191,6 +191,19 @@ TEST(Combine, DropsAListedIndexThatIsNotMarked) {
     EXPECT_EQ(x->coef(2), -11.0);
 }
 
+TEST(Combine, DropsAnUnmarkedIndexThoughItsProductIsNaN) {
+    // In arrays of this size the last pass depends on what the first one saw.
+    constexpr std::int32_t large = 4096;
+    made_vector x(large);
+    made_vector y(large);
+    x.entries({{5, 2.0}, {6, 3.0}});
+    x->elm(5) = 0;
+    y.entries({{6, 1.0}});
+    vectors_combine(*x, *y, std::numeric_limits<double>::infinity(), 1.0, 0.0);
+    EXPECT_THAT(listing(*x), ElementsAre(6));
+    EXPECT_EQ(x->elm(5), 0);
+}
+
 TEST(Combine, AnUnmarkedEntryOfYCountsAsZero) {
     made_vector x(n);
     made_vector y(n);
