@@ -165,23 +165,23 @@ INSTANTIATE_TEST_SUITE_P(, CombineWays, ::testing::Values(state::consistent, sta
                                                                          : "Inconsistent";
                          });
 
-// Indices on either side of the limit up to which one shift of the index names every block.
-TEST(CombineInBlocks, HoldsTheLastIndex) {
-    for (const std::int32_t n : {1024, 1025, 2048, 2049}) {
-        generator draw(n);
-        mirrored_vector x(n, form_of(0));
-        mirrored_vector y(n, form_of(0));
-        fill(draw, x, 40, state::consistent);
-        fill(draw, y, 40, state::consistent);
-        for (mirrored_vector* const each : {&x, &y}) {
-            each->set_elm(each->mirror.i(1), 0);
-            each->set_elm(n, 1);
-            each->set_ind(1, n);
-        }
-        combine(way::in_blocks, x.record, y.record, 1.0, 2.0, 0.0);
-        reference::vectors_combine(x.mirror, y.mirror, 1.0, 2.0, 0.0);
-        ASSERT_TRUE(x.agrees()) << n;
+// The first capacity that needs larger blocks, with its last index listed.
+TEST(CombineInBlocks, HoldTheLastIndex) {
+    constexpr vector_mod::detail::block_limits least;
+    const auto n = static_cast<std::int32_t>(least.capacity) + 1;
+    generator draw(1);
+    mirrored_vector x(n, form_of(0));
+    mirrored_vector y(n, form_of(0));
+    fill(draw, x, 100, state::consistent);
+    fill(draw, y, static_cast<std::int32_t>(least.y_nz), state::consistent);
+    for (mirrored_vector* const each : {&x, &y}) {
+        each->set_elm(each->mirror.i(1), 0);
+        each->set_elm(n, 1);
+        each->set_ind(1, n);
     }
+    vector_mod::vectors_combine(x.record, y.record, 1.0, 2.0, 0.0);
+    reference::vectors_combine(x.mirror, y.mirror, 1.0, 2.0, 0.0);
+    EXPECT_TRUE(x.agrees());
 }
 
 // Sparse lists in arrays large enough for the procedure itself to prefetch.

@@ -198,6 +198,7 @@ TEST(Combine, DropsAnUnmarkedIndexThoughItsProductIsNaN) {
     made_vector y(large);
     x.entries({{5, 2.0}, {6, 3.0}});
     x->elm(5) = 0;
+    x->elm(7) = 1; // not listed
     y.entries({{6, 1.0}});
     vectors_combine(*x, *y, std::numeric_limits<double>::infinity(), 1.0, 0.0);
     EXPECT_THAT(listing(*x), ElementsAre(6));
