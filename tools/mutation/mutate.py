@@ -145,8 +145,11 @@ def main():
     judgement = equivalents.Judgement(listed, outcomes, mutants, arguments.sources)
     wrong = failures(judgement, arguments.equivalents.name)
     total, killed = show_table(outcomes, judgement)
+    # The mutation score: equivalent mutants do not count.
+    total -= len(judgement.explained)
     percent = 100.0 * killed / total if total else 0.0
-    print(f"{percent:.1f} % of {total} mutants killed, in {time.monotonic() - start:.0f} s")
+    print(f"{percent:.1f} % of {total} mutants killed, without equivalent ones, "
+          f"in {time.monotonic() - start:.0f} s")
     if percent < arguments.least:
         wrong.append(f"{percent:.1f} % of the mutants were killed, fewer than {arguments.least} %")
     for each in wrong:

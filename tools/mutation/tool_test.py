@@ -279,6 +279,8 @@ class Tool(unittest.TestCase):
 
     def test_too_few_kills_fail(self):
         done = self.run_tool(SAMPLE / "equivalent.txt", "--least", "99")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+        done = self.run_tool("# Nothing is equivalent.\n", "--least", "99")
         self.assertEqual(done.returncode, 1)
         self.assertRegex(done.stderr, r"\d+\.\d % of the mutants were killed, fewer than 99\.0 %")
 
