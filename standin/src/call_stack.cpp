@@ -93,8 +93,9 @@ call_stack call_stack::current() noexcept {
     std::array<void*, deepest + 16> addresses = {};
     void** const end =
         addresses.data() + backtrace(addresses.data(), static_cast<int>(addresses.size()));
-    void** const first =
-        std::find_if(addresses.data(), end, [](void* each) { return !is_in_standin(each); });
+    // A sanitizer's own frame may come before those of the stand-in.
+    void** const inside = std::find_if(addresses.data(), end, is_in_standin);
+    void** const first = std::find_if_not(inside, end, is_in_standin);
     try {
         const auto depth = std::min(static_cast<std::size_t>(end - first), deepest);
         stack.addresses_ = std::make_shared<const std::vector<void*>>(first, first + depth);

@@ -97,7 +97,7 @@ TEST(MixedModels, HaveOnlyCutsThatFollowExactly) {
             // The relaxation is infeasible or unbounded.
         }
     }
-    EXPECT_GT(cuts, static_cast<std::size_t>(trials) / 10);
+    EXPECT_GT(cuts, static_cast<std::size_t>(trials) / 20);
     EXPECT_GT(substituted, static_cast<std::size_t>(trials) / 20);
 }
 

