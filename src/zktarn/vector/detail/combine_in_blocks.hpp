@@ -21,7 +21,7 @@ namespace zktarn::vector_mod::detail {
 
 /// The sizes from which on blocks save more time than the sorting costs.
 struct block_limits {
-    std::int64_t capacity = std::int64_t{1} << 19;
+    std::int64_t capacity = std::int64_t{1} << 20;
     std::int64_t y_nz = std::int64_t{1} << 12;
 };
 
