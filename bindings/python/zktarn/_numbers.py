@@ -88,7 +88,7 @@ def rational(
         >>> rational([0.5, 0.25], 1e-9, 100).den
         array([ 10., 100.])
 
-    TypeError: an argument is no real number. ValueError: the shapes do not broadcast.
+    TypeError: an argument is not a real number. ValueError: the shapes do not broadcast.
     C++: util::get_rational_rep.
     """
     arrays = _reals(x, "x"), _reals(eps, "eps"), _reals(max_den, "max_den")
@@ -120,7 +120,7 @@ def gcd(
         >>> gcd(0.5, 0.75, 1e-9)
         0.25
 
-    TypeError: an argument is no real number, or no integer where eps is None. ValueError: an
+    TypeError: an argument is not a real number, or not an integer where eps is None. ValueError: an
     integer needs more than 32 bits, or the shapes do not broadcast.
     C++: util::xgcd_i4, util::xgcd_r8.
     """

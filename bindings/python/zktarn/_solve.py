@@ -93,7 +93,7 @@ class Solve:
         False without an output function, and after an interrupt, without calling it.
 
         An exception of the output function ends the solve and is raised here. KeyboardInterrupt:
-        Ctrl-C. TypeError: a field is no real number. ValueError: it has two dimensions or more.
+        Ctrl-C. TypeError: a field is not a real number. ValueError: it has two dimensions or more.
         C++: callbacks_util::qvinitcbarray, addrealscalartoqvstruct, addrealvectoqvstruct,
         qvcalloutputfcn.
         """
