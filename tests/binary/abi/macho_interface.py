@@ -30,8 +30,10 @@ def fail(sentence):
 class Entry:
     """One entry of the debug information and those inside it."""
 
-    def __init__(self, tag, depth, scope):
-        self.tag, self.depth, self.scope = tag, depth, scope
+    def __init__(self, tag, depth, outer):
+        self.tag, self.depth = tag, depth
+        self.scope = [each.text("DW_AT_name") for each in outer if each.tag in SCOPES]
+        self.is_local = any(each.tag == "DW_TAG_subprogram" for each in outer)
         self.values, self.inside = {}, []
 
     def text(self, attribute):
@@ -63,8 +65,7 @@ def entries(dwarfdump, item):
                 open_entries.pop()
             if entry.group(2) == "NULL":
                 continue
-            scope = [outer.text("DW_AT_name") for outer in open_entries if outer.tag in SCOPES]
-            new = Entry(entry.group(2), len(entry.group(1)), scope)
+            new = Entry(entry.group(2), len(entry.group(1)), open_entries)
             if open_entries:
                 open_entries[-1].inside.append(new)
             open_entries.append(new)
@@ -90,7 +91,7 @@ def function(entry):
 
 
 def lines_of(entry):
-    internal = "detail" in entry.scope
+    internal = "detail" in entry.scope or entry.is_local
     if internal or not entry.is_in_header or "DW_AT_declaration" in entry.values or not entry.text("DW_AT_name"):
         return
     if entry.tag in ("DW_TAG_structure_type", "DW_TAG_class_type", "DW_TAG_union_type"):
