@@ -7,16 +7,18 @@ and nowhere else, so that a product and a sum are otherwise rounded separately.
 OBJDUMP is GNU's or LLVM's. The library is ELF or Mach-O, for x86-64 or 64-bit Arm.
 """
 
-import collections
+import pathlib
 import re
-import subprocess
 import sys
 
-# All fused multiply-add instructions on reals, scalar and vector.
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
+import disassembly
+
+# All fused multiply-add instructions on reals, scalar and vector; some have a suffix.
 FUSED = re.compile(
-    r"vfn?m(add|sub|addsub|subadd)(132|213|231)?[sp][sdh]"    # x86-64
+    r"(vfn?m(add|sub|addsub|subadd)(132|213|231)?[sp][sdh]"    # x86-64
     r"|fn?m(add|sub)|fml[as]l?2?|fn?ml[as]|fn?m(ad|sb)|fcmla"  # 64-bit Arm
-    r"|bfml[as]l?[bt]?")
+    r"|bfml[as]l?[bt]?)([.].*)?")
 
 # The procedures that call std::fma, with the functions that a compiler may inline them into. A limit
 # is the number of calls in the source of a function that also has arithmetic that must not be fused.
@@ -33,36 +35,9 @@ FUSING = (
 )
 COMBINES = FUSING[0][0]
 
-FUNCTION = re.compile(r"[0-9a-f]+ <(.*)>:")
-INSTRUCTION = re.compile(r"\s*[0-9a-f]+:\s+([a-z][a-z0-9.]*)")
-
 
 def fail(sentence):
     sys.exit(f"check_fused: {sentence}")
-
-
-def disassembly(library, objdump):
-    command = [objdump, "--disassemble", "--demangle", "--no-show-raw-insn", library]
-    try:
-        ran = subprocess.run(command, capture_output=True, text=True, check=False)
-    except OSError as error:
-        fail(f"{objdump}: {error.strerror}")
-    if ran.returncode != 0:
-        fail(f"{objdump} cannot disassemble {library}: {ran.stderr.strip()}")
-    return ran.stdout
-
-
-def fused_by_function(text):
-    """The number of fused instructions of each function, 0 included."""
-    counts = collections.Counter()
-    function = None
-    for line in text.splitlines():
-        if match := FUNCTION.match(line):
-            function = match.group(1)
-            counts[function] += 0
-        elif (match := INSTRUCTION.match(line)) and FUSED.fullmatch(match.group(1).split(".")[0]):
-            counts[function] += 1
-    return counts
 
 
 def complaint(function, count):
@@ -76,8 +51,12 @@ def complaint(function, count):
 
 
 def check(library, objdump):
+    try:
+        text = disassembly.disassembly(library, objdump)
+    except disassembly.CannotDisassemble as error:
+        fail(error)
     counts = {function: count for function, count in
-              fused_by_function(disassembly(library, objdump)).items() if count}
+              disassembly.count_by_function(text, FUSED).items() if count}
     complaints = [sentence for function, count in sorted(counts.items())
                   if (sentence := complaint(function, count))]
     if complaints:

@@ -8,13 +8,14 @@ The library is ELF, for x86-64 or 64-bit Arm. COMPILER is GNU or Clang, whose co
 unroll and merge loops differently.
 """
 
-import collections
+import pathlib
 import re
-import subprocess
 import sys
 
-FUNCTION = re.compile(r"[0-9a-f]+ <(.*)>:")
-PREFETCH = re.compile(r"\s*[0-9a-f]+:\s+(prefetch\w*|prfm)\s")
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
+import disassembly
+
+PREFETCH = re.compile(r"prefetch\w*|prfm")
 
 # Name of a part, pattern of its functions, and its least number of prefetches with GCC and with Clang.
 # The patterns match parts of names, because not every objdump can demangle templates.
@@ -41,34 +42,13 @@ def fail(sentence):
     sys.exit(f"check_prefetch: {sentence}")
 
 
-def disassembly(library, objdump):
-    command = [objdump, "--disassemble", "--demangle", "--no-show-raw-insn", library]
-    try:
-        ran = subprocess.run(command, capture_output=True, text=True, check=False)
-    except OSError as error:
-        fail(f"{objdump}: {error.strerror}")
-    if ran.returncode != 0:
-        fail(f"{objdump} cannot disassemble {library}: {ran.stderr.strip()}")
-    return ran.stdout
-
-
-def prefetches(text):
-    """The number of prefetches of each function, 0 included."""
-    counts = collections.Counter()
-    function = None
-    for line in text.splitlines():
-        if match := FUNCTION.match(line):
-            function = match.group(1)
-            counts[function] += 0
-        elif PREFETCH.match(line):
-            counts[function] += 1
-    return counts
-
-
 def check(library, objdump, compiler):
-    text = disassembly(library, objdump)
+    try:
+        text = disassembly.disassembly(library, objdump)
+    except disassembly.CannotDisassemble as error:
+        fail(error)
     arm = "aarch64" in text.splitlines()[1]
-    counts = prefetches(text)
+    counts = disassembly.count_by_function(text, PREFETCH)
     short = []
     for name, pattern, gnu, clang in PARTS:
         if arm and pattern.endswith(FUSED):
