@@ -1,4 +1,6 @@
-// The solver's separator and CglZeroHalf at the same points of the same relaxations.
+// The solver's separator and CglZeroHalf at the same points of the same relaxations. The arguments
+// are models and folders of models; without any, the models of the solver and graph problems.
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -9,6 +11,7 @@
 #include <OsiClpSolverInterface.hpp>
 
 #include "cuts/separation.hpp"
+#include "input/error.hpp"
 #include "input/read_model.hpp"
 #include "lp/relaxation.hpp"
 #include "solver/instances.hpp"
@@ -29,6 +32,38 @@ struct stage {
 
 bool never() {
     return false;
+}
+
+/// The models in the folder, by name.
+std::vector<std::string> models_in(const std::string& folder) {
+    std::vector<std::string> files;
+    for (const auto& file : std::filesystem::directory_iterator(folder)) {
+        const std::string name = file.path().filename().string();
+        if (name.ends_with(".mps") || name.ends_with(".mps.gz")) {
+            files.push_back(file.path().string());
+        }
+    }
+    if (files.empty()) {
+        throw error(folder + ": the folder has no file .mps or .mps.gz");
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+std::vector<std::string> models_to_compare() {
+    if (operands().empty()) {
+        return zero_half::testing::instances();
+    }
+    std::vector<std::string> files;
+    for (const std::string& each : operands()) {
+        if (std::filesystem::is_directory(each)) {
+            const std::vector<std::string> inside = models_in(each);
+            files.insert(files.end(), inside.begin(), inside.end());
+        } else {
+            files.push_back(each);
+        }
+    }
+    return files;
 }
 
 /// The stages of one run of the solver.
@@ -100,9 +135,9 @@ private:
 
 void register_comparisons() {
     std::printf("%-20s %7s %8s %8s\n", "cuts found", "points", "library", "cgl");
-    for (const std::string& file : zero_half::testing::instances()) {
+    for (const std::string& file : models_to_compare()) {
         const auto each = std::make_shared<stages_of_run>(file);
-        const std::string name = std::filesystem::path(file).stem().string();
+        const std::string name = zero_half::testing::stem_of(file);
         std::printf("%-20s %7zu %8zu %8zu\n", name.c_str(), each->stages(), each->separate(),
                     each->separate_by_peer());
         compare("separate/" + name,

@@ -45,7 +45,12 @@ contender doing(std::string name, Job job,
 void compare(const std::string& name, std::vector<contender> contenders,
              std::int64_t most_repetitions = std::int64_t{1} << 20);
 
-/// Registers all comparisons of a program; every benchmark program defines it.
+/// The arguments of the program that are not options. A program that never calls this function
+/// refuses such arguments.
+const std::vector<std::string>& operands();
+
+/// Registers all comparisons of a program; every benchmark program defines it. An exception ends
+/// the program with its message.
 void register_comparisons();
 
 } // namespace zktarn::bench

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <cstdlib>
+#include <exception>
 #include <fstream>
 #include <string>
 #include <vector>
@@ -55,12 +57,45 @@ std::string choose_pages() {
     return pages;
 }
 
+std::vector<std::string> given_operands;
+bool operands_are_used = false;
+
+/// Moves the arguments that are not options out of the list.
+void take_operands(std::vector<char*>& arguments) {
+    const auto is_option = [](const char* argument) { return argument[0] == '-'; };
+    const auto first = std::stable_partition(arguments.begin() + 1, arguments.end(), is_option);
+    given_operands.assign(first, arguments.end());
+    arguments.erase(first, arguments.end());
+}
+
+/// Returns false after a message when an exception or an argument of no use prevents the run.
+bool is_registered() {
+    try {
+        zktarn::bench::register_comparisons();
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "%s\n", failure.what());
+        return false;
+    }
+    if (!operands_are_used && !given_operands.empty()) {
+        std::fprintf(stderr, "this program takes options only, not '%s'\n",
+                     given_operands.front().c_str());
+        return false;
+    }
+    return true;
+}
+
 } // namespace
+
+const std::vector<std::string>& zktarn::bench::operands() {
+    operands_are_used = true;
+    return given_operands;
+}
 
 int main(int argc, char** argv) {
     // Enough for stable medians. An option of the user comes later and overrides this one.
     char brief[] = "--benchmark_min_time=0.02";
     std::vector<char*> arguments(argv, argv + argc);
+    take_operands(arguments);
     arguments.insert(arguments.begin() + std::min(argc, 1), brief);
     arguments.push_back(nullptr);
     argc = static_cast<int>(arguments.size()) - 1;
@@ -76,7 +111,9 @@ int main(int argc, char** argv) {
     benchmark::AddCustomContext("processor", processor());
     benchmark::AddCustomContext("pages", choose_pages());
 
-    zktarn::bench::register_comparisons();
+    if (!is_registered()) {
+        return 1;
+    }
     // Google Benchmark has already reported a filter that matches nothing.
     const bool any = benchmark::RunSpecifiedBenchmarks() > 0;
     benchmark::Shutdown();
