@@ -188,12 +188,13 @@ TEST(CombineInBlocks, HoldTheLastIndex) {
 TEST_P(CombineWays, SparseListsOfTheLibraryAgreeWithTheReference) {
     const std::int64_t seeds = scaled(3000);
     constexpr auto large = static_cast<std::int32_t>(vector_mod::detail::prefetch_sparse_from);
+    constexpr auto most = static_cast<std::int32_t>(2 * vector_mod::detail::lookahead);
     for (std::int64_t seed = 0; seed < seeds; ++seed) {
         generator draw(5'000'000 + seed);
         mirrored_vector x(large, form_of(draw.below(3)));
         mirrored_vector y(large, form_of(draw.below(3)));
-        fill(draw, x, draw.below(80), GetParam());
-        fill(draw, y, draw.below(80), GetParam());
+        fill(draw, x, draw.below(most), GetParam());
+        fill(draw, y, draw.below(most), GetParam());
         const double alpha = draw.chance(2) ? 1.0 : draw.factor();
         const double beta = draw.factor();
         const double tol = draw.chance(2) ? 0.0 : draw.tolerance();

@@ -13,7 +13,7 @@ namespace zktarn::vector_mod::detail {
 
 /// How many list positions ahead of its use an element is prefetched: far enough for memory to
 /// deliver it in time, near enough for the line to be still in the first cache.
-inline constexpr std::int64_t lookahead = 16;
+inline constexpr std::int64_t lookahead = 64;
 
 /// Prefetches element j, counted from 1, for reading.
 template <class T>
