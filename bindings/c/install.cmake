@@ -13,8 +13,9 @@ endif()
 install(EXPORT c COMPONENT c
   DESTINATION "${package_dir}" NAMESPACE zktarn:: FILE zktarn_util-c-targets.cmake)
 
-install(TARGETS zktarn_standin_c EXPORT standin_c COMPONENT standin
+install(TARGETS zktarn_standin_c zktarn_standin_records_c EXPORT standin_c COMPONENT standin
   LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}/${ZKTARN_STANDIN_SUBDIR}"
+  ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}/${ZKTARN_STANDIN_SUBDIR}"
   FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(EXPORT standin_c COMPONENT standin
   DESTINATION "${package_dir}" NAMESPACE zktarn:: FILE zktarn_util-standin_c-targets.cmake)
@@ -26,10 +27,16 @@ string(REGEX REPLACE "/$" "" pkg_config_to_prefix "${pkg_config_to_prefix}")
 if(ZKTARN_CHECKED)
   set(pkg_config_definitions " -DZKTARN_CHECKED")
 endif()
-foreach(name IN ITEMS zktarn_util_c zktarn_standin_c)
+set(pkg_config_cxx_runtime "-lstdc++")
+if(APPLE)
+  set(pkg_config_cxx_runtime "-lc++")
+endif()
+foreach(name IN ITEMS zktarn_util_c zktarn_standin_c zktarn_standin_records_c)
   configure_file("${name}.pc.in" "${CMAKE_CURRENT_BINARY_DIR}/${name}.pc" @ONLY)
 endforeach()
 install(FILES "${CMAKE_CURRENT_BINARY_DIR}/zktarn_util_c.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT c)
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/zktarn_standin_c.pc"
+install(FILES
+    "${CMAKE_CURRENT_BINARY_DIR}/zktarn_standin_c.pc"
+    "${CMAKE_CURRENT_BINARY_DIR}/zktarn_standin_records_c.pc"
   DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT standin)

@@ -5,7 +5,7 @@ include(modules.cmake)
 set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/zktarn_util")
 set(source_dir "${CMAKE_INSTALL_DATADIR}/zktarn_util/fortran")
 
-install(FILES ${zktarn_fortran_sources} zktarn_standin.f90
+install(FILES ${zktarn_fortran_sources} zktarn_standin.f90 zktarn_standin_records.f90
   DESTINATION "${source_dir}" COMPONENT fortran)
 
 # The ways from the package's files to the sources, so that the tree can be moved.

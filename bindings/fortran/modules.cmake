@@ -8,8 +8,9 @@ set(zktarn_fortran_sources
   zktarn_vectors.f90
   zktarn_util.f90)
 
-# zktarn_fortran_modules(FOLDER): zktarn::fortran, the module zktarn_util, of the sources there; and
-# zktarn::fortran_standin, the module zktarn_standin, where the stand-in's control in C exists.
+# zktarn_fortran_modules(FOLDER): zktarn::fortran, the module zktarn_util, of the sources there; and,
+# where the stand-in's control in C exists, zktarn::fortran_standin, the module zktarn_standin, and
+# zktarn::fortran_standin_records, the module zktarn_standin_records.
 function(zktarn_fortran_modules folder)
   set(sources ${zktarn_fortran_sources})
   list(TRANSFORM sources PREPEND "${folder}/")
@@ -18,6 +19,9 @@ function(zktarn_fortran_modules folder)
   if(TARGET zktarn::standin_c)
     zktarn_fortran_library(zktarn_fortran_standin zktarn::standin_c "${folder}/zktarn_standin.f90")
     add_library(zktarn::fortran_standin ALIAS zktarn_fortran_standin)
+    zktarn_fortran_library(zktarn_fortran_standin_records zktarn::standin_records_c
+      "${folder}/zktarn_standin_records.f90")
+    add_library(zktarn::fortran_standin_records ALIAS zktarn_fortran_standin_records)
   endif()
 endfunction()
 

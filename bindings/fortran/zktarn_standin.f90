@@ -5,6 +5,8 @@
 !> allocatable character, an output list an allocatable array. A callback is a module procedure
 !> with the attribute bind(c); its context is an address that must stay valid until the callback is
 !> replaced: c_loc of a variable with the attribute target, or c_null_ptr.
+!>
+!> The records of the library are controlled by module zktarn_standin_records.
 module zktarn_standin
     use, intrinsic :: iso_c_binding
     implicit none
@@ -136,6 +138,11 @@ module zktarn_standin
 
         subroutine standin_reset() bind(c, name="zktarn_standin_reset")
         end subroutine
+
+        function c_version() bind(c, name="zktarn_standin_version")
+            import :: c_ptr
+            type(c_ptr) :: c_version
+        end function
 
         function standin_requests() bind(c, name="zktarn_standin_requests")
             import :: c_int64_t
@@ -321,6 +328,8 @@ module zktarn_standin
     public :: standin_interrupt_at_poll, standin_huge_pages, standin_report_at_exit
     public :: standin_listen_for_sigint, standin_live_blocks, standin_live_objects
     public :: standin_memory_report, standin_report, standin_console_text
+    public :: standin_version, standin_call_stack, standin_block_origin
+    public :: standin_object_description, standin_object_origin
     public :: standin_flushed_console_text, standin_sentence, standin_reals, standin_characters
     public :: standin_field_name, standin_has_field, standin_field, standin_set_function
     public :: standin_remove_function
@@ -474,6 +483,40 @@ module zktarn_standin
             integer(c_size_t) :: c_memory_report
         end function
 
+        function c_block_origin(block, buffer, capacity) &
+            bind(c, name="zktarn_standin_block_origin")
+            import :: c_ptr, c_size_t, standin_block
+            type(standin_block), intent(in) :: block
+            type(c_ptr), value :: buffer
+            integer(c_size_t), value :: capacity
+            integer(c_size_t) :: c_block_origin
+        end function
+
+        function c_object_description(object, buffer, capacity) &
+            bind(c, name="zktarn_standin_object_description")
+            import :: c_ptr, c_size_t, standin_live_object
+            type(standin_live_object), intent(in) :: object
+            type(c_ptr), value :: buffer
+            integer(c_size_t), value :: capacity
+            integer(c_size_t) :: c_object_description
+        end function
+
+        function c_object_origin(object, buffer, capacity) &
+            bind(c, name="zktarn_standin_object_origin")
+            import :: c_ptr, c_size_t, standin_live_object
+            type(standin_live_object), intent(in) :: object
+            type(c_ptr), value :: buffer
+            integer(c_size_t), value :: capacity
+            integer(c_size_t) :: c_object_origin
+        end function
+
+        function c_call_stack(buffer, capacity) bind(c, name="zktarn_standin_call_stack")
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: buffer
+            integer(c_size_t), value :: capacity
+            integer(c_size_t) :: c_call_stack
+        end function
+
         function c_report(buffer, capacity) bind(c, name="zktarn_standin_report")
             import :: c_ptr, c_size_t
             type(c_ptr), value :: buffer
@@ -602,6 +645,20 @@ contains
         type(c_ptr) :: address
         address = c_name(operation)
         name = characters_at(address, c_strlen(address))
+    end function
+
+    !> The version of the stand-in host.
+    function standin_version() result(version)
+        character(:), allocatable :: version
+        type(c_ptr) :: address
+        address = c_version()
+        version = characters_at(address, c_strlen(address))
+    end function
+
+    !> The calls in progress on this thread, one a line, innermost first.
+    function standin_call_stack() result(text)
+        character(:), allocatable :: text
+        text = text_from(c_call_stack)
     end function
 
     function standin_memory_report() result(text)
@@ -832,6 +889,43 @@ contains
         count = c_live_objects(none, 0_c_size_t)
         allocate (objects(count))
         if (count > 0) count = c_live_objects(objects, count)
+    end function
+
+    !> The calls that allocated a live block, one a line, innermost first; empty unless origins are
+    !> recorded, or if no live block has that address.
+    function standin_block_origin(block) result(text)
+        type(standin_block), intent(in) :: block
+        character(:), allocatable :: text
+        character(kind=c_char), allocatable, target :: buffer(:)
+        integer(c_size_t) :: length
+        length = c_block_origin(block, c_null_ptr, 0_c_size_t)
+        allocate (buffer(length + 1))
+        length = min(length, c_block_origin(block, c_loc(buffer), length + 1))
+        text = characters_at(c_loc(buffer), length)
+    end function
+
+    !> A live object in words; empty if the object has been released.
+    function standin_object_description(object) result(text)
+        type(standin_live_object), intent(in) :: object
+        character(:), allocatable :: text
+        character(kind=c_char), allocatable, target :: buffer(:)
+        integer(c_size_t) :: length
+        length = c_object_description(object, c_null_ptr, 0_c_size_t)
+        allocate (buffer(length + 1))
+        length = min(length, c_object_description(object, c_loc(buffer), length + 1))
+        text = characters_at(c_loc(buffer), length)
+    end function
+
+    !> The calls that made a live object, as for a block; empty if the object has been released.
+    function standin_object_origin(object) result(text)
+        type(standin_live_object), intent(in) :: object
+        character(:), allocatable :: text
+        character(kind=c_char), allocatable, target :: buffer(:)
+        integer(c_size_t) :: length
+        length = c_object_origin(object, c_null_ptr, 0_c_size_t)
+        allocate (buffer(length + 1))
+        length = min(length, c_object_origin(object, c_loc(buffer), length + 1))
+        text = characters_at(c_loc(buffer), length)
     end function
 
     ! Arrays

@@ -26,7 +26,10 @@
 #endif
 
 #ifdef __cplusplus
+#define ZKTARN_STANDIN_NOEXCEPT noexcept
 extern "C" {
+#else
+#define ZKTARN_STANDIN_NOEXCEPT
 #endif
 
 /* Operations ----------------------------------------------------------------------------------- */
@@ -62,6 +65,8 @@ typedef enum zktarn_standin_operation {
 
 enum { zktarn_standin_operation_count = zktarn_op_qvxprintf800_ + 1 };
 
+/* The version of the stand-in host, ended by a zero byte; never released. */
+const char* zktarn_standin_version(void) ZKTARN_STANDIN_NOEXCEPT;
 /* The name of an operation, ended by a zero byte; never released. */
 ZKTARN_STANDIN_C_API const char* zktarn_standin_name(zktarn_standin_operation operation);
 ZKTARN_STANDIN_C_API int64_t zktarn_standin_calls(zktarn_standin_operation operation);
@@ -83,6 +88,12 @@ ZKTARN_STANDIN_C_API void zktarn_standin_fill_new_blocks(int32_t byte);
 ZKTARN_STANDIN_C_API bool zktarn_standin_huge_pages(bool on);
 ZKTARN_STANDIN_C_API size_t zktarn_standin_live_blocks(zktarn_standin_block* blocks,
                                                        size_t capacity);
+/*
+ * The calls that allocated a live block, one line for each, innermost first; empty unless origins are
+ * recorded, or if no live block has that address.
+ */
+ZKTARN_STANDIN_C_API size_t zktarn_standin_block_origin(const zktarn_standin_block* block,
+                                                        char* buffer, size_t capacity);
 ZKTARN_STANDIN_C_API int64_t zktarn_standin_check_blocks(void);
 ZKTARN_STANDIN_C_API size_t zktarn_standin_memory_report(char* buffer, size_t capacity);
 
@@ -95,6 +106,13 @@ typedef struct zktarn_standin_live_object {
 
 ZKTARN_STANDIN_C_API size_t zktarn_standin_live_objects(zktarn_standin_live_object* objects,
                                                         size_t capacity);
+/* A live object in words; empty if the object has been released. */
+ZKTARN_STANDIN_C_API size_t
+zktarn_standin_object_description(const zktarn_standin_live_object* object, char* buffer,
+                                  size_t capacity);
+/* The calls that made a live object, as for a block; empty if the object has been released. */
+ZKTARN_STANDIN_C_API size_t zktarn_standin_object_origin(const zktarn_standin_live_object* object,
+                                                         char* buffer, size_t capacity);
 /* The memory report, and a line for each object that has not been released. */
 ZKTARN_STANDIN_C_API size_t zktarn_standin_report(char* buffer, size_t capacity);
 ZKTARN_STANDIN_C_API bool zktarn_standin_report_at_exit(bool on);
@@ -139,6 +157,8 @@ ZKTARN_STANDIN_C_API void zktarn_standin_set_fault_handler(zktarn_standin_fault_
                                                            void* context);
 
 ZKTARN_STANDIN_C_API bool zktarn_standin_record_origins(bool on);
+/* The calls in progress on this thread, one line for each, innermost first. */
+ZKTARN_STANDIN_C_API size_t zktarn_standin_call_stack(char* buffer, size_t capacity);
 
 /* Assertions ----------------------------------------------------------------------------------- */
 
@@ -293,6 +313,16 @@ ZKTARN_STANDIN_C_API void zktarn_standin_clear_console(void);
 ZKTARN_STANDIN_C_API void zktarn_standin_raise_interrupt(void);
 ZKTARN_STANDIN_C_API void zktarn_standin_interrupt_at_poll(int64_t k);
 ZKTARN_STANDIN_C_API bool zktarn_standin_listen_for_sigint(bool on);
+
+/* Records -------------------------------------------------------------------------------------- */
+
+/*
+ * Control of the records that the library makes, in an archive of its own: link
+ * zktarn::standin_records_c, which replaces `operator new` of the whole program.
+ */
+void zktarn_standin_fail_record(int64_t k);
+int64_t zktarn_standin_record_requests(void);
+int64_t zktarn_standin_live_records(void);
 
 #ifdef __cplusplus
 }

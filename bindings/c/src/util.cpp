@@ -1,41 +1,46 @@
 #include "zktarn/util/util.hpp"
 
 #include "arguments.hpp"
+#include "zktarn/util/detail/guarded_floor.hpp"
 #include "zktarn_util.h"
 
 using namespace zktarn;
+// The integrality procedures are inlined: a second call, of the C++ library, would be a large part of
+// their cost.
+namespace inlined = util::detail;
 
 double zktarn_fractional(double x) {
-    return util::fractional(x);
+    return inlined::distance_to_integer(x);
 }
 
 void zktarn_epsilon_is_int_scalar(double x, double scalar, double eps, zktarn_flag* is_int,
                                   double* nearest) {
     if (!c::any_null(is_int)) {
-        util::epsilon_is_int_scalar(x, scalar, eps, *is_int, c::optional(nearest));
+        inlined::report(inlined::decide_integer(x * scalar, eps, 0.0), *is_int,
+                       c::optional(nearest));
     }
 }
 
 void zktarn_epsilon_is_int(double x, double eps, zktarn_flag* is_int, double* nearest) {
     if (!c::any_null(is_int)) {
-        util::epsilon_is_int(x, eps, *is_int, c::optional(nearest));
+        inlined::report(inlined::decide_integer(x, eps, eps), *is_int, c::optional(nearest));
     }
 }
 
 double zktarn_epsilon_fractionality(double x, double eps) {
-    return util::epsilon_fractionality(x, eps);
+    return x - inlined::guarded_floor(x, eps);
 }
 
 double zktarn_epsilon_floor(double x, double eps) {
-    return util::epsilon_floor(x, eps);
+    return inlined::guarded_floor(x, eps);
 }
 
 double zktarn_epsilon_ceiling(double x, double eps) {
-    return util::epsilon_ceiling(x, eps);
+    return inlined::guarded_ceiling(x, eps);
 }
 
 zktarn_flag zktarn_is_even_real(double x, double eps) {
-    return util::is_even_real(x, eps);
+    return 1 - inlined::modulo_2(x, eps);
 }
 
 zktarn_flag zktarn_is_even_int(int32_t n) {

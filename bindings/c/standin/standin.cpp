@@ -1,13 +1,14 @@
 /// Operations, memory, faults, assertions, the console and interrupts of the stand-in host, in C.
 
-#include <new>
 #include <string>
 
+#include "call_lines.hpp"
 #include "text.hpp"
 #include "zktarn_standin.h"
 #include "zktarn_standin/control.hpp"
 
 namespace standin = zktarn::standin;
+using zktarn::standin_c::lines_of;
 using zktarn::standin_c::list_into;
 using zktarn::standin_c::text_into;
 
@@ -35,19 +36,6 @@ standin::operation cpp(zktarn_standin_operation operation) {
 
 zktarn_standin_block in_c(const standin::block& block) {
     return {block.address, block.nbytes, block.order};
-}
-
-/// One line for each call; empty if memory is missing.
-std::string lines_of(const standin::call_stack& stack) noexcept {
-    try {
-        std::string text;
-        for (const std::string& line : stack.lines()) {
-            text += line + '\n';
-        }
-        return text;
-    } catch (const std::bad_alloc&) {
-        return {};
-    }
 }
 
 } // namespace
@@ -102,24 +90,6 @@ int64_t zktarn_standin_check_blocks() {
 
 size_t zktarn_standin_memory_report(char* buffer, size_t capacity) {
     return text_into(buffer, capacity, standin::memory_report);
-}
-
-// Leaks
-
-size_t zktarn_standin_live_objects(zktarn_standin_live_object* objects, size_t capacity) {
-    return list_into(objects, capacity, standin::live_objects,
-                     [](const standin::live_object& each) {
-                         return zktarn_standin_live_object{
-                             static_cast<zktarn_standin_operation>(each.made_by), each.number};
-                     });
-}
-
-size_t zktarn_standin_report(char* buffer, size_t capacity) {
-    return text_into(buffer, capacity, standin::report);
-}
-
-bool zktarn_standin_report_at_exit(bool on) {
-    return standin::report_at_exit(on);
 }
 
 // Faults and assertions

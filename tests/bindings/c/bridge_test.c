@@ -5,7 +5,6 @@
 #include <string.h>
 
 #include "check.h"
-#include "refusal.h"
 #include "zktarn_standin.h"
 #include "zktarn_util.h"
 
@@ -194,11 +193,11 @@ static void test_host_failures(void) {
 
 static void test_refused_record(void) {
     zktarn_cbdata* cb = NULL;
-    refuse_record(1);
+    zktarn_standin_fail_record(1);
     zktarn_cbinit(&cb);
     CHECK(cb == NULL);
     zktarn_vector* v = NULL;
-    refuse_record(1);
+    zktarn_standin_fail_record(1);
     CHECK(zktarn_vector_alloc(&v, 3, NULL, NULL, NULL) == 0 && v == NULL);
 }
 
@@ -226,6 +225,6 @@ int main(void) {
     test_refused_record();
     test_initialise();
     CHECK(zktarn_standin_live_objects(NULL, 0) == 0);
-    CHECK(live_records() == 0);
+    CHECK(zktarn_standin_live_records() == 0);
     return failures();
 }

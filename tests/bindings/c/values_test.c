@@ -6,7 +6,7 @@
 #include <string.h>
 
 #include "check.h"
-#include "refusal.h"
+#include "zktarn_standin.h"
 #include "zktarn_util.h"
 
 struct counts {
@@ -69,7 +69,7 @@ static void test_owning_value(void) {
     zktarn_cbdatalistfinalise(&list, 1);
     CHECK(counts.destroyed == 1);
     zktarn_cbdatalistfinalise(&copy, 1);
-    CHECK(counts.destroyed == 2 && live_records() == 0);
+    CHECK(counts.destroyed == 2 && zktarn_standin_live_records() == 0);
 }
 
 /* A copy that its procedure refuses is empty, and is not destroyed. */
@@ -89,7 +89,7 @@ static void test_refused_copy(void) {
     zktarn_cbdatalistfinalise(&copy, 1);
     CHECK(counts.destroyed == 0);
     zktarn_cbdatalistfinalise(&list, 1);
-    CHECK(counts.destroyed == 1 && live_records() == 0);
+    CHECK(counts.destroyed == 1 && zktarn_standin_live_records() == 0);
 }
 
 static void test_plain_values(void) {
@@ -109,7 +109,7 @@ static void test_plain_values(void) {
     CHECK(memcmp(zktarn_stored_value(&copies[1], NULL), bytes, sizeof bytes) == 0);
     zktarn_cbdatalistfinalise(copies, 2);
     zktarn_cbdatalistfinalise(&list, 1);
-    CHECK(live_records() == 0);
+    CHECK(zktarn_standin_live_records() == 0);
 }
 
 /* The first or the second allocation refused: the slot stays as it was. */
@@ -120,21 +120,21 @@ static void test_no_memory(void) {
     CHECK(zktarn_store_value(&list, &kept, sizeof kept, NULL, NULL, NULL) == 1);
     for (int64_t k = 1; k <= 2; ++k) {
         const struct note note = {text_of("x"), 1};
-        refuse_record(k);
+        zktarn_standin_fail_record(k);
         CHECK(zktarn_store_value(&list, &note, sizeof note, copy_note, destroy_note, &counts) == 0);
         const int* const stored = zktarn_stored_value(&list, NULL);
         CHECK(stored != NULL && *stored == 5 && counts.destroyed == 0);
         free(note.text);
         zktarn_cbdatalist copy = list;
-        refuse_record(k);
+        zktarn_standin_fail_record(k);
         zktarn_cbdatalistcopy(&copy, 1);
         CHECK(zktarn_stored_value(&copy, NULL) == NULL);
         zktarn_cbdatalistfinalise(&copy, 1);
     }
-    refuse_record(0);
+    zktarn_standin_fail_record(0);
     CHECK(zktarn_store_value(&list, &kept, SIZE_MAX, NULL, NULL, NULL) == 0);
     zktarn_cbdatalistfinalise(&list, 1);
-    CHECK(live_records() == 0);
+    CHECK(zktarn_standin_live_records() == 0);
 }
 
 /* A value type of the caller's own, as in C++. */
@@ -159,7 +159,7 @@ static void test_own_type(void) {
     zktarn_cbdatalistinitialise(records, 1);
     CHECK(records[0].slot.value == NULL && records[0].second_handle == 0);
     CHECK(records[1].first_handle == 0x5555555555555555);
-    CHECK(live_records() == 0);
+    CHECK(zktarn_standin_live_records() == 0);
 }
 
 int main(void) {

@@ -3,6 +3,7 @@ module standin_cases
     use, intrinsic :: iso_c_binding
     use checks
     use zktarn_standin
+    use zktarn_standin_records
     use zktarn_util
     implicit none
 
@@ -188,6 +189,59 @@ contains
         call standin_leave_calls(op_qvMallocExOptim)
     end subroutine
 
+    subroutine test_origins()
+        type(standin_block), allocatable :: blocks(:)
+        type(standin_live_object), allocatable :: objects(:)
+        type(c_ptr) :: block
+        integer(c_int64_t) :: structure
+        logical :: recorded
+        recorded = standin_record_origins(.true.)
+        block = mallocate(16_c_int64_t)
+        structure = qvinitcbarray('cutting')
+        blocks = standin_live_blocks()
+        objects = standin_live_objects()
+        call check(size(blocks) == 1 .and. size(objects) == 1, 'one of each')
+        call check(index(standin_block_origin(blocks(1)), 'mallocate') > 0, 'origin of a block')
+        call check(index(standin_object_origin(objects(1)), 'qvinitcbarray') > 0, &
+            'origin of an object')
+        call check(index(standin_object_description(objects(1)), 'struct') > 0, 'description')
+        call qvfreecbarray(structure)
+        call mdeallocate(block)
+        call check(len(standin_block_origin(blocks(1))) == 0, 'no block')
+        call check(len(standin_object_origin(objects(1))) == 0, 'no object')
+        call check(len(standin_object_description(objects(1))) == 0, 'nothing to describe')
+        call check(index(standin_call_stack(), 'standin_call_stack') > 0, 'calls in progress')
+        call check(standin_record_origins(recorded), 'was on')
+        call check(standin_version() == zktarn_version(), 'version')
+    end subroutine
+
+    subroutine test_records()
+        type(vector), pointer :: v
+        type(cbdata), pointer :: cb
+        integer(c_int64_t) :: requests, live
+        requests = standin_record_requests()
+        live = standin_live_records()
+        call check(vector_alloc(v, 3) == 1, 'a vector')
+        call cbinit(cb)
+        call check(standin_record_requests() == requests + 2, 'two requests')
+        call check(standin_live_records() == live + 2, 'two records')
+        call vector_free(v)
+        call cbfree(cb)
+        call check(standin_live_records() == live, 'released')
+        call standin_fail_record(1)
+        call check(vector_alloc(v, 3) == 0, 'refused')
+        call check(.not. associated(v), 'no vector')
+        call standin_fail_record(2_c_int64_t)
+        call cbinit(cb)
+        call check(vector_alloc(v, 3) == 0, 'the second one refused')
+        call cbfree(cb)
+        call standin_fail_record(1)
+        call standin_fail_record(0)
+        call check(vector_alloc(v, 3) == 1, 'no plan')
+        call vector_free(v)
+        call check(standin_live_records() == live, 'none left')
+    end subroutine
+
     subroutine test_console_and_interrupts()
         type(cbdata), pointer :: cb
         call check(standin_set_console(console_capture) == console_show, 'console')
@@ -216,6 +270,8 @@ program standin_test
     call test_operations()
     call test_call_log()
     call test_memory()
+    call test_origins()
+    call test_records()
     call test_handlers()
     call test_arrays()
     call test_functions()

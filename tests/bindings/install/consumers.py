@@ -13,6 +13,29 @@ import sys
 
 FATAL = "-Wl,--fatal-warnings,--warn-execstack"
 
+RECORDS_C = """
+#include "zktarn_standin.h"
+#include "zktarn_util.h"
+
+int main(void) {
+    zktarn_vector* v = NULL;
+    zktarn_standin_fail_record(1);
+    return zktarn_vector_alloc(&v, 3, NULL, NULL, NULL) == 0 &&
+           zktarn_standin_record_requests() == 1 && zktarn_standin_live_records() == 0 ? 0 : 1;
+}
+"""
+RECORDS_FORTRAN = """
+program records
+    use zktarn_util
+    use zktarn_standin_records
+    implicit none
+    type(vector), pointer :: v
+    call standin_fail_record(1)
+    if (vector_alloc(v, 3) /= 0) error stop 'not refused'
+    if (standin_record_requests() /= 1) error stop 'not requested'
+end program
+"""
+
 
 def fail(sentence):
     sys.exit(f"consumers: {sentence}")
@@ -114,14 +137,55 @@ class Scenarios:
             "find_package(zktarn_util 0.1 REQUIRED COMPONENTS c standin)\n"
             f"add_executable(vectors_static {self.examples}/c/separator.c)\n"
             "target_link_libraries(vectors_static PRIVATE zktarn::c_static zktarn::standin m)\n")
-        configured = self.configure(project, prefix)
-        if configured.returncode != 0:
-            fail(f"did not configure\n{configured.stdout}{configured.stderr}")
-        self.must(self.options.cmake, "--build", self.work / "build")
+        self.build(project, prefix, "vectors_static")
         self.check_output("separator", self.work / "build" / "vectors_static")
         for library in ("libzktarn_util_c", "libzktarn_util.so"):
             if library in self.must("ldd", self.work / "build" / "vectors_static"):
                 fail(f"{library} is linked as a shared library")
+
+    def c_records(self):
+        """The archive that controls the records replaces operator new of a program in C."""
+        prefix = self.install()
+        program = self.work / "with_pkg_config"
+        source = self.work / "records.c"
+        source.write_text(RECORDS_C)
+        self.must(self.options.c_compiler, "-std=c11", "-Wall", "-Werror", FATAL, source, "-o",
+                  program, *self.pkg_config(prefix, "--cflags", "--libs", "zktarn_util_c",
+                                            "zktarn_standin_records_c"))
+        self.must(program)
+        (self.work / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.24)\nproject(records LANGUAGES C CXX)\n"
+            "find_package(zktarn_util 0.1 REQUIRED COMPONENTS c standin_c)\n"
+            "add_executable(records records.c)\n"
+            "target_link_libraries(records PRIVATE zktarn::c zktarn::standin_records_c)\n")
+        self.build(self.work, prefix, "records")
+
+    def fortran_records(self):
+        prefix = self.install()
+        program = self.work / "with_pkg_config"
+        source = self.work / "records.f90"
+        source.write_text(RECORDS_FORTRAN)
+        sources = self.pkg_config(prefix, "--variable=sources", "zktarn_util_fortran")
+        sources += self.pkg_config(prefix, "--variable=standin_records_source",
+                                   "zktarn_util_fortran")
+        self.must(self.options.fortran_compiler, "-std=f2018", FATAL, f"-J{self.work}", *sources,
+                  source, "-o", program, *self.pkg_config(prefix, "--libs", "zktarn_util_fortran",
+                                                          "zktarn_standin_records_c"))
+        self.must(program)
+        (self.work / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.24)\nproject(records LANGUAGES C CXX Fortran)\n"
+            "find_package(zktarn_util 0.1 REQUIRED COMPONENTS fortran standin_c)\n"
+            "add_executable(records records.f90)\n"
+            "target_link_libraries(records PRIVATE zktarn::fortran\n"
+            "  zktarn::fortran_standin_records)\n")
+        self.build(self.work, prefix, "records")
+
+    def build(self, project, prefix, program):
+        configured = self.configure(project, prefix)
+        if configured.returncode != 0:
+            fail(f"did not configure\n{configured.stdout}{configured.stderr}")
+        self.must(self.options.cmake, "--build", self.work / "build")
+        self.must(self.work / "build" / program)
 
     def fortran_without_language(self):
         prefix = self.install()

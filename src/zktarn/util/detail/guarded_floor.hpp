@@ -3,9 +3,11 @@
 #include <cmath>
 #include <cstdint>
 
+#include "zktarn/types.hpp"
 #include "zktarn/util/detail/truncate.hpp"
 
-// The floors, ceilings and integrality decisions of the library.
+// The floors, ceilings and integrality decisions of the library. Inline, so that the library in C
+// contains them and needs no second call.
 
 namespace zktarn::util::detail {
 
@@ -49,6 +51,29 @@ inline integer_decision decide_integer(double value, double eps, double offset) 
     }
     const double ceiling = guarded_ceiling(value, offset);
     return {ceiling - value <= eps, ceiling};
+}
+
+/// Writes a decision to the outputs of `epsilon_is_int`.
+inline void report(const integer_decision& decision, flag& is_int,
+                   optional_ref<double> nearest) noexcept {
+    is_int = decision.is_integer ? 1 : 0;
+    if (decision.is_integer && nearest) {
+        *nearest = decision.nearest;
+    }
+}
+
+/// The distance of `value` to its nearest integer; NaN for infinities and NaN.
+inline double distance_to_integer(double value) noexcept {
+    constexpr double integral_above = 4503599627370496.0; // 2^52
+    const double magnitude = std::fabs(value);
+    if (magnitude > integral_above) {
+        return std::fabs(value - value);
+    }
+    if (magnitude < 0.5) {
+        return magnitude;
+    }
+    const double rounded = static_cast<double>(truncate_i64(value + std::copysign(0.5, value)));
+    return std::fabs(rounded - value);
 }
 
 /// 0 if `value` is within `eps` of an even integer, else 1. The integer is converted to 32 bits

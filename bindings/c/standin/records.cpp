@@ -1,0 +1,18 @@
+/// The records of the library, in C.
+
+#include "zktarn_standin.h"
+#include "zktarn_standin/records.hpp"
+
+namespace standin = zktarn::standin;
+
+void zktarn_standin_fail_record(int64_t k) {
+    standin::fail_record(k);
+}
+
+int64_t zktarn_standin_record_requests() {
+    return standin::record_requests();
+}
+
+int64_t zktarn_standin_live_records() {
+    return standin::live_records();
+}
