@@ -3,12 +3,13 @@
     cmake --preset python && cmake --build --preset python --target zktarn_python_benchmarks
     /usr/bin/python3 benchmarks/python/interface_bench.py [--size N] [--samples N]
 
-Each line is the median of the ratios of two times that were measured one after the other, with the
-quartiles of these ratios and the median times (of the thread's processor): whole arrays against a
-loop in C++ over the same procedures and against a formulation in NumPy, fractions against
-`Fraction.limit_denominator`, a call of a method of Vector against a pybind11 method of the same
-signature that does nothing. A last column says whether the median keeps the limit of its kind. The
-exit status is 0 in either case, because times depend on the machine.
+Each line is the median of the ratios of two times that were measured one after the other, each after
+a call that was not measured, with the quartiles of these ratios and the median times (of the
+thread's processor): whole arrays against a loop in C++ over the same procedures and against a
+formulation in NumPy, fractions against `Fraction.limit_denominator`, a call of a method of Vector
+against a pybind11 method of the same signature that does nothing. A last column says whether the
+median keeps the limit of its kind. The exit status is 0 in either case, because times depend on the
+machine.
 """
 
 import argparse
@@ -33,9 +34,17 @@ def seconds(call):
 
 
 def compare(kind, name, ours, theirs, samples, scale=1.0):
-    """Prints the median ratio of alternating samples; the peer's times are multiplied by `scale`."""
-    ours(), theirs()
-    pairs = [(seconds(ours), scale * seconds(theirs)) for _ in range(samples)]
+    """Prints the median ratio of alternating samples; the peer's times are multiplied by `scale`.
+
+    Each sample follows a call of the same function that is not measured, so that both find the heap
+    and the caches as they leave them themselves. Otherwise one would pay for pages that the other
+    has given back to the system.
+    """
+    def sample(call):
+        call()
+        return seconds(call)
+
+    pairs = [(sample(ours), scale * sample(theirs)) for _ in range(samples)]
     ratios = [a / b for a, b in pairs]
     low, median, high = statistics.quantiles(ratios, n=4)
     times = [statistics.median(column) for column in zip(*pairs)]

@@ -59,7 +59,7 @@ contains
             call fail(1, 'the host has no memory for a vector')
         end select
         if (found%found) then
-            print '(a, g0)', 'objective ', found%best
+            print '(a, g0.17)', 'objective ', found%best
             print '(a, *(1x, i0))', 'x', nint(found%x)
         end if
         if (status /= 0) stop status, quiet=.true.

@@ -89,8 +89,8 @@ ZKTARN_STANDIN_C_API bool zktarn_standin_huge_pages(bool on);
 ZKTARN_STANDIN_C_API size_t zktarn_standin_live_blocks(zktarn_standin_block* blocks,
                                                        size_t capacity);
 /*
- * The calls that allocated a live block, one line for each, innermost first; empty unless origins are
- * recorded, or if no live block has that address.
+ * The calls that allocated a live block, one line for each, innermost first; empty unless origins
+ * are recorded, or if no live block has that address.
  */
 ZKTARN_STANDIN_C_API size_t zktarn_standin_block_origin(const zktarn_standin_block* block,
                                                         char* buffer, size_t capacity);
@@ -107,9 +107,8 @@ typedef struct zktarn_standin_live_object {
 ZKTARN_STANDIN_C_API size_t zktarn_standin_live_objects(zktarn_standin_live_object* objects,
                                                         size_t capacity);
 /* A live object in words; empty if the object has been released. */
-ZKTARN_STANDIN_C_API size_t
-zktarn_standin_object_description(const zktarn_standin_live_object* object, char* buffer,
-                                  size_t capacity);
+ZKTARN_STANDIN_C_API size_t zktarn_standin_object_description(
+    const zktarn_standin_live_object* object, char* buffer, size_t capacity);
 /* The calls that made a live object, as for a block; empty if the object has been released. */
 ZKTARN_STANDIN_C_API size_t zktarn_standin_object_origin(const zktarn_standin_live_object* object,
                                                          char* buffer, size_t capacity);

@@ -5,8 +5,8 @@
 #include "zktarn_util.h"
 
 using namespace zktarn;
-// The integrality procedures are inlined: a second call, of the C++ library, would be a large part of
-// their cost.
+// The integrality procedures are inlined: a second call, of the C++ library, would be a large part
+// of their cost.
 namespace inlined = util::detail;
 
 double zktarn_fractional(double x) {
@@ -17,7 +17,7 @@ void zktarn_epsilon_is_int_scalar(double x, double scalar, double eps, zktarn_fl
                                   double* nearest) {
     if (!c::any_null(is_int)) {
         inlined::report(inlined::decide_integer(x * scalar, eps, 0.0), *is_int,
-                       c::optional(nearest));
+                        c::optional(nearest));
     }
 }
 

@@ -1,7 +1,7 @@
 /// The records of the library, in C.
 
-#include "zktarn_standin.h"
 #include "zktarn_standin/records.hpp"
+#include "zktarn_standin.h"
 
 namespace standin = zktarn::standin;
 

@@ -1,7 +1,23 @@
 !> The solver in Fortran on a failing host: it reports the failure or continues, and leaks nothing.
+module output_functions
+    use, intrinsic :: iso_c_binding
+    use checks
+    use zktarn_standin
+    implicit none
+
+contains
+
+    subroutine go_on(input, reply, context) bind(c)
+        type(c_ptr), value :: input, reply, context
+        call check(c_associated(input) .and. .not. c_associated(context), 'input')
+        call standin_reply(reply, 0.0_c_double)
+    end subroutine
+end module
+
 program failures_test
     use, intrinsic :: iso_c_binding
     use checks
+    use output_functions
     use problem
     use reporting
     use search
@@ -73,10 +89,4 @@ contains
         call check(size(standin_live_blocks()) == 0, 'every block released')
         call check(size(standin_live_objects()) == 0, 'every object released')
     end function
-
-    subroutine go_on(input, reply, context) bind(c)
-        type(c_ptr), value :: input, reply, context
-        call check(c_associated(input) .and. .not. c_associated(context), 'input')
-        call standin_reply(reply, 0.0_c_double)
-    end subroutine
 end program
