@@ -62,7 +62,7 @@ def c_functions(source):
     text = re.sub(r"/\*.*?\*/|^#.*?$", "", text, flags=re.S | re.M)
     pattern = (r"^(?:ZKTARN_STANDIN_C_API\s+)?((?!typedef)[\w ]+?[\s*]+(?:const\s*\*\s*)?"
                r"zktarn_standin_(\w+)\([^)]*\))[\w ]*;")
-    return {match.group(2): re.sub(r"\s+", " ", match.group(1))
+    return {match.group(2): re.sub(r"\s+", " ", match.group(1)).replace("( ", "(")
             for match in re.finditer(pattern, text, flags=re.M)}
 
 
