@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "cuts/hashing.hpp"
-
 namespace zero_half {
 
 bool odd_sums::add_if_violated(std::span<const std::int32_t> odd, bool is_odd) {
@@ -22,7 +20,7 @@ bool odd_sums::add_if_violated(std::span<const std::int32_t> odd, bool is_odd) {
     if (!is_odd) {
         slack += change.cost;
     }
-    if (slack >= slack_limit || !signatures_.insert(signature).second) {
+    if (slack >= slack_limit || !signatures_.insert(signature, sums_.size()).second) {
         return false;
     }
     keep(slack, is_odd ? 0 : change.column, odd);

@@ -2,9 +2,9 @@
 
 #include <functional>
 #include <span>
-#include <unordered_set>
 #include <vector>
 
+#include "cuts/hashing.hpp"
 #include "cuts/parity_system.hpp"
 
 namespace zero_half {
@@ -25,7 +25,9 @@ struct odd_sum {
 class odd_sums {
 public:
     /// `enough` is the number of sums at which a search may end.
-    odd_sums(const parity_system& system, std::size_t enough) : system_(system), enough_(enough) {}
+    odd_sums(const parity_system& system, std::size_t enough) : system_(system), enough_(enough) {
+        signatures_.reset(0);
+    }
 
     /// Keeps the sum with the elements `odd` when its right-hand side is odd, or can be made so,
     /// and its slack is below `slack_limit`. Returns whether it is a new one.
@@ -53,7 +55,7 @@ private:
     std::size_t enough_;
     std::vector<kept_sum> sums_;
     std::vector<std::int32_t> members_;
-    std::unordered_set<std::uint64_t> signatures_;
+    signature_map signatures_;
 };
 
 } // namespace zero_half

@@ -70,6 +70,7 @@ private:
     std::vector<cut> violated_rows(const separated_point& at) const;
     void add_blossoms(const separated_point& at, std::vector<cut>& cuts);
     void add_sums(const separated_point& at, bool with_all_cuts, std::vector<cut>& cuts);
+    void find_further_sums(const parity_system& system, odd_sums& sums) const;
     void add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts);
     void put_into_pool(std::vector<cut>& cuts);
     void set_budget(std::size_t selected);
