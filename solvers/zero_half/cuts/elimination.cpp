@@ -6,6 +6,8 @@
 #include <numeric>
 #include <utility>
 
+#include "cuts/hashing.hpp"
+
 namespace zero_half {
 
 namespace {
@@ -33,6 +35,11 @@ std::vector<std::size_t> rows_with_least_slack(const parity_system& system) {
     return rows;
 }
 
+/// One draw of the generator starts the sequence of an elimination: a draw is a call of the host.
+std::uint64_t seed_of(const zktarn::random::rng_state& random) {
+    return static_cast<std::uint64_t>(0x1p53 * zktarn::random::rand_number(random));
+}
+
 class elimination {
 public:
     elimination(const parity_system& system, const zktarn::random::rng_state& random);
@@ -41,6 +48,10 @@ public:
 
 private:
     static constexpr std::size_t word_bits = 64;
+
+    static std::size_t lowest(std::uint64_t word) {
+        return static_cast<std::size_t>(std::countr_zero(word));
+    }
 
     std::span<std::uint64_t> bits(std::size_t row) {
         return std::span(words_).subspan(row * width_, width_);
@@ -52,18 +63,23 @@ private:
         words_[row * width_ + bit / word_bits] |= std::uint64_t{1} << (bit % word_bits);
     }
     std::vector<std::int32_t> column_order();
+    double random_number();
     std::size_t best_pivot(std::span<const std::size_t> rows) const;
     void add(std::size_t pivot, std::size_t row);
-    /// Bits 0 to columns() - 1 are the columns, the others the slacks of `members_`.
+    /// The first bits are the slacks of `members_`, the others the columns.
     std::int32_t element_of(std::size_t bit) const {
-        const auto columns = static_cast<std::size_t>(system_.columns());
-        return bit < columns ? static_cast<std::int32_t>(bit) + 1
-                             : system_.slack_of(members_[bit - columns]);
+        return bit < members_.size() ? system_.slack_of(members_[bit])
+                                     : static_cast<std::int32_t>(bit - members_.size()) + 1;
     }
+    std::size_t bit_of(std::int32_t column) const {
+        return members_.size() + static_cast<std::size_t>(column) - 1;
+    }
+    void set_slack(std::size_t row);
     void offer(std::size_t row, odd_sums& sums);
+    void eliminate(std::int32_t column, odd_sums& sums);
 
     const parity_system& system_;
-    const zktarn::random::rng_state& random_;
+    std::uint64_t random_state_;
     std::vector<std::size_t> members_;
     std::size_t width_;
     std::vector<std::uint64_t> words_;
@@ -72,34 +88,40 @@ private:
     std::vector<double> slack_;
     /// A small random number for each row, which decides between pivots with equal slack.
     std::vector<double> perturbation_;
-    /// The rows that have not been pivots.
+    /// The rows that have not been pivots, and whose slack is below the limit.
     std::vector<std::size_t> remaining_;
+    /// Those of them with the column that is eliminated.
+    std::vector<std::size_t> rows_;
     std::vector<std::int32_t> odd_;
 };
 
 elimination::elimination(const parity_system& system, const zktarn::random::rng_state& random)
-    : system_(system), random_(random), members_(rows_with_least_slack(system)),
+    : system_(system), random_state_(seed_of(random)), members_(rows_with_least_slack(system)),
       width_((static_cast<std::size_t>(system.columns()) + members_.size() + word_bits - 1) /
              word_bits),
       words_(width_ * members_.size()) {
     constexpr double perturbation = 1e-3;
     for (std::size_t row = 0; row < members_.size(); ++row) {
         for (const std::int32_t column : system.odd_columns(members_[row])) {
-            set(row, static_cast<std::size_t>(column) - 1);
+            set(row, bit_of(column));
         }
-        set(row, static_cast<std::size_t>(system.columns()) + row);
+        set(row, row);
         is_odd_.push_back(system.is_odd(members_[row]) ? 1 : 0);
         slack_.push_back(system.value(system.slack_of(members_[row])));
-        perturbation_.push_back(perturbation * zktarn::random::rand_number(random_));
+        perturbation_.push_back(perturbation * random_number());
         remaining_.push_back(row);
     }
+}
+
+/// A number in [0, 1).
+double elimination::random_number() {
+    return static_cast<double>(mixed(random_state_++) >> 11) * 0x1p-53;
 }
 
 std::vector<std::int32_t> elimination::column_order() {
     std::vector<std::pair<double, std::int32_t>> keys;
     for (std::int32_t column = 1; column <= system_.columns(); ++column) {
-        keys.emplace_back(-system_.value(column) * (0.5 + zktarn::random::rand_number(random_)),
-                          column);
+        keys.emplace_back(-system_.value(column) * (0.5 + random_number()), column);
     }
     std::sort(keys.begin(), keys.end());
     std::vector<std::int32_t> order(keys.size());
@@ -128,7 +150,19 @@ void elimination::add(std::size_t pivot, std::size_t row) {
         sum[w] ^= summand[w];
     }
     is_odd_[row] = is_odd_[row] != is_odd_[pivot] ? 1 : 0;
-    slack_[row] += slack_[pivot];
+}
+
+/// The total slack of the rows in the sum, or a value from the limit on.
+void elimination::set_slack(std::size_t row) {
+    double slack = 0.0;
+    const std::span<const std::uint64_t> words = bits(row);
+    for (std::size_t bit = 0; bit < members_.size() && slack < slack_limit; bit += word_bits) {
+        std::uint64_t rest = words[bit / word_bits];
+        for (; rest != 0 && bit + lowest(rest) < members_.size(); rest &= rest - 1) {
+            slack += system_.value(element_of(bit + lowest(rest)));
+        }
+    }
+    slack_[row] = slack;
 }
 
 /// Adds the row when it is violated. Most rows are not, so the slack is found first.
@@ -138,8 +172,7 @@ void elimination::offer(std::size_t row, odd_sums& sums) {
     const std::span<const std::uint64_t> words = bits(row);
     for (std::size_t w = 0; w < width_; ++w) {
         for (std::uint64_t rest = words[w]; rest != 0; rest &= rest - 1) {
-            const std::int32_t element =
-                element_of(w * word_bits + static_cast<std::size_t>(std::countr_zero(rest)));
+            const std::int32_t element = element_of(w * word_bits + lowest(rest));
             slack += system_.value(element);
             if (slack >= slack_limit) {
                 return;
@@ -150,29 +183,37 @@ void elimination::offer(std::size_t row, odd_sums& sums) {
     sums.add_if_violated(odd_, is_odd_[row] != 0);
 }
 
+/// A sum whose rows have too much slack is given up: it could be part of a violated one only
+/// together with a sum of nearly the same rows.
+void elimination::eliminate(std::int32_t column, odd_sums& sums) {
+    rows_.clear();
+    for (const std::size_t row : remaining_) {
+        if (has(row, bit_of(column))) {
+            rows_.push_back(row);
+        }
+    }
+    if (rows_.empty()) {
+        return;
+    }
+    const std::size_t pivot = best_pivot(rows_);
+    for (const std::size_t row : rows_) {
+        if (row != pivot) {
+            add(pivot, row);
+            set_slack(row);
+            offer(row, sums);
+        }
+    }
+    std::erase_if(remaining_, [&](std::size_t row) {
+        return row == pivot || slack_[row] >= slack_limit;
+    });
+}
+
 void elimination::run(const stop_predicate& should_stop, odd_sums& sums) {
-    std::vector<std::size_t> rows;
     for (const std::int32_t column : column_order()) {
         if (should_stop()) {
             return;
         }
-        rows.clear();
-        for (const std::size_t row : remaining_) {
-            if (has(row, static_cast<std::size_t>(column) - 1)) {
-                rows.push_back(row);
-            }
-        }
-        if (rows.empty()) {
-            continue;
-        }
-        const std::size_t pivot = best_pivot(rows);
-        for (const std::size_t row : rows) {
-            if (row != pivot) {
-                add(pivot, row);
-                offer(row, sums);
-            }
-        }
-        remaining_.erase(std::find(remaining_.begin(), remaining_.end(), pivot));
+        eliminate(column, sums);
     }
 }
 
