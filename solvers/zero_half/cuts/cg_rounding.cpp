@@ -28,6 +28,12 @@ void divide_by_common_divisor(cut& made) {
     made.origin.divisor *= divisor;
 }
 
+/// Half of an integer, rounded down, or up for a column that is substituted by its upper bound.
+double rounded_half(double coefficient, bool is_up) {
+    const auto whole = static_cast<std::int64_t>(coefficient);
+    return static_cast<double>(is_up ? -(-whole >> 1) : whole >> 1);
+}
+
 void set_violation(cut& made, const double* point) {
     double activity = 0.0;
     double square = 0.0;
@@ -41,31 +47,31 @@ void set_violation(cut& made, const double* point) {
 
 } // namespace
 
-/// The vector becomes the row.
-void cg_rounding::load_row(std::size_t row, zktarn::owned_vector& vector) const {
-    const std::span<const std::int32_t> columns = pool_.columns(row);
-    const std::span<const double> coefficients = pool_.coefficients(row);
-    zktarn::vector_mod::vector_clear(*vector);
-    for (std::size_t k = 0; k < columns.size(); ++k) {
-        zktarn::vector_mod::vector_add_nz(*vector, columns[k], coefficients[k]);
-    }
-}
-
+/// Entries whose coefficients cancel stay in the sum with the coefficient 0.
 void cg_rounding::add_up(std::span<const std::int32_t> rows) {
-    load_row(static_cast<std::size_t>(rows.front()), sum_);
-    for (const std::int32_t row : rows.subspan(1)) {
-        load_row(static_cast<std::size_t>(row), row_);
-        zktarn::vector_mod::vectors_combine(*sum_, *row_, 1.0, 1.0, no_tolerance);
+    zktarn::vector_mod::vector_clear(*sum_);
+    for (const std::int32_t row : rows) {
+        const auto columns = pool_.columns(static_cast<std::size_t>(row));
+        const auto coefficients = pool_.coefficients(static_cast<std::size_t>(row));
+        for (std::size_t k = 0; k < columns.size(); ++k) {
+            if (zktarn::vector_mod::vector_is_elm(*sum_, columns[k]) != 0) {
+                const double before = zktarn::vector_mod::vector_get_coef(*sum_, columns[k]);
+                zktarn::vector_mod::vector_set_coef(*sum_, columns[k], before + coefficients[k]);
+            } else {
+                zktarn::vector_mod::vector_add_nz(*sum_, columns[k], coefficients[k]);
+            }
+        }
     }
 }
 
 /// Substitutes a column, halves and rounds its coefficient. Returns false when that needs a bound
 /// that the column does not have, or the coefficient is too large.
 bool cg_rounding::halve(std::int32_t column, double coefficient, const substitution& used) {
-    const double sign = used.is_upper ? -1.0 : 1.0;
-    const double half = sign * zktarn::util::epsilon_floor(sign * coefficient * 0.5, no_tolerance);
-    if (std::fabs(coefficient) > largest_coefficient ||
-        (half * 2.0 != coefficient && !used.is_bounded())) {
+    if (std::fabs(coefficient) > largest_coefficient) {
+        return false;
+    }
+    const double half = rounded_half(coefficient, used.is_upper);
+    if (half * 2.0 != coefficient && !used.is_bounded()) {
         return false;
     }
     rhs_.add(-coefficient * used.bound);

@@ -18,8 +18,7 @@ namespace zero_half {
 class cg_rounding {
 public:
     cg_rounding(const mixed_integer_rows& model, const row_pool& pool)
-        : model_(model), pool_(pool), sum_(new_vector(model.column_count())),
-          row_(new_vector(model.column_count())) {}
+        : model_(model), pool_(pool), sum_(new_vector(model.column_count())) {}
 
     /// The sum of the rows, each column substituted by its bound, halved, rounded down, and the
     /// bounds substituted back. Nothing when a number is too large to be exact, when rounding needs
@@ -43,15 +42,12 @@ private:
         double magnitude_ = 0.0;
     };
 
-    void load_row(std::size_t row, zktarn::owned_vector& vector) const;
     void add_up(std::span<const std::int32_t> rows);
     bool halve(std::int32_t column, double coefficient, const substitution& used);
 
     const mixed_integer_rows& model_;
     const row_pool& pool_;
-    /// Working vectors.
     zktarn::owned_vector sum_;
-    zktarn::owned_vector row_;
     /// Of the cut that is being made: its entries, twice its right-hand side after the
     /// substitution, and what substituting back adds.
     std::vector<std::int32_t> columns_;

@@ -6,7 +6,6 @@
 
 #include "cuts/cut.hpp"
 #include "cuts/mixed_integer_rows.hpp"
-#include "cuts/vectors.hpp"
 
 namespace zero_half {
 
@@ -32,24 +31,37 @@ struct selection_options {
 class cut_selection {
 public:
     cut_selection(const mixed_integer_rows& model, const selection_options& options)
-        : model_(model), options_(options), candidate_(new_vector(model.column_count())) {}
+        : model_(model), options_(options), dense_(model.lower.size()) {}
 
     std::vector<cut> select(std::vector<cut> cuts);
 
 private:
-    bool is_dense(const cut& candidate, double max_density) const;
-    void load(const cut& candidate);
-    bool is_parallel_to(const cut& selected, double norm, double max_cosine) const;
-    bool is_dominated_by(const cut& selected, const cut& candidate) const;
+    /// A cut that may be selected. A pass compares it with the selected cuts in order, up to the
+    /// first one that rejects it; a later pass continues there.
+    struct candidate {
+        std::size_t cut;
+        double efficacy;
+        std::size_t compared = 0;
+        /// Of the angle to the selected cut that rejected it.
+        double cosine = -1.0;
+        bool is_settled = false;
+    };
+
+    bool is_dense(const cut& each, double max_density) const;
+    void load(const cut& each);
+    void unload(const cut& each);
+    double cosine_to(const cut& selected, const cut& loaded) const;
+    bool is_dominated_by(const cut& selected, const cut& loaded) const;
+    bool is_new(candidate& each, const cut& own, double max_cosine);
     void run_pass(std::vector<cut>& cuts, const selection_options::pass& pass);
 
     const mixed_integer_rows& model_;
     selection_options options_;
-    /// The coefficients of the cut that is compared with the selected ones.
-    zktarn::owned_vector candidate_;
+    /// The coefficients of the cut that is compared with the selected ones, for each column.
+    std::vector<double> dense_;
     std::vector<cut> selected_;
-    /// The indices of the cuts, the greatest efficacy first.
-    std::vector<std::size_t> order_;
+    /// The greatest efficacy first.
+    std::vector<candidate> candidates_;
 };
 
 } // namespace zero_half

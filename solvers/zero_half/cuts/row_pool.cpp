@@ -2,16 +2,16 @@
 
 #include <utility>
 
-#include "zktarn/zktarn_util.hpp"
+#include "cuts/exact_limits.hpp"
 
 namespace zero_half {
 
 void row_pool::add(std::span<const std::int32_t> columns, std::span<const double> coefficients,
                    double rhs, row_origin origin) {
+    columns_.insert(columns_.end(), columns.begin(), columns.end());
+    coefficients_.insert(coefficients_.end(), coefficients.begin(), coefficients.end());
     for (std::size_t k = 0; k < columns.size(); ++k) {
-        columns_.push_back(columns[k]);
-        coefficients_.push_back(coefficients[k]);
-        if (zktarn::util::is_even_real(coefficients[k], 0.0) == 0) {
+        if (is_odd_integer(coefficients[k])) {
             odd_.push_back(columns[k]);
         }
     }
