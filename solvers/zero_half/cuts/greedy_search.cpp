@@ -2,8 +2,6 @@
 
 #include <limits>
 
-#include "cuts/row_sum.hpp"
-
 namespace zero_half {
 
 namespace {
@@ -11,29 +9,83 @@ namespace {
 class greedy_search {
 public:
     explicit greedy_search(const parity_system& system)
-        : system_(system), current_(system), trial_(system) {}
+        : system_(system), values_(elements()), marks_(elements()) {}
 
     void run_from(std::size_t start, odd_sums& sums);
 
 private:
+    std::size_t elements() const { return static_cast<std::size_t>(system_.elements()) + 1; }
+    void clear();
     double slack_with(std::size_t row) const;
+    std::span<const std::int32_t> odd_with(std::size_t row);
+    void offer(std::size_t row, odd_sums& sums);
     std::size_t best_next(odd_sums& sums);
+    void flip(std::int32_t element);
     void add(std::size_t row);
 
     const parity_system& system_;
-    row_sum current_;
-    row_sum trial_;
-    std::vector<std::int32_t> rows_;
+    /// By how much the slack of the sum grows when its parity changes in an element.
+    std::vector<double> values_;
+    /// Whether the sum is odd in an element, and the elements where it is.
+    std::vector<char> marks_;
+    std::vector<std::int32_t> odd_;
+    /// The elements in which the sum with one more row is odd.
+    std::vector<std::int32_t> odd_with_row_;
     std::vector<char> is_used_;
+    std::uint64_t signature_ = 0;
     double slack_ = 0.0;
+    bool is_odd_ = false;
 };
+
+void greedy_search::clear() {
+    values_[0] = 0.0;
+    for (std::int32_t element = 1; element <= system_.elements(); ++element) {
+        values_[static_cast<std::size_t>(element)] = system_.value(element);
+    }
+    marks_.assign(elements(), 0);
+    odd_.clear();
+    is_used_.assign(system_.rows(), 0);
+    signature_ = 0;
+    slack_ = 0.0;
+    is_odd_ = false;
+}
 
 double greedy_search::slack_with(std::size_t row) const {
     double slack = slack_ + system_.value(system_.slack_of(row));
     for (const std::int32_t element : system_.odd_columns(row)) {
-        slack += current_.has(element) ? -system_.value(element) : system_.value(element);
+        slack += values_[static_cast<std::size_t>(element)];
     }
     return slack;
+}
+
+/// The elements in which the sum with an unused row is odd.
+std::span<const std::int32_t> greedy_search::odd_with(std::size_t row) {
+    const auto mark = [this](std::int32_t element) -> char& {
+        return marks_[static_cast<std::size_t>(element)];
+    };
+    odd_with_row_.assign(1, system_.slack_of(row));
+    for (const std::int32_t element : system_.odd_columns(row)) {
+        if (mark(element) == 0) {
+            odd_with_row_.push_back(element);
+        }
+        mark(element) ^= 1;
+    }
+    for (const std::int32_t element : odd_) {
+        if (mark(element) != 0) {
+            odd_with_row_.push_back(element);
+        }
+    }
+    for (const std::int32_t element : system_.odd_columns(row)) {
+        mark(element) ^= 1;
+    }
+    return odd_with_row_;
+}
+
+/// Adds the sum with the row, unless it was added before.
+void greedy_search::offer(std::size_t row, odd_sums& sums) {
+    if (!sums.has(signature_ ^ odd_sums::signature_of(system_.slack_of(row)))) {
+        sums.add_if_violated(odd_with(row), is_odd_ != system_.is_odd(row));
+    }
 }
 
 /// The row after which the slack is least; adds the violated sums on the way.
@@ -46,10 +98,7 @@ std::size_t greedy_search::best_next(odd_sums& sums) {
         }
         const double slack = slack_with(row);
         if (slack < slack_limit) {
-            rows_.push_back(static_cast<std::int32_t>(row));
-            trial_.assign(rows_);
-            rows_.pop_back();
-            sums.add_if_violated(trial_.odd(), trial_.is_odd());
+            offer(row, sums);
         }
         if (slack < least) {
             least = slack;
@@ -59,19 +108,28 @@ std::size_t greedy_search::best_next(odd_sums& sums) {
     return best;
 }
 
+void greedy_search::flip(std::int32_t element) {
+    const auto at = static_cast<std::size_t>(element);
+    marks_[at] ^= 1;
+    values_[at] = -values_[at];
+}
+
 void greedy_search::add(std::size_t row) {
     slack_ = slack_with(row);
-    current_.add(row);
-    rows_.push_back(static_cast<std::int32_t>(row));
+    odd_with(row);
+    odd_.swap(odd_with_row_);
+    for (const std::int32_t element : system_.odd_columns(row)) {
+        flip(element);
+    }
+    flip(system_.slack_of(row));
+    signature_ ^= odd_sums::signature_of(system_.slack_of(row));
+    is_odd_ = is_odd_ != system_.is_odd(row);
     is_used_[row] = 1;
 }
 
 void greedy_search::run_from(std::size_t start, odd_sums& sums) {
     constexpr int most_steps = 8;
-    current_.clear();
-    rows_.clear();
-    is_used_.assign(system_.rows(), 0);
-    slack_ = 0.0;
+    clear();
     add(start);
     for (int step = 0; step < most_steps && !sums.are_enough(); ++step) {
         const std::size_t next = best_next(sums);

@@ -5,7 +5,7 @@
 #include <array>
 #include <functional>
 #include <limits>
-#include <queue>
+#include <numeric>
 #include <tuple>
 #include <utility>
 
@@ -21,16 +21,40 @@ struct edge {
 };
 constexpr std::int32_t no_row = -1;
 
-/// For each node its edges, the shortest first.
-using graph = std::vector<std::vector<edge>>;
+/// The edges of each node, the shortest first, in one array.
+class graph {
+public:
+    explicit graph(const parity_system& system);
 
-void connect(graph& edges, std::int32_t a, std::int32_t b, bool is_odd, double length,
-             std::int32_t row) {
-    if (length < slack_limit && a != b) {
-        edges[static_cast<std::size_t>(a)].push_back({b, is_odd, length, row});
-        edges[static_cast<std::size_t>(b)].push_back({a, is_odd, length, row});
+    std::size_t nodes() const { return starts_.size() - 1; }
+    std::span<const edge> edges(std::int32_t node) const {
+        const auto at = static_cast<std::size_t>(node);
+        return std::span(edges_).subspan(starts_[at], starts_[at + 1] - starts_[at]);
     }
-}
+
+private:
+    struct link {
+        std::int32_t a;
+        std::int32_t b;
+        bool is_odd;
+        double length;
+        std::int32_t row;
+    };
+
+    void connect(std::int32_t a, std::int32_t b, bool is_odd, double length, std::int32_t row) {
+        if (length < slack_limit && a != b) {
+            links_.push_back({a, b, is_odd, length, row});
+        }
+    }
+    void add_row(const parity_system& system, std::size_t i);
+    void sort_links(std::size_t nodes);
+
+    std::vector<link> links_;
+    /// The nodes of the row that is added.
+    std::vector<std::int32_t> nodes_;
+    std::vector<std::size_t> starts_;
+    std::vector<edge> edges_;
+};
 
 /// The two cheapest parity changes with different elements, so that one is left when the other's
 /// element is a node of the edge; likewise the third.
@@ -60,51 +84,71 @@ private:
 
 /// The edges of one row: all pairs of its columns, and each column with node 0, for which the rest
 /// of the row leaves a length below the limit.
-void add_row(const parity_system& system, std::size_t i, graph& edges) {
+void graph::add_row(const parity_system& system, std::size_t i) {
     const auto row = static_cast<std::int32_t>(i);
-    std::vector<std::int32_t> nodes(system.odd_columns(i).begin(), system.odd_columns(i).end());
-    std::sort(nodes.begin(), nodes.end(), [&](std::int32_t a, std::int32_t b) {
+    nodes_.assign(system.odd_columns(i).begin(), system.odd_columns(i).end());
+    std::sort(nodes_.begin(), nodes_.end(), [&](std::int32_t a, std::int32_t b) {
         return std::pair(-system.value(a), a) < std::pair(-system.value(b), b);
     });
     const std::int32_t slack = system.slack_of(i);
     double total = system.value(slack);
     cheapest_changes changes;
     changes.offer(system.change(slack).cost, slack);
-    for (const std::int32_t j : nodes) {
+    for (const std::int32_t j : nodes_) {
         total += system.value(j);
         changes.offer(system.change(j).cost, j);
     }
-    nodes.push_back(0);
-    for (std::size_t a = 0; a < nodes.size(); ++a) {
-        for (std::size_t b = a + 1; b < nodes.size(); ++b) {
+    nodes_.push_back(0);
+    for (std::size_t a = 0; a < nodes_.size(); ++a) {
+        for (std::size_t b = a + 1; b < nodes_.size(); ++b) {
             const double pair_value =
-                system.value(nodes[a]) + (nodes[b] != 0 ? system.value(nodes[b]) : 0.0);
+                system.value(nodes_[a]) + (nodes_[b] != 0 ? system.value(nodes_[b]) : 0.0);
             const double length = std::max(0.0, total - pair_value);
             if (length >= slack_limit) {
                 break;
             }
-            connect(edges, nodes[a], nodes[b], system.is_odd(i), length, row);
-            connect(edges, nodes[a], nodes[b], !system.is_odd(i),
-                    length + changes.without(nodes[a], nodes[b]), row);
+            connect(nodes_[a], nodes_[b], system.is_odd(i), length, row);
+            connect(nodes_[a], nodes_[b], !system.is_odd(i),
+                    length + changes.without(nodes_[a], nodes_[b]), row);
         }
     }
 }
 
-graph edges_of(const parity_system& system) {
-    graph edges(static_cast<std::size_t>(system.columns()) + 1);
+graph::graph(const parity_system& system) {
     for (std::size_t i = 0; i < system.rows(); ++i) {
-        add_row(system, i, edges);
+        add_row(system, i);
     }
     for (std::int32_t j = 1; j <= system.columns(); ++j) {
-        connect(edges, j, 0, false, system.value(j), no_row);
-        connect(edges, j, 0, true, system.value(j) + system.change(j).cost, no_row);
+        connect(j, 0, false, system.value(j), no_row);
+        connect(j, 0, true, system.value(j) + system.change(j).cost, no_row);
     }
-    for (std::vector<edge>& list : edges) {
-        std::sort(list.begin(), list.end(), [](const edge& a, const edge& b) {
-            return std::tie(a.length, a.target, a.row) < std::tie(b.length, b.target, b.row);
-        });
+    sort_links(static_cast<std::size_t>(system.columns()) + 1);
+}
+
+/// Makes two edges of each link.
+void graph::sort_links(std::size_t nodes) {
+    starts_.assign(nodes + 2, 0);
+    for (const link& each : links_) {
+        ++starts_[static_cast<std::size_t>(each.a) + 2];
+        ++starts_[static_cast<std::size_t>(each.b) + 2];
     }
-    return edges;
+    std::partial_sum(starts_.begin(), starts_.end(), starts_.begin());
+    edges_.resize(2 * links_.size());
+    for (const link& each : links_) {
+        edges_[starts_[static_cast<std::size_t>(each.a) + 1]++] = {each.b, each.is_odd, each.length,
+                                                                   each.row};
+        edges_[starts_[static_cast<std::size_t>(each.b) + 1]++] = {each.a, each.is_odd, each.length,
+                                                                   each.row};
+    }
+    starts_.pop_back();
+    for (std::size_t node = 0; node < nodes; ++node) {
+        std::sort(edges_.begin() + static_cast<std::ptrdiff_t>(starts_[node]),
+                  edges_.begin() + static_cast<std::ptrdiff_t>(starts_[node + 1]),
+                  [](const edge& a, const edge& b) {
+                      return std::tie(a.length, a.target, a.row) <
+                             std::tie(b.length, b.target, b.row);
+                  });
+    }
 }
 
 /// A place is a node with the parity of the walk to it.
@@ -117,10 +161,10 @@ std::int32_t place_of(std::int32_t node, bool is_odd) {
 class walk_search {
 public:
     explicit walk_search(const graph& edges)
-        : edges_(edges), arrivals_(2 * edges.size(), arrival{infinite, -1, no_row}) {}
+        : edges_(edges), arrivals_(2 * edges.nodes(), arrival{infinite, -1, no_row}) {}
 
     /// The rows on the shortest walk, empty when it is not below the limit.
-    std::vector<std::int32_t> rows_from(std::int32_t start);
+    std::span<const std::int32_t> rows_from(std::int32_t start);
 
 private:
     struct arrival {
@@ -135,17 +179,21 @@ private:
         std::int32_t second;
     };
     using entry = std::pair<double, std::int32_t>;
-    using queue = std::priority_queue<entry, std::vector<entry>, std::greater<>>;
     static constexpr double infinite = std::numeric_limits<double>::infinity();
 
     arrival& at(std::int32_t place) { return arrivals_[static_cast<std::size_t>(place)]; }
     void arrive(std::int32_t place, const arrival& how);
-    void expand(std::int32_t place, queue& open, meeting& best);
-    void collect(std::int32_t place, std::vector<std::int32_t>& rows);
+    void push(double distance, std::int32_t place);
+    entry pop();
+    void expand(std::int32_t place, meeting& best);
+    void collect(std::int32_t place);
 
     const graph& edges_;
     std::vector<arrival> arrivals_;
     std::vector<std::int32_t> reached_;
+    /// A heap with the nearest place on top.
+    std::vector<entry> open_;
+    std::vector<std::int32_t> rows_;
 };
 
 void walk_search::arrive(std::int32_t place, const arrival& how) {
@@ -155,9 +203,21 @@ void walk_search::arrive(std::int32_t place, const arrival& how) {
     at(place) = how;
 }
 
-void walk_search::expand(std::int32_t place, queue& open, meeting& best) {
+void walk_search::push(double distance, std::int32_t place) {
+    open_.emplace_back(distance, place);
+    std::push_heap(open_.begin(), open_.end(), std::greater<>());
+}
+
+walk_search::entry walk_search::pop() {
+    std::pop_heap(open_.begin(), open_.end(), std::greater<>());
+    const entry nearest = open_.back();
+    open_.pop_back();
+    return nearest;
+}
+
+void walk_search::expand(std::int32_t place, meeting& best) {
     const double distance = at(place).distance;
-    for (const edge& e : edges_[static_cast<std::size_t>(place / 2)]) {
+    for (const edge& e : edges_.edges(place / 2)) {
         const double length = distance + e.length;
         if (length >= best.length) {
             break;
@@ -170,55 +230,54 @@ void walk_search::expand(std::int32_t place, queue& open, meeting& best) {
         const std::int32_t next = place_of(e.target, is_odd);
         if (2.0 * length < best.length && length < at(next).distance) {
             arrive(next, {length, place, e.row});
-            open.push({length, next});
+            push(length, next);
         }
     }
 }
 
-void walk_search::collect(std::int32_t place, std::vector<std::int32_t>& rows) {
+void walk_search::collect(std::int32_t place) {
     for (; at(place).before >= 0; place = at(place).before) {
         if (at(place).row != no_row) {
-            rows.push_back(at(place).row);
+            rows_.push_back(at(place).row);
         }
     }
 }
 
-std::vector<std::int32_t> walk_search::rows_from(std::int32_t start) {
+std::span<const std::int32_t> walk_search::rows_from(std::int32_t start) {
     for (const std::int32_t place : reached_) {
         at(place).distance = infinite;
     }
     reached_.clear();
-    queue open;
+    open_.clear();
+    rows_.clear();
     meeting best = {slack_limit, -1, no_row, -1};
     arrive(place_of(start, false), {0.0, -1, no_row});
-    open.push({0.0, place_of(start, false)});
-    while (!open.empty() && 2.0 * open.top().first < best.length) {
-        const auto [distance, place] = open.top();
-        open.pop();
+    push(0.0, place_of(start, false));
+    while (!open_.empty() && 2.0 * open_.front().first < best.length) {
+        const auto [distance, place] = pop();
         if (distance <= at(place).distance) {
-            expand(place, open, best);
+            expand(place, best);
         }
     }
-    std::vector<std::int32_t> rows;
     if (best.first >= 0) {
-        collect(best.first, rows);
-        collect(best.second, rows);
+        collect(best.first);
+        collect(best.second);
         if (best.row != no_row) {
-            rows.push_back(best.row);
+            rows_.push_back(best.row);
         }
     }
-    return rows;
+    return rows_;
 }
 
 } // namespace
 
 void find_odd_cycles(const parity_system& system, const stop_predicate& should_stop,
                      odd_sums& sums) {
-    const graph edges = edges_of(system);
+    const graph edges(system);
     walk_search search(edges);
     row_sum sum(system);
     for (std::int32_t start = 0; start <= system.columns() && !should_stop(); ++start) {
-        const std::vector<std::int32_t> rows = search.rows_from(start);
+        const std::span<const std::int32_t> rows = search.rows_from(start);
         if (!rows.empty()) {
             sum.assign(rows);
             sums.add_if_violated(sum.odd(), sum.is_odd());

@@ -15,7 +15,7 @@ bool odd_sums::add_if_violated(std::span<const std::int32_t> odd, bool is_odd) {
             return false;
         }
         change = cheaper(change, system_.change(element));
-        signature ^= system_.is_slack(element) ? mixed(static_cast<std::uint64_t>(element)) : 0;
+        signature ^= system_.is_slack(element) ? signature_of(element) : 0;
     }
     if (!is_odd) {
         slack += change.cost;

@@ -33,6 +33,13 @@ public:
     /// and its slack is below `slack_limit`. Returns whether it is a new one.
     bool add_if_violated(std::span<const std::int32_t> odd, bool is_odd);
 
+    /// The exclusive or of the signatures of all slacks in a sum is the signature of the sum.
+    static std::uint64_t signature_of(std::int32_t slack) {
+        return mixed(static_cast<std::uint64_t>(slack));
+    }
+    /// Whether a sum of the signature was added.
+    bool has(std::uint64_t signature) const { return signatures_.contains(signature); }
+
     std::size_t size() const { return sums_.size(); }
     bool are_enough() const { return sums_.size() >= enough_; }
 

@@ -131,8 +131,6 @@ void separator::add_blossoms(const separated_point& at, std::vector<cut>& cuts) 
     add_cuts_of(sums, at, cuts);
 }
 
-/// Single rows and odd cycles. Where some row has more than two odd columns, a violated sum need not
-/// be an odd cycle, so further searches follow.
 void separator::add_sums(const separated_point& at, bool with_all_cuts, std::vector<cut>& cuts) {
     std::vector<double> slacks = at.slacks;
     for (std::size_t i = 0; i < slacks.size() && !with_all_cuts; ++i) {
@@ -142,14 +140,19 @@ void separator::add_sums(const separated_point& at, bool with_all_cuts, std::vec
     odd_sums sums(system, enough_);
     add_single_rows(system, sums);
     find_odd_cycles(system, should_stop_, sums);
-    if (!system.is_row_graph()) {
-        find_further_sums(system, sums);
-    }
+    find_further_sums(system, sums);
     add_cuts_of(sums, at, cuts);
 }
 
-/// Eliminations, and where that gives nothing a greedy search.
+/// Eliminations, and where that gives nothing a greedy search. In a graph every violated sum
+/// consists of odd cycles, so nothing is left when there is none, and little else.
 void separator::find_further_sums(const parity_system& system, odd_sums& sums) const {
+    if (system.is_row_graph()) {
+        if (sums.size() > 0) {
+            find_by_elimination(system, random_, should_stop_, sums);
+        }
+        return;
+    }
     for (int i = 0; goes_on(i, sums.size()) && !sums.are_enough() && !should_stop_(); ++i) {
         find_by_elimination(system, random_, should_stop_, sums);
     }
