@@ -1,7 +1,7 @@
 // Closes what CglZeroHalf closes: solver_peer MODEL ROUNDS SECONDS. Solves the relaxation, adds all
 // cuts of CglZeroHalf with default settings, and repeats. Prints as one line the bound without
-// cuts, the last bound, rounds, cuts, seconds of separation and all seconds, both of processor
-// time.
+// cuts, the last bound moved to the next value of the objective at integer points, rounds, cuts,
+// seconds of separation and all seconds, both of processor time.
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -11,6 +11,7 @@
 
 #include "input/error.hpp"
 #include "input/read_model.hpp"
+#include "lp/objective_values.hpp"
 
 namespace {
 
@@ -76,7 +77,9 @@ int main(int argc, char** argv) {
         cuts += found.sizeRowCuts();
         ++rounds;
     }
-    std::printf("%.10g %.10g %d %d %.4f %.4f\n", in_file(first), in_file(bound), rounds, cuts,
+    const double rounded =
+        zero_half::objective_values(program).round_up(bound + program.constant) - program.constant;
+    std::printf("%.10g %.10g %d %d %.4f %.4f\n", in_file(first), in_file(rounded), rounds, cuts,
                 separation, cpu_seconds() - start);
     return 0;
 }

@@ -231,8 +231,8 @@ time limit of zero_half is in seconds of the clock: on a busy machine it ends ru
 ## Share of the gap that cuts close
 
 At most {options.rounds} rounds and {options.time_limit:g} s for each run. zero_half runs with default settings and the
-seeds 1 to {options.seeds}. CglZeroHalf runs with default settings, and every cut is kept. The column `end` says why the first
-run ended. Each run is in [gap.csv](solver_benchmarks/gap.csv).
+seeds 1 to {options.seeds}. CglZeroHalf runs with default settings, and every cut is kept. Both bounds are moved to the next
+value that the objective takes at integer points. The column `end` says why the first run ended. Each run is in [gap.csv](solver_benchmarks/gap.csv).
 
 """ + markdown(GAP_HEADING, [row["cells"] for row in rows])]
     if runs:

@@ -1,5 +1,6 @@
 /// The command line program: reads models, tightens their relaxations, writes the results.
 
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <deque>
@@ -68,11 +69,14 @@ void listen_for_interrupts() {
 
 /// Reads a model and tightens its relaxation. Throws `error`.
 solved_model solve(const std::string& file, run_options options, bool is_first) {
+    const auto start = std::chrono::steady_clock::now();
     if (!options.optimum) {
         options.optimum = known_optimum(file);
     }
     try {
         model program = read_model(file);
+        options.seconds_used =
+            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
         if (options.show == display::iter) {
             std::printf("%s%s%s\n", is_first ? "" : "\n", file.c_str(),
                         program.is_maximised ? " (maximisation)" : "");

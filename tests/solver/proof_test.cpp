@@ -15,6 +15,13 @@ namespace {
 
 constexpr double infinite = std::numeric_limits<double>::max();
 
+bool never() {
+    return false;
+}
+bool always() {
+    return true;
+}
+
 struct row {
     std::vector<double> coefficients;
     double lower;
@@ -75,7 +82,7 @@ TEST(Certificate, ProvesContradictingRowsOverFreeColumns) {
         program_of({1, 1}, {{{1, 1}, -infinite, 1}, {{1, 1}, 2, infinite}}, -infinite, infinite);
     lp.primal();
     ASSERT_EQ(lp.status(), 1);
-    EXPECT_TRUE(is_proven_infeasible(lp));
+    EXPECT_TRUE(is_proven_infeasible(lp, never));
 }
 
 TEST(Certificate, ProvesASumWithThirds) {
@@ -84,37 +91,49 @@ TEST(Certificate, ProvesASumWithThirds) {
         program_of({0, 0}, {{{1, 2}, -infinite, 1}, {{3, 6}, 4, infinite}}, -infinite, infinite);
     lp.primal();
     ASSERT_EQ(lp.status(), 1);
-    EXPECT_TRUE(is_proven_infeasible(lp));
+    EXPECT_TRUE(is_proven_infeasible(lp, never));
 }
 
 TEST(Certificate, ProvesCrossedBoundsAndRowsThatTheBoundsContradict) {
     ClpSimplex crossed = program_of({1}, {{{1}, -infinite, 1}}, 1, 0);
-    EXPECT_TRUE(is_proven_infeasible(crossed));
+    EXPECT_TRUE(is_proven_infeasible(crossed, never));
     ClpSimplex contradicted = program_of({1, 1}, {{{2, 3}, 6, infinite}}, 0, 1);
-    EXPECT_TRUE(is_proven_infeasible(contradicted));
+    EXPECT_TRUE(is_proven_infeasible(contradicted, never));
+}
+
+TEST(Certificate, EndsWithoutAProofWhenTheRunHasToStop) {
+    ClpSimplex infeasible =
+        program_of({1, 1}, {{{1, 1}, -infinite, 1}, {{1, 1}, 2, infinite}}, -infinite, infinite);
+    infeasible.primal();
+    EXPECT_FALSE(is_proven_infeasible(infeasible, always));
+    ClpSimplex contradicted = program_of({1, 1}, {{{2, 3}, 6, infinite}}, 0, 1);
+    EXPECT_FALSE(is_proven_infeasible(contradicted, always));
+    ClpSimplex unbounded = program_of({-1, -1}, {{{1, -1}, -infinite, 1}}, 0, infinite);
+    unbounded.primal();
+    EXPECT_FALSE(has_proven_ray(unbounded, always));
 }
 
 TEST(Certificate, RejectsAFeasibleProgram) {
     ClpSimplex lp = program_of({1, 1}, {{{1, 1}, 1, 1}, {{1, -1}, 0, 0}}, 0, 1);
     lp.primal();
-    EXPECT_FALSE(is_proven_infeasible(lp));
-    EXPECT_FALSE(has_proven_ray(lp));
+    EXPECT_FALSE(is_proven_infeasible(lp, never));
+    EXPECT_FALSE(has_proven_ray(lp, never));
 }
 
 TEST(Certificate, RejectsAContradictionWithinTheErrorOfDecimals) {
     // 0.1 + 0.2 is not 0.3 in doubles.
     ClpSimplex lp = program_of({0, 0}, {{{0.1, 0.2}, 0.3, 0.3}}, 1, 1);
-    EXPECT_FALSE(is_proven_infeasible(lp));
+    EXPECT_FALSE(is_proven_infeasible(lp, never));
 }
 
 TEST(Certificate, ProvesARayButNotADirectionThatARowBounds) {
     ClpSimplex unbounded = program_of({-1, -1}, {{{1, -1}, -infinite, 1}}, 0, infinite);
     unbounded.primal();
     ASSERT_EQ(unbounded.status(), 2);
-    EXPECT_TRUE(has_proven_ray(unbounded));
+    EXPECT_TRUE(has_proven_ray(unbounded, never));
     ClpSimplex bounded = program_of({-1, -1}, {{{1, 1}, -infinite, 1}}, 0, infinite);
     bounded.primal();
-    EXPECT_FALSE(has_proven_ray(bounded));
+    EXPECT_FALSE(has_proven_ray(bounded, never));
 }
 
 TEST(SafeBound, IsTheObjectiveOfASmallProgram) {

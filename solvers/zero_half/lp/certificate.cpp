@@ -17,6 +17,7 @@ namespace {
 
 using boost::multiprecision::cpp_rational;
 using multipliers = std::vector<double>;
+using stop_function = std::function<bool()>;
 
 /// Clp stores COIN_DBL_MAX for an infinite bound; finite ones are at most 1e15.
 bool is_infinite(double bound) {
@@ -56,12 +57,16 @@ bool has_crossed_bounds(const ClpSimplex& lp) {
 
 /// Whether the weighted sum of the rows is above its greatest right-hand side for all points
 /// between the columns' bounds.
-bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights) {
+bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights,
+                     const stop_function& should_stop) {
     cpp_rational rhs = 0;
     for (int i = 0; i < lp.numberRows(); ++i) {
         const double weight = weights[static_cast<std::size_t>(i)];
         if (weight == 0.0) {
             continue;
+        }
+        if (should_stop()) {
+            return false;
         }
         const double side = weight > 0.0 ? lp.getRowUpper()[i] : lp.getRowLower()[i];
         if (is_infinite(side)) {
@@ -82,7 +87,7 @@ bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights) {
             }
         }
         const auto product = least_product(coefficient, lp.getColLower()[j], lp.getColUpper()[j]);
-        if (!product) {
+        if (!product || should_stop()) {
             return false;
         }
         least += *product;
@@ -91,10 +96,10 @@ bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights) {
 }
 
 /// Whether the bounds of its columns contradict a row.
-bool has_contradicted_row(const ClpSimplex& lp) {
+bool has_contradicted_row(const ClpSimplex& lp, const stop_function& should_stop) {
     CoinPackedMatrix rows;
     rows.reverseOrderedCopyOf(*lp.matrix());
-    for (int i = 0; i < lp.numberRows(); ++i) {
+    for (int i = 0; i < lp.numberRows() && !should_stop(); ++i) {
         for (const double sign : {1.0, -1.0}) {
             const double side = sign > 0.0 ? lp.getRowUpper()[i] : lp.getRowLower()[i];
             if (is_infinite(side)) {
@@ -117,7 +122,8 @@ bool has_contradicted_row(const ClpSimplex& lp) {
 }
 
 /// Whether the direction is a ray of the rows and bounds along which the objective falls.
-bool is_ray_proof(const ClpSimplex& lp, const multipliers& direction) {
+bool is_ray_proof(const ClpSimplex& lp, const multipliers& direction,
+                  const stop_function& should_stop) {
     const CoinPackedMatrix& columns = *lp.matrix();
     std::vector<cpp_rational> activity(static_cast<std::size_t>(lp.numberRows()));
     cpp_rational slope = 0;
@@ -126,7 +132,7 @@ bool is_ray_proof(const ClpSimplex& lp, const multipliers& direction) {
         if (step == 0.0) {
             continue;
         }
-        if (!is_infinite(step > 0.0 ? lp.getColUpper()[j] : lp.getColLower()[j])) {
+        if (!is_infinite(step > 0.0 ? lp.getColUpper()[j] : lp.getColLower()[j]) || should_stop()) {
             return false;
         }
         slope += cpp_rational(step) * cpp_rational(lp.getObjCoefficients()[j]);
@@ -226,11 +232,23 @@ multipliers violation_duals(const ClpSimplex& lp) {
     const std::vector<double> no_objective(static_cast<std::size_t>(lp.numberColumns()), 0.0);
     elastic.loadProblem(*lp.matrix(), lp.getColLower(), lp.getColUpper(), no_objective.data(),
                         lp.getRowLower(), lp.getRowUpper());
+    // Two columns for each row: what it lacks, and what it exceeds.
+    const auto added = 2 * static_cast<std::size_t>(m);
+    std::vector<CoinBigIndex> starts = {0};
+    std::vector<int> rows;
+    std::vector<double> elements;
     for (int i = 0; i < m; ++i) {
         for (const double element : {1.0, -1.0}) {
-            elastic.addColumn(1, &i, &element, 0.0, COIN_DBL_MAX, 1.0);
+            rows.push_back(i);
+            elements.push_back(element);
+            starts.push_back(static_cast<CoinBigIndex>(rows.size()));
         }
     }
+    const std::vector<double> lower(added, 0.0);
+    const std::vector<double> upper(added, COIN_DBL_MAX);
+    const std::vector<double> costs(added, 1.0);
+    elastic.addColumns(2 * m, lower.data(), upper.data(), costs.data(), starts.data(), rows.data(),
+                       elements.data());
     elastic.passInEventHandler(lp.eventHandler());
     elastic.primal();
     const double* const prices = elastic.getRowPrice();
@@ -239,27 +257,30 @@ multipliers violation_duals(const ClpSimplex& lp) {
 
 } // namespace
 
-bool is_proven_infeasible(const ClpSimplex& lp) {
+bool is_proven_infeasible(const ClpSimplex& lp, const stop_function& should_stop) {
     if (has_crossed_bounds(lp)) {
         return true;
     }
     const auto check = [&](const multipliers& weights) {
-        return is_farkas_proof(lp, with_finite_sides(lp, weights));
+        return is_farkas_proof(lp, with_finite_sides(lp, weights), should_stop);
     };
     const std::unique_ptr<double[]> ray(lp.infeasibilityRay());
-    return is_proven_by(ray.get(), lp.numberRows(), check) || has_contradicted_row(lp) ||
+    return is_proven_by(ray.get(), lp.numberRows(), check) ||
+           has_contradicted_row(lp, should_stop) ||
            is_proven_by(violation_duals(lp).data(), lp.numberRows(), check);
 }
 
-bool has_proven_ray(const ClpSimplex& lp) {
+bool has_proven_ray(const ClpSimplex& lp, const stop_function& should_stop) {
     const std::unique_ptr<double[]> ray(lp.unboundedRay());
-    const auto check = [&](const multipliers& direction) { return is_ray_proof(lp, direction); };
+    const auto check = [&](const multipliers& direction) {
+        return is_ray_proof(lp, direction, should_stop);
+    };
     if (is_proven_by(ray.get(), lp.numberColumns(), check)) {
         return true;
     }
     // A single column that no row limits.
     multipliers direction(static_cast<std::size_t>(lp.numberColumns()), 0.0);
-    for (int j = 0; j < lp.numberColumns(); ++j) {
+    for (int j = 0; j < lp.numberColumns() && !should_stop(); ++j) {
         const double cost = lp.getObjCoefficients()[j];
         if (cost == 0.0 || !is_infinite(cost < 0.0 ? lp.getColUpper()[j] : lp.getColLower()[j])) {
             continue;

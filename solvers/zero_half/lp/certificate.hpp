@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include <ClpSimplex.hpp>
 
 namespace zero_half {
@@ -7,18 +9,20 @@ namespace zero_half {
 /// Proofs in exact rational arithmetic that a linear program has no optimum. The simplex method
 /// proposes a ray; it is tried as it is and rounded to multiples of a common denominator.
 ///
-/// The cost is that of one pass over the coefficients in rational arithmetic for each attempt.
+/// The cost is that of one pass over the coefficients in rational arithmetic for each attempt. A
+/// pass calls `should_stop` for every row or column and ends without a proof after it returned
+/// true.
 
 /// Whether no point satisfies all rows and bounds, even if it may exceed each side of a row by a
 /// relative 1e-9: the decimal numbers of a file are not exact as doubles. Proven by a row or column
 /// with crossed bounds, by a row that the bounds of its columns contradict, or by Farkas
 /// multipliers: a sum of rows that the bounds contradict. False when the ray of the last solve
 /// proves nothing.
-bool is_proven_infeasible(const ClpSimplex& lp);
+bool is_proven_infeasible(const ClpSimplex& lp, const std::function<bool()>& should_stop);
 
 /// Whether there is a direction in which the objective falls and no row or bound is ever reached:
 /// then the program is unbounded if it has any feasible point. False when the ray of the last solve
 /// proves nothing.
-bool has_proven_ray(const ClpSimplex& lp);
+bool has_proven_ray(const ClpSimplex& lp, const std::function<bool()>& should_stop);
 
 } // namespace zero_half

@@ -4,9 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include <ClpSolve.hpp>
-
 #include "lp/certificate.hpp"
+#include "lp/crash.hpp"
 
 namespace zero_half {
 
@@ -32,13 +31,13 @@ int relaxation::stop_handler::event(Event what) {
 }
 
 relaxation::relaxation(const model& program, std::function<bool()> should_stop)
-    : model_rows_(program.row_count()) {
+    : should_stop_(std::move(should_stop)), model_rows_(program.row_count()) {
     lp_.setLogLevel(0);
     lp_.loadProblem(program.rows, program.lower.data(), program.upper.data(),
                     program.objective.data(), program.row_lower.data(), program.row_upper.data());
     lp_.setObjectiveOffset(-program.constant);
     safe_bound_.emplace(lp_);
-    const stop_handler handler(std::move(should_stop));
+    const stop_handler handler(should_stop_);
     lp_.passInEventHandler(&handler);
 }
 
@@ -47,47 +46,35 @@ void relaxation::set_tolerance(double tolerance) {
     lp_.setDualTolerance(tolerance);
 }
 
-/// The first solve of a large program. The dual method from the slack basis takes time that grows
-/// almost with the square of the rows. Clp's crash method (`Idiot`) finds a nearly optimal point in
-/// a few passes over the entries, from which the primal method continues.
-void relaxation::solve_large() {
-    constexpr int crash_option = 1;
-    constexpr int with_idiot = 2;
-    constexpr int passes = 60;
-    ClpSolve method;
-    method.setSolveType(ClpSolve::usePrimal);
-    method.setPresolveType(ClpSolve::presolveOff);
-    method.setSpecialOption(crash_option, with_idiot, passes);
-    lp_.initialSolve(method);
-}
-
 /// The dual method from the last basis. Without a result that is proven, the primal method from the
 /// last basis, and then from the beginning.
 relaxation::outcome relaxation::solve() {
     constexpr int least_large_rows = 3000;
     set_tolerance(tight_tolerance);
-    if (is_first_ && model_rows_ >= least_large_rows) {
-        solve_large();
-    }
-    if (!is_first_ || lp_.status() != stopped_by_event) {
-        lp_.dual();
-    }
+    const bool is_large = is_first_ && model_rows_ >= least_large_rows;
     is_first_ = false;
+    if (is_large) {
+        solve_by_crash(lp_, should_stop_);
+    }
+    if (should_stop_()) {
+        return outcome::stopped;
+    }
+    lp_.dual();
     if (lp_.status() == infeasible) {
         // With large numbers no point may satisfy the tight tolerance.
         set_tolerance(usual_tolerance);
         lp_.dual();
     }
     outcome result = checked_outcome();
-    if (result == outcome::undecided) {
+    if (result == outcome::undecided && !should_stop_()) {
         lp_.primal();
         result = checked_outcome();
     }
-    if (result == outcome::undecided) {
+    if (result == outcome::undecided && !should_stop_()) {
         solve_afresh();
         result = checked_outcome();
     }
-    return result;
+    return result == outcome::undecided && should_stop_() ? outcome::stopped : result;
 }
 
 /// Loads the program again, without scaling, and solves it by the primal method, which starts from
@@ -118,10 +105,10 @@ relaxation::outcome relaxation::checked_outcome() {
     case optimal:
         return take_bound();
     case infeasible:
-        return is_proven_infeasible(lp_) ? outcome::infeasible : outcome::undecided;
+        return is_proven_infeasible(lp_, should_stop_) ? outcome::infeasible : outcome::undecided;
     case unbounded:
-        return has_proven_ray(lp_) && has_feasible_point() ? outcome::unbounded
-                                                           : outcome::undecided;
+        return has_proven_ray(lp_, should_stop_) && has_feasible_point() ? outcome::unbounded
+                                                                         : outcome::undecided;
     case stopped_by_event:
         return outcome::stopped;
     default:
@@ -162,16 +149,23 @@ bool relaxation::has_feasible_point() const {
 }
 
 void relaxation::add(const row_pool& pool, std::span<const std::size_t> rows) {
+    std::vector<CoinBigIndex> starts = {0};
     std::vector<int> columns;
+    std::vector<double> coefficients;
+    std::vector<double> rhs;
     for (const std::size_t row : rows) {
-        columns.clear();
         for (const std::int32_t j : pool.columns(row)) {
             columns.push_back(j - 1);
         }
-        lp_.addRow(static_cast<int>(columns.size()), columns.data(), pool.coefficients(row).data(),
-                   -COIN_DBL_MAX, pool.rhs(row));
+        coefficients.insert(coefficients.end(), pool.coefficients(row).begin(),
+                            pool.coefficients(row).end());
+        starts.push_back(static_cast<CoinBigIndex>(columns.size()));
+        rhs.push_back(pool.rhs(row));
         cuts_.push_back({row, 0});
     }
+    const std::vector<double> lower(rows.size(), -COIN_DBL_MAX);
+    lp_.addRows(static_cast<int>(rows.size()), lower.data(), rhs.data(), starts.data(),
+                columns.data(), coefficients.data());
 }
 
 void relaxation::drop_slack_cuts(int rounds) {

@@ -23,7 +23,8 @@ public:
     /// failed, or its result is not proven.
     enum class outcome { optimal, infeasible, unbounded, stopped, undecided };
 
-    /// The simplex method calls `should_stop` in each iteration and stops when it returns true.
+    /// All methods call `should_stop` every few steps, the simplex method in each iteration. After
+    /// it returned true, they end, and `solve` returns `stopped`.
     relaxation(const model& program, std::function<bool()> should_stop);
 
     /// Solves by the dual simplex method, starting from the last basis. A large program is solved
@@ -44,6 +45,13 @@ public:
     /// After `optimal`: a lower bound on the objective of all feasible points. It is the objective
     /// at the point when that is proven up to a relative 1e-9, and less otherwise.
     double bound() const { return bound_; }
+    /// After `optimal`: a proven lower bound on the objective of all points that exceed each side
+    /// of a row by at most a relative 2e-9, twice the tolerance with which points are accepted.
+    /// Nothing when columns without bounds prevent the proof.
+    std::optional<double> tolerant_bound() const {
+        constexpr double tolerance = 2e-9;
+        return safe_bound_->with_tolerance(tolerance, lp_);
+    }
     const double* point() const { return lp_.getColSolution(); }
     const ClpSimplex& solver() const { return lp_; }
 
@@ -65,13 +73,13 @@ private:
     };
 
     void set_tolerance(double tolerance);
-    void solve_large();
     void solve_afresh();
     outcome checked_outcome();
     outcome take_bound();
     bool is_best_of_moderate_points(double objective) const;
     bool has_feasible_point() const;
 
+    std::function<bool()> should_stop_;
     ClpSimplex lp_;
     std::optional<safe_bound> safe_bound_;
     double bound_ = 0.0;

@@ -122,10 +122,19 @@ void safe_bound::imply_bounds(const CoinPackedMatrix& rows, int i, double side, 
 }
 
 std::optional<double> safe_bound::of(const ClpSimplex& lp) const {
-    return within(infinity, lp);
+    return evaluate(lp, infinity, 0.0);
 }
 
 std::optional<double> safe_bound::within(double radius, const ClpSimplex& lp) const {
+    return evaluate(lp, radius, 0.0);
+}
+
+std::optional<double> safe_bound::with_tolerance(double tolerance, const ClpSimplex& lp) const {
+    return evaluate(lp, infinity, tolerance);
+}
+
+std::optional<double> safe_bound::evaluate(const ClpSimplex& lp, double radius,
+                                           double tolerance) const {
     const double* const prices = lp.getRowPrice();
     std::vector<double> duals(static_cast<std::size_t>(lp.numberRows()));
     bounded_sum bound;
@@ -138,7 +147,8 @@ std::optional<double> safe_bound::within(double radius, const ClpSimplex& lp) co
         if (std::isfinite(side)) {
             duals[static_cast<std::size_t>(i)] = prices[i];
             bound.add(prices[i], side);
-            bound.blur(std::fabs(prices[i]) * decimal_error(side));
+            bound.blur(std::fabs(prices[i]) *
+                       (decimal_error(side) + tolerance * std::max(1.0, std::fabs(side))));
         }
     }
     const CoinPackedMatrix& matrix = *lp.matrix();

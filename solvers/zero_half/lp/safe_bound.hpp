@@ -26,6 +26,10 @@ public:
     /// without bounds is at most `radius` from 0.
     std::optional<double> within(double radius, const ClpSimplex& lp) const;
 
+    /// As `of`, but a bound on the objective of all points that exceed each side of a row by at
+    /// most this tolerance, relative to the side and at least to 1.
+    std::optional<double> with_tolerance(double tolerance, const ClpSimplex& lp) const;
+
     /// Whether all numbers are small enough for the usual tolerances to have a meaning.
     bool is_moderate() const { return is_moderate_; }
 
@@ -37,6 +41,7 @@ private:
             return {std::isfinite(lower) ? lower : -radius, std::isfinite(upper) ? upper : radius};
         }
     };
+    std::optional<double> evaluate(const ClpSimplex& lp, double radius, double tolerance) const;
     void imply_bounds(const CoinPackedMatrix& rows, int i, double side, double sign);
 
     /// The bounds of the columns, where these have them, or implied ones.

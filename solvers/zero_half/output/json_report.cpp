@@ -21,6 +21,7 @@ json number_or_null(const std::optional<double>& value) {
 json record_of(const round_figures& figures, const run_result& run) {
     return {{"round", figures.round},
             {"bound", figures.bound},
+            {"relaxation_bound", figures.relaxation_bound},
             {"gap_closed_percent", number_or_null(run.gap_closed(figures.bound))},
             {"cuts_found", figures.cuts_found},
             {"cuts_kept", figures.cuts_kept},
@@ -39,6 +40,7 @@ json record_of(const solved_model& solved) {
             {"rows", solved.program.row_count()},
             {"columns", solved.program.column_count()},
             {"lp_bound", number_or_null(run.first_bound)},
+            {"relaxation_bound", number_or_null(run.relaxation_bound)},
             {"bound", number_or_null(run.bound)},
             {"optimum", number_or_null(run.optimum)},
             {"gap_closed_percent", number_or_null(run.gap_closed(run.bound))},

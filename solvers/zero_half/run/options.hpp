@@ -11,6 +11,8 @@ enum class display : std::int32_t { off = 0, final = 1, iter = 2 };
 struct run_options {
     int rounds = 1000;
     double seconds = 60.0;
+    /// What of these seconds was used before the run, to read the model.
+    double seconds_used = 0.0;
     /// Seed of the host's generator.
     std::int32_t seed = 1;
     display show = display::iter;

@@ -14,7 +14,9 @@ namespace zero_half {
 /// The figures of one round, as in one printed line.
 struct round_figures {
     int round;
+    /// Of the model, and of the relaxation, as in the result.
     double bound;
+    double relaxation_bound;
     std::size_t cuts_found;
     std::size_t cuts_kept;
     /// Processor time.
@@ -27,16 +29,20 @@ struct round_figures {
 struct run_result {
     /// Whether the file maximises. Bounds and optimum are then upper bounds, as the file counts.
     bool is_maximised = false;
-    /// The bound of the relaxation without cuts, and the last bound. Nothing when the run ended
-    /// before the first relaxation was solved.
+    /// The bound of the relaxation without cuts, and that of the last relaxation. Nothing when the
+    /// run ended before the first relaxation was solved.
     std::optional<double> first_bound = {};
+    std::optional<double> relaxation_bound = {};
+    /// The bound of the model: that of the last relaxation, moved to the next value that the
+    /// objective takes at integer points.
     std::optional<double> bound = {};
     /// The integer optimum: as the caller gave it, or the bound when the optimum of the relaxation
     /// is integral. Nothing when it is unknown.
     std::optional<double> optimum = {};
     ending reason = ending::no_cut_found;
+    /// Of the clock, with those that were used to read the model.
     double seconds = 0.0;
-    /// Processor time, which other programs on the machine do not prolong.
+    /// Processor time of the run, which other programs on the machine do not prolong.
     double cpu_seconds = 0.0;
     std::int32_t seed = 1;
     std::vector<round_figures> rounds = {};

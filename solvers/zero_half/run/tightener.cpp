@@ -10,6 +10,7 @@
 #include "cuts/separation.hpp"
 #include "input/error.hpp"
 #include "lp/integral_point.hpp"
+#include "lp/objective_values.hpp"
 #include "lp/relaxation.hpp"
 #include "run/bridge.hpp"
 
@@ -21,6 +22,11 @@ using clock = std::chrono::steady_clock;
 
 double seconds_since(clock::time_point start) {
     return std::chrono::duration<double>(clock::now() - start).count();
+}
+
+clock::time_point started_before(double seconds) {
+    return clock::now() -
+           std::chrono::duration_cast<clock::duration>(std::chrono::duration<double>(seconds));
 }
 
 double cpu_seconds() {
@@ -73,27 +79,32 @@ private:
 
     const model& model_;
     const run_options& options_;
-    clock::time_point start_ = clock::now();
+    clock::time_point start_ = started_before(options_.seconds_used);
     double cpu_start_ = cpu_seconds();
     bridge host_;
     zktarn::owned_generator random_;
     relaxation relaxation_;
     separator separator_;
     run_result result_;
-    /// The bound as a minimisation.
+    objective_values values_;
+    /// The bounds as a minimisation: of the model, and of the relaxation.
     std::optional<double> lower_bound_;
-    /// The rounds since the bound rose.
+    std::optional<double> relaxation_bound_;
+    /// The rounds since the bound of the relaxation rose.
     int stalled_rounds_ = 0;
     /// The violated cuts found in this round, selected or not.
     std::size_t cuts_found_ = 0;
-    /// The bounds of all relaxations so far, as the file counts them.
+    /// The bounds after each relaxation so far, of the model and of the relaxation, as the file
+    /// counts them.
     std::vector<double> history_;
+    std::vector<double> relaxation_history_;
 };
 
 run::run(const model& program, const run_options& options)
     : model_(program), options_(options), host_(options.show, options.has_output_function),
       random_(options.seed), relaxation_(program, [this] { return should_stop(); }),
-      separator_(program.rows_and_bounds(), *random_, [this] { return should_stop(); }) {
+      separator_(program.rows_and_bounds(), *random_, [this] { return should_stop(); }),
+      values_(program) {
     if (!random_) {
         throw std::bad_alloc();
     }
@@ -123,8 +134,8 @@ run_result run::execute() {
     return std::move(result_);
 }
 
-/// Whether the bound has not risen for some rounds, or the last rounds raised it by a small share
-/// of what all rounds did.
+/// Whether the bound of the relaxation has not risen for some rounds, or the last rounds raised it
+/// by a small share of what all rounds did.
 bool run::has_stalled() const {
     constexpr int most_stalled_rounds = 15;
     constexpr std::size_t recent_rounds = 30;
@@ -132,12 +143,12 @@ bool run::has_stalled() const {
     if (stalled_rounds_ >= most_stalled_rounds) {
         return true;
     }
-    if (history_.size() <= 2 * recent_rounds) {
+    const std::vector<double>& bounds = relaxation_history_;
+    if (bounds.size() <= 2 * recent_rounds) {
         return false;
     }
-    const double bound = history_.back();
-    const double recent_rise = std::fabs(bound - history_[history_.size() - 1 - recent_rounds]);
-    return recent_rise < least_share * std::fabs(bound - history_.front());
+    const double recent_rise = std::fabs(bounds.back() - bounds[bounds.size() - 1 - recent_rounds]);
+    return recent_rise < least_share * std::fabs(bounds.back() - bounds.front());
 }
 
 /// The only place that decides whether the run ends, and why.
@@ -183,7 +194,7 @@ run::step run::solve_first() {
     switch (outcome) {
     case relaxation::outcome::optimal:
         take_bound();
-        result_.first_bound = result_.bound;
+        result_.first_bound = result_.relaxation_bound;
         break;
     case relaxation::outcome::infeasible:
         throw error(model_.file + ": the relaxation has no feasible point");
@@ -251,21 +262,30 @@ run::step run::execute_round() {
 }
 
 /// Further rows cannot lower the bound, so a lower one comes from rounding errors and the last one
-/// remains. No bound is above the objective of an integer point.
+/// remains. The bound of the model is the least value of the objective that is not below the proven
+/// bound of the relaxation. No bound is above the objective of an integer point.
 void run::take_bound() {
-    const std::optional<double> last = lower_bound_;
-    double bound = std::max(last.value_or(relaxation_.bound()), relaxation_.bound());
+    const std::optional<double> last = relaxation_bound_;
+    relaxation_bound_ = std::max(last.value_or(relaxation_.bound()), relaxation_.bound());
+    const double tolerance = 1e-6 * (1.0 + std::fabs(*relaxation_bound_));
+    stalled_rounds_ = !last || *relaxation_bound_ > *last + tolerance ? 0 : stalled_rounds_ + 1;
+    double bound = *relaxation_bound_;
+    if (const std::optional<double> proven = relaxation_.tolerant_bound()) {
+        bound = std::max(bound, values_.round_up(*proven));
+    }
+    const double last_bound = lower_bound_.value_or(bound);
+    bound = std::max(bound, last_bound);
     const std::optional<double> objective = integral_objective(model_, relaxation_.point());
     result_.is_integral = objective && *objective <= bound + 1e-6 * (1.0 + std::fabs(bound));
     if (objective) {
         bound = std::min(bound, *objective);
     }
-    zktarn::assert_mod::tarnassert(!last || bound >= *last - 1e-6 * (1.0 + std::fabs(bound)));
-    const bool has_risen = !last || bound > *last + 1e-6 * (1.0 + std::fabs(bound));
-    stalled_rounds_ = has_risen ? 0 : stalled_rounds_ + 1;
+    zktarn::assert_mod::tarnassert(bound >= last_bound - 1e-6 * (1.0 + std::fabs(bound)));
     lower_bound_ = bound;
     result_.bound = model_.in_sense_of_file(bound);
+    result_.relaxation_bound = model_.in_sense_of_file(std::min(*relaxation_bound_, bound));
     history_.push_back(*result_.bound);
+    relaxation_history_.push_back(*result_.relaxation_bound);
     take_point();
 }
 
@@ -280,8 +300,8 @@ void run::take_point() {
 
 void run::record_round(std::size_t cuts_kept, double separation_ms, double relaxation_ms) {
     const int round = static_cast<int>(result_.rounds.size()) + 1;
-    result_.rounds.push_back({round, *result_.bound, cuts_found_, cuts_kept, separation_ms,
-                              relaxation_ms, seconds_since(start_)});
+    result_.rounds.push_back({round, *result_.bound, *result_.relaxation_bound, cuts_found_,
+                              cuts_kept, separation_ms, relaxation_ms, seconds_since(start_)});
     host_.print_round(line_of(result_.rounds.back(), result_.gap_closed(result_.bound)));
     host_.report("cutting", round, *result_.bound, history_);
 }
