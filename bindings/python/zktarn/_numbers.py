@@ -23,6 +23,21 @@ class Rationals(NamedTuple):
     den: NDArray[np.float64]
     found: NDArray[np.bool_]
 
+    def fractions(self) -> NDArray[np.object_]:
+        """The same as `fractions.Fraction`, in lowest terms; None where there is no fraction.
+
+        Returns a new array of objects, of the shape of `num`. It takes a Python object for each
+        element; calculations with many elements use `num` and `den` themselves.
+
+            >>> rational([0.5, 1 / 3, float("nan")], 1e-9, 100).fractions()
+            array([Fraction(1, 2), Fraction(1, 3), None], dtype=object)
+        """
+        made = np.full(np.shape(self.num), None, dtype=np.object_)
+        usable = np.asarray(self.found) & np.isfinite(self.num)
+        pairs = zip(np.asarray(self.num)[usable].tolist(), np.asarray(self.den)[usable].tolist())
+        made[usable] = [Fraction(int(num), int(den)) for num, den in pairs]
+        return made
+
 
 def _reals(value: ArrayLike, name: str) -> NDArray[np.float64]:
     """The value as an array of float64; TypeError for another kind than reals and integers."""
@@ -75,7 +90,7 @@ def rational(
 
     Three numbers give a `fractions.Fraction`, or None if no fraction was found. Any array gives
     `Rationals(num, den, found)`: three arrays of the common shape of the arguments, float64,
-    float64 and bool.
+    float64 and bool; its method `fractions` makes Fractions of them.
 
     First tries denominators that are common in decimal data, then the convergents of the continued
     fraction of x; the C++ header states which fraction is found. NaN has none.

@@ -1,10 +1,10 @@
 """The cases of the identity program, each call made through Python, give the same hashes."""
 
-import importlib.util
-import os
 import pathlib
 
 import pytest
+
+from built_modules import load
 
 ROOT = pathlib.Path(__file__).resolve().parents[4]
 GOLDEN = ROOT / "tests" / "binary" / "identity" / "results.golden"
@@ -19,13 +19,7 @@ ELSEWHERE = {"random._rng_stateinitialise", "random.deleterng", "random.deletern
 @pytest.fixture(scope="module")
 def through_python():
     """The module that draws the cases, beside the package in the build tree."""
-    package_dir = pathlib.Path(os.environ["PYTHONPATH"].split(os.pathsep)[0])
-    found = list((package_dir.parent / "python_tests").glob("identity_through_python*.so"))
-    assert found, "build the target zktarn_python_tests"
-    spec = importlib.util.spec_from_file_location("identity_through_python", found[0])
-    module = importlib.util.module_from_spec(spec)
-    spec.loader.exec_module(module)
-    return module
+    return load("identity_through_python")
 
 
 def test_hashes_are_those_of_every_other_language(through_python):

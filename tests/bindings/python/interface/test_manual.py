@@ -40,11 +40,18 @@ def test_a_procedure_without_a_name_or_a_reason_is_noticed(monkeypatch):
         manual.table(zktarn)
 
 
-def test_the_first_program_prints_what_the_page_says(tmp_path):
-    program = tmp_path / "first.py"
-    program.write_text(block(PAGE, "program", "first"), encoding="utf-8")
+@pytest.mark.parametrize("name", ["first", "rows", "decimals", "solver"])
+def test_the_programs_print_what_the_page_says(tmp_path, name):
+    program = tmp_path / "program.py"
+    program.write_text(block(PAGE, "program", name), encoding="utf-8")
     ran = run(sys.executable, program)
-    assert (ran.stdout, ran.stderr) == (block(PAGE, "output", "first"), "")
+    assert (ran.stdout, ran.stderr) == (block(PAGE, "output", name), "")
+
+
+def test_no_program_of_the_page_is_left_out():
+    names = re.findall(r"<!-- program (\w+) -->", PAGE)
+    assert names == ["first", "rows", "decimals", "solver", "tighten"]  # the last: solver/
+    assert PAGE.count("```python") == len(names)
 
 
 def test_the_example_prints_what_the_other_languages_print():

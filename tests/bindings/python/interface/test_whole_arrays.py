@@ -350,3 +350,20 @@ def test_an_exception_of_a_supplier_arrives_in_the_caller():
     refuses(ValueError, f"n must be an integer of 32 bits, not {2**31}",
             call, 2**31, supply, 1e-9, 1000, 1000)
     assert call(-1, supply, 1e-9, 1000, 1000) == 5.562684646268003e-309
+
+
+def test_fractions_of_arrays_are_in_lowest_terms():
+    values = np.array([[0.25, -1.6], [math.nan, math.inf], [2.0**70, 0.0]])
+    made = zktarn.rational(values, 1e-9, 1000).fractions()
+    assert made.shape == values.shape and made.dtype == object
+    assert made.tolist() == [[Fraction(1, 4), Fraction(-8, 5)], [None, None],
+                             [Fraction(2**70), Fraction(0)]]
+
+
+def test_fractions_of_no_array_and_of_one_number():
+    assert zktarn.rational([], 1e-9, 10).fractions().shape == (0,)
+    one = zktarn.rational(0.5, 1e-9, 10, out=(np.empty(()), np.empty(()), np.empty((), np.bool_)))
+    assert one.fractions().shape == () and one.fractions()[()] == Fraction(1, 2)
+    none = zktarn.rational(math.pi, 1e-9, 10,
+                           out=(np.empty(()), np.empty(()), np.empty((), np.bool_)))
+    assert none.fractions()[()] is None

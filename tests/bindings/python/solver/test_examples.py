@@ -65,3 +65,12 @@ def test_the_code_of_the_page_runs():
                            env={**os.environ, "MPLBACKEND": "svg"}, timeout=120, check=False)
     assert ended.returncode == 0, ended.stderr
     assert "integral -1.5 -1.0" in ended.stdout
+
+
+def test_the_solver_on_the_page_prints_what_the_page_says():
+    page = (ROOT / "docs" / "python.md").read_text()
+    code, expected = (re.search(rf"<!-- {kind} tighten -->\n```\w+\n(.*?)```", page, re.S)[1]
+                      for kind in ("program", "output"))
+    ended = subprocess.run([sys.executable, "-c", code], cwd=ROOT, capture_output=True, text=True,
+                           timeout=120, check=False)
+    assert (ended.stdout, ended.stderr) == (expected, "")
