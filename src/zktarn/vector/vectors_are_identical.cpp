@@ -6,6 +6,13 @@
 
 namespace zktarn::vector_mod {
 
+namespace {
+
+/// Shorter than in other loops, because an entry has four lines.
+constexpr std::int64_t ahead_of_use = detail::lookahead / 4;
+
+} // namespace
+
 flag vectors_are_identical(const vector& a, const vector& b, const double& tol) noexcept {
     if (a.nz != b.nz) {
         return 0;
@@ -25,8 +32,8 @@ flag vectors_are_identical(const vector& a, const vector& b, const double& tol) 
     };
     const std::int64_t count = a.nz;
     std::int64_t k = 0;
-    for (; k < count - detail::lookahead; ++k) {
-        const std::int64_t ahead = list[k + detail::lookahead];
+    for (; k < count - ahead_of_use; ++k) {
+        const std::int64_t ahead = list[k + ahead_of_use];
         if (marks != nullptr) {
             detail::prefetch_read(marks, ahead);
         }

@@ -8,6 +8,7 @@
 #include "zktarn/vector/detail/coefficients.hpp"
 #include "zktarn/vector/detail/drop_zeros.hpp"
 #include "zktarn/vector/detail/prefetch.hpp"
+#include "zktarn/vector/detail/zero_suspects.hpp"
 #include "zktarn/vector/vector_type.hpp"
 
 /// x := alpha * x + beta * y where x has marks and both vectors have coefficients, inlined into one
@@ -17,8 +18,9 @@
 /// drops zeros. Two methods save visits to entries. Each has the result of the plain method, bit
 /// for bit and position for position:
 ///
-/// - `combine_in_list_order`: if no sum is zero, the last pass skips the appended entries. If
-///   scaling found no zero either, there is no last pass.
+/// - `combine_in_list_order`: if no sum is zero, the last pass skips the appended entries. After
+///   scaling, the last pass reads the marks and coefficients of those entries only that were
+///   written as zero.
 /// - `combine_in_blocks`, in a header of its own: large vectors, block by block of the index space.
 
 namespace zktarn::vector_mod::detail {
@@ -59,11 +61,12 @@ struct unmarked_reader {
     [[gnu::always_inline]] double operator()(std::int64_t j) const noexcept { return coef[j - 1]; }
 };
 
-/// Scales every listed entry of x. Returns true when one of them is now zero or has no mark.
-[[gnu::noinline]] inline bool scale_marked(vector& x, double alpha) noexcept {
+/// Scales every listed entry of x. Notes those that are now zero or have no mark.
+[[gnu::noinline]] inline void scale_marked(vector& x, double alpha,
+                                           zero_suspects& suspects) noexcept {
     const std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
-    bool zeros = false;
+    zero_suspects found = suspects; // a copy, which stays in registers
     walk(
         x.ind.data, x.nz,
         [=](std::int64_t j) __attribute__((always_inline)) {
@@ -74,18 +77,18 @@ struct unmarked_reader {
             const double scaled = alpha * membership(elm[j - 1]).coefficient(coef[j - 1]);
             coef[j - 1] = scaled;
             // The product is zero without a mark too, unless alpha is infinite or NaN.
-            zeros |= is_zero(scaled) | (elm[j - 1] < 1);
+            found.test(j, is_zero(scaled) | (elm[j - 1] < 1));
         });
-    return zeros;
+    suspects = found;
 }
 
-/// Adds beta times the entries of y to x. Returns true when one of the sums is zero.
-template <class Reader>
-[[gnu::always_inline]] inline bool add_to_marked(vector& x, const vector& y, const Reader& y_coef,
-                                                 double beta) noexcept {
+/// Adds beta times the entries of y to x. Calls `zeros.test` for each sum.
+template <class Reader, class Zeros>
+[[gnu::always_inline]] inline void add_to_marked(vector& x, const vector& y, const Reader& y_coef,
+                                                 double beta, Zeros& zeros) noexcept {
     std::int32_t* const elm = x.elm.data;
     double* const coef = x.coef.data;
-    bool zeros = false;
+    Zeros found = zeros;
     const auto prefetch = [=](std::int64_t j) __attribute__((always_inline)) {
         prefetch_write(elm, j);
         prefetch_write(coef, j);
@@ -98,10 +101,20 @@ template <class Reader>
             const double sum = std::fma(beta, y_coef(j), known.coefficient(coef[j - 1]));
             coef[j - 1] = sum;
             elm[j - 1] = known.after_add();
-            zeros |= is_zero(sum);
+            found.test(j, is_zero(sum));
             return known.is_new;
         });
-    return zeros;
+    zeros = found;
+}
+
+template <class Zeros>
+[[gnu::always_inline]] inline void add_to_marked(vector& x, const vector& y, double beta,
+                                                 Zeros& zeros) noexcept {
+    if (y.elm.data != nullptr) {
+        add_to_marked(x, y, coefficient_reader(y), beta, zeros);
+    } else {
+        add_to_marked(x, y, unmarked_reader{y.coef.data}, beta, zeros);
+    }
 }
 
 /// x := alpha * x + beta * y, where all arrays stay in the cache: the plain method, without
@@ -132,15 +145,16 @@ template <class Reader>
 /// x := alpha * x + beta * y, in list order.
 [[gnu::always_inline]] inline void combine_in_list_order(vector& x, const vector& y,
                                                          const factors& weights) noexcept {
-    const std::int64_t old_nz = x.nz;
-    const bool old_zeros = !weights.scales || scale_marked(x, weights.alpha);
-    const bool new_zeros = y.elm.data != nullptr
-                               ? add_to_marked(x, y, coefficient_reader(y), weights.beta)
-                               : add_to_marked(x, y, unmarked_reader{y.coef.data}, weights.beta);
-    if (new_zeros) {
-        drop_zeros(x, x.nz);
-    } else if (old_zeros) {
-        drop_zeros(x, old_nz);
+    if (weights.scales) {
+        zero_suspects suspects(x, y.nz);
+        scale_marked(x, weights.alpha, suspects);
+        add_to_marked(x, y, weights.beta, suspects);
+        drop_suspects(x, suspects);
+    } else {
+        const std::int64_t old_nz = x.nz;
+        zero_flag zeros;
+        add_to_marked(x, y, weights.beta, zeros);
+        drop_zeros(x, zeros.any ? x.nz : old_nz);
     }
 }
 
