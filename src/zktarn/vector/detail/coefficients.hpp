@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 
@@ -28,7 +29,7 @@ struct membership {
     }
     /// The mark after the index was added: 1 for a new member; a member keeps its mark.
     [[gnu::always_inline]] std::int32_t after_add() const noexcept {
-        return static_cast<std::int32_t>((mark & (is_new - 1)) | is_new);
+        return static_cast<std::int32_t>(std::max(mark, std::int64_t{1}));
     }
 };
 
