@@ -227,21 +227,40 @@ python_tests() {
     "$python" -m pytest -p no:cacheprovider --quiet --durations=3 "${@:2}"
 }
 
+# Two groups of parts run at the same time, because tests use one processor each.
 gate_python() {
-    local python pip
+    local python other failed=0 log=$log_dir/python_pip.log
+    local -x MYPY_CACHE_DIR=$build_dir/python/mypy
     configure python
     make_targets python zktarn_python_tests
     python=$(sed -n 's/^Python_EXECUTABLE:[A-Z]*=//p' "$build_dir/python/CMakeCache.txt")
-    python_tests python tests/bindings/python/install >"$log_dir/python_pip.log" 2>&1 &
-    pip=$!
-    python_tests python tests/bindings/python --ignore=tests/bindings/python/install
-    MYPYPATH=$build_dir/python/python "$python" -m mypy --strict --config-file bindings/python/pyproject.toml \
-        --cache-dir "$build_dir/python/mypy" --package zktarn
-    PYTHONPATH=$build_dir/python/python "$python" -m zktarn
-    other_python_tests
-    sanitized_python_tests
-    wait "$pip" || { tail -n 40 "$log_dir/python_pip.log" && return 1; }
-    tail -n 1 "$log_dir/python_pip.log"
+    {
+        timed "pip install" python_tests python tests/bindings/python/install
+        timed "address sanitizer" sanitized_python_tests
+    } >"$log" 2>&1 &
+    other=$!
+    {
+        timed "tests" python_tests python tests/bindings/python --ignore=tests/bindings/python/install
+        timed "types" python_types
+        PYTHONPATH=$build_dir/python/python "$python" -m zktarn
+        timed "another Python" other_python_tests
+    } &
+    wait $! || failed=1
+    wait "$other" || failed=1
+    grep -E " (passed|failed|error)|^-- |^E  " "$log" || tail -n 40 "$log"
+    return $failed
+}
+
+# timed NAME COMMAND...: runs a command and prints how long it took.
+timed() {
+    local start=$SECONDS
+    "${@:2}"
+    echo "-- $1: $(clock $((SECONDS - start)))"
+}
+
+python_types() {
+    MYPYPATH=$build_dir/python/python "$python" -m mypy --strict \
+        --config-file bindings/python/pyproject.toml --package zktarn
 }
 
 # The first Python of PATH may be another one than the package is built for. If it can load the same
@@ -256,7 +275,8 @@ other_python_tests() {
     fi
     "$other" --version
     PYTHONPATH=$packages python=$other \
-        python_tests python tests/bindings/python/host tests/bindings/python/interface
+        python_tests python tests/bindings/python/host tests/bindings/python/interface \
+        -m "not any_interpreter"
 }
 
 # The interpreter itself has no sanitizer, so it preloads the runtime, and takes memory from malloc. The
@@ -271,7 +291,7 @@ sanitized_python_tests() {
     done
     ASAN_OPTIONS=detect_leaks=0:allocator_may_return_null=1 PYTHONMALLOC=malloc LD_PRELOAD=$runtime \
         python_tests python-asan tests/bindings/python/host tests/bindings/python/interface \
-        -m "not without_sanitizer"
+        -m "not without_sanitizer and not any_interpreter"
 }
 
 gate_identity() { tools/identity/compare.sh "$build_dir" "$jobs"; }

@@ -22,3 +22,5 @@ def pytest_configure(config):
     config.addinivalue_line(
         "markers", "without_sanitizer: limits memory, replaces a preloaded library, or counts what "
         "calls leave, and so does not fit into a process with a sanitizer")
+    config.addinivalue_line(
+        "markers", "any_interpreter: checks files, with the same result in every interpreter")
