@@ -38,7 +38,7 @@ struct access {
 
 constexpr access ideal{};
 constexpr access reading_marks{marks::read, 0};
-constexpr access limit{marks::read, 16};
+constexpr access limit{marks::read, 64};
 
 template <access how>
 [[gnu::always_inline]] inline void prefetch(const std::int32_t* marks, const double* coef,

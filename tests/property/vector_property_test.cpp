@@ -13,6 +13,7 @@
 
 #include "property/vector_script.hpp"
 #include "support/scale.hpp"
+#include "zktarn/vector/detail/reduce_in_blocks.hpp"
 #include "zktarn/vector/detail/vectors_combine_variants.hpp"
 
 namespace {
@@ -164,6 +165,57 @@ INSTANTIATE_TEST_SUITE_P(, CombineWays, ::testing::Values(state::consistent, sta
                              return parameter.param == state::consistent ? "Consistent"
                                                                          : "Inconsistent";
                          });
+
+// Reductions in blocks at any size that leaves room for the sorted entries, with repeated entries.
+TEST_P(CombineWays, ReductionInBlocksAgreesWithTheReference) {
+    const std::int64_t seeds = scaled(5000);
+    for (std::int64_t seed = 0; seed < seeds; ++seed) {
+        generator draw(7'000'000 + seed);
+        const std::int32_t n = draw.chance(2) ? draw.between(1, 20) : draw.between(20, 2000);
+        mirrored_vector v(n, form_of(draw.below(3)));
+        fill(draw, v, draw.below(n / 2 + 1), GetParam());
+        const double tol = draw.chance(2) ? 1e-9 : 0.25;
+        const bool suits = v.record.coef.present() && v.record.ind.present() &&
+                           vector_mod::detail::suits_reduction_in_blocks(v.record, {1, n});
+        if (suits) {
+            vector_mod::detail::reduce_in_blocks(v.record, tol);
+            reference::vector_mod2(v.mirror, tol);
+        }
+        ASSERT_TRUE(v.agrees()) << "seed " << seed << ", capacity " << n << ", tol " << tol;
+    }
+}
+
+// The sizes at which the procedure itself reduces in blocks, and one less; lists without room for
+// the sorted entries, and sorted ones.
+TEST(ReductionSizes, AgreeWithTheReferenceAroundEachChange) {
+    struct sizes_of_list {
+        std::int32_t capacity;
+        std::int32_t nz;
+        bool sorted;
+    };
+    constexpr vector_mod::detail::reduction_limits least;
+    constexpr auto capacity = static_cast<std::int32_t>(least.capacity);
+    constexpr auto nz = static_cast<std::int32_t>(least.capacity / least.spacing);
+    for (const auto& [n, count, sorted] :
+         std::initializer_list<sizes_of_list>{{capacity - 1, nz, false},
+                                              {capacity, nz - 1, false},
+                                              {capacity, nz, false},
+                                              {capacity, nz, true},
+                                              {capacity, capacity / 3, false}}) {
+        generator draw(n + count);
+        mirrored_vector v(n, form_of(0));
+        for (std::int32_t k = 1; k <= count; ++k) {
+            const std::int32_t place = sorted ? k : (k * 3) % count + 1;
+            v.set_ind(k, place * (n / count));
+            v.set_elm(place * (n / count), draw.below(20) == 0 ? 0 : 1);
+            v.set_coef(place * (n / count), draw.value());
+        }
+        v.set_nz(count);
+        vector_mod::vector_mod2(v.record, 1e-9);
+        reference::vector_mod2(v.mirror, 1e-9);
+        EXPECT_TRUE(v.agrees()) << n << ", " << count;
+    }
+}
 
 // The first capacity that needs larger blocks, with its last index listed.
 TEST(CombineInBlocks, HoldTheLastIndex) {

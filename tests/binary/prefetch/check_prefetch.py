@@ -23,6 +23,7 @@ PARTS = (
     ("vectors_calc_sym_diff", r"vectors_calc_sym_diff", 2, 2),
     ("compaction of a symmetric difference", r"compact.*unmarked_entries", 2, 2),
     ("vector_mod2", r"compact.*reducing_entries", 4, 4),
+    ("vector_mod2 in blocks", r"reduce_in_blocks|vector_mod2", 2, 2),
     ("vectors_are_identical", r"vectors_are_identical", 7, 7),
     ("vector_rem_zeros", r"detail::drop_zeros", 5, 5),
     ("compaction with marks", r"compact.*(?<!un)marked_entries", 4, 4),

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
-#include <numeric>
 
 #include "zktarn/vector/detail/combine_marked.hpp"
+#include "zktarn/vector/detail/sorted_entries.hpp"
 
 /// x := alpha * x + beta * y, block by block of the index space.
 ///
@@ -34,31 +32,6 @@ struct block_limits {
     return x.elm.extent[0] >= least.capacity && y.nz >= least.y_nz && x.ind.extent[0] >= room;
 }
 
-/// The entries of a list, sorted into at most 1024 blocks of 2^shift indices.
-struct sorted_entries {
-    struct entry {
-        std::int32_t j, position; // the position in the list, counted from 0
-    };
-    entry* all;
-    std::int64_t nz;
-    std::array<std::int32_t, 1025> ends{}; // of the blocks, once all entries are sorted
-
-    [[gnu::always_inline]] sorted_entries(std::int32_t* room, const vector& v, int shift) noexcept
-        : all(reinterpret_cast<entry*>(room)), nz(v.nz) {
-        for (std::int64_t k = 0; k < nz; ++k) {
-            ends[(static_cast<std::size_t>(v.ind(k + 1) - 1) >> shift) + 1] += 1;
-        }
-        std::partial_sum(ends.begin(), ends.end(), ends.begin());
-        for (std::int32_t k = 0; k < nz; ++k) {
-            all[ends[static_cast<std::size_t>(v.ind(k + 1) - 1) >> shift]++] = {v.ind(k + 1), k};
-        }
-    }
-    std::int64_t begin(std::size_t b) const noexcept { return b == 0 ? 0 : ends[b - 1]; }
-    std::int64_t ahead(std::int64_t k) const noexcept {
-        return all[std::min(k + lookahead, nz - 1)].j;
-    }
-};
-
 /// x := alpha * x + beta * y, where `suits_blocks` holds and y is another record than x.
 [[gnu::always_inline]] inline void combine_in_blocks(vector& x, const vector& y,
                                                      const factors& weights) noexcept {
@@ -68,9 +41,7 @@ struct sorted_entries {
     double* const coef = x.coef.data - 1; // addressed by index
     std::int32_t* const elm = x.elm.data - 1;
     const coefficient_reader y_coef(y);
-    int shift = 0;
-    for (; (x.elm.extent[0] - 1) >> shift >= 1024; ++shift) {
-    }
+    const int shift = block_shift(x.elm.extent[0]);
     std::int32_t* const room = list + x.nz + y.nz;
     const sorted_entries xs(room, x, shift);
     const sorted_entries ys(room + 2 * xs.nz, y, shift);
