@@ -1,4 +1,4 @@
-# The sources of the modules, in the order of their dependencies.
+# The sources of the modules, in the order of their dependencies. gfortran 12 and Flang 19 compile them.
 set(zktarn_fortran_sources
   zktarn_types.f90
   zktarn_callbacks.f90
