@@ -4,28 +4,27 @@
 #include <vector>
 
 #include "cuts/parity_system.hpp"
-#include "cuts/vectors.hpp"
 
 namespace zero_half {
 
-/// A sum of rows of a parity system, kept in a working vector.
+/// A sum of rows of a parity system.
 class row_sum {
 public:
     explicit row_sum(const parity_system& system)
-        : system_(system), sum_(new_index_set(system.elements())),
-          row_(new_index_set(system.elements())) {}
+        : system_(system), marks_(static_cast<std::size_t>(system.elements()) + 1) {}
 
     void clear() {
-        zktarn::vector_mod::vector_clear(*sum_);
+        for (const std::int32_t element : touched_) {
+            mark(element) = 0;
+        }
+        touched_.clear();
         is_odd_ = false;
     }
     void add(std::size_t i) {
-        zktarn::vector_mod::vector_clear(*row_);
         for (const std::int32_t element : system_.odd_columns(i)) {
-            zktarn::vector_mod::vector_add_nz(*row_, element);
+            flip(element);
         }
-        zktarn::vector_mod::vector_add_nz(*row_, system_.slack_of(i));
-        zktarn::vector_mod::vectors_calc_sym_diff(*sum_, *row_);
+        flip(system_.slack_of(i));
         is_odd_ = is_odd_ != system_.is_odd(i);
     }
     void assign(std::span<const std::int32_t> rows) {
@@ -35,25 +34,37 @@ public:
         }
     }
 
-    bool has(std::int32_t element) const {
-        return zktarn::vector_mod::vector_is_elm(*sum_, element) != 0;
-    }
     bool is_odd() const { return is_odd_; }
     /// The elements in which the sum is odd.
     std::span<const std::int32_t> odd() {
         odd_.clear();
-        for (const auto [element, ignored] : zktarn::entries(sum_)) {
-            odd_.push_back(element);
+        for (const std::int32_t element : touched_) {
+            if (mark(element) == odd_mark) {
+                odd_.push_back(element);
+            }
         }
         return odd_;
     }
 
 private:
+    /// A mark has the bit `touched_mark` from the first row on that contains the element.
+    static constexpr char odd_mark = 3;
+    static constexpr char touched_mark = 2;
+
+    char& mark(std::int32_t element) { return marks_[static_cast<std::size_t>(element)]; }
+    void flip(std::int32_t element) {
+        if (mark(element) == 0) {
+            touched_.push_back(element);
+        }
+        mark(element) = mark(element) == odd_mark ? touched_mark : odd_mark;
+    }
+
     const parity_system& system_;
-    zktarn::owned_vector sum_;
-    zktarn::owned_vector row_;
-    bool is_odd_ = false;
+    std::vector<char> marks_;
+    /// The elements of all rows that were added.
+    std::vector<std::int32_t> touched_;
     std::vector<std::int32_t> odd_;
+    bool is_odd_ = false;
 };
 
 } // namespace zero_half

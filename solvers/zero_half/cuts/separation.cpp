@@ -57,10 +57,9 @@ std::vector<std::size_t> separator::find(const double* point) {
     const separated_point at = look_at(point);
     std::vector<cut> cuts = violated_rows(at);
     const std::size_t known = cuts.size();
-    add_blossoms(at, cuts);
-    add_sums(at, false, cuts);
-    if (cuts.size() == known) {
-        add_sums(at, true, cuts);
+    add_new_cuts(at, cuts);
+    if (cuts.size() == known && count_cuts(false) > 0) {
+        add_sums(system_of(at, rows_to_use::all), at, cuts);
     }
     found_ = cuts.size();
     put_into_pool(cuts);
@@ -85,7 +84,7 @@ std::vector<std::size_t> separator::find(const double* point) {
 /// more than finding its sum, and the most promising sums come first. Where it takes many, the next
 /// call looks for more.
 void separator::set_budget(std::size_t selected) {
-    constexpr std::size_t cuts_for_each_selected = 5;
+    constexpr std::size_t cuts_for_each_selected = 3;
     constexpr std::size_t sums_for_each_cut = 2;
     most_cuts_ =
         std::clamp(cuts_for_each_selected * selected, options_.least_cuts, options_.most_cuts);
@@ -99,8 +98,9 @@ void separator::truncate(std::size_t count) {
 
 separator::separated_point separator::look_at(const double* point) const {
     separated_point at{point, nearest_bounds(model_, point), {}};
+    at.slacks.resize(pool_.size());
     for (std::size_t i = 0; i < pool_.size(); ++i) {
-        at.slacks.push_back(pool_.slack(i, point));
+        at.slacks[i] = pool_.slack(i, point);
     }
     return at;
 }
@@ -117,26 +117,47 @@ std::vector<cut> separator::violated_rows(const separated_point& at) const {
     return violated;
 }
 
-/// Blossoms consist of rows of the model: cuts have columns in more than two rows.
-void separator::add_blossoms(const separated_point& at, std::vector<cut>& cuts) {
-    std::vector<double> slacks = at.slacks;
-    std::fill(slacks.begin() + static_cast<std::ptrdiff_t>(model_rows_), slacks.end(),
-              too_much_slack);
-    const parity_system system(model_, pool_, slacks, at.bounds);
-    if (system.columns() == 0 || !is_column_graph(system)) {
-        return;
-    }
-    odd_sums sums(system, enough_);
-    find_blossoms(system, should_stop_, sums);
-    add_cuts_of(sums, at, cuts);
+/// How many cuts of the pool are in use, or are not.
+std::ptrdiff_t separator::count_cuts(bool in_use) const {
+    return std::count(is_in_use_.begin() + static_cast<std::ptrdiff_t>(model_rows_),
+                      is_in_use_.end(), in_use ? 1 : 0);
 }
 
-void separator::add_sums(const separated_point& at, bool with_all_cuts, std::vector<cut>& cuts) {
+parity_system separator::system_of(const separated_point& at, rows_to_use rows) const {
+    if (rows == rows_to_use::all) {
+        return parity_system(model_, pool_, at.slacks, at.bounds);
+    }
+    if (rows == rows_to_use::of_model) {
+        return parity_system(model_, pool_, std::span(at.slacks).first(model_rows_), at.bounds);
+    }
     std::vector<double> slacks = at.slacks;
-    for (std::size_t i = 0; i < slacks.size() && !with_all_cuts; ++i) {
+    for (std::size_t i = 0; i < slacks.size(); ++i) {
         slacks[i] = is_in_use_[i] != 0 ? slacks[i] : too_much_slack;
     }
-    const parity_system system(model_, pool_, slacks, at.bounds);
+    return parity_system(model_, pool_, slacks, at.bounds);
+}
+
+/// Blossoms consist of rows of the model: cuts have columns in more than two rows. Where there are
+/// some, they include a violated one of all sums of such rows, so no other search follows.
+void separator::add_new_cuts(const separated_point& at, std::vector<cut>& cuts) {
+    const parity_system of_model = system_of(at, rows_to_use::of_model);
+    if (of_model.columns() > 0 && is_column_graph(of_model)) {
+        odd_sums sums(of_model, enough_);
+        find_blossoms(of_model, should_stop_, sums);
+        add_cuts_of(sums, at, cuts);
+        if (sums.size() > 0) {
+            return;
+        }
+    }
+    if (count_cuts(true) == 0) {
+        add_sums(of_model, at, cuts);
+    } else {
+        add_sums(system_of(at, rows_to_use::in_use), at, cuts);
+    }
+}
+
+void separator::add_sums(const parity_system& system, const separated_point& at,
+                         std::vector<cut>& cuts) {
     odd_sums sums(system, enough_);
     add_single_rows(system, sums);
     find_odd_cycles(system, should_stop_, sums);

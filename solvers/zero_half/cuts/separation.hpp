@@ -12,11 +12,11 @@ namespace zero_half {
 
 struct separation_options {
     /// The most eliminations, and the most of them while none has found a sum.
-    int restarts = 10;
-    int restarts_without_sums = 40;
+    int restarts = 6;
+    int restarts_without_sums = 20;
     /// How many sums are made into cuts, the most promising first. Between these limits a call
     /// takes a number that depends on how many cuts the selection took in the call before.
-    std::size_t least_cuts = 100;
+    std::size_t least_cuts = 50;
     std::size_t most_cuts = 1000;
     /// The most entries that the rows of these sums may have, as a multiple of the entries of the
     /// model.
@@ -66,10 +66,15 @@ private:
         std::vector<double> slacks;
     };
 
+    /// Which rows of the pool a search adds up; cuts are in use once they were selected.
+    enum class rows_to_use { of_model, in_use, all };
+
     separated_point look_at(const double* point) const;
     std::vector<cut> violated_rows(const separated_point& at) const;
-    void add_blossoms(const separated_point& at, std::vector<cut>& cuts);
-    void add_sums(const separated_point& at, bool with_all_cuts, std::vector<cut>& cuts);
+    std::ptrdiff_t count_cuts(bool in_use) const;
+    parity_system system_of(const separated_point& at, rows_to_use rows) const;
+    void add_new_cuts(const separated_point& at, std::vector<cut>& cuts);
+    void add_sums(const parity_system& system, const separated_point& at, std::vector<cut>& cuts);
     void find_further_sums(const parity_system& system, odd_sums& sums) const;
     void add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts);
     void put_into_pool(std::vector<cut>& cuts);
