@@ -51,9 +51,11 @@ separator::separator(const mixed_integer_rows& model, const zktarn::random::rng_
                      stop_predicate should_stop, const separation_options& options)
     : model_(model), random_(random), should_stop_(std::move(should_stop)), options_(options),
       pool_(integral_rows_of(model)), model_rows_(pool_.size()), is_in_use_(pool_.size(), 1),
-      rounding_(model_, pool_), selection_(model_, options.selection) {}
+      rounding_(model_, pool_), selection_(model_, options.selection), limits_(options.normal) {}
 
-std::vector<std::size_t> separator::find(const double* point) {
+std::vector<std::size_t> separator::find(const double* point, effort wanted) {
+    limits_ = wanted == effort::normal ? options_.normal : options_.thorough;
+    set_budget();
     const separated_point at = look_at(point);
     std::vector<cut> cuts = violated_rows(at);
     const std::size_t known = cuts.size();
@@ -76,18 +78,17 @@ std::vector<std::size_t> separator::find(const double* point) {
         selected.push_back(*each.pool_row);
         is_in_use_[*each.pool_row] = 1;
     }
-    set_budget(selected.size());
+    selected_ = selected.size();
     return selected;
 }
 
 /// Where the selection takes few of the cuts, the next call looks for fewer: making a cut costs
 /// more than finding its sum, and the most promising sums come first. Where it takes many, the next
 /// call looks for more.
-void separator::set_budget(std::size_t selected) {
-    constexpr std::size_t cuts_for_each_selected = 3;
+void separator::set_budget() {
     constexpr std::size_t sums_for_each_cut = 2;
-    most_cuts_ =
-        std::clamp(cuts_for_each_selected * selected, options_.least_cuts, options_.most_cuts);
+    most_cuts_ = std::clamp(limits_.cuts_for_each_selected * selected_, limits_.least_cuts,
+                            options_.most_cuts);
     enough_ = sums_for_each_cut * most_cuts_;
 }
 
@@ -138,14 +139,14 @@ parity_system separator::system_of(const separated_point& at, rows_to_use rows) 
 }
 
 /// Blossoms consist of rows of the model: cuts have columns in more than two rows. Where there are
-/// some, they include a violated one of all sums of such rows, so no other search follows.
+/// some, they include the most violated sum of such rows.
 void separator::add_new_cuts(const separated_point& at, std::vector<cut>& cuts) {
     const parity_system of_model = system_of(at, rows_to_use::of_model);
     if (of_model.columns() > 0 && is_column_graph(of_model)) {
         odd_sums sums(of_model, enough_);
         find_blossoms(of_model, should_stop_, sums);
         add_cuts_of(sums, at, cuts);
-        if (sums.size() > 0) {
+        if (sums.size() > 0 && !limits_.continues_after_blossoms) {
             return;
         }
     }
@@ -166,15 +167,12 @@ void separator::add_sums(const parity_system& system, const separated_point& at,
 }
 
 /// Eliminations, and where that gives nothing a greedy search. In a graph every violated sum
-/// consists of odd cycles, so nothing is left when there is none, and little else.
+/// consists of odd cycles, so nothing is left where none was found.
 void separator::find_further_sums(const parity_system& system, odd_sums& sums) const {
-    if (system.is_row_graph()) {
-        if (sums.size() > 0) {
-            find_by_elimination(system, random_, should_stop_, sums);
-        }
+    if (system.is_row_graph() && sums.size() == 0) {
         return;
     }
-    for (int i = 0; goes_on(i, sums.size()) && !sums.are_enough() && !should_stop_(); ++i) {
+    for (int i = 0; i < most_restarts(system, sums) && !sums.are_enough() && !should_stop_(); ++i) {
         find_by_elimination(system, random_, should_stop_, sums);
     }
     if (sums.size() == 0 && system.rows() <= options_.small_system) {
@@ -183,8 +181,11 @@ void separator::find_further_sums(const parity_system& system, odd_sums& sums) c
 }
 
 /// Eliminations are cheap beside a round that ends the run, so they go on where they find nothing.
-bool separator::goes_on(int eliminations, std::size_t sums) const {
-    return eliminations < (sums > 0 ? options_.restarts : options_.restarts_without_sums);
+int separator::most_restarts(const parity_system& system, const odd_sums& sums) const {
+    if (system.is_row_graph()) {
+        return limits_.restarts_in_graphs;
+    }
+    return sums.size() > 0 ? limits_.restarts : limits_.restarts_without_sums;
 }
 
 void separator::add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts) {

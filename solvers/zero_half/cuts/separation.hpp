@@ -10,15 +10,30 @@
 
 namespace zero_half {
 
+/// How much work a search may do.
+struct search_limits {
+    /// The most eliminations, the most of them while none has found a sum, and the most in a system
+    /// in which shortest odd cycles are exact.
+    int restarts;
+    int restarts_without_sums;
+    int restarts_in_graphs;
+    /// How many sums are made into cuts, the most promising first: so many for each cut that the
+    /// selection took in the call before, and not fewer than the least number.
+    std::size_t cuts_for_each_selected;
+    std::size_t least_cuts;
+    /// Whether further searches follow where blossoms, which are exact, were found.
+    bool continues_after_blossoms;
+};
+
+/// Normal effort is for a point that no search has seen. Thorough effort takes several times as long
+/// and finds more cuts, of greater variety: for a run whose bound does not rise.
+enum class effort { normal, thorough };
+
 struct separation_options {
-    /// The most eliminations, and the most of them while none has found a sum.
-    int restarts = 6;
-    int restarts_without_sums = 20;
-    /// How many sums are made into cuts, the most promising first. Between these limits a call
-    /// takes a number that depends on how many cuts the selection took in the call before.
-    std::size_t least_cuts = 50;
+    search_limits normal = {5, 10, 1, 3, 40, false};
+    search_limits thorough = {10, 40, 10, 5, 100, true};
     std::size_t most_cuts = 1000;
-    /// The most entries that the rows of these sums may have, as a multiple of the entries of the
+    /// The most entries that the rows of the sums of a call may have, as a multiple of the entries of the
     /// model.
     std::size_t most_entries = 5;
     /// The greedy search is used where nothing else finds a cut, in systems with at most this many
@@ -46,7 +61,7 @@ public:
     /// @param point  in. A value for each column of the model.
     ///
     /// A row of the pool that the point violates is returned again, whether it is new or not.
-    std::vector<std::size_t> find(const double* point);
+    std::vector<std::size_t> find(const double* point, effort wanted = effort::normal);
 
     const row_pool& pool() const { return pool_; }
     /// The first rows of the pool are made of rows of the model, the others are cuts.
@@ -78,8 +93,8 @@ private:
     void find_further_sums(const parity_system& system, odd_sums& sums) const;
     void add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts);
     void put_into_pool(std::vector<cut>& cuts);
-    void set_budget(std::size_t selected);
-    bool goes_on(int eliminations, std::size_t sums) const;
+    void set_budget();
+    int most_restarts(const parity_system& system, const odd_sums& sums) const;
 
     mixed_integer_rows model_;
     const zktarn::random::rng_state& random_;
@@ -92,9 +107,13 @@ private:
     cg_rounding rounding_;
     cut_selection selection_;
     std::size_t found_ = 0;
-    /// The number of cuts that the next call makes, and of sums at which its searches end.
-    std::size_t most_cuts_ = 500;
-    std::size_t enough_ = 1000;
+    /// The number of cuts that the selection took in the call before.
+    std::size_t selected_ = 100;
+    /// Of this call: its limits, the number of cuts that it makes, and of sums at which its
+    /// searches end.
+    search_limits limits_;
+    std::size_t most_cuts_ = 0;
+    std::size_t enough_ = 0;
 };
 
 } // namespace zero_half

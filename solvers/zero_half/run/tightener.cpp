@@ -209,13 +209,17 @@ run::step run::solve_first() {
     return {outcome};
 }
 
-/// The rows of the pool to be added. A vertex that gives no cut, or cuts that have not raised the
-/// bound for some rounds, may be one of many with the same objective; then others are separated
-/// too.
+/// The rows of the pool to be added. The search is thorough where cuts have not raised the bound. A
+/// vertex that gives no cut, or cuts that have not raised the bound for some rounds, may be one of
+/// many with the same objective; then others are separated too.
 std::vector<std::size_t> run::separate() {
     constexpr int most_other_points = 40;
     constexpr int rounds_until_stall = 3;
-    std::vector<std::size_t> rows = separator_.find(relaxation_.point());
+    const effort wanted = stalled_rounds_ > 0 ? effort::thorough : effort::normal;
+    std::vector<std::size_t> rows = separator_.find(relaxation_.point(), wanted);
+    if (rows.empty() && wanted == effort::normal) {
+        rows = separator_.find(relaxation_.point(), effort::thorough);
+    }
     cuts_found_ = separator_.found();
     bool is_wanted = rows.empty() || stalled_rounds_ >= rounds_until_stall;
     for (int i = 0; i < most_other_points && is_wanted && !should_stop(); ++i) {
@@ -223,7 +227,7 @@ std::vector<std::size_t> run::separate() {
         if (point.empty()) {
             break;
         }
-        const std::vector<std::size_t> further = separator_.find(point.data());
+        const std::vector<std::size_t> further = separator_.find(point.data(), effort::thorough);
         cuts_found_ += separator_.found();
         for (const std::size_t row : further) {
             if (std::find(rows.begin(), rows.end(), row) == rows.end()) {
