@@ -355,4 +355,51 @@ TEST(ParitySystem, KeepsOnlyRowsAndColumnsOfPossibleCuts) {
     EXPECT_EQ(system.change(1).column, 0);
 }
 
+TEST(ParityReduction, KeepsASumWithTheLeastSlack) {
+    std::mt19937 random(21);
+    int with_cut = 0;
+    int reduced = 0;
+    for (int trial = 0; trial < 1000; ++trial) {
+        const problem instance = random_problem(random, 8, 9, 5);
+        const parity_system system = instance.system();
+        reduced += system.rows() < instance.pool.size() ? 1 : 0;
+        const double best = least_slack(instance);
+        double kept = std::numeric_limits<double>::infinity();
+        for (unsigned subset = 1; subset < 1u << system.rows(); ++subset) {
+            std::vector<std::int32_t> members;
+            for (unsigned i = 0; i < system.rows(); ++i) {
+                if ((subset >> i & 1u) != 0) {
+                    members.push_back(system.pool_row(i));
+                }
+            }
+            kept = std::min(kept, slack_of_sum(instance, members));
+        }
+        if (best < slack_limit) {
+            ++with_cut;
+            ASSERT_NEAR(kept, best, 1e-9) << trial;
+        }
+    }
+    EXPECT_GT(with_cut, 500);
+    EXPECT_GT(reduced, 500);
+}
+
+TEST(ParityReduction, LeavesOutRowsOneAfterAnother) {
+    // Row i contains columns i, i + 1 and the last one, and has a slack of 0.5. Column 1 is in row
+    // 1 alone, which makes its slack 1; without row 1 the same is true of column 2, and so on.
+    constexpr int rows = 5;
+    std::mt19937 random(22);
+    problem chain(random, rows + 1);
+    for (std::size_t j = 1; j <= rows + 1; ++j) {
+        chain.bounds[j] = {0.0, 0.5, false};
+        chain.point[j - 1] = 0.5;
+    }
+    for (int i = 1; i <= rows; ++i) {
+        chain.add({{i, 1.0}, {i + 1, 1.0}, {rows + 1, 1.0}});
+    }
+    EXPECT_EQ(chain.system().rows(), 0u);
+    // Without its end the chain is a cycle.
+    chain.add({{1, 1.0}, {rows, 1.0}});
+    EXPECT_GT(chain.system().rows(), 0u);
+}
+
 } // namespace zero_half::testing

@@ -44,8 +44,8 @@ void cut_selection::unload(const cut& each) {
 double cut_selection::cosine_to(const cut& selected, const cut& loaded) const {
     double product = 0.0;
     for (std::size_t k = 0; k < selected.columns.size(); ++k) {
-        product += selected.coefficients[k] *
-                   dense_[static_cast<std::size_t>(selected.columns[k]) - 1];
+        product +=
+            selected.coefficients[k] * dense_[static_cast<std::size_t>(selected.columns[k]) - 1];
     }
     return product / (loaded.norm * selected.norm);
 }

@@ -203,9 +203,8 @@ void elimination::eliminate(std::int32_t column, odd_sums& sums) {
             offer(row, sums);
         }
     }
-    std::erase_if(remaining_, [&](std::size_t row) {
-        return row == pivot || slack_[row] >= slack_limit;
-    });
+    std::erase_if(remaining_,
+                  [&](std::size_t row) { return row == pivot || slack_[row] >= slack_limit; });
 }
 
 void elimination::run(const stop_predicate& should_stop, odd_sums& sums) {

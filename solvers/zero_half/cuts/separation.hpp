@@ -25,16 +25,16 @@ struct search_limits {
     bool continues_after_blossoms;
 };
 
-/// Normal effort is for a point that no search has seen. Thorough effort takes several times as long
-/// and finds more cuts, of greater variety: for a run whose bound does not rise.
+/// Normal effort is for a point that no search has seen. Thorough effort takes several times as
+/// long and finds more cuts, of greater variety: for a run whose bound does not rise.
 enum class effort { normal, thorough };
 
 struct separation_options {
     search_limits normal = {5, 10, 1, 3, 40, false};
     search_limits thorough = {10, 40, 10, 5, 100, true};
     std::size_t most_cuts = 1000;
-    /// The most entries that the rows of the sums of a call may have, as a multiple of the entries of the
-    /// model.
+    /// The most entries that the rows of the sums of a call may have, as a multiple of the entries
+    /// of the model.
     std::size_t most_entries = 5;
     /// The greedy search is used where nothing else finds a cut, in systems with at most this many
     /// rows.
