@@ -1,11 +1,17 @@
 #!/usr/bin/env python3
-"""Sees check_readme.py accept a true page and refuse each way in which a page can drift."""
+"""Tests that check_readme.py accepts a correct page and refuses each kind of incorrect page."""
 
+import contextlib
+import io
 import pathlib
 import subprocess
 import sys
 import tempfile
+import types
 import unittest
+from unittest import mock
+
+import check_readme
 
 CHECK = pathlib.Path(__file__).with_name("check_readme.py")
 
@@ -61,13 +67,22 @@ class CheckReadme(unittest.TestCase):
         path.chmod(0o755)
         return path
 
-    def drift(self, old, new):
+    def replace_in_page(self, old, new):
         self.assertIn(old, PAGE)
         self.page = self.write("page.md", PAGE.replace(old, new))
 
     def run_check(self, check, *arguments):
-        return subprocess.run([sys.executable, CHECK, check, *map(str, arguments)],
-                              capture_output=True, text=True, check=False)
+        """Runs a check in this process, which is faster. The result is that of a program."""
+        error, status = io.StringIO(), 0
+        command = [str(CHECK), check, *map(str, arguments)]
+        with mock.patch.object(sys, "argv", command), contextlib.redirect_stderr(error):
+            try:
+                check_readme.main()
+            except SystemExit as end:
+                # Python prints a sentence given to sys.exit, and ends with status 1.
+                status = 1
+                error.write(f"{end.code}\n")
+        return types.SimpleNamespace(returncode=status, stderr=error.getvalue())
 
     def accepted(self, check, *arguments):
         ran = self.run_check(check, self.page, *arguments)
@@ -83,23 +98,23 @@ class CheckReadme(unittest.TestCase):
         self.assertEqual((self.folder / "code.cpp").read_text(encoding="utf-8"), CODE)
 
     def test_source_is_extracted_and_needs_no_output(self):
-        self.drift("<!-- program greet -->", "<!-- source part -->")
+        self.replace_in_page("<!-- program greet -->", "<!-- source part -->")
         self.accepted("extract", "part", self.folder / "code.cpp")
         self.assertEqual((self.folder / "code.cpp").read_text(encoding="utf-8"), CODE)
         self.accepted("marks")
 
-    def test_code_that_is_the_source(self):
+    def test_code_equal_to_the_source(self):
         self.accepted("source", "greet", self.write("code.cpp", CODE))
 
-    def test_drifted_code(self):
+    def test_code_that_differs(self):
         code = self.write("code.cpp", CODE)
-        self.drift("int main() {}", "int main() { }")
+        self.replace_in_page("int main() {}", "int main() { }")
         self.refused("is not ", "source", "greet", code)
 
-    def test_output_that_is_true(self):
+    def test_correct_output(self):
         self.accepted("output", "greet", self.program("echo hello"))
 
-    def test_drifted_output(self):
+    def test_output_that_differs(self):
         self.refused("prints something else", "output", "greet", self.program("echo Hello"))
 
     def test_output_of_a_program_with_arguments(self):
@@ -111,37 +126,37 @@ class CheckReadme(unittest.TestCase):
     def test_program_that_fails(self):
         self.refused("ended with status 3", "output", "greet", self.program("echo hello; exit 3"))
 
-    def test_program_that_complains(self):
+    def test_program_that_prints_errors(self):
         self.refused("standard error: oh", "output", "greet",
                      self.program("echo hello; echo oh >&2"))
 
     def test_unknown_block(self):
         self.refused("0 blocks marked 'output other'", "output", "other", self.program("true"))
 
-    def test_block_that_is_there_twice(self):
+    def test_duplicate_block(self):
         self.page = self.write("page.md", PAGE + PAGE)
         self.refused("2 blocks marked 'output greet'", "output", "greet", self.program("true"))
 
-    def test_marks_that_are_complete(self):
+    def test_complete_marks(self):
         self.accepted("marks")
 
     def test_cpp_block_without_a_mark(self):
-        self.drift("<!-- program greet -->\n", "")
+        self.replace_in_page("<!-- program greet -->\n", "")
         self.refused("not marked as a program", "marks")
 
     def test_python_block_without_a_mark(self):
-        self.drift("prints\n", "prints\n\n```py\nprint()\n```\n")
+        self.replace_in_page("prints\n", "prints\n\n```py\nprint()\n```\n")
         self.refused("not marked as a program", "marks")
 
     def test_program_without_its_output(self):
-        self.drift("<!-- output greet -->\n", "")
+        self.replace_in_page("<!-- output greet -->\n", "")
         self.refused("0 blocks marked 'output greet'", "marks")
 
     def test_mark_without_a_block(self):
-        self.drift("prints\n", "<!-- program other -->\nprints\n")
+        self.replace_in_page("prints\n", "<!-- program other -->\nprints\n")
         self.refused("a mark without a block", "marks")
 
-    def test_modules_that_agree(self):
+    def test_equal_modules(self):
         self.accepted("modules", self.write("exports.golden", EXPORTS))
 
     def test_module_that_is_not_in_the_table(self):
@@ -159,7 +174,7 @@ class CheckReadme(unittest.TestCase):
         self.refused("the preset fuzz", "presets", self.write(
             "presets.json", PRESETS.replace('"plain"', '"fuzz"')))
 
-    def test_gates_that_agree(self):
+    def test_equal_gates(self):
         self.accepted("gates", self.write("script", GATES))
 
     def test_gate_that_is_not_in_the_table(self):
@@ -169,14 +184,23 @@ class CheckReadme(unittest.TestCase):
     def test_gate_that_is_not_run(self):
         self.refused("differ in all-is-well", "gates", self.write("script", ""))
 
-    def test_arguments_that_make_no_sense(self):
+    def test_wrong_arguments(self):
         for arguments in ((), ("output",), ("nothing", self.page), ("output", self.page),
                           ("marks", self.page, "more")):
             ran = self.run_check(*arguments) if arguments else self.run_check("")
             self.assertEqual(ran.returncode, 1)
             self.assertIn("usage:", ran.stderr)
 
-    def test_page_that_is_not_there(self):
+    def test_the_program_itself(self):
+        """The only test that starts check_readme.py as a program."""
+        for page, status, reason in ((PAGE, 0, ""), (PAGE + PAGE, 1, "check_readme: ")):
+            ran = subprocess.run(
+                [sys.executable, CHECK, "output", self.write("page.md", page), "greet",
+                 self.program("echo hello")], capture_output=True, text=True, check=False)
+            self.assertEqual(ran.returncode, status)
+            self.assertEqual(ran.stderr[:len("check_readme: ")], reason)
+
+    def test_missing_page(self):
         self.page = self.folder / "nowhere.md"
         self.refused("cannot read", "marks")
 

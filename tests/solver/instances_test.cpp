@@ -2,6 +2,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 
 #include <unistd.h>
@@ -15,6 +16,7 @@
 #include "solver/instances.hpp"
 #include "solver/integer_solver.hpp"
 #include "solver/replay.hpp"
+#include "support/scale.hpp"
 #include "zktarn_standin/control.hpp"
 
 namespace zero_half::testing {
@@ -46,6 +48,11 @@ std::string test_name(const ::testing::TestParamInfo<std::string>& info) {
     return stem_of(info.param);
 }
 
+/// Whether this build scales cases down and the test takes long for this model.
+bool is_left_out(const std::string& file, const std::set<std::string>& models_that_take_long) {
+    return zktarn::testing::scaled(100) < 100 && models_that_take_long.contains(stem_of(file));
+}
+
 class Instance : public ::testing::TestWithParam<std::string> {
 protected:
     /// With an optimum the run ends when the bound reaches it, so it may need no cut.
@@ -71,6 +78,9 @@ double activity(const row_pool& pool, std::size_t row, const std::vector<double>
 } // namespace
 
 TEST_P(Instance, HasValidCutsByExactDerivation) {
+    if (is_left_out(GetParam(), {"10teams", "lseu", "misc03", "p0282"})) {
+        GTEST_SKIP() << "derives many cuts in rational arithmetic";
+    }
     const model program = read_model(GetParam());
     const auto best = solve_by_branching(program);
     ASSERT_TRUE(best.has_value());
@@ -97,6 +107,9 @@ TEST_P(Instance, ClosesTheRequiredPartOfTheGap) {
 }
 
 TEST_P(Instance, HasTheSameOptimumWhenWrittenWithItsCuts) {
+    if (is_left_out(GetParam(), {"misc03", "stein27"})) {
+        GTEST_SKIP() << "the integer solver needs many nodes";
+    }
     model program = read_model(GetParam());
     run_options options;
     options.show = display::off;
