@@ -61,7 +61,8 @@ def build_package(prefix, jobs):
         generator = ["-G", "Ninja"] if shutil.which("ninja") else []
         run("cmake", "-S", str(ROOT), "-B", build, *generator,
             "-DCMAKE_BUILD_TYPE=Release", f"-DPython_EXECUTABLE={sys.executable}",
-            "-DZKTARN_PYTHON=ON", "-DZKTARN_C=OFF", "-DZKTARN_INSTALL=OFF", "-DZKTARN_WERROR=OFF")
+            "-DZKTARN_PYTHON=ON", "-DZKTARN_PYTHON_INSTALL_DIR=.", "-DZKTARN_C=OFF",
+            "-DZKTARN_INSTALL=OFF", "-DZKTARN_WERROR=OFF")
         run("cmake", "--build", build, "--target", "zktarn_python", "--parallel", str(jobs))
         run("cmake", "--install", build, "--component", "python", "--prefix", str(prefix))
 

@@ -24,10 +24,7 @@ rm -rf "$stage"
 mkdir -p "$stage/debian"
 everything=$stage/everything
 DESTDIR=$everything "$cmake" --install "$build" >/dev/null
-# Python's modules have a folder of Debian's own; the library in there is that of libzktarn-util1, next to
-# the libraries of the Python host.
-rm -r "$everything/usr/zktarn"
-DESTDIR=$everything "$cmake" --install "$build" --component python --prefix /usr/lib/python3/dist-packages >/dev/null
+# The library in Python's package is that of libzktarn-util1, next to the libraries of the Python host.
 python=$everything/usr/lib/python3/dist-packages/zktarn
 rm "$python/LICENSE"
 ln -sf "../../../../$(dpkg-architecture -qDEB_HOST_MULTIARCH)/libzktarn_util.so.1" "$python/_lib/libzktarn_util.so.1"

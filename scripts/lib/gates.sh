@@ -1,11 +1,11 @@
 # shellcheck shell=bash
 # shellcheck disable=SC2154 # root, build_dir and log_dir are set by setup.sh, jobs by its caller
 #
-# The gates: what each needs, guarantees and does. A gate is a function that fails when its guarantee
-# is broken; it runs in the root of the project with -e set and its output in a log.
+# The gates. A gate is a function that fails if its guarantee does not hold. scripts/test runs it in the root
+# of the project, with -e set, and writes its output to a log.
 
 # name | loop | parts of scripts/lib/packages | guarantee
-# The gates of the short loop are those of a person at work; --all runs every one, in this order.
+# scripts/test runs the gates of the short loop, scripts/test --all every gate, in this order.
 gates='
 format     | short | format                        | C++ formatted, scripts clean
 gcc        | short | library solver tests          | GCC: no warning, tests and binary interface
@@ -34,7 +34,7 @@ fresh      | all   | fresh                         | the demo and the tests run 
 on_mac=false
 [ "$(uname)" = Darwin ] && on_mac=true
 
-# Gates that do not run on a Mac, because they need tools or a system that it does not have.
+# Gates that need tools or a system that a Mac does not have.
 not_on_mac=" valgrind arm64 mutation docs workflows packages fresh "
 
 # gate_field NAME COLUMN: the loop (2), the parts (3) or the guarantee (4) of a gate.
@@ -50,7 +50,7 @@ gate_names() {
         done
 }
 
-# The compiler that has sanitizers and condition coverage.
+# The compiler for builds with sanitizers or condition coverage.
 instrumenting_clang() {
     $on_mac && { echo "$(brew --prefix llvm)/bin/clang++" && return; }
     echo clang++-19
@@ -122,14 +122,14 @@ gate_checked() {
 # Under a sanitizer, runs one random case in ten.
 gate_asan_ubsan() {
     local -x ZKTARN_TEST_SCALE=0.1
-    # The Fortran linker does not know the runtime of Clang's sanitizers.
+    # A Fortran program does not link with the runtime of Clang's sanitizers.
     build asan-ubsan -DCMAKE_CXX_COMPILER="$(instrumenting_clang)" -DZKTARN_FORTRAN=OFF
     # One program leaks on purpose, the other in the LP reader of another library.
     run_tests asan-ubsan --exclude-regex '^(tutorials[.]leak|solver[.]command_line)$'
 }
 
-# Threads may share the stand-in. They must not share the objects of the library that the tests
-# name; the sanitizer has to report each. Death tests fork, which the sanitizer does not support.
+# Threads may share the stand-in, but not the objects of the library in the list below: the sanitizer has to
+# report a data race for each. It does not support death tests, which fork.
 gate_tsan() {
     configure tsan -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
     make_targets tsan standin_test library_threads_test
@@ -144,7 +144,7 @@ gate_tsan() {
 # test_program PRESET NAME: its path.
 test_program() { find "$build_dir/$1/tests" -type f -name "$2" -perm -u+x; }
 
-# reports_race_of OBJECT: the test that shares one between threads has to fail with a data race.
+# reports_race_of OBJECT: fails unless the sanitizer reports a data race in the test that shares OBJECT.
 reports_race_of() {
     local output
     if output=$("$(test_program tsan library_threads_test)" --gtest_also_run_disabled_tests \
@@ -167,14 +167,14 @@ gate_coverage() {
     clang=$(instrumenting_clang)
     rm -rf "$build_dir/coverage/profiles"
     local -x LLVM_PROFILE_FILE=$build_dir/coverage/profiles/%p-%m.profraw ZKTARN_TEST_SCALE=0.1
-    # A program of Fortran alone has no profile, and the profiler's runtime does not link into it.
+    # The runtime of the profiler does not link into a Fortran program.
     build_and_test coverage -DCMAKE_CXX_COMPILER="$clang" -DZKTARN_FORTRAN=OFF \
         -DCMAKE_CXX_COMPILER_LAUNCHER="$root/tools/coverage/measured.sh"
     unset LLVM_PROFILE_FILE
     python3 tools/coverage/report.py --build "$build_dir/coverage" --compiler "$clang"
 }
 
-# Runs each fuzzer for a minute from its seeds, and leaves the seeds unchanged.
+# Runs each fuzzer for a minute, starting from its seeds, which it does not change.
 gate_fuzz() {
     configure fuzz -DCMAKE_CXX_COMPILER="$(instrumenting_clang)"
     make_targets fuzz fuzzers
@@ -266,8 +266,8 @@ python_types() {
         --config-file bindings/python/pyproject.toml --package zktarn
 }
 
-# The first Python of PATH may be another one than the package is built for. If it can load the same
-# NumPy, the tests run in it, too.
+# The first Python on PATH may differ from the one that the package is built for. If it can load the same
+# NumPy, it runs the tests too.
 other_python_tests() {
     local other packages
     other=$(command -v python3)
@@ -304,8 +304,7 @@ gate_tools() {
     python3 tools/mutation/tool_test.py --cmake "$(command -v cmake)" --compiler g++
 }
 
-# A sample of the faults that tools/mutation can make, always the same one, so that a failure can be
-# reproduced.
+# The seed is fixed, so that every run tries the same sample of faults and a failure can be reproduced.
 gate_mutation() {
     build gcc
     python3 tools/mutation/mutate.py --build "$build_dir/gcc" --jobs "$jobs" --sample 60 --seed 20261121 \

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# What the commands share: finding the project and its build folder, keeping a second run out of it, and
-# setting a machine up. The machine's own bash of macOS is 3.2, so nothing newer is used.
+# Shared by the scripts: paths of the project and of the build folder, the lock of the build folder, and the
+# installation of packages. Uses no feature newer than bash 3.2, the version of macOS.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 command_line="$(basename "$0") $*"
@@ -9,16 +9,16 @@ build_dir=${ZKTARN_BUILD_DIR:-$root/build}
 log_dir=$build_dir/logs
 packages=$root/scripts/lib/packages
 export root build_dir log_dir
-# Python keeps what it has compiled beside the sources unless it has another place for it.
+# Otherwise Python writes compiled files beside the sources.
 export PYTHONPYCACHEPREFIX=$build_dir/pycache
 
-# Ends the script with one sentence on standard error.
+# fail SENTENCE: prints it on standard error and ends the script with status 1.
 fail() {
     echo "$(basename "$0"): $*" >&2
     exit 1
 }
 
-# A path as the reader would type it.
+# short PATH: relative to the current folder if the path is inside of it.
 short() {
     [[ $1 == "$PWD"/* ]] && echo "${1#"$PWD"/}" || echo "$1"
 }
@@ -53,7 +53,7 @@ can_be_root() {
     command -v sudo >/dev/null && { sudo -n true 2>/dev/null || [ -t 0 ]; }
 }
 
-# Installs the Debian packages that are missing. If none is, apt is not run.
+# install_debian PACKAGE...: installs those that are missing. Runs apt only if one is.
 install_debian() {
     local missing=() package
     for package in "$@"; do
@@ -61,7 +61,7 @@ install_debian() {
             missing+=("$package")
     done
     [ ${#missing[@]} -gt 0 ] || return 0
-    can_be_root || fail "packages are missing, and this user can be root neither directly nor by sudo; root has to run
+    can_be_root || fail "packages are missing, and this user is neither root nor allowed to use sudo; root has to run
     apt-get update && apt-get install --no-install-recommends ${missing[*]}"
     echo "Installing ${missing[*]}"
     { as_root apt-get update -q &&
@@ -71,8 +71,7 @@ install_debian() {
 }
 
 # install_npm MANIFEST FOLDER: installs into FOLDER the npm packages that the lock file in the folder
-# MANIFEST pins, unless they are there. It runs no script of the packages, and needs no node except
-# npm's.
+# MANIFEST pins, unless they are installed. Runs no script of the packages.
 install_npm() {
     local lock=package-lock.json log=$log_dir/setup.log
     cmp -s "$1/$lock" "$2/installed.json" && return
@@ -86,7 +85,7 @@ install_npm() {
     cp "$1/$lock" "$2/installed.json"
 }
 
-# Installs the Homebrew formulae that are missing.
+# install_homebrew FORMULA...: installs those that are missing.
 install_homebrew() {
     local missing=() package
     command -v brew >/dev/null || fail "on a Mac this needs Homebrew"
@@ -99,7 +98,7 @@ install_homebrew() {
         { tail -n 20 "$log_dir/setup.log" >&2 && fail "brew could not install ${missing[*]}"; }
 }
 
-# set_up PART...: installs what these parts need, of the parts in scripts/lib/packages.
+# set_up PART...: installs the packages that scripts/lib/packages lists for these parts.
 set_up() {
     local names
     if command -v apt-get >/dev/null; then

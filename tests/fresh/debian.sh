@@ -10,7 +10,7 @@ archives=$work/archives
 skip() { echo "skipped: $*" && exit 77; }
 remove() { rm -rf --one-file-system "$@"; }
 
-# machine_can: skips where this machine cannot make such a system.
+# machine_can: ends the script with status 77 if this machine cannot make such a system.
 machine_can() {
     local tool
     [ "$(uname)" = Linux ] || skip "a bare Debian needs Linux"
@@ -18,12 +18,12 @@ machine_can() {
     for tool in apt-get debootstrap git unshare; do
         command -v "$tool" >/dev/null || skip "making a bare Debian needs $tool"
     done
-    unshare --mount --pid --fork true 2>/dev/null || skip "this machine does not allow mounts of its own"
+    unshare --mount --pid --fork true 2>/dev/null || skip "this machine does not allow new mount namespaces"
     [ -n "$(sources)" ] || apt-get update -q
     mirror=$(sources | awk -v name="$codename" '$2 == name { print $1; exit }')
     [ -n "$mirror" ] || skip "this machine's apt has no source of Debian $codename"
 
-    # The proxies of apt's settings serve debootstrap too, which reads the environment.
+    # debootstrap takes proxies from the environment: those of apt's settings.
     eval "$(apt-config shell http_proxy Acquire::http::Proxy https_proxy Acquire::https::Proxy)"
     network=()
     local name
@@ -40,7 +40,7 @@ sources() {
         awk -v name="$codename" '$1 == "Debian" && index($2, name) == 1 { print $3, $4, $5 }'
 }
 
-# unpack ROOT: a bare system there, which is made first unless an earlier run has.
+# unpack ROOT: unpacks a bare system into ROOT. The first run makes the base system.
 unpack() {
     if [ ! -s "$base" ]; then
         echo "Making the base system"
@@ -59,12 +59,12 @@ unpack() {
     sources | sed 's/^/deb /' >"$1/etc/apt/sources.list"
     apt-config dump | grep -i '^Acquire::' >"$1/etc/apt/apt.conf.d/90machine" || true
     cp -L /etc/resolv.conf /etc/hosts "$1/etc/"
-    # The whole system is thrown away, so nothing is gained by waiting for the disk.
+    # The system is temporary, so dpkg need not wait for the disk.
     echo force-unsafe-io >"$1/etc/dpkg/dpkg.cfg.d/unsafe-io"
 }
 
-# inside ROOT FOLDER COMMAND: runs it in a folder of that system, in namespaces of its own, with nothing
-# of this environment.
+# inside ROOT FOLDER COMMAND: runs COMMAND in FOLDER of that system, in new namespaces and with an empty
+# environment except for the network settings.
 inside() {
     # shellcheck disable=SC2016 # the inner shell's own
     unshare --mount --pid --fork --kill-child env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \

@@ -3,16 +3,16 @@
 set -euo pipefail
 
 usage="Usage: fresh.sh [--without PACKAGE]... [--keep] FOLDER [COMMAND...]
-Unpacks a minimal Debian 12 into FOLDER/root, clones this checkout into it, uncommitted changes
-included, and runs each COMMAND there: scripts/demo and scripts/test when none is given. Mirror and
-network settings are those of this machine's apt. FOLDER keeps the base system and the packages, so
-that the next run downloads less.
+Unpacks a minimal Debian 12 into FOLDER/root, clones this checkout into it, uncommitted changes included, and
+runs each COMMAND there: by default scripts/demo, and scripts/test with a tenth of the random cases. Mirror and
+network settings are those of this machine's apt. FOLDER keeps the base system and the packages, so that the
+next run downloads less.
 
-  --without PACKAGE  takes PACKAGE out of the clone's list of packages first; a command that needs it
-                     then has to fail
-  --keep             leaves FOLDER/root there
+  --without PACKAGE  removes PACKAGE from the clone's list of packages first, to see that a command that
+                     needs it fails
+  --keep             keeps FOLDER/root
 
-Exit status: 0 every command succeeded, 1 one failed, 77 this machine cannot do it."
+Exit status: 0 every command succeeded, 1 one failed, 77 this machine cannot make a bare Debian."
 
 without=()
 keep=false
@@ -36,14 +36,15 @@ mkdir -p "$1" || fail "cannot make the folder $1"
 work=$(cd "$1" && pwd)
 shift
 commands=("$@")
-[ $# -gt 0 ] || commands=(scripts/demo scripts/test)
+# One random case in ten: gate gcc runs them all, with the same compiler.
+[ $# -gt 0 ] || commands=(scripts/demo "env ZKTARN_TEST_SCALE=0.1 scripts/test")
 checkout=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 
 # shellcheck source=tests/fresh/debian.sh
 source "$checkout/tests/fresh/debian.sh"
 machine_can
 root=$work/root
-# Whatever ends this script ends the commands and their mounts as well; only files are left.
+# The commands and their mounts end with this script, because they have their own namespaces. Files stay.
 trap '$keep || remove "$root"' EXIT
 trap 'exit 1' INT TERM HUP
 unpack "$root"
@@ -59,7 +60,7 @@ for package in ${without[@]+"${without[@]}"}; do
     awk -v package="$package" '$2 != package { print } $2 == package { found = 1 } END { exit !found }' \
         "$list" >"$work/packages" || fail "scripts/lib/packages does not list $package"
     cp "$work/packages" "$list"
-    echo "$package is taken out of scripts/lib/packages"
+    echo "removed $package from scripts/lib/packages"
 done
 
 rows=()
@@ -70,8 +71,8 @@ for command in "${commands[@]}"; do
     start=$SECONDS
     verdict=passed
     inside "$root" /root/project "$command" || { verdict=FAILED && failed=$((failed + 1)); }
-    rows+=("$(printf '%-30s  %-7s  %5d s' "$command" "$verdict" $((SECONDS - start)))")
+    rows+=("$(printf '%-38s  %-7s  %5d s' "$command" "$verdict" $((SECONDS - start)))")
 done
-printf '\n%-30s  %-7s  %7s\n' "on a bare Debian 12" verdict time
+printf '\n%-38s  %-7s  %7s\n' "on a bare Debian 12" verdict time
 printf '%s\n' "${rows[@]}"
 [ "$failed" -eq 0 ]

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Plays one scenario of a project that uses the library from outside."""
+"""Runs one scenario: a project outside of the source tree uses the installed library."""
 
 import argparse
 import os
@@ -17,7 +17,7 @@ add_executable(consumer main.cpp)
 target_link_libraries(consumer PRIVATE {libraries})
 """
 
-# Asks for what does not exist without insisting on it.
+# Requests a component that does not exist, without REQUIRED.
 ASKING = """
 cmake_minimum_required(VERSION 3.24)
 project(consumer LANGUAGES NONE)
@@ -39,7 +39,7 @@ target_link_libraries(consumer_static PRIVATE zktarn::util_static zktarn::standi
 install(TARGETS consumer consumer_static)
 """
 
-# Makes and frees a vector, and ends with status 0 when the host has everything back.
+# Allocates and frees a vector. Status 0: both requests succeeded and no block is left.
 MAIN = """
 #include "zktarn/zktarn_util.hpp"
 #include "zktarn_standin/control.hpp"
@@ -68,12 +68,12 @@ int main() {
 
 DEFINITION_MAIN = """
 #ifndef ZKTARN_CHECKED
-#error "the package does not say that it is checked"
+#error "the package does not define ZKTARN_CHECKED"
 #endif
 """ + MAIN
 
 
-# The host has no record for the first request, so vector_alloc fails; the second one succeeds.
+# The first allocation of a record fails, and with it vector_alloc; the second one succeeds.
 RECORDS_MAIN = """
 #include "zktarn/zktarn_util.hpp"
 #include "zktarn_standin/records.hpp"
@@ -93,7 +93,7 @@ int main() {
 }
 """
 
-# The checks of a host as its author runs them, inside a process of his own.
+# The conformance checks, called by the program of a host's author.
 CHECKS_MAIN = """
 #include "zktarn_conformance/check_host.hpp"
 
@@ -131,7 +131,7 @@ class Scenarios:
         return ran.stdout
 
     def install(self, build=None, component=None):
-        """Installs and moves the tree, so that nothing can be found where it was put at first."""
+        """Installs and moves the tree: a file that refers to the first place is then found broken."""
         first = self.work / "first"
         moved = self.work / "moved"
         command = [self.cmake, "--install", build or self.build, "--prefix", first]
@@ -164,7 +164,7 @@ class Scenarios:
     def refused(self, configured, *reasons):
         said = " ".join((configured.stdout + configured.stderr).split())
         if configured.returncode == 0:
-            fail("was accepted")
+            fail("was accepted, but has to be refused")
         for reason in reasons:
             if reason not in said:
                 fail(f"was refused, but not because of '{reason}':\n{said}")
@@ -195,7 +195,7 @@ class Scenarios:
                      "Component 'host' is not installed in", "Installed components: util, standin")
 
     def unknown_component_is_named(self):
-        """A project that can do without is answered by a variable."""
+        """Without REQUIRED a variable contains the message."""
         prefix = self.install()
         asked = self.configure(ASKING, "", f"-DCMAKE_PREFIX_PATH={prefix}")
         said = " ".join((asked.stdout + asked.stderr).split())
@@ -217,7 +217,7 @@ class Scenarios:
         self.build_and_run(self.consume(main=VERSION_MAIN, libraries=libraries))
 
     def older_language(self):
-        """C++17 ends in one sentence, with the installed headers and with those of the source."""
+        """Compiling as C++17 gives one error, with the installed headers and with those of the source."""
         program = self.work / "main.cpp"
         program.write_text('#include "zktarn/zktarn_util.hpp"\n\nint main() {}\n')
         compilers = {self.compiler, *filter(shutil.which, ("g++", "clang++"))}
@@ -230,7 +230,7 @@ class Scenarios:
                 self.must(compiler, "-std=c++20", f"-I{headers}", "-fsyntax-only", program)
 
     def documentation(self):
-        """The pages are installed, and those that the first page refers to are among them."""
+        """The pages are installed, among them those that README.md refers to."""
         pages = self.install() / "share/doc/zktarn_util"
         for name in ("README.md", "CHANGELOG.md", "SECURITY.md", "LICENSE", "standin/README.md"):
             if not (pages / name).is_file() or not (pages / name).read_text(encoding="utf-8"):
@@ -286,7 +286,7 @@ class Scenarios:
         project = self.work / "consumer"
         first, moved = self.work / "first", self.work / "moved"
         self.must(self.cmake, "--install", project / "build", "--prefix", first)
-        # Nothing is found in the build or where the programs were installed at first.
+        # Nothing is left in the build or in the first place of the installation.
         shutil.rmtree(project)
         first.rename(moved)
         self.must(moved / "bin/consumer")
@@ -327,7 +327,7 @@ class Scenarios:
         self.build_and_check(CHECKS_MAIN)
 
     def conformance_without_standin(self):
-        """The author of a host needs no other host."""
+        """The checks compile where no host is installed."""
         for component in ("util", "conformance"):
             self.must(self.cmake, "--install", self.build, "--prefix", self.work / "first",
                       "--component", component)
@@ -339,13 +339,14 @@ class Scenarios:
                   "CMakeFiles/consumer.dir/main.cpp.o")
 
     def checked_definition(self):
-        """A checked build says so to whoever uses it, and an ordinary one does not."""
+        """The package of a checked build defines ZKTARN_CHECKED for its users, that of an ordinary build
+        does not."""
         self.refused_definition()
         shutil.rmtree(self.work / "moved")
         shutil.rmtree(self.work / "consumer")
         checked = self.work / "checked"
         self.must(self.cmake, "-S", self.source, "-B", checked, "-G", "Ninja",
-                  "-DZKTARN_CHECKED=ON", f"-DCMAKE_CXX_COMPILER={self.compiler}")
+                  "-DZKTARN_CHECKED=ON", "-DZKTARN_C=OFF", f"-DCMAKE_CXX_COMPILER={self.compiler}")
         self.must(self.cmake, "--build", checked)
         prefix = self.install(build=checked)
         self.build_and_run(self.consume(prefix=prefix, main=DEFINITION_MAIN))
@@ -354,8 +355,8 @@ class Scenarios:
     def refused_definition(self):
         configured = self.consume(main=DEFINITION_MAIN)
         built = self.run(self.cmake, "--build", self.work / "consumer/build")
-        if configured.returncode != 0 or "does not say that it is checked" not in built.stdout:
-            fail("an ordinary build says that it is checked")
+        if configured.returncode != 0 or "does not define ZKTARN_CHECKED" not in built.stdout:
+            fail("the package of an ordinary build defines ZKTARN_CHECKED")
 
 
 def main():

@@ -122,7 +122,7 @@ rational exact_lp::reduced_cost(std::size_t k, const std::vector<rational>& obje
     return sum;
 }
 
-/// How far nonbasic variable k can move, and what stops it; nothing when nothing does.
+/// The ratio test: how far nonbasic variable k can move, and what limits it. Nothing: unbounded.
 std::optional<exact_lp::step> exact_lp::longest_step(std::size_t k, bool is_rising) const {
     std::optional<step> longest;
     const exact_range& own = at(nonbasic_[k]).range;

@@ -7,7 +7,7 @@
 namespace zero_half::testing {
 
 /// The linear relaxation of a model, solved in rational arithmetic by the simplex method with
-/// Bland's rule, so each call ends. For a few rows and columns: the tableau is dense.
+/// Bland's rule, which rules out cycling. The tableau is dense, so models must be small.
 class exact_lp {
 public:
     enum class outcome { optimal, infeasible, unbounded };
@@ -17,14 +17,14 @@ public:
     void set_range(int column, const exact_range& range);
     const exact_range& range(int column) const { return at(column).range; }
 
-    /// Finds a point in all ranges; false when there is none.
+    /// Finds a feasible point; false when there is none.
     bool make_feasible();
-    /// Minimises, starting from the last point.
+    /// Minimises, starting at the current point.
     outcome minimise(const std::vector<rational>& objective);
     const rational& value(int column) const { return at(column).value; }
 
 private:
-    /// A column, or behind the columns the activity of a row.
+    /// The number of a column, or the number of columns plus that of a row, for its activity.
     struct variable {
         exact_range range;
         rational value;
@@ -34,7 +34,7 @@ private:
         bool can_fall() const { return !range.lower || value > *range.lower; }
     };
     struct step {
-        /// The row of the tableau that stops the step; nothing when the variable's own range does.
+        /// The row of the tableau that limits the step; none if the variable's own range does.
         std::optional<std::size_t> row;
         rational length;
     };

@@ -6,7 +6,7 @@ namespace {
 
 using boost::multiprecision::cpp_int;
 
-/// The decimal that equals the number, whose denominator divides a power of ten.
+/// The number as a decimal. Precondition: its denominator divides a power of ten.
 std::string text_of(const rational& number) {
     cpp_int digits = abs(numerator(number));
     cpp_int divisor = denominator(number);

@@ -8,9 +8,9 @@
 namespace zero_half::testing {
 
 /// Small random models of many kinds: odd structures on graphs, knapsacks, fixed charges, parity
-/// equations, and rows without structure. They have integer, continuous and free columns, negative
+/// equations, and unstructured rows. They have integer, continuous and free columns, negative
 /// bounds, equations, ranges, decimals, large numbers and maximisation; some have no feasible
-/// point, no integer point, or no bound. Every number is a decimal of a few digits.
+/// point, no integer point, or are unbounded. Every number is a decimal of a few digits.
 class model_generator {
 public:
     explicit model_generator(unsigned seed) : random_(seed) {}

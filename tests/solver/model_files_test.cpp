@@ -1,8 +1,9 @@
-// The solver from a file to its statements, against branch and bound in rational arithmetic. The
-// decimals of the file are the model: what is true of their doubles only is a fault.
+// Compares what the solver states about a model file with branch and bound in rational arithmetic.
+// The model is what the decimals of the file say: a statement that holds only for the doubles
+// nearest to them is an error.
 //
 // ZKTARN_TEST_SCALE=10 ZKTARN_TEST_SEED=2 solver_model_files_test checks 10,000 other models and
-// prints what was seen. A failure prints its model.
+// prints how often each kind occurred. A failure prints its model.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -27,19 +28,19 @@ namespace {
 
 using state = exact_verdict::state;
 
-/// How often each thing was seen, to know that the models are of many kinds.
+/// How often each kind occurred, which shows that the models are of many kinds.
 using counts = std::map<std::string, int>;
 
 double value_of(const rational& number) {
     return static_cast<double>(number);
 }
 
-/// What floating-point numbers may add to a proven bound.
+/// The tolerance for a proven bound, because the solver computes in floating point.
 double margin(double value) {
     return 1e-7 * (1.0 + std::fabs(value));
 }
 
-/// Whether a number of the rows is beyond what the solver reads.
+/// Whether a coefficient or a side is too large for the solver.
 bool has_huge_number(const exact_model& model) {
     const rational most = rational(1'000'000'000) * 1'000'000;
     const auto is_huge = [&](const std::optional<rational>& number) {
@@ -58,7 +59,7 @@ bool has_huge_number(const exact_model& model) {
     return false;
 }
 
-/// Each sentence of an error has to be true of the model.
+/// Checks that the sentence of an error is true for the model.
 void check_sentence(const std::string& sentence, const exact_model& model,
                     const exact_verdict& exact, counts& seen) {
     if (sentence.find("no feasible point") != std::string::npos) {
@@ -100,7 +101,7 @@ void check_values(const exact_model& model, const run_result& run, const exact_v
             EXPECT_NEAR(*run.bound, value, 10.0 * margin(value)) << "called integral";
         }
     }
-    // Every number bounds a program without points, but none bounds an unbounded one.
+    // Any number bounds an infeasible model; no number bounds an unbounded one.
     if (run.first_bound) {
         EXPECT_NE(exact.relaxation, state::unbounded) << "bound " << *run.first_bound;
     }
@@ -130,7 +131,7 @@ void check(const exact_model& model, const std::string& file, counts& seen) {
     seen["integer program not decided"] += exact.integer == state::unknown ? 1 : 0;
 }
 
-/// The best value of all points of a model.
+/// The best objective value of all integer points of a model.
 struct enumeration {
     std::optional<rational> best;
 };
@@ -149,8 +150,8 @@ bool is_feasible(const exact_model& model, const std::vector<rational>& point) {
     });
 }
 
-/// Goes through all points between the bounds. Nothing for a model with a column that is not an
-/// integer or has no bound, or with many points.
+/// Enumerates all integer points between the bounds. Nothing for a model with a continuous or
+/// unbounded column, or with too many points.
 std::optional<enumeration> enumerate(const exact_model& model) {
     rational points = 1;
     std::vector<rational> point;
@@ -220,7 +221,7 @@ private:
 
 } // namespace
 
-TEST_F(ModelFiles, GetNoInvalidCutNoFalseBoundAndNoFalseSentence) {
+TEST_F(ModelFiles, HaveOnlyValidCutsValidBoundsAndTrueMessages) {
     const int trials = static_cast<int>(1000 * setting("ZKTARN_TEST_SCALE", 1.0));
     model_generator generator(static_cast<unsigned>(setting("ZKTARN_TEST_SEED", 1.0)));
     counts seen;
@@ -238,7 +239,7 @@ TEST_F(ModelFiles, GetNoInvalidCutNoFalseBoundAndNoFalseSentence) {
     EXPECT_LE(seen["error: not decided"], trials / 50);
 }
 
-TEST(ExactSearch, FindsTheOptimumThatEnumerationFinds) {
+TEST(ExactSearch, AgreesWithEnumeration) {
     model_generator generator(3);
     int compared = 0;
     for (int trial = 0; trial < 400; ++trial) {

@@ -97,7 +97,7 @@ void model_generator::add_graph(exact_model& model) {
     }
 }
 
-/// Sums of a few columns, each with twice a column of its own, equal to a number.
+/// Parity equations: a sum of a few columns plus twice a column of the row's own is a number.
 void model_generator::add_parity_equations(exact_model& model) {
     const int columns = 3 + below(4);
     const int rows = 1 + below(4);
@@ -137,7 +137,7 @@ void model_generator::add_knapsacks(exact_model& model, bool is_large) {
     }
 }
 
-/// Flows that integer columns admit, and a demand on their sum.
+/// Fixed charges: binary columns open flows, whose sum has to meet a demand.
 void model_generator::add_fixed_charges(exact_model& model) {
     const int arcs = 2 + below(3);
     exact_model::row demand;
@@ -163,7 +163,7 @@ void model_generator::set_objective(exact_model& model) {
     model.constant = one_in(4) ? decimal() : rational(0);
 }
 
-/// Takes some bounds away, and makes some equal.
+/// Removes some bounds, and fixes some columns.
 void model_generator::loosen_columns(exact_model& model) {
     for (exact_range& range : model.columns) {
         if (one_in(12)) {

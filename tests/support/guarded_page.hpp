@@ -11,7 +11,7 @@
 
 namespace zktarn::testing {
 
-/// A page of memory between two inaccessible ones, whose access ends the program.
+/// A page of memory between two inaccessible ones: an access to these ends the program.
 class guarded_page {
 public:
     guarded_page()
@@ -26,12 +26,12 @@ public:
     guarded_page& operator=(const guarded_page&) = delete;
 
     /// A copy of the integers at the beginning of the page.
-    std::int32_t* at_the_begin(const std::vector<std::int32_t>& all) const {
+    std::int32_t* at_begin(const std::vector<std::int32_t>& all) const {
         return copied(all, begin());
     }
 
     /// A copy of the integers at the end of the page.
-    std::int32_t* at_the_end(const std::vector<std::int32_t>& all) const {
+    std::int32_t* at_end(const std::vector<std::int32_t>& all) const {
         return copied(all, begin() + size_ - all.size() * sizeof all[0]);
     }
 

@@ -15,7 +15,7 @@ namespace zktarn::testing {
 using standin::host_call;
 using standin::operation;
 
-/// The calls that tests name most often.
+/// The calls that tests expect most often.
 inline host_call malloc_of(std::int64_t nbytes) {
     return {operation::qvMallocExOptim, {nbytes}};
 }
@@ -26,11 +26,11 @@ inline host_call assert_of(bool condition) {
     return {operation::assertOptim, {condition ? 1 : 0}};
 }
 
-/// Resets the stand-in, turns its call log on and fills new blocks. The destructor releases the
-/// blocks that a test does not release on purpose.
+/// Resets the stand-in, turns its call log on and fills new blocks. The destructor checks the live
+/// blocks for writes past their ends and releases them.
 class host_log {
 public:
-    /// Fills new blocks, which shows bytes that were not written.
+    /// The content of new blocks: a byte of this value was not written.
     static constexpr unsigned char fill = 0xA5;
 
     host_log() {

@@ -15,7 +15,7 @@ struct element {
     flag selected = 1;
 };
 
-/// A supplier of elements that records the requested indices in `calls`.
+/// A supplier of elements that records each requested index in `calls`.
 struct recorded_set {
     std::vector<element> elements;
     std::vector<std::int32_t> calls = {};

@@ -47,7 +47,7 @@ TEST(Cbstatusdata, IsFilledWithZeroBytes) {
     EXPECT_EQ(bytes_of(cbstatusdata{}), (std::array<unsigned char, sizeof(cbstatusdata)>{}));
 }
 
-TEST(Cbdata, HasItsDefaults) {
+TEST(Cbdata, HasTheDocumentedDefaults) {
     cbdata records[3];
     std::memset(static_cast<void*>(records), 0xA5, sizeof records);
     const auto untouched = bytes_of(records[0]);
@@ -239,7 +239,7 @@ TEST_F(Cbdatalist, CopiesAnEmptySlotWithoutAllocating) {
     EXPECT_EQ(live_records(), 0);
 }
 
-TEST_F(Cbdatalist, CopiesTheBytesOfAValueIntoStorageOfItsOwn) {
+TEST_F(Cbdatalist, CopiesTheBytesOfAValueIntoItsOwnStorage) {
     raw_list original;
     put_plain(*original);
     original->first_handle = 5;
@@ -339,7 +339,7 @@ TEST_F(Cbdatalist, SharesABlockThatIsNotOwned) {
 }
 
 TEST_F(Cbdatalist, TakesTheSizeFromATypeWithoutParameters) {
-    // A block that is present all the same does not supply the size.
+    // If a block is present anyway, its size is ignored.
     raw_list original;
     put_plain(*original);
     original->slot.parameters = make_block(1'000'000, 1);
@@ -385,7 +385,7 @@ TEST_F(Cbdatalist, DoesNotReleaseASharedBlockWithoutMemory) {
     ::operator delete(shared);
 }
 
-TEST_F(Cbdatalist, FinalisesByTheFinalProcedureIfPresent) {
+TEST_F(Cbdatalist, FinalisesByTheFinalProcedureWhenPresent) {
     raw_list list;
     put_owner(*list, 1, final_type);
     list->first_handle = 5;

@@ -16,7 +16,7 @@ using numbers = std::vector<double>;
 
 constexpr std::int64_t largest = std::numeric_limits<std::int64_t>::max();
 
-/// Every fault with arrays, by kind, sentence and answer, and that it has changed nothing.
+/// Each misuse of an array is a fault of one kind with one sentence, and changes no object.
 class ArrayFaults : public StandinTest {
 protected:
     void SetUp() override {
@@ -37,10 +37,10 @@ protected:
         StandinTest::TearDown();
     }
 
-    /// Every use of an array by its handle, and how the operation answers a bad one.
+    /// Passes the handle to every operation that takes one, and expects the fault of each.
     void use(array_handle array, const std::string& after_name, fault_kind kind) {
-        const auto expect = [&](operation by) {
-            expect_fault(kind, std::string(name(by)) + ": " + after_name);
+        const auto expect = [&](operation called) {
+            expect_fault(kind, std::string(name(called)) + ": " + after_name);
         };
         SCOPED_TRACE(after_name);
         set_field(array, 1, "x", scalar);
@@ -68,14 +68,14 @@ protected:
     std::size_t objects = 0;
 };
 
-TEST_F(ArrayFaults, AHandleThatWasNeverReturnedNamesNoArray) {
+TEST_F(ArrayFaults, AnUnknownHandleIsAFault) {
     for (const array_handle array : {array_handle{-1}, matrix + 1, largest}) {
         use(array, "the handle " + std::to_string(array) + " names no array",
             fault_kind::unknown_object);
     }
 }
 
-TEST_F(ArrayFaults, TheHandle0NamesNoArray) {
+TEST_F(ArrayFaults, Handle0IsAFault) {
     const std::string sentence = ": the handle 0 names no array";
     set_field(0, 1, "x", scalar);
     expect_fault(fault_kind::unknown_object, "qvsetfield800_" + sentence);
@@ -89,19 +89,19 @@ TEST_F(ArrayFaults, TheHandle0NamesNoArray) {
     expect_fault(fault_kind::unknown_object, "qvgetfieldnumber800_" + sentence);
     destroy(0);
     expect_fault(fault_kind::unknown_object, "qvdestroyarray800_" + sentence);
-    // Now an operation fails that others depend on.
+    // After a failed operation handle 0 is accepted.
     EXPECT_EQ(add_field(0, "x"), 0);
     expect_fault(fault_kind::unknown_object, "qvaddfield800_" + sentence);
     EXPECT_EQ(data_of(0), nullptr);
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(ArrayFaults, TheHandle0HasNoData) {
+TEST_F(ArrayFaults, Handle0HasNoData) {
     EXPECT_EQ(data_of(0), nullptr);
     expect_fault(fault_kind::unknown_object, "qvgetpr800_: the handle 0 names no array");
 }
 
-TEST_F(ArrayFaults, AnArrayIsNotUsedAfterItWasDestroyed) {
+TEST_F(ArrayFaults, UseOfADestroyedArrayIsAFault) {
     const array_handle gone[] = {make_struct(), make_scalar(1.0), make_text(""), make_matrix(0, 0)};
     const std::string names[] = {the_struct(gone[0]), the_scalar(gone[1]), the_text(gone[2]),
                                  the_matrix(gone[3])};
@@ -148,7 +148,7 @@ TEST_F(ArrayFaults, AnElementOutOfRangeIsAFault) {
     }
 }
 
-TEST_F(ArrayFaults, AFieldThatDoesNotExistIsAFault) {
+TEST_F(ArrayFaults, AnUnknownFieldIsAFault) {
     set_field(structure, 1, "z", scalar);
     expect_fault(fault_kind::out_of_range,
                  "qvsetfield800_: " + the_struct(structure) + " has no field 'z'");
@@ -160,12 +160,12 @@ TEST_F(ArrayFaults, AFieldThatDoesNotExistIsAFault) {
     }
 }
 
-TEST_F(ArrayFaults, AFieldThatDoesNotExistHasTheNumber0WithoutAFault) {
+TEST_F(ArrayFaults, AnUnknownFieldHasTheNumber0WithoutAFault) {
     EXPECT_EQ(field_number(structure, "z"), 0);
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(ArrayFaults, WhatAStructOwnsIsNotDestroyed) {
+TEST_F(ArrayFaults, DestroyingAFieldOfAStructIsAFault) {
     const array_handle value = make_scalar(5.0);
     set_field(structure, 2, "y", value);
     destroy(value);
@@ -174,7 +174,7 @@ TEST_F(ArrayFaults, WhatAStructOwnsIsNotDestroyed) {
     EXPECT_EQ(inspect(value).scalar(), 5.0);
 }
 
-TEST_F(ArrayFaults, WhatAStructOwnsIsNotStoredAgain) {
+TEST_F(ArrayFaults, StoringAFieldOfAStructAgainIsAFault) {
     const array_handle value = make_text("v");
     const array_handle other = make_struct({1, 1}, 1, "x", 1);
     set_field(structure, 1, "x", value);
@@ -189,12 +189,12 @@ TEST_F(ArrayFaults, WhatAStructOwnsIsNotStoredAgain) {
     EXPECT_EQ(inspect(value).text(), "v");
 }
 
-TEST_F(ArrayFaults, AStructIsNotStoredInItself) {
+TEST_F(ArrayFaults, StoringAStructInItselfIsAFault) {
     const std::string sentence = the_struct(structure) + " would be stored in itself";
     set_field(structure, 1, "x", structure);
     expect_fault(fault_kind::bad_ownership, "qvsetfield800_: " + sentence);
 
-    // Neither by way of others.
+    // Nor in a struct that it contains.
     const array_handle middle = make_struct({1, 1}, 1, "x", 1);
     const array_handle inner = make_struct({1, 1}, 1, "x", 1);
     set_field(middle, 1, "x", inner);
@@ -202,13 +202,13 @@ TEST_F(ArrayFaults, AStructIsNotStoredInItself) {
     set_field_number(inner, 1, 1, structure);
     expect_fault(fault_kind::bad_ownership, "qvsetfieldbynumber800_: " + sentence);
 
-    // Depth alone is no fault.
+    // Deep nesting is allowed.
     const array_handle value = make_struct();
     set_field(inner, 1, "x", value);
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(ArrayFaults, AFaultyValueLeavesTheOldOneInItsField) {
+TEST_F(ArrayFaults, AFaultyValueDoesNotReplaceTheOldOne) {
     set_field(structure, 1, "x", make_scalar(8.0));
     const array_handle owned = make_struct({1, 1}, 1, "s", 1);
     const array_handle value = make_scalar(9.0);
@@ -279,8 +279,8 @@ TEST_F(ArrayFaults, OnlyRealMatricesAreSupported) {
     }
 }
 
-TEST_F(ArrayFaults, AnArrayThatIsTooLargeIsRefusedWithoutAFault) {
-    // More numbers than can be counted, and more than fit an address.
+TEST_F(ArrayFaults, ATooLargeArrayIsRefusedWithoutAFault) {
+    // The count of numbers overflows; then the count of bytes.
     EXPECT_EQ(make_matrix(largest, 2), 0);
     EXPECT_EQ(make_matrix(largest, 1), 0);
     EXPECT_EQ(make_struct({largest, 2}, 1, "x", 1), 0);
@@ -296,7 +296,7 @@ TEST_F(ArrayFaults, AFieldThatDoesNotFitIsNotAdded) {
     destroy(large);
 }
 
-/// Copying to and from addresses that are not those of data, or not for so many numbers.
+/// Copies with an address that is not data of an array, or with a count beyond its end.
 class CopyFaults : public ArrayFaults {
 protected:
     void expect_refused(double* address, std::int64_t count, fault_kind kind,
@@ -333,7 +333,7 @@ TEST_F(CopyFaults, AnEmptyMatrixHasNoNumbers) {
     destroy(empty);
 }
 
-TEST_F(CopyFaults, TheNumberToBeCopiedIsNotNegative) {
+TEST_F(CopyFaults, TheCountIsNotNegative) {
     expect_refused(data_of(matrix), -1, fault_kind::bad_request, "-1 numbers are to be copied");
 }
 
@@ -348,7 +348,7 @@ TEST_F(CopyFaults, AnAddressOutsideOfDataIsAFault) {
 }
 
 TEST_F(CopyFaults, DataOfADestroyedArrayAreAFault) {
-    // The only data far and wide, in pages of their own.
+    // The only data, so that no other array is near the address.
     const array_handle gone = make_matrix(10'000'000, 1);
     double* const address = data_of(gone);
     destroy(gone);

@@ -31,8 +31,8 @@ protected:
         log_calls(true);
     }
 
-    /// The last call, expected to be the only one since the last time.
-    static host_call last() {
+    /// Expects exactly one logged call, returns it and clears the log.
+    static host_call only_call() {
         const std::vector<host_call> all = logged_calls();
         EXPECT_EQ(all.size(), 1u);
         clear_call_log();
@@ -48,7 +48,7 @@ TEST_F(CallLog, IsOffAndEmptyAtFirst) {
     EXPECT_TRUE(log_calls(false));
 }
 
-TEST_F(CallLog, HasArgumentsAndResultsOfMemory) {
+TEST_F(CallLog, ShowsArgumentsAndResultsOfMemoryCalls) {
     void* const block = host::qvMallocExOptim(40);
     host::qvFreeExOptim(block);
     const std::vector<host_call> all = logged_calls();
@@ -57,104 +57,107 @@ TEST_F(CallLog, HasArgumentsAndResultsOfMemory) {
     EXPECT_EQ(all[0].result.address, block);
 }
 
-TEST_F(CallLog, HasArgumentsAndResultsOfGenerators) {
+TEST_F(CallLog, ShowsArgumentsAndResultsOfGeneratorCalls) {
     void* const generator = host::instantiateRngOptim(-7);
-    host_call made = last();
+    host_call made = only_call();
     EXPECT_EQ(made, (host_call{operation::instantiateRngOptim, {-7}}));
     EXPECT_EQ(made.result.address, generator);
 
     double drawn[2] = {};
     const std::int64_t two = 2;
     host::getRandUniformOptim(generator, drawn, &two);
-    made = last();
+    made = only_call();
     EXPECT_EQ(made, (host_call{operation::getRandUniformOptim, {2}, {}, {}, {generator}}));
     EXPECT_THAT(made.result.reals, ElementsAre(drawn[0], drawn[1]));
 
     void* const state = host::getRngStateOptim(generator);
-    made = last();
+    made = only_call();
     EXPECT_EQ(made, (host_call{operation::getRngStateOptim, {}, {}, {}, {generator}}));
     EXPECT_EQ(made.result.address, state);
     host::setRngStateOptim(generator, state);
-    EXPECT_EQ(last(), (host_call{operation::setRngStateOptim, {}, {}, {}, {generator, state}}));
+    EXPECT_EQ(only_call(),
+              (host_call{operation::setRngStateOptim, {}, {}, {}, {generator, state}}));
     host::deleteRngStateOptim(state);
-    EXPECT_EQ(last(), (host_call{operation::deleteRngStateOptim, {}, {}, {}, {state}}));
+    EXPECT_EQ(only_call(), (host_call{operation::deleteRngStateOptim, {}, {}, {}, {state}}));
     host::deleteRngOptim(generator);
-    EXPECT_EQ(last(), (host_call{operation::deleteRngOptim, {}, {}, {}, {generator}}));
+    EXPECT_EQ(only_call(), (host_call{operation::deleteRngOptim, {}, {}, {}, {generator}}));
 }
 
-TEST_F(CallLog, HasConditionsFlushesAndPolls) {
+TEST_F(CallLog, ShowsConditionsFlushesAndPolls) {
     set_assertion_handler([] {});
     host::assertOptim(true);
-    EXPECT_EQ(last(), (host_call{operation::assertOptim, {1}}));
+    EXPECT_EQ(only_call(), (host_call{operation::assertOptim, {1}}));
     host::assertOptim(false);
-    EXPECT_EQ(last(), (host_call{operation::assertOptim, {0}}));
+    EXPECT_EQ(only_call(), (host_call{operation::assertOptim, {0}}));
     host::ioFlushOptim();
-    EXPECT_EQ(last(), (host_call{operation::ioFlushOptim}));
+    EXPECT_EQ(only_call(), (host_call{operation::ioFlushOptim}));
     raise_interrupt();
     EXPECT_TRUE(host::utIsInterruptPending());
-    const host_call poll = last();
+    const host_call poll = only_call();
     EXPECT_EQ(poll, (host_call{operation::utIsInterruptPending}));
     EXPECT_EQ(poll.result.number, 1);
 }
 
-TEST_F(CallLog, HasNoTextOrNumbersWhereTheArgumentsAreFaulty) {
+TEST_F(CallLog, OmitsTextAndNumbersOfFaultyArguments) {
     const array_handle structure = make_struct();
-    last();
+    only_call();
     host::qvgetfieldnumber800_(structure, nullptr, 2);
-    EXPECT_EQ(last(), (host_call{operation::qvgetfieldnumber800_, {structure}, {""}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvgetfieldnumber800_, {structure}, {""}}));
     host::qvgetfieldnumber800_(structure, "x", -1);
-    EXPECT_EQ(last(), (host_call{operation::qvgetfieldnumber800_, {structure}, {""}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvgetfieldnumber800_, {structure}, {""}}));
     EXPECT_EQ(faults.size(), 2u);
     destroy(structure);
 }
 
-TEST_F(CallLog, HasArgumentsAndResultsOfStructs) {
+TEST_F(CallLog, ShowsArgumentsAndResultsOfStructCalls) {
     const std::int64_t extents[] = {1, 1};
     const array_handle structure =
         host::qvcreatestructarray800_(std::int64_t{2}, extents, 2, "ab  cd  ", 4);
-    host_call made = last();
+    host_call made = only_call();
     EXPECT_EQ(made, (host_call{operation::qvcreatestructarray800_, {2, 1, 1, 2, 4}, {"ab  cd  "}}));
     EXPECT_EQ(made.result.number, structure);
     const std::int64_t one = 1;
     EXPECT_EQ(host::qvgetfieldnumber800_(structure, "cd", 2), 2);
-    made = last();
+    made = only_call();
     EXPECT_EQ(made, (host_call{operation::qvgetfieldnumber800_, {structure}, {"cd"}}));
     EXPECT_EQ(made.result.number, 2);
     EXPECT_EQ(host::qvaddfield800_(structure, "ef ", 3), 3);
-    EXPECT_EQ(last(), (host_call{operation::qvaddfield800_, {structure}, {"ef "}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvaddfield800_, {structure}, {"ef "}}));
     const array_handle text = host::qvcreatestring800_("x ", 2);
-    EXPECT_EQ(last(), (host_call{operation::qvcreatestring800_, {}, {"x "}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvcreatestring800_, {}, {"x "}}));
     host::qvsetfield800_(structure, one, "ab", text, 2);
-    EXPECT_EQ(last(), (host_call{operation::qvsetfield800_, {structure, 1, text}, {"ab"}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvsetfield800_, {structure, 1, text}, {"ab"}}));
     const array_handle scalar = host::qvcreatedoublescalar800_(2.5);
-    EXPECT_EQ(last(), (host_call{operation::qvcreatedoublescalar800_, {}, {}, {2.5}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvcreatedoublescalar800_, {}, {}, {2.5}}));
     host::qvsetfieldbynumber800_(structure, one, 2, scalar);
-    EXPECT_EQ(last(), (host_call{operation::qvsetfieldbynumber800_, {structure, 1, 2, scalar}}));
+    EXPECT_EQ(only_call(),
+              (host_call{operation::qvsetfieldbynumber800_, {structure, 1, 2, scalar}}));
     host::qvdestroyarray800_(structure);
-    EXPECT_EQ(last(), (host_call{operation::qvdestroyarray800_, {structure}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvdestroyarray800_, {structure}}));
 }
 
-TEST_F(CallLog, HasTheNumbersThatAreCopied) {
+TEST_F(CallLog, ShowsCopiedNumbers) {
     const std::int64_t rows = 2;
     const std::int64_t columns = 1;
     const array_handle matrix = host::qvcreatedoublematrix800_(rows, columns, 0);
-    EXPECT_EQ(last(), (host_call{operation::qvcreatedoublematrix800_, {2, 1, 0}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvcreatedoublematrix800_, {2, 1, 0}}));
     double* const data = host::qvgetpr800_(matrix);
-    host_call made = last();
+    host_call made = only_call();
     EXPECT_EQ(made, (host_call{operation::qvgetpr800_, {matrix}}));
     EXPECT_EQ(made.result.address, data);
     const double numbers[] = {1.5, -2.0};
     host::qvcopyreal8toptr800_(numbers, data, rows);
-    EXPECT_EQ(last(), (host_call{operation::qvcopyreal8toptr800_, {2}, {}, {1.5, -2.0}, {data}}));
+    EXPECT_EQ(only_call(),
+              (host_call{operation::qvcopyreal8toptr800_, {2}, {}, {1.5, -2.0}, {data}}));
     double copies[2] = {};
     host::qvcopyptrtoreal8800_(data, copies, rows);
-    made = last();
+    made = only_call();
     EXPECT_EQ(made, (host_call{operation::qvcopyptrtoreal8800_, {2}, {}, {}, {data}}));
     EXPECT_THAT(made.result.reals, ElementsAre(1.5, -2.0));
     host::qvdestroyarray800_(matrix);
 }
 
-TEST_F(CallLog, HasCallsOfFunctionsBeforeWhatTheyCall) {
+TEST_F(CallLog, ShowsACallBeforeTheCallsThatItMakes) {
     set_function("f", [](const array_value&) {
         host::ioFlushOptim();
         return 3.0;
@@ -171,28 +174,28 @@ TEST_F(CallLog, HasCallsOfFunctionsBeforeWhatTheyCall) {
     host::qvdestroyarray800_(output);
 }
 
-TEST_F(CallLog, HasWhatIsPrinted) {
+TEST_F(CallLog, ShowsPrintedText) {
     set_console(console::capture);
     host::qvxprintf800_("100%\n", 5);
-    EXPECT_EQ(last(), (host_call{operation::qvxprintf800_, {}, {"100%\n"}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvxprintf800_, {}, {"100%\n"}}));
     set_console(console::show);
 }
 
-TEST_F(CallLog, HasCallsThatFailAndCallsThatAreFaulty) {
+TEST_F(CallLog, ShowsFailedAndFaultyCalls) {
     fail_request(1);
     EXPECT_EQ(host::qvMallocExOptim(8), nullptr);
-    host_call made = last();
+    host_call made = only_call();
     EXPECT_EQ(made, (host_call{operation::qvMallocExOptim, {8}}));
     EXPECT_EQ(made.result.address, nullptr);
     EXPECT_EQ(host::qvcreatestring800_("abc", -3), 0);
-    EXPECT_EQ(last(), (host_call{operation::qvcreatestring800_, {}, {""}}));
+    EXPECT_EQ(only_call(), (host_call{operation::qvcreatestring800_, {}, {""}}));
     EXPECT_EQ(faults.size(), 1u);
     fail_call(operation::instantiateRngOptim, 1);
     EXPECT_EQ(host::instantiateRngOptim(1), nullptr);
-    EXPECT_EQ(last().result.address, nullptr);
+    EXPECT_EQ(only_call().result.address, nullptr);
 }
 
-TEST_F(CallLog, StaysWhenItIsSwitchedOffAndEndsWithReset) {
+TEST_F(CallLog, IsKeptWhenSwitchedOffAndClearedByReset) {
     host::ioFlushOptim();
     log_calls(false);
     host::ioFlushOptim();
@@ -203,7 +206,7 @@ TEST_F(CallLog, StaysWhenItIsSwitchedOffAndEndsWithReset) {
     EXPECT_THAT(logged_calls(), IsEmpty());
 }
 
-TEST_F(CallLog, MayBeEmptiedByACallThatItHas) {
+TEST_F(CallLog, MayBeClearedDuringALoggedCall) {
     set_function("f", [](const array_value&) {
         clear_call_log();
         host::ioFlushOptim();
@@ -237,7 +240,7 @@ TEST_F(CallLog, IsCompleteWithTwoThreads) {
     }
 }
 
-TEST_F(CallLog, IsWrittenAsCalls) {
+TEST_F(CallLog, PrintsEachEntryAsACall) {
     const auto written = [](const host_call& call) {
         std::ostringstream out;
         out << call;
@@ -259,7 +262,7 @@ TEST_F(CallLog, IsWrittenAsCalls) {
     EXPECT_EQ(written(copied), "qvcopyreal8toptr800_(1, 2.5) = 0x40");
 }
 
-TEST_F(CallLog, CallsDifferWhenAnyArgumentDoes) {
+TEST_F(CallLog, EntriesDifferIfAnyArgumentDiffers) {
     const host_call call{operation::qvFreeExOptim, {1}, {"a"}, {2.0}, {nullptr}};
     host_call other = call;
     EXPECT_TRUE(call == other);
@@ -283,7 +286,7 @@ TEST_F(CallLog, CallsDifferWhenAnyArgumentDoes) {
 
 class Scripts : public StandinTest {};
 
-TEST_F(Scripts, AnswerInPlaceOfTheStandIn) {
+TEST_F(Scripts, ReplaceTheResultOfTheStandIn) {
     std::vector<host_call> seen;
     answer_calls(operation::qvMallocExOptim, [&](const host_call& asked) {
         seen.push_back(asked);
@@ -297,7 +300,7 @@ TEST_F(Scripts, AnswerInPlaceOfTheStandIn) {
     EXPECT_TRUE(live_blocks().empty());
 }
 
-TEST_F(Scripts, LeaveACallToTheStandInByAnEmptyResult) {
+TEST_F(Scripts, AnEmptyResultLeavesTheCallToTheStandIn) {
     answer_calls(operation::utIsInterruptPending,
                  [n = 0](const host_call&) mutable -> std::optional<answer> {
                      return ++n == 1 ? std::optional<answer>(answer{.number = 1}) : std::nullopt;
@@ -306,7 +309,7 @@ TEST_F(Scripts, LeaveACallToTheStandInByAnEmptyResult) {
     EXPECT_FALSE(host::utIsInterruptPending());
 }
 
-TEST_F(Scripts, WriteWhatTheOperationWrites) {
+TEST_F(Scripts, SetTheOutputArguments) {
     answer_calls(operation::getRandUniformOptim, [](const host_call&) {
         return answer{.reals = {0.25, 0.5, 0.75}};
     });
@@ -327,7 +330,7 @@ TEST_F(Scripts, WriteWhatTheOperationWrites) {
     EXPECT_EQ(output, 42);
 }
 
-TEST_F(Scripts, YieldToPlannedFailures) {
+TEST_F(Scripts, PlannedFailuresTakePrecedence) {
     answer_calls(operation::instantiateRngOptim,
                  [](const host_call&) { return answer{.address = reinterpret_cast<void*>(64)}; });
     fail_call(operation::instantiateRngOptim, 1);
@@ -335,10 +338,10 @@ TEST_F(Scripts, YieldToPlannedFailures) {
     EXPECT_EQ(host::instantiateRngOptim(1), reinterpret_cast<void*>(64));
 }
 
-TEST_F(Scripts, MayAnswerWithTheFailureValue) {
+TEST_F(Scripts, MayReturnTheFailureValue) {
     answer_calls(operation::qvcreatestring800_, [](const host_call&) { return answer{}; });
     EXPECT_EQ(host::qvcreatestring800_("x", 1), 0);
-    // Handle 0 is no fault now.
+    // From here on handle 0 is accepted.
     host::qvdestroyarray800_(0);
     EXPECT_TRUE(faults.empty());
 }

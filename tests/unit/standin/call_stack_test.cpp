@@ -10,7 +10,8 @@
 #include "zktarn/host/libqv.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 
-// Functions that stacks are expected to name; exported, and never inlined.
+// The tests look for the names of these functions in call stacks, so they are exported and never
+// inlined.
 namespace zktarn_solver {
 
 [[gnu::noinline, gnu::visibility("default")]] void* allocate_row(std::int64_t nbytes) {
@@ -24,8 +25,8 @@ namespace zktarn_solver {
     asm volatile("" ::: "memory");
 }
 
-[[gnu::noinline, gnu::visibility("default")]] void check_row(bool right) {
-    zktarn::assert_mod::tarnassert(right ? 1 : 0);
+[[gnu::noinline, gnu::visibility("default")]] void check_row(bool is_valid) {
+    zktarn::assert_mod::tarnassert(is_valid ? 1 : 0);
     asm volatile("" ::: "memory");
 }
 
@@ -52,7 +53,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::Not;
 
-/// Whether this system can walk its stack at all.
+/// Whether call stacks are available on this system.
 bool has_stacks() {
     return !call_stack::current().empty();
 }
@@ -67,7 +68,7 @@ protected:
     }
 };
 
-/// The number of the first line that names a function; -1 without one.
+/// The index of the first line that contains the function's name, or -1.
 int depth_of(const std::string& function, const call_stack& stack) {
     const std::vector<std::string> lines = stack.lines();
     for (std::size_t i = 0; i < lines.size(); ++i) {
@@ -78,7 +79,7 @@ int depth_of(const std::string& function, const call_stack& stack) {
     return -1;
 }
 
-TEST_F(CallStacks, BeginWithTheCallerAndLeaveTheStandInOut) {
+TEST_F(CallStacks, BeginWithTheCallerAndOmitTheStandIn) {
 #ifdef ZKTARN_TEST_EMULATED
     GTEST_SKIP() << "the emulated program bears the emulator's name";
 #endif
@@ -89,7 +90,7 @@ TEST_F(CallStacks, BeginWithTheCallerAndLeaveTheStandInOut) {
     EXPECT_LE(lines.size(), 32u);
 }
 
-TEST_F(CallStacks, AFaultHasThePlaceWhereItHappened) {
+TEST_F(CallStacks, AFaultShowsItsCallStack) {
 #ifdef ZKTARN_TEST_EMULATED
     GTEST_SKIP() << "the emulated program bears the emulator's name";
 #endif
@@ -101,7 +102,7 @@ TEST_F(CallStacks, AFaultHasThePlaceWhereItHappened) {
     EXPECT_TRUE(faults[0].origin.empty());
 }
 
-TEST_F(CallStacks, AFaultHasTheOriginOfItsBlock) {
+TEST_F(CallStacks, AFaultShowsWhereItsBlockWasAllocated) {
     EXPECT_FALSE(record_origins(true));
     void* const row = zktarn_solver::allocate_row(8);
     static_cast<char*>(row)[8] = 1;
@@ -114,7 +115,7 @@ TEST_F(CallStacks, AFaultHasTheOriginOfItsBlock) {
     }
 }
 
-TEST_F(CallStacks, AFaultHasTheOriginOfItsArrayAlsoWhenThatIsDestroyed) {
+TEST_F(CallStacks, AFaultShowsWhereItsArrayWasMadeEvenIfDestroyed) {
     record_origins(true);
     const host::array_handle info = zktarn_solver::make_info();
     host::qvgetpr800_(info);
@@ -125,7 +126,7 @@ TEST_F(CallStacks, AFaultHasTheOriginOfItsArrayAlsoWhenThatIsDestroyed) {
     EXPECT_GE(depth_of("zktarn_solver::make_info", faults[1].origin), 0);
 }
 
-TEST_F(CallStacks, WhatIsLiveHasItsOrigin) {
+TEST_F(CallStacks, LiveObjectsShowWhereTheyWereMade) {
     record_origins(true);
     void* const row = zktarn_solver::allocate_row(8);
     void* const generator = zktarn_solver::make_generator();
@@ -144,7 +145,7 @@ TEST_F(CallStacks, WhatIsLiveHasItsOrigin) {
     host::qvFreeExOptim(row);
 }
 
-TEST_F(CallStacks, OriginsAreNotRecordedUnlessWanted) {
+TEST_F(CallStacks, OriginsAreNotRecordedByDefault) {
     void* const row = zktarn_solver::allocate_row(8);
     EXPECT_TRUE(live_blocks().back().origin.empty());
     EXPECT_THAT(live_blocks().back().origin.lines(), IsEmpty());
@@ -156,14 +157,14 @@ TEST_F(CallStacks, OriginsAreNotRecordedUnlessWanted) {
     EXPECT_FALSE(record_origins(false));
 }
 
-TEST_F(CallStacks, AnotherValueInTheEnvironmentLeavesOriginsOff) {
+TEST_F(CallStacks, OtherValuesOfTheEnvironmentVariableLeaveOriginsOff) {
     setenv("ZKTARN_STANDIN_ORIGINS", "0", 1);
     reset();
     EXPECT_FALSE(record_origins(false));
     unsetenv("ZKTARN_STANDIN_ORIGINS");
 }
 
-TEST_F(CallStacks, AnAssertionHandlerSeesWhereItWasMade) {
+TEST_F(CallStacks, AnAssertionHandlerGetsTheCallStack) {
     call_stack seen;
     set_assertion_handler([&] { seen = call_stack::current(); });
     zktarn_solver::check_row(true);
@@ -174,7 +175,7 @@ TEST_F(CallStacks, AnAssertionHandlerSeesWhereItWasMade) {
 
 using CallStacksDeathTest = CallStacks;
 
-TEST_F(CallStacksDeathTest, AFaultAndAFailedAssertionStopWithThePlace) {
+TEST_F(CallStacksDeathTest, FaultsAndFailedAssertionsPrintTheCallStack) {
     EXPECT_DEATH(
         {
             keep_coverage();
@@ -195,7 +196,7 @@ TEST_F(CallStacksDeathTest, AFaultAndAFailedAssertionStopWithThePlace) {
         "failed \\(number 1\\)\n    called from\n(.|\n)*      zktarn_solver::check_row");
 }
 
-TEST_F(CallStacksDeathTest, TheEnvironmentTurnsOriginsOn) {
+TEST_F(CallStacksDeathTest, TheEnvironmentVariableTurnsOriginsOn) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     setenv("ZKTARN_STANDIN_ORIGINS", "1", 1);
     EXPECT_EXIT(

@@ -18,7 +18,7 @@ namespace {
 
 class Operations : public StandinTest {};
 
-TEST_F(Operations, HaveTheVersionOfTheLibrary) {
+TEST_F(Operations, ReportTheVersionOfTheLibrary) {
     EXPECT_STREQ(zktarn_standin_version(), ZKTARN_VERSION_STRING);
 }
 
@@ -26,7 +26,7 @@ struct exported {
     operation what;
     const char* symbol;
     const char* library;
-    /// Keeps its library among those that this program needs.
+    /// Uses each library, so that the linker does not drop it.
     const void* address;
 };
 
@@ -63,7 +63,7 @@ const std::array<exported, operation_count> exported_operations = {{
 
 #undef EXPORTED
 
-TEST_F(Operations, EachIsNamedAsItIsExported) {
+TEST_F(Operations, NamesAreThoseOfTheExportedSymbols) {
     for (std::size_t i = 0; i < exported_operations.size(); ++i) {
         EXPECT_EQ(static_cast<std::size_t>(exported_operations[i].what), i);
         EXPECT_STREQ(name(exported_operations[i].what), exported_operations[i].symbol);
@@ -84,7 +84,7 @@ TEST_F(Operations, EachIsExportedByItsOwnLibrary) {
     }
 }
 
-/// The counts of all operations, in their order.
+/// The call count of each operation, in the order of the enumeration.
 std::array<std::int64_t, operation_count> all_calls() {
     std::array<std::int64_t, operation_count> counts = {};
     for (int i = 0; i < operation_count; ++i) {
@@ -93,7 +93,7 @@ std::array<std::int64_t, operation_count> all_calls() {
     return counts;
 }
 
-TEST_F(Operations, EachIsCountedForItself) {
+TEST_F(Operations, EachHasItsOwnCount) {
     std::array<std::int64_t, operation_count> expected = {};
     EXPECT_EQ(all_calls(), expected);
 

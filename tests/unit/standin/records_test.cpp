@@ -44,7 +44,7 @@ TEST_F(Records, OfTheSharedLibraryAreCounted) {
     vector_free(v);
 }
 
-TEST_F(Records, CanBeRefused) {
+TEST_F(Records, APlannedAllocationFails) {
     vector stale;
     vector* v = &stale;
     fail_record(1);
@@ -60,7 +60,7 @@ TEST_F(Records, CanBeRefused) {
     vector_free(v);
 }
 
-TEST_F(Records, AreRefusedOnceAndNotAfterThePlanIsTakenBack) {
+TEST_F(Records, APlanFailsOneAllocationAndCanBeCancelled) {
     fail_record(1);
     fail_record(0);
     for (int i = 0; i < 3; ++i) {
@@ -81,7 +81,7 @@ TEST_F(Records, OrdinaryObjectsAreNotRecords) {
     EXPECT_EQ(live_records(), 0);
 }
 
-TEST_F(Records, ManyOfThemAreTrackedUntilTheyAreDeleted) {
+TEST_F(Records, AreTrackedUntilTheyAreDeleted) {
     std::vector<double*> all;
     for (int i = 0; i < 3000; ++i) {
         all.push_back(new (std::nothrow) double(i));
@@ -93,7 +93,7 @@ TEST_F(Records, ManyOfThemAreTrackedUntilTheyAreDeleted) {
     }
 }
 
-TEST_F(Records, MayBeMadeOnTwoThreads) {
+TEST_F(Records, MayBeAllocatedOnTwoThreads) {
     const auto work = [] {
         for (int i = 0; i < 2000; ++i) {
             delete new (std::nothrow) double(i);
@@ -104,7 +104,7 @@ TEST_F(Records, MayBeMadeOnTwoThreads) {
     other.join();
 }
 
-TEST_F(Records, MayBeTooLargeForTheMemory) {
+TEST_F(Records, AnImpossibleSizeFails) {
     // The size is a variable, so that the compiler does not reject it.
     volatile std::size_t size = std::numeric_limits<std::size_t>::max() / 2;
     EXPECT_EQ(::operator new(size, std::nothrow), nullptr);

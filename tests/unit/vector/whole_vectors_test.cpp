@@ -389,7 +389,7 @@ TEST(SymDiff, ReadsNothingBesideTheListOfTheOther) {
     std::vector<std::int32_t> indices(16);
     std::iota(indices.begin(), indices.end(), 3);
     const guarded_page page;
-    for (std::int32_t* const list : {page.at_the_begin(indices), page.at_the_end(indices)}) {
+    for (std::int32_t* const list : {page.at_begin(indices), page.at_end(indices)}) {
         made_vector x(40);
         vector y;
         y.ind.data = list;

@@ -1,10 +1,11 @@
 # The Python host for macOS, as the package carries it; the checks need no Mac.
 set(folder "${CMAKE_CURRENT_BINARY_DIR}/installed_python")
+set(host_libraries "${folder}/${ZKTARN_PYTHON_INSTALL_DIR}/zktarn/_lib")
 set(check_host "${PROJECT_SOURCE_DIR}/tests/bindings/python/macos/check_python_host.py")
 
 abi_test(install_python ${CMAKE_COMMAND} --install "${PROJECT_BINARY_DIR}"
   --component python --prefix "${folder}")
-abi_test(python_host ${Python3_EXECUTABLE} "${check_host}" "${folder}/zktarn/_lib")
+abi_test(python_host ${Python3_EXECUTABLE} "${check_host}" "${host_libraries}")
 set_tests_properties(abi.install_python PROPERTIES FIXTURES_SETUP installed_python)
 set_tests_properties(abi.python_host PROPERTIES FIXTURES_REQUIRED installed_python)
 
@@ -12,7 +13,7 @@ set_tests_properties(abi.python_host PROPERTIES FIXTURES_REQUIRED installed_pyth
 function(breaks_python_host flaw sentence)
   abi_refuses(python_host_${flaw}_is_refused "${sentence}"
     ${CMAKE_COMMAND}
-      "-DFROM=${folder}/zktarn/_lib" "-DTO=${CMAKE_CURRENT_BINARY_DIR}/checked_python_${flaw}"
+      "-DFROM=${host_libraries}" "-DTO=${CMAKE_CURRENT_BINARY_DIR}/checked_python_${flaw}"
       "-DFILE=$<TARGET_FILE:${ARGV2}>" "-DNAME=${ARGV3}" "-DPYTHON=${Python3_EXECUTABLE}" "-DCHECK=${check_host}"
       -P "${PROJECT_SOURCE_DIR}/tests/bindings/python/macos/check_with.cmake")
   set_tests_properties(abi.python_host_${flaw}_is_refused PROPERTIES
