@@ -31,6 +31,14 @@ packages   | all   | library solver fresh packages | Debian packages: lintian, i
 fresh      | all   | fresh                         | the demo and the tests run on a bare Debian 12
 '
 
+# These gates share no build folder with the others.
+second_lane=" install analysis asan-ubsan tsan coverage fuzz macos python tools docs workflows packages fresh "
+
+# lane_of GATE: 1 or 2. The gates of a lane run one after another, at the same time as those of the other.
+lane_of() {
+    [[ $second_lane == *" $1 "* ]] && echo 2 || echo 1
+}
+
 on_mac=false
 [ "$(uname)" = Darwin ] && on_mac=true
 

@@ -4,9 +4,8 @@ set -euo pipefail
 
 usage="Usage: fresh.sh [--without PACKAGE]... [--keep] FOLDER [COMMAND...]
 Unpacks a minimal Debian 12 into FOLDER/root, clones this checkout into it, uncommitted changes included, and
-runs each COMMAND there: by default scripts/demo, and scripts/test with a tenth of the random cases. Mirror and
-network settings are those of this machine's apt. FOLDER keeps the base system and the packages, so that the
-next run downloads less.
+runs each COMMAND there: by default scripts/demo and scripts/test. Mirror and network settings are those of this
+machine's apt. FOLDER keeps the base system and the packages, so that the next run downloads less.
 
   --without PACKAGE  removes PACKAGE from the clone's list of packages first, to see that a command that
                      needs it fails
@@ -36,8 +35,7 @@ mkdir -p "$1" || fail "cannot make the folder $1"
 work=$(cd "$1" && pwd)
 shift
 commands=("$@")
-# One random case in ten: gate gcc runs them all, with the same compiler.
-[ $# -gt 0 ] || commands=(scripts/demo "env ZKTARN_TEST_SCALE=0.1 scripts/test")
+[ $# -gt 0 ] || commands=(scripts/demo scripts/test)
 checkout=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 
 # shellcheck source=tests/fresh/debian.sh
@@ -71,8 +69,8 @@ for command in "${commands[@]}"; do
     start=$SECONDS
     verdict=passed
     inside "$root" /root/project "$command" || { verdict=FAILED && failed=$((failed + 1)); }
-    rows+=("$(printf '%-38s  %-7s  %5d s' "$command" "$verdict" $((SECONDS - start)))")
+    rows+=("$(printf '%-30s  %-7s  %5d s' "$command" "$verdict" $((SECONDS - start)))")
 done
-printf '\n%-38s  %-7s  %7s\n' "on a bare Debian 12" verdict time
+printf '\n%-30s  %-7s  %7s\n' "on a bare Debian 12" verdict time
 printf '%s\n' "${rows[@]}"
 [ "$failed" -eq 0 ]
