@@ -17,6 +17,7 @@
 
 #include "input/complete_model.hpp"
 #include "input/error.hpp"
+#include "input/memory.hpp"
 #include "input/mps_reader.hpp"
 
 namespace zero_half {
@@ -212,7 +213,11 @@ model read_lp(const std::string& source, const std::string& file) {
     return program;
 }
 
+/// Checks the memory before reading, and before the relaxation is built.
 model read_source(const std::string& source, const std::string& file) {
+    std::error_code ignored;
+    check_memory(file, memory_to_read(std::filesystem::file_size(source, ignored)),
+                 available_memory());
     const silenced_output silence;
     return ends_with(file, ".lp") ? read_lp(source, file) : read_mps(source, file);
 }
@@ -244,6 +249,10 @@ model read_model(const std::string& file) {
     }
     model program = is_stream(file) ? read_stream(file) : read_source(file, file);
     complete(program);
+    check_memory(file,
+                 memory_to_solve(program.row_lower.size(), program.lower.size(),
+                                 static_cast<std::uint64_t>(program.rows.getNumElements())),
+                 available_memory());
     return program;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 #include "lp/certificate.hpp"
@@ -12,7 +13,13 @@ namespace zero_half {
 namespace {
 
 /// Values of ClpSimplex::status().
-enum status { optimal = 0, infeasible = 1, unbounded = 2, stopped_by_event = 5 };
+enum status {
+    optimal = 0,
+    infeasible = 1,
+    unbounded = 2,
+    iterations_used = 3,
+    stopped_by_event = 5
+};
 
 /// Separation looks for small violations, so the point has to be more accurate than usual.
 constexpr double tight_tolerance = 1e-9;
@@ -46,20 +53,41 @@ void relaxation::set_tolerance(double tolerance) {
     lp_.setDualTolerance(tolerance);
 }
 
+/// Cuts change so much of the optimum of a large program that the dual method from the last basis
+/// often takes many times as long as the crash method from the beginning.
+void relaxation::solve_large() {
+    constexpr int rows_an_iteration = 10;
+    constexpr int unlimited = std::numeric_limits<int>::max();
+    bool is_solved = false;
+    if (!is_first_) {
+        lp_.setMaximumIterations(model_rows_ / rows_an_iteration);
+        lp_.dual();
+        lp_.setMaximumIterations(unlimited);
+        is_solved = lp_.status() != iterations_used;
+    }
+    if (!is_solved) {
+        lp_.allSlackBasis(true);
+        solve_by_crash(lp_, should_stop_);
+        if (!should_stop_()) {
+            lp_.dual();
+        }
+    }
+}
+
 /// The dual method from the last basis. Without a result that is proven, the primal method from the
 /// last basis, and then from the beginning.
 relaxation::outcome relaxation::solve() {
     constexpr int least_large_rows = 3000;
     set_tolerance(tight_tolerance);
-    const bool is_large = is_first_ && model_rows_ >= least_large_rows;
-    is_first_ = false;
-    if (is_large) {
-        solve_by_crash(lp_, should_stop_);
+    if (model_rows_ < least_large_rows) {
+        lp_.dual();
+    } else {
+        solve_large();
     }
+    is_first_ = false;
     if (should_stop_()) {
         return outcome::stopped;
     }
-    lp_.dual();
     if (lp_.status() == infeasible) {
         // With large numbers no point may satisfy the tight tolerance.
         set_tolerance(usual_tolerance);

@@ -28,7 +28,8 @@ public:
     relaxation(const model& program, std::function<bool()> should_stop);
 
     /// Solves by the dual simplex method, starting from the last basis. A large program is solved
-    /// the first time by a crash method and the primal simplex method.
+    /// by a crash method and the primal simplex method the first time, and where the dual method
+    /// takes many iterations.
     outcome solve();
     /// Adds rows of the pool as cuts.
     void add(const row_pool& pool, std::span<const std::size_t> rows);
@@ -73,6 +74,7 @@ private:
     };
 
     void set_tolerance(double tolerance);
+    void solve_large();
     void solve_afresh();
     outcome checked_outcome();
     outcome take_bound();

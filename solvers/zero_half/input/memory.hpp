@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace zero_half {
+
+/// The bytes that this process may still allocate: the least of what its address space limit
+/// (`ulimit -v`), its control groups, and the system leave. Nothing where none of them is known.
+/// @param proc     in. Where Linux describes processes.
+/// @param cgroups  in. Where Linux describes control groups, of version 1 or 2.
+std::optional<std::uint64_t>
+available_memory(const std::filesystem::path& proc = "/proc",
+                 const std::filesystem::path& cgroups = "/sys/fs/cgroup");
+
+/// The bytes that reading an uncompressed file of this size takes at least.
+std::uint64_t memory_to_read(std::uint64_t file_size);
+
+/// The bytes that solving the relaxation of a model takes at least, beside the model.
+std::uint64_t memory_to_solve(std::uint64_t rows, std::uint64_t columns, std::uint64_t entries);
+
+/// Throws `error` when more memory is needed than available, with a sentence about the file.
+void check_memory(const std::string& file, std::uint64_t needed,
+                  std::optional<std::uint64_t> available);
+
+} // namespace zero_half
