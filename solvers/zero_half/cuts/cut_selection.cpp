@@ -63,7 +63,9 @@ bool cut_selection::is_dominated_by(const cut& selected, const cut& loaded) cons
         if (excess < 0.0 || (excess > 0.0 && model_.lower[j] < 0.0)) {
             return false;
         }
-        shared += dense_[j] != 0.0 ? 1u : 0u;
+        if (dense_[j] != 0.0) {
+            ++shared;
+        }
     }
     return shared == loaded.columns.size();
 }

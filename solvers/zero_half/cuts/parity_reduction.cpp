@@ -140,12 +140,12 @@ bool parity_reduction::remove_dominated_rows() {
         }
         const std::uint64_t signature = signature_of(each);
         const auto [first, is_new] = best_.insert(signature, i);
+        const bool is_empty = signature == 0 && each.change.column == 0;
+        const bool is_compared = !is_new && !rows_[first].is_removed;
         row* unwanted = nullptr;
-        if (signature == 0 && each.change.column == 0) {
-            unwanted = &each; // The sum of no rows.
-        } else if (!is_new && !rows_[first].is_removed && is_at_least_as_good(rows_[first], each)) {
+        if (is_empty || (is_compared && is_at_least_as_good(rows_[first], each))) {
             unwanted = &each;
-        } else if (!is_new && !rows_[first].is_removed && is_at_least_as_good(each, rows_[first])) {
+        } else if (is_compared && is_at_least_as_good(each, rows_[first])) {
             unwanted = &rows_[first];
             best_.set(signature, i);
         }
