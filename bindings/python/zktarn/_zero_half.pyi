@@ -46,6 +46,7 @@ class Outcome(TypedDict):
     message: str
     fault: str
     initial_bound: float | None
+    relaxation_bound: float | None
     bound: float | None
     optimum: float | None
     gap_closed: float | None

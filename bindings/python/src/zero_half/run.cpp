@@ -150,6 +150,7 @@ py::dict outcome_of(model program, run_result run) {
     outcome["message"] = ending.description;
     outcome["fault"] = run.fault();
     outcome["initial_bound"] = number_or_none(run.first_bound);
+    outcome["relaxation_bound"] = number_or_none(run.relaxation_bound);
     outcome["bound"] = number_or_none(run.bound);
     outcome["optimum"] = number_or_none(run.optimum);
     outcome["gap_closed"] = number_or_none(run.gap_closed(run.bound));

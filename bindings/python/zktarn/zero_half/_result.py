@@ -75,14 +75,17 @@ class Result:
     message        the status as a sentence
     initial_bound  the bound of the relaxation without cuts, the LP value; None when the run ended
                    before it was solved
-    bound          the last bound: no integer point has a smaller objective (a greater one, where the
-                   model is maximised). None as above.
+    relaxation_bound
+                   the bound of the relaxation with the cuts. None as above.
+    bound          the last bound, moved to the next value that the objective takes at integer points:
+                   no integer point has a smaller objective (a greater one, where the model is
+                   maximised). None as above.
     optimum        the integer optimum: as it was given, or the bound when the status is "integral";
                    None when it is not known
     gap_closed     the share of the gap between initial bound and optimum that the bound closes, in
                    per cent, at most 100; None when the optimum is not known or is wrong
     rounds         a tuple with a `Round` for each round
-    history        array: the initial bound and that of each round
+    history        array: the initial bound, and `bound` after each round
     cuts           the cuts of the last relaxation, a `scipy.sparse.csr_array` with a row for each cut
                    and a column for each of the model: each integer point of the model satisfies
                    cuts @ x <= rhs. All numbers are integers.
@@ -101,6 +104,7 @@ class Result:
     status: Status
     message: str
     initial_bound: float | None
+    relaxation_bound: float | None
     bound: float | None
     optimum: float | None
     gap_closed: float | None
@@ -123,6 +127,7 @@ class Result:
             status=cast(Status, outcome["status"]),
             message=outcome["message"],
             initial_bound=outcome["initial_bound"],
+            relaxation_bound=outcome["relaxation_bound"],
             bound=outcome["bound"],
             optimum=outcome["optimum"],
             gap_closed=outcome["gap_closed"],

@@ -29,7 +29,8 @@ class Progress(TypedDict):
     phase    "cutting" after each round, "done" once at the end of a run that nothing stopped
     round    the number of the round, from 1
     bound    the bound after the round
-    history  array: all bounds so far; the first is that of the relaxation without cuts
+    history  array: the bound before the first round, moved as `Result.bound` is, and after each
+             round
     """
 
     phase: str

@@ -76,7 +76,7 @@ def test_cuts_are_integers_over_integer_columns_and_the_point_satisfies_all(file
     slip = 1e-6 * (1 + np.abs(activity))
     assert (activity <= model.row_upper + slip).all()
     assert (activity >= model.row_lower - slip).all()
-    assert model.c @ result.point + model.constant == pytest.approx(result.bound)
+    assert model.c @ result.point + model.constant == pytest.approx(result.relaxation_bound)
 
 
 def test_the_point_of_an_integral_end_is_an_optimum():

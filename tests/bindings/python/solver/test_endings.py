@@ -80,7 +80,8 @@ def test_the_output_function_sees_each_round():
     for info, each in zip(seen, result.rounds):
         assert set(info) == {"phase", "round", "bound", "history"}
         assert info["round"] == each.number and info["bound"] == each.bound
-        assert np.array_equal(info["history"], result.history[:each.number + 1])
+        assert np.array_equal(info["history"][1:], result.history[1:each.number + 1])
+        assert info["history"][0] == np.ceil(result.initial_bound)  # costs of p0282 are integers
         assert type(info["phase"]) is str and type(info["bound"]) is float
     assert seen[-1]["bound"] == result.bound
     assert [len(info["history"]) for info in seen] == [2, 3, 4, 5, 5]
