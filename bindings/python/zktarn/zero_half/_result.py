@@ -75,8 +75,7 @@ class Result:
     message        the status as a sentence
     initial_bound  the bound of the relaxation without cuts, the LP value; None when the run ended
                    before it was solved
-    relaxation_bound
-                   the bound of the relaxation with the cuts. None as above.
+    relaxation_bound  the bound of the relaxation with the cuts. None as above.
     bound          the last bound, moved to the next value that the objective takes at integer points:
                    no integer point has a smaller objective (a greater one, where the model is
                    maximised). None as above.
