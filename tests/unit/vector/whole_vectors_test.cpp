@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <limits>
 #include <numeric>
+#include <tuple>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@
 
 #include "property/listing.hpp"
 #include "support/guarded_page.hpp"
+#include "zktarn/vector/detail/prefetch.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 
 namespace {
@@ -17,6 +19,7 @@ namespace {
 using namespace zktarn::vector_mod;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using zktarn::flag;
 using zktarn::testing::guarded_page;
 using zktarn::testing::listing;
 using zktarn::testing::made_vector;
@@ -384,22 +387,77 @@ TEST(SymDiff, UsesTheRoomBehindTheListUpToItsEnd) {
     }
 }
 
-TEST(SymDiff, ReadsNothingBesideTheListOfTheOther) {
-    // More entries than are looked ahead, so that some are looked ahead to and the last are not.
-    std::vector<std::int32_t> indices(16);
-    std::iota(indices.begin(), indices.end(), 3);
-    const guarded_page page;
-    for (std::int32_t* const list : {page.at_begin(indices), page.at_end(indices)}) {
-        made_vector x(40);
-        vector y;
-        y.ind.data = list;
-        y.ind.extent[0] = 16;
-        y.ind.lower_bound[0] = 1;
-        y.nz = 16;
-        vectors_calc_sym_diff(*x, y);
-        EXPECT_EQ(listing(*x), indices);
+/// Parameters: whether the list fills the end of the page, and whether the vector has no marks.
+using guarded_case = std::tuple<bool, flag>;
+
+/// A vector whose list fills the beginning or the end of a guarded page. The list has more entries
+/// than are looked ahead, so that some are looked ahead to and the last are not, and the arrays are
+/// large enough for prefetches. Coefficients are 3, marks are set.
+class vector_with_guarded_list {
+public:
+    vector_with_guarded_list(bool at_end, flag no_elm)
+        : arrays_(detail::prefetch_sparse_from, 1, no_elm), record_(*arrays_),
+          indices_(static_cast<std::size_t>(2 * detail::lookahead)) {
+        std::iota(indices_.begin(), indices_.end(), 3);
+        record_.ind.data = at_end ? page_.at_end(indices_) : page_.at_begin(indices_);
+        record_.ind.extent[0] = static_cast<std::int64_t>(indices_.size());
+        record_.ind.lower_bound[0] = 1;
+        record_.nz = static_cast<std::int32_t>(indices_.size());
+        for (const std::int32_t j : indices_) {
+            record_.coef(j) = 3.0;
+            if (record_.elm.present()) {
+                record_.elm(j) = 1;
+            }
+        }
     }
+    vector& operator*() { return record_; }
+    vector* operator->() { return &record_; }
+    const std::vector<std::int32_t>& indices() const { return indices_; }
+
+private:
+    guarded_page page_;
+    made_vector arrays_;
+    vector record_;
+    std::vector<std::int32_t> indices_;
+};
+
+class GuardedList : public testing::TestWithParam<guarded_case> {
+protected:
+    vector_with_guarded_list guarded_{std::get<0>(GetParam()), std::get<1>(GetParam())};
+    made_vector other_{detail::prefetch_sparse_from};
+};
+
+TEST_P(GuardedList, IsAllThatRemZerosReads) {
+    guarded_->coef(5) = 0.0;
+    vector_rem_zeros(*guarded_);
+    EXPECT_EQ(guarded_->nz, guarded_.indices().size() - 1);
 }
+
+TEST_P(GuardedList, IsAllThatMod2Reads) {
+    guarded_->coef(5) = 4.0;
+    vector_mod2(*guarded_, tiny);
+    EXPECT_EQ(guarded_->nz, guarded_.indices().size() - 1);
+}
+
+TEST_P(GuardedList, IsAllThatCombineReadsOfTheOther) {
+    vectors_combine(*other_, *guarded_, 1.0, 2.0, tiny);
+    EXPECT_EQ(listing(*other_), guarded_.indices());
+    vectors_combine(*other_, *guarded_, 3.0, -6.0, tiny);
+    EXPECT_THAT(listing(*other_), IsEmpty());
+}
+
+TEST_P(GuardedList, IsAllThatSymDiffReadsOfTheOther) {
+    vectors_calc_sym_diff(*other_, *guarded_);
+    EXPECT_EQ(listing(*other_), guarded_.indices());
+}
+
+TEST_P(GuardedList, IsAllThatIdenticalReadsOfTheFirst) {
+    vectors_combine(*other_, *guarded_, 1.0, 1.0, tiny);
+    EXPECT_EQ(vectors_are_identical(*guarded_, *other_, tiny), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(AtBothEnds, GuardedList,
+                         testing::Combine(testing::Bool(), testing::Values(flag{0}, flag{1})));
 
 TEST(Mod2, MakesOddAndFractionalCoefficientsOneAndDropsTheOthers) {
     made_vector v(n);
