@@ -1,4 +1,5 @@
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -73,7 +74,8 @@ TEST(ObjectiveValues, BeyondTheAccuracyOfTheBoundAreNotUsed) {
     const objective_values values(with_costs({1.0}));
     EXPECT_EQ(values.round_up(2e9 + 0.5), 2e9 + 0.5);
     EXPECT_EQ(values.round_up(-2e9 - 0.5), -2e9 - 0.5);
-    EXPECT_EQ(values.round_up(INFINITY), INFINITY);
+    constexpr double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(values.round_up(infinity), infinity);
 }
 
 } // namespace zero_half::testing
