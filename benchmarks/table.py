@@ -293,8 +293,8 @@ def main():
     if more := others(small):
         text += ["", "## Without a target", "",
                  "What the library adds to a call of the host, of C or of Fortran, loops over entries, sorting, and",
-                 "the solver's separator beside CglZeroHalf, which searches less: `solver_bench` prints how many",
-                 "cuts each finds.", "",
+                 "the solver's separator beside CglZeroHalf at the same points: `solver_bench` prints how many cuts",
+                 "each finds.", "",
                  "| comparison | first | time | other | its time | ratio | rounds |", "|---|---|---:|---|---:|---:|---:|"]
         text += ["| " + " | ".join(line) + " |" for line in more]
     if python:
