@@ -6,6 +6,7 @@
 
 import os
 import pathlib
+import signal
 import sys
 
 ROOT = pathlib.Path(__file__).resolve().parents[3]
@@ -15,6 +16,10 @@ sys.path.insert(0, PACKAGE_DIR)
 # Programs that a test starts take the same package.
 os.environ["PYTHONPATH"] = os.pathsep.join(
     [PACKAGE_DIR] + [path for path in [os.environ.get("PYTHONPATH")] if path])
+
+# A shell starts programs in the background with SIGINT ignored, and those that a test starts inherit that.
+if signal.getsignal(signal.SIGINT) is signal.SIG_IGN:
+    signal.signal(signal.SIGINT, signal.default_int_handler)
 
 
 def pytest_configure(config):

@@ -135,6 +135,8 @@ TEST_F(Solve, IsInterruptedAtEveryPoll) {
 /// Solves three times, the second time under Ctrl-C, and exits with the three numbers of rounds as
 /// decimal digits, less 400.
 [[noreturn]] void solve_under_ctrl_c() {
+    // A shell starts programs in the background with SIGINT ignored, and the host respects that.
+    std::signal(SIGINT, SIG_DFL);
     solver child;
     child.run();
     int rounds = child.rounds; // 5; its first poll installs the handler of SIGINT

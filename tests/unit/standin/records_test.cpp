@@ -106,7 +106,7 @@ TEST_F(Records, MayBeAllocatedOnTwoThreads) {
 
 TEST_F(Records, AnImpossibleSizeFails) {
     // The size is a variable, so that the compiler does not reject it.
-    volatile std::size_t size = std::numeric_limits<std::size_t>::max() / 2;
+    volatile std::size_t size = std::numeric_limits<std::size_t>::max() / 4;
     EXPECT_EQ(::operator new(size, std::nothrow), nullptr);
     EXPECT_THROW(static_cast<void>(::operator new(size)), std::bad_alloc);
     size = 0;
