@@ -203,10 +203,10 @@ def draw(rows, runs, picture):
     commands = (f"set terminal svg size 1100,500 background rgb 'white'\nset output '{picture}'\n"
                 "set multiplot layout 1,2\nset yrange [0:1.05]\n" +
                 panel(gap_profile(rows), "gap closed, per cent",
-                      "set ylabel 'share of the models'\nset key below"))
+                      "set ylabel 'share of the models'\nset key bottom right"))
     if runs:
         commands += panel(node_profile(runs), "nodes of Cbc, times the least",
-                          "set ylabel 'share of the runs'\nset logscale x 2\nset key below")
+                          "set ylabel 'share of the runs'\nset logscale x 2\nset key bottom right")
     subprocess.run(["gnuplot"], input=commands, text=True, check=True)
 
 
