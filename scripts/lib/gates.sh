@@ -323,7 +323,7 @@ gate_benchmarks() {
     build gcc -DZKTARN_BENCHMARKS=ON
     # Several at once, because nobody reads these times.
     printf '%s\n' "$build_dir"/gcc/benchmarks/*_bench |
-        ZKTARN_BENCH_ROUNDS=1 xargs -P "$jobs" -I '{}' '{}' --benchmark_min_time=0.01
+        xargs -P "$jobs" -I '{}' env ZKTARN_BENCH_ROUNDS=1 '{}' --benchmark_min_time=0.01
 }
 
 gate_docs() {
