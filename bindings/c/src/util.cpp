@@ -16,19 +16,18 @@ double zktarn_fractional(double x) {
 void zktarn_epsilon_is_int_scalar(double x, double scalar, double eps, zktarn_flag* is_int,
                                   double* nearest) {
     if (!c::any_null(is_int)) {
-        inlined::report(inlined::decide_integer(x * scalar, eps, 0.0), *is_int,
-                        c::optional(nearest));
+        inlined::report(inlined::decide_scaled(x, scalar, eps), *is_int, c::optional(nearest));
     }
 }
 
 void zktarn_epsilon_is_int(double x, double eps, zktarn_flag* is_int, double* nearest) {
     if (!c::any_null(is_int)) {
-        inlined::report(inlined::decide_integer(x, eps, eps), *is_int, c::optional(nearest));
+        inlined::report(inlined::decide_integer(x, eps), *is_int, c::optional(nearest));
     }
 }
 
 double zktarn_epsilon_fractionality(double x, double eps) {
-    return x - inlined::guarded_floor(x, eps);
+    return inlined::fractionality(x, eps);
 }
 
 double zktarn_epsilon_floor(double x, double eps) {

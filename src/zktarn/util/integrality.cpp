@@ -10,16 +10,16 @@ double fractional(const double& x) noexcept {
 
 void epsilon_is_int(const double& x, const double& eps, flag& is_int,
                     optional_ref<double> nearest) noexcept {
-    detail::report(detail::decide_integer(x, eps, eps), is_int, nearest);
+    detail::report(detail::decide_integer(x, eps), is_int, nearest);
 }
 
 void epsilon_is_int_scalar(const double& x, const double& scalar, const double& eps, flag& is_int,
                            optional_ref<double> nearest) noexcept {
-    detail::report(detail::decide_integer(x * scalar, eps, 0.0), is_int, nearest);
+    detail::report(detail::decide_scaled(x, scalar, eps), is_int, nearest);
 }
 
 double epsilon_fractionality(const double& x, const double& eps) noexcept {
-    return x - detail::guarded_floor(x, eps);
+    return detail::fractionality(x, eps);
 }
 
 double epsilon_floor(const double& x, const double& eps) noexcept {

@@ -53,6 +53,21 @@ inline integer_decision decide_integer(double value, double eps, double offset) 
     return {ceiling - value <= eps, ceiling};
 }
 
+/// The rule of `epsilon_is_int`: the tolerance is also the offset.
+inline integer_decision decide_integer(double value, double eps) noexcept {
+    return decide_integer(value, eps, eps);
+}
+
+/// The rule of `epsilon_is_int_scalar`: floor and ceiling of the product are taken without offset.
+inline integer_decision decide_scaled(double value, double scalar, double eps) noexcept {
+    return decide_integer(value * scalar, eps, 0.0);
+}
+
+/// The distance of `value` above its guarded floor.
+inline double fractionality(double value, double eps) noexcept {
+    return value - guarded_floor(value, eps);
+}
+
 /// Writes a decision to the outputs of `epsilon_is_int`.
 inline void report(const integer_decision& decision, flag& is_int,
                    optional_ref<double> nearest) noexcept {
@@ -79,7 +94,7 @@ inline double distance_to_integer(double value) noexcept {
 /// 0 if `value` is within `eps` of an even integer, else 1. The integer is converted to 32 bits
 /// with saturation, so 2147483647 and everything above it counts as odd.
 inline std::int64_t modulo_2_by_rule(double value, double eps) noexcept {
-    const integer_decision decision = decide_integer(value, eps, eps);
+    const integer_decision decision = decide_integer(value, eps);
     return decision.is_integer ? truncate_i32(std::fabs(decision.nearest) + 0.5) & 1 : 1;
 }
 

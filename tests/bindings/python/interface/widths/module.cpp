@@ -30,22 +30,22 @@ void ceil(const double& x, const double& eps, double& result) noexcept {
     result = rules::guarded_ceiling(x, eps);
 }
 void fractionality(const double& x, const double& eps, double& result) noexcept {
-    result = x - rules::guarded_floor(x, eps);
+    result = rules::fractionality(x, eps);
 }
 void is_int(const double& x, const double& eps, npy_bool& result) noexcept {
-    result = rules::decide_integer(x, eps, eps).is_integer;
+    result = rules::decide_integer(x, eps).is_integer;
 }
 void nearest(const double& x, const double& eps, double& result) noexcept {
-    const rules::integer_decision decision = rules::decide_integer(x, eps, eps);
+    const rules::integer_decision decision = rules::decide_integer(x, eps);
     result = decision.is_integer ? decision.nearest : nan;
 }
 void is_int_scalar(const double& x, const double& scalar, const double& eps,
                    npy_bool& result) noexcept {
-    result = rules::decide_integer(x * scalar, eps, 0.0).is_integer;
+    result = rules::decide_scaled(x, scalar, eps).is_integer;
 }
 void nearest_scalar(const double& x, const double& scalar, const double& eps,
                     double& result) noexcept {
-    const rules::integer_decision decision = rules::decide_integer(x * scalar, eps, 0.0);
+    const rules::integer_decision decision = rules::decide_scaled(x, scalar, eps);
     result = decision.is_integer ? decision.nearest : nan;
 }
 void is_even(const double& x, const double& eps, npy_bool& result) noexcept {
