@@ -131,9 +131,12 @@ class Workbench:
     def _read_programs(self, leave_out):
         owners = {}
         for unit in self.test_units.values():
-            match = re.match(r"(tests/.*)/CMakeFiles/([^/]+)\.dir/", unit.object)
+            match = re.match(r"(?:(.*)/)?CMakeFiles/([^/]+)\.dir/(?:(.*)/)?[^/]+$", unit.object)
             if match and match.group(2).endswith(("_test", "_replay")):
-                owners.setdefault(f"{match.group(1)}/{match.group(2)}", []).append(unit)
+                # A test program lies where its sources do.
+                path = "/".join(filter(None, (match.group(1), match.group(3), match.group(2))))
+                if path.startswith("tests/"):
+                    owners.setdefault(path, []).append(unit)
         paths = [p for p in sorted(owners) if not p.startswith(tuple(leave_out))]
         commands = must(["ninja", "-t", "commands", *paths], "ninja", self.build).splitlines()
         programs = []
