@@ -11,9 +11,9 @@ set_tests_properties(abi.macos_library PROPERTIES FIXTURES_REQUIRED installed)
 
 # Libraries that break one rule each, to prove that each check fails. They look up undefined names in
 # every library, because other systems have only a part of libc++ to link with.
-function(broken_library flaw source)
-  add_library(zktarn_broken_${flaw} SHARED broken/${source}.cpp)
-  target_link_options(zktarn_broken_${flaw} PRIVATE LINKER:-undefined,dynamic_lookup ${ARGN})
+function(broken_library name flaw)
+  abi_broken(zktarn_broken_${name} SHARED ${flaw})
+  target_link_options(zktarn_broken_${name} PRIVATE LINKER:-undefined,dynamic_lookup ${ARGN})
 endfunction()
 
 # under_the_name(flaw name): gives the library another file name, in its own folder.
@@ -42,7 +42,7 @@ breaks(starts_up startup "runs code when it is loaded")
 breaks(thread_local threads "has thread-local variables")
 breaks(too_large size "bytes, not less than 102400")
 
-add_library(zktarn_broken_bundle MODULE broken/never_fuses.cpp)
+abi_broken(zktarn_broken_bundle MODULE never_fuses)
 breaks(bundle kind "is not a dynamic library")
 broken_library(other_processor never_fuses)
 set_target_properties(zktarn_broken_other_processor PROPERTIES OSX_ARCHITECTURES x86_64)

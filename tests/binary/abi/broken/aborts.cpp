@@ -1,7 +1,0 @@
-#include <cstdlib>
-
-void broken(int n) {
-    if (n < 0) {
-        std::abort();
-    }
-}

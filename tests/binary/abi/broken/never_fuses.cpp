@@ -1,3 +1,0 @@
-double broken(double a, double b) {
-    return a * b;
-}

@@ -1,3 +1,0 @@
-namespace zktarn::memory_mod {
-void mallocate_quickly() {}
-} // namespace zktarn::memory_mod

@@ -1,5 +1,0 @@
-#include <cstdio>
-
-void broken(int n) {
-    std::printf("%d\n", n);
-}

@@ -1,2 +1,0 @@
-int compute();
-int broken = compute();

@@ -1,5 +1,0 @@
-#include <iostream>
-
-void broken(int n) {
-    std::cout << n;
-}

@@ -1,5 +1,0 @@
-extern "C" bool utIsInterruptPending() noexcept;
-
-bool broken() {
-    return utIsInterruptPending();
-}

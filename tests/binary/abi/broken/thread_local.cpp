@@ -1,5 +1,0 @@
-thread_local int state = 0;
-
-int broken() {
-    return ++state;
-}

@@ -1,5 +1,0 @@
-void broken(int n) {
-    if (n < 0) {
-        throw n;
-    }
-}

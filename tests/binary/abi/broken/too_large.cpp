@@ -1,1 +1,0 @@
-extern const char broken[100 * 1024] = {1};
