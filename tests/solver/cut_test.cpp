@@ -8,7 +8,7 @@
 #include "cuts/cg_rounding.hpp"
 #include "cuts/cut_selection.hpp"
 #include "cuts/exact_limits.hpp"
-#include "input/rounding.hpp"
+#include "cuts/rounding.hpp"
 
 namespace zero_half::testing {
 

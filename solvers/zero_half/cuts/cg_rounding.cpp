@@ -3,7 +3,7 @@
 #include <cmath>
 #include <utility>
 
-#include "input/rounding.hpp"
+#include "cuts/rounding.hpp"
 
 namespace zero_half {
 

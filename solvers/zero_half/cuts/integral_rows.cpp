@@ -9,9 +9,8 @@
 #include <vector>
 
 #include "cuts/exact_limits.hpp"
-#include "cuts/integral_scale.hpp"
+#include "cuts/rounding.hpp"
 #include "cuts/variable_bounds.hpp"
-#include "input/rounding.hpp"
 
 namespace zero_half {
 

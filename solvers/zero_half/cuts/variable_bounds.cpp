@@ -1,6 +1,6 @@
 #include "cuts/variable_bounds.hpp"
 
-#include "cuts/integral_scale.hpp"
+#include "cuts/rounding.hpp"
 
 namespace zero_half {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "cuts/rounding.hpp"
 #include "input/error.hpp"
 #include "input/mps_reader.hpp"
-#include "input/rounding.hpp"
 
 namespace zero_half {
 

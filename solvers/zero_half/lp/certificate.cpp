@@ -9,7 +9,7 @@
 
 #include <boost/multiprecision/cpp_int.hpp>
 
-#include "zktarn/zktarn_util.hpp"
+#include "cuts/rounding.hpp"
 
 namespace zero_half {
 
@@ -170,25 +170,14 @@ multipliers normalised(const double* ray, int n, double sign) {
 /// The ray times the least number that makes all its entries nearly integers, rounded to these;
 /// nothing when there is no such number.
 std::optional<multipliers> integral(const multipliers& ray) {
-    constexpr double tolerance = 1e-6;
-    constexpr double most_denominator = 10'000.0;
-    constexpr double most_scale = 1e8;
-    zktarn::flag found = 0;
-    double scale = 0.0;
-    zktarn::util::find_scalar_integral(
-        static_cast<std::int32_t>(ray.size()),
-        [&](const std::int32_t& i, double& value, zktarn::flag& marked, zktarn::flag& selected) {
-            value = ray[static_cast<std::size_t>(i - 1)];
-            marked = 0;
-            selected = 1;
-        },
-        tolerance, most_denominator, most_scale, found, scale);
-    if (found == 0) {
+    constexpr scale_limits limits{.tolerance = 1e-6, .denominator = 10'000.0, .scale = 1e8};
+    const std::optional<double> scale = integral_scale(ray, limits);
+    if (!scale) {
         return std::nullopt;
     }
     multipliers rounded = ray;
     for (double& entry : rounded) {
-        entry = std::round(entry * scale);
+        entry = std::round(entry * *scale);
     }
     return rounded;
 }

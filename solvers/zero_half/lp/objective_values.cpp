@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "cuts/exact_limits.hpp"
-#include "cuts/integral_scale.hpp"
+#include "cuts/rounding.hpp"
 #include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {

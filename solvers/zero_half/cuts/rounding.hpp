@@ -1,0 +1,71 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "zktarn/zktarn_util.hpp"
+
+namespace zero_half {
+
+/// The greatest integer that is at most `x + tolerance`; exact for every finite `x`. Integers are
+/// recognised first, because `epsilon_floor` alone returns n - 1 for an integer n <= -2147483647.
+inline double floor_of(double x, double tolerance) {
+    zktarn::flag is_integer = 0;
+    double nearest = 0.0;
+    zktarn::util::epsilon_is_int(x, tolerance, is_integer, nearest);
+    return is_integer != 0 ? nearest : zktarn::util::epsilon_floor(x, tolerance);
+}
+
+/// The least integer that is at least `x - tolerance`; never -0.0.
+inline double ceiling_of(double x, double tolerance) {
+    return 0.0 - floor_of(-x, tolerance);
+}
+
+inline double nearest_integer(double value) {
+    constexpr double one_half = 0.5;
+    return zktarn::util::epsilon_floor(value, one_half);
+}
+
+/// The limits of a search for a factor that makes numbers integers.
+struct scale_limits {
+    double tolerance;
+    double denominator; ///< the largest
+    double scale;       ///< the largest
+};
+
+/// A factor that makes each value an integer within the tolerance; nothing when there is none
+/// within the limits.
+inline std::optional<double> integral_scale(std::span<const double> values,
+                                            const scale_limits& limits) {
+    zktarn::flag found = 0;
+    double scale = 0.0;
+    zktarn::util::find_scalar_integral(
+        static_cast<std::int32_t>(values.size()),
+        [&](const std::int32_t& i, double& value, zktarn::flag& marked, zktarn::flag& selected) {
+            value = values[static_cast<std::size_t>(i - 1)];
+            marked = 0;
+            selected = 1;
+        },
+        limits.tolerance, limits.denominator, limits.scale, found, scale);
+    return found != 0 ? std::optional(scale) : std::nullopt;
+}
+
+/// Values within this distance of an integer count as integers.
+inline constexpr double integrality_tolerance = 1e-9;
+
+/// A factor that makes all values integers; nothing when there is none of moderate size. It is 1
+/// for integers: a smaller factor would be a fraction that is not exact.
+inline std::optional<double> integral_scale(std::span<const double> values) {
+    if (std::all_of(values.begin(), values.end(),
+                    [](double value) { return std::trunc(value) == value; })) {
+        return 1.0;
+    }
+    constexpr scale_limits moderate{
+        .tolerance = integrality_tolerance, .denominator = 10'000.0, .scale = 1e7};
+    return integral_scale(values, moderate);
+}
+
+} // namespace zero_half
