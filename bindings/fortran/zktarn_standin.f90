@@ -118,6 +118,15 @@ module zktarn_standin
             integer(c_size_t), value :: capacity
             integer(c_size_t) :: length
         end function
+
+        !> The same, for a text about the record at an address.
+        function text_about_source(subject, buffer, capacity) bind(c) result(length)
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: subject
+            type(c_ptr), value :: buffer
+            integer(c_size_t), value :: capacity
+            integer(c_size_t) :: length
+        end function
     end interface
     public :: standin_fault_handler, standin_assertion_handler, standin_function, standin_script
 
@@ -485,8 +494,8 @@ module zktarn_standin
 
         function c_block_origin(block, buffer, capacity) &
             bind(c, name="zktarn_standin_block_origin")
-            import :: c_ptr, c_size_t, standin_block
-            type(standin_block), intent(in) :: block
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: block
             type(c_ptr), value :: buffer
             integer(c_size_t), value :: capacity
             integer(c_size_t) :: c_block_origin
@@ -494,8 +503,8 @@ module zktarn_standin
 
         function c_object_description(object, buffer, capacity) &
             bind(c, name="zktarn_standin_object_description")
-            import :: c_ptr, c_size_t, standin_live_object
-            type(standin_live_object), intent(in) :: object
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: object
             type(c_ptr), value :: buffer
             integer(c_size_t), value :: capacity
             integer(c_size_t) :: c_object_description
@@ -503,8 +512,8 @@ module zktarn_standin
 
         function c_object_origin(object, buffer, capacity) &
             bind(c, name="zktarn_standin_object_origin")
-            import :: c_ptr, c_size_t, standin_live_object
-            type(standin_live_object), intent(in) :: object
+            import :: c_ptr, c_size_t
+            type(c_ptr), value :: object
             type(c_ptr), value :: buffer
             integer(c_size_t), value :: capacity
             integer(c_size_t) :: c_object_origin
@@ -628,6 +637,7 @@ contains
         end do
     end function
 
+    !> The text that `source` writes. It may become shorter between the two calls.
     function text_from(source) result(text)
         procedure(text_source) :: source
         character(:), allocatable :: text
@@ -636,6 +646,19 @@ contains
         length = source(c_null_ptr, 0_c_size_t)
         allocate (buffer(length + 1))
         length = min(length, source(c_loc(buffer), length + 1))
+        text = characters_at(c_loc(buffer), length)
+    end function
+
+    !> The text that `source` writes about the record at `subject`.
+    function text_about(source, subject) result(text)
+        procedure(text_about_source) :: source
+        type(c_ptr), intent(in) :: subject
+        character(:), allocatable :: text
+        character(kind=c_char), allocatable, target :: buffer(:)
+        integer(c_size_t) :: length
+        length = source(subject, c_null_ptr, 0_c_size_t)
+        allocate (buffer(length + 1))
+        length = min(length, source(subject, c_loc(buffer), length + 1))
         text = characters_at(c_loc(buffer), length)
     end function
 
@@ -894,38 +917,23 @@ contains
     !> The calls that allocated a live block, one a line, innermost first; empty unless origins are
     !> recorded, or if no live block has that address.
     function standin_block_origin(block) result(text)
-        type(standin_block), intent(in) :: block
+        type(standin_block), intent(in), target :: block
         character(:), allocatable :: text
-        character(kind=c_char), allocatable, target :: buffer(:)
-        integer(c_size_t) :: length
-        length = c_block_origin(block, c_null_ptr, 0_c_size_t)
-        allocate (buffer(length + 1))
-        length = min(length, c_block_origin(block, c_loc(buffer), length + 1))
-        text = characters_at(c_loc(buffer), length)
+        text = text_about(c_block_origin, c_loc(block))
     end function
 
     !> A live object in words; empty if the object has been released.
     function standin_object_description(object) result(text)
-        type(standin_live_object), intent(in) :: object
+        type(standin_live_object), intent(in), target :: object
         character(:), allocatable :: text
-        character(kind=c_char), allocatable, target :: buffer(:)
-        integer(c_size_t) :: length
-        length = c_object_description(object, c_null_ptr, 0_c_size_t)
-        allocate (buffer(length + 1))
-        length = min(length, c_object_description(object, c_loc(buffer), length + 1))
-        text = characters_at(c_loc(buffer), length)
+        text = text_about(c_object_description, c_loc(object))
     end function
 
     !> The calls that made a live object, as for a block; empty if the object has been released.
     function standin_object_origin(object) result(text)
-        type(standin_live_object), intent(in) :: object
+        type(standin_live_object), intent(in), target :: object
         character(:), allocatable :: text
-        character(kind=c_char), allocatable, target :: buffer(:)
-        integer(c_size_t) :: length
-        length = c_object_origin(object, c_null_ptr, 0_c_size_t)
-        allocate (buffer(length + 1))
-        length = min(length, c_object_origin(object, c_loc(buffer), length + 1))
-        text = characters_at(c_loc(buffer), length)
+        text = text_about(c_object_origin, c_loc(object))
     end function
 
     ! Arrays
