@@ -170,7 +170,7 @@ finding address_stays() {
         }
     }
     return expect(host::qvgetpr800_(made.handle) == data && data[2] == 2.5,
-                  "it changes while other arrays come and go");
+                  "it changes while other arrays are made and destroyed");
 }
 
 finding copies_out() {
@@ -235,7 +235,7 @@ finding takes_over(Store store) {
     }
     data[0] = 2.5;
     store(structure.handle, value);
-    return expect(data[0] == 2.5, "the data of the array are lost with it");
+    return expect(data[0] == 2.5, "the data of the stored array have changed");
 }
 
 /// Fills the fields of a struct many times, beside other fields.
@@ -275,7 +275,7 @@ finding destroys_one_alone() {
     host::qvdestroyarray800_(other);
     host::qvdestroyarray800_(structure);
     return expect(host::qvgetpr800_(kept.handle) == data && data[1] == 2.5,
-                  "an array that was not destroyed is gone");
+                  "an array that was not destroyed no longer exists");
 }
 
 finding come_and_go() {

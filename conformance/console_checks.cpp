@@ -26,7 +26,7 @@ void print(std::string_view text) {
     host::qvxprintf800_(text.data(), static_cast<std::int64_t>(text.size()));
 }
 
-/// Redirects standard output to a file until it is destroyed.
+/// Redirects standard output to a file while the object exists.
 class caught_output {
 public:
     caught_output() : file_(std::tmpfile()), before_(::dup(STDOUT_FILENO)) {

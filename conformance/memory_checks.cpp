@@ -143,9 +143,9 @@ void check_memory() {
         release_all(all);
         return finding();
     });
-    check(obtains, "returns null for more than there can be", [] {
+    check(obtains, "returns null for a size that exceeds any memory", [] {
         return expect(host::qvMallocExOptim(std::numeric_limits<std::int64_t>::max()) == nullptr,
-                      "an address");
+                      "it returned an address");
     });
     check(obtains, "serves two threads at once", serves_two_threads);
 }

@@ -21,7 +21,7 @@ int failed = 0;
 std::array<char, 256> current = {};
 
 /// A duplicate of standard output, if there is one, because a check may redirect standard output.
-int lines_go_to = STDOUT_FILENO;
+int output_descriptor = STDOUT_FILENO;
 
 void set_current(const std::string& text) {
     const std::size_t length = text.copy(current.data(), current.size() - 1);
@@ -31,7 +31,7 @@ void set_current(const std::string& text) {
 /// Writes without stdio, which may be in the middle of a call when a signal arrives.
 void write_out(std::string_view text) {
     while (!text.empty()) {
-        const ssize_t written = ::write(lines_go_to, text.data(), text.size());
+        const ssize_t written = ::write(output_descriptor, text.data(), text.size());
         if (written <= 0) {
             return;
         }
@@ -72,27 +72,27 @@ void on_signal(int number) {
 
 void check(const std::string& operation, const std::string& obligation,
            const std::function<finding()>& look) {
-    const std::string what = operation + ": " + obligation;
-    set_current(what);
+    const std::string label = operation + ": " + obligation;
+    set_current(label);
     const finding wrong = look();
     ++checks;
     if (wrong.empty()) {
-        write_out("ok   " + what + "\n");
+        write_out("ok   " + label + "\n");
     } else {
         ++failed;
-        write_out("FAIL " + what + ": " + wrong + "\n");
+        write_out("FAIL " + label + ": " + wrong + "\n");
     }
-    set_current(operation + ": after it " + obligation);
+    set_current(operation + ": after the check that it " + obligation);
 }
 
-void note(const std::string& operation, const std::string& what) {
-    write_out("note " + operation + ": " + what + "\n");
+void note(const std::string& operation, const std::string& remark) {
+    write_out("note " + operation + ": " + remark + "\n");
 }
 
 void report_signals() {
     // A duplicate, because a check may have redirected standard output when the signal arrives.
     if (const int copy = ::dup(STDOUT_FILENO); copy >= 0) {
-        lines_go_to = copy;
+        output_descriptor = copy;
     }
     for (const int number : {SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGSEGV}) {
         std::signal(number, on_signal);

@@ -15,8 +15,8 @@ using finding = std::string;
 void check(const std::string& operation, const std::string& obligation,
            const std::function<finding()>& look);
 
-/// Prints an operation that was not checked, and why. Does not count as a check.
-void note(const std::string& operation, const std::string& what);
+/// Prints an operation that was not checked, with a remark. Does not count as a check.
+void note(const std::string& operation, const std::string& remark);
 
 /// An empty finding if the condition holds, else `violation`.
 inline finding expect(bool condition, const char* violation) {

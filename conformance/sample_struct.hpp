@@ -6,8 +6,8 @@
 
 #include "zktarn/host/libqv.hpp"
 
-/// Arrays for the checks. Nonzero bytes follow each 32-bit argument in memory, so that a host that
-/// reads 64 bits reads another number.
+/// Arrays for the checks. In memory, nonzero bytes follow each 32-bit argument, so a host that
+/// wrongly reads 64 bits gets a wrong number and fails the check.
 
 namespace zktarn::host_conformance {
 

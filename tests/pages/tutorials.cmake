@@ -33,14 +33,9 @@ foreach(each IN ITEMS separator/separator decimals/decimals memory/leak memory/o
     COMMAND ${check} output "${tutorials}/${page}.md" ${program} $<TARGET_FILE:tutorial_${program}>)
 endforeach()
 
-# Its title says how long it is, blank lines not counted.
-add_test(NAME tutorials.separator_length
-  COMMAND ${Python3_EXECUTABLE} -c
-    "import sys; n = sum(bool(line.strip()) for line in open(sys.argv[1])); sys.exit(n > 60 and f'{n} lines')"
-    "${CMAKE_CURRENT_BINARY_DIR}/tutorial_separator.cpp")
 
-# A host of one file, as four libraries. A sanitizer's memory manager ends the process at a request for
-# more than there can be, which the conformance program makes; on macOS the loader takes other paths.
+# A host of one file, as four libraries. A sanitizer's memory manager ends the process at a request
+# that exceeds any memory, which the conformance program makes; on macOS the loader searches other folders.
 if(NOT APPLE AND NOT CMAKE_CXX_FLAGS MATCHES "-fsanitize")
   set(own_host "${CMAKE_CURRENT_BINARY_DIR}/host")
   set(host_code "${CMAKE_CURRENT_BINARY_DIR}/tutorial_host.cpp")

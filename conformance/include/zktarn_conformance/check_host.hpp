@@ -12,8 +12,8 @@ namespace zktarn::host_conformance {
 
 /// What the checks need to know of a host.
 struct settings {
-    /// The host-language function to call; none when empty. `--help` of the program says what it
-    /// receives.
+    /// The host-language function to call; none when empty. It receives the struct that `--help` of
+    /// the program describes.
     std::string function;
     /// The number that the function must return; any number when absent.
     std::optional<double> answer;
@@ -26,7 +26,7 @@ struct settings {
 /// and SIGSEGV.
 void report_signals();
 
-/// Runs every check. Those that may end the process come last.
+/// Runs every check and prints its results. Those that may end the process come last.
 void check_host(const settings& wanted);
 
 /// Prints the numbers of checks and of failures. Returns whether every check passed.
