@@ -73,7 +73,7 @@ int main(int argc, char** argv) {
     const zktarn_flag made = zktarn_vector_alloc(&refused, COLUMNS, NULL, NULL, NULL);
     printf("\nThe host refuses the second array: vector_alloc returns %d, %d blocks are left.\n",
            (int)made, (int)zktarn_standin_live_blocks(NULL, 0));
-    zktarn_vector_free(&refused); /* harmless: the reference is NULL */
+    zktarn_vector_free(&refused); /* harmless: refused is NULL */
 
     char report[200];
     zktarn_standin_memory_report(report, sizeof report);

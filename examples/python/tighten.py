@@ -2,7 +2,7 @@
 # # Tightening a relaxation
 #
 # `zktarn.zero_half` adds zero-half cuts to the linear relaxation of an integer program until its bound
-# rises no more. This script is a notebook of cells (`# %%`): an editor runs it cell by cell, Python as
+# stops rising. This script is a notebook of cells (`# %%`): an editor runs it cell by cell, Python as
 # a whole:
 #
 #     python tighten.py [PICTURE]
@@ -26,7 +26,7 @@ from zktarn import zero_half
 MODELS = pathlib.Path(__file__).resolve().parents[2] / "solvers" / "zero_half" / "models"
 
 # %% A model
-# p0282 is a public binary program. Its optimum, 258411, stands in a table beside the file.
+# p0282 is a public binary program. Its optimum, 258411, is in the table `optima.csv` beside the file.
 model = zero_half.read_model(MODELS / "p0282.mps")
 print(repr(model))
 
@@ -54,7 +54,7 @@ terms = " ".join(f"{a:+g} {name}" for a, name in zip(result.cuts[[0]].data, name
 print(f"the first: {terms} <= {result.rhs[0]:g}")
 
 # %% The cuts in another solver
-# SciPy's branch and bound finds the same optimum with the cuts as further rows.
+# SciPy's branch and bound finds the same optimum with the cuts as additional rows.
 kind = {"bounds": model.bounds, "integrality": model.integrality}
 plain = milp(model.c, constraints=model.constraints, **kind)
 with_cuts = milp(model.c, constraints=[model.constraints, result.constraint], **kind)
@@ -76,8 +76,8 @@ print(f"{stopped.status}: {stopped.message}")
 
 
 # %% An exception ends the run too
-# It arrives where `tighten` was called, and so does KeyboardInterrupt after Ctrl-C. What the run had
-# reached goes with it.
+# `tighten` raises it to its caller, like KeyboardInterrupt after Ctrl-C. `partial_result` returns what the
+# run had reached.
 def fail(info: zero_half.Progress) -> None:
     if info["round"] == 3:
         raise LookupError("the third round is enough")

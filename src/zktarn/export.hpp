@@ -1,6 +1,6 @@
 #pragma once
 
-/// Marks of exported procedures. All other symbols of the shared library are hidden.
+/// Attributes of exported procedures. All other symbols of the shared library are hidden.
 
 /// An exported procedure.
 #define ZKTARN_API [[gnu::visibility("default")]]

@@ -25,7 +25,7 @@
 ///  7. Text is a `std::string_view` in and a `std::span<char>` in/out. The whole length counts,
 ///     trailing blanks included.
 ///  8. No procedure throws, aborts, or prints except on the host's console. A failed allocation
-///     returns flag 0 and leaves the array absent or the reference null.
+///     returns flag 0 and leaves the array absent or the pointer null.
 ///  9. Ordinary builds check no precondition: a call outside the stated ranges is undefined. A
 ///     checked build (ZKTARN_CHECKED) reports the violation to the host.
 /// 10. The caller owns every record, array and handle. A procedure that creates one overwrites the

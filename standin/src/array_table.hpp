@@ -55,7 +55,7 @@ public:
     std::int32_t add_field(operation caller, array_handle structure, const std::string& name);
 
     double* data(operation caller, array_handle handle);
-    // Copies of `count` numbers between host data, which must hold that many, and the caller's.
+    // Copy `count` numbers from or to host data, which must hold that many.
     void copy_out(const double* data, double* target, std::int64_t count);
     void copy_in(const double* source, double* data, std::int64_t count);
 
@@ -84,7 +84,7 @@ private:
     std::mutex lock_;
     std::map<array_handle, stored_array> live_;
     std::map<const double*, array_handle> data_;
-    /// The array that each handle names or named, by handle.
+    /// Every array ever made, released ones included, in the order of their handles.
     std::vector<past_array> made_;
 };
 

@@ -12,12 +12,12 @@
 #include "call_observers.hpp"
 #include "fault_report.hpp"
 
-/// The frame that all operations of the host share: it counts the call, lets it fail as planned,
-/// logs it, lets a script answer it, and reports faults with no lock held.
+/// What all operations of the host have in common: `attempt` counts the call, fails it if that is
+/// planned, logs it, lets a script answer it, and reports faults with no lock held.
 
 namespace zktarn::standin {
 
-/// The result of an operation without one.
+/// The result type of an operation that returns nothing.
 struct nothing {
     bool operator==(const nothing&) const = default;
 };
@@ -122,10 +122,10 @@ std::optional<Result> observed(const Arguments& arguments, bool fails_now, const
 
 /// Calls an operation of the host.
 ///
-/// @param failed     its failure value
-/// @param arguments  makes the `host_call` of this call; called only when it is logged or scripted
-/// @param output     what it writes to the caller, for the log and for scripts
-/// @param work       does it
+/// @param failed     the failure value of the operation
+/// @param arguments  makes the `host_call` of this call; called only if it is logged or scripted
+/// @param output     describes what the operation writes to its caller, for the log and for scripts
+/// @param work       performs the operation
 template <class Result, class Arguments, class Output, class Work>
 Result attempt(operation what, Result failed, Arguments arguments, Output output,
                Work work) noexcept {
@@ -152,7 +152,7 @@ Result attempt(operation what, Result failed, Arguments arguments, Work work) no
     return attempt(what, failed, arguments, no_output(), work);
 }
 
-/// An operation without a result.
+/// An operation that returns nothing.
 template <class Arguments, class Work>
 void attempt(operation what, Arguments arguments, Work work) noexcept {
     attempt(what, nothing(), arguments, no_output(), [&] {

@@ -43,7 +43,7 @@ std::array<std::atomic<std::int64_t>, operation_count> calls_to_failure;
 std::atomic<bool> failed = false;
 
 /// Whether an operation returns a handle, a number or an address that the caller passes on.
-bool hands_out(operation what) noexcept {
+bool returns_value_to_pass_on(operation what) noexcept {
     switch (what) {
     case operation::qvcreatestructarray800_:
     case operation::qvcreatestring800_:
@@ -60,7 +60,7 @@ bool hands_out(operation what) noexcept {
 
 /// Whether an operation has a failure value, or writes no output when it fails.
 bool can_fail(operation what) noexcept {
-    return hands_out(what) || what == operation::instantiateRngOptim ||
+    return returns_value_to_pass_on(what) || what == operation::instantiateRngOptim ||
            what == operation::getRandUniformOptim || what == operation::getRngStateOptim ||
            what == operation::qvxprintf800_;
 }
@@ -95,7 +95,7 @@ bool fails(operation what) noexcept {
 }
 
 void note_failure(operation what) noexcept {
-    if (hands_out(what)) {
+    if (returns_value_to_pass_on(what)) {
         failed.store(true, std::memory_order_relaxed);
     }
 }

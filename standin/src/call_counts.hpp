@@ -9,7 +9,7 @@ namespace zktarn::standin {
 /// Counts a call of an operation. Returns whether the call is planned to fail.
 bool fails(operation what) noexcept;
 
-/// Notes that an operation has failed, as planned or not.
+/// Records that an operation has failed, as planned or not.
 void note_failure(operation what) noexcept;
 
 /// Whether an operation that returns a handle, a number or an address has failed since the last

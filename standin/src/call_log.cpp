@@ -28,12 +28,13 @@ call_log& all() {
     return log;
 }
 
-/// Adds an observer if there is one now and was none before; removes one in the opposite case.
+/// Updates the count of observers when one is added or removed: `before` and `now` say whether it
+/// was and is present.
 void count_observer(bool before, bool now) noexcept {
     observers.fetch_add(static_cast<int>(now) - static_cast<int>(before));
 }
 
-/// Writes a list of arguments, each behind a separator.
+/// Writes a list of arguments, each preceded by a separator.
 class argument_list {
 public:
     explicit argument_list(std::ostream& out) : out_(out) {}

@@ -6,7 +6,7 @@
 
 #include "zktarn_standin/call_log.hpp"
 
-/// The log and the scripts, as the operations use them.
+/// The interface of the operations to the log and the scripts.
 
 namespace zktarn::standin {
 

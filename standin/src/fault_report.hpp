@@ -13,10 +13,10 @@ namespace zktarn::standin {
 /// A fault that concerns no block.
 fault fault_without_block(fault_kind kind, std::string sentence, const call_stack& origin = {});
 
-/// Hands a fault, completed by its place, to the handler.
+/// Adds the current call stack to a fault and calls its handler.
 void report_fault(fault found) noexcept;
 
-/// Hands a failed assertion to the handler.
+/// Calls the handler of failed assertions.
 void report_failed_assertion() noexcept;
 
 /// Throws the fault of a call: its sentence begins with the operation.

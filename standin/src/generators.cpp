@@ -56,7 +56,7 @@ private:
         call_stack origin;
     };
 
-    // Handles are aligned as addresses of engines would be.
+    // Handles have the alignment of an engine, like real addresses.
     static constexpr std::uintptr_t spacing = 64;
 
     /// 0 for an address that is not a handle.

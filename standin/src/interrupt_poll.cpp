@@ -21,8 +21,8 @@ static_assert(std::atomic<std::int64_t>::is_always_lock_free);
 
 std::atomic<std::int64_t> polls_to_interrupt = 0;
 
-/// Held by polls and settings, which change the handler; the signal handler does not take it. Never
-/// destroyed, because a solver may poll while the process exits.
+/// Locked by polls and settings, which change the handler; the signal handler does not lock it.
+/// Never destroyed, because a solver may poll while the process exits.
 std::mutex& handler_lock() {
     static auto& lock = *new std::mutex;
     return lock;
@@ -88,7 +88,8 @@ void set_listening(bool on) noexcept {
     }
 }
 
-/// A program that was started with SIGINT ignored, as in the background, continues to ignore it.
+/// A program that was started with SIGINT ignored, such as a background job, continues to ignore
+/// it.
 bool is_ignored() noexcept {
     struct sigaction installed = {};
     sigaction(SIGINT, nullptr, &installed);

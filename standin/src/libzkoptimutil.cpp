@@ -15,7 +15,7 @@ namespace {
 
 constexpr void* none = nullptr;
 
-/// A call that has addresses for arguments, and nothing else.
+/// A call whose arguments are all addresses.
 host_call of_addresses(operation what, std::initializer_list<const void*> addresses) {
     return {what, {}, {}, {}, addresses};
 }

@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Precedes a record. The guard follows the record at once.
+/// Precedes a record in memory. The guard follows the record directly.
 struct alignas(__STDCPP_DEFAULT_NEW_ALIGNMENT__) record_header {
     record_header* next;
     std::size_t size;
@@ -24,7 +24,7 @@ constexpr std::array<unsigned char, 16> guard = {
 };
 
 std::mutex lock;
-// The live records: a list for each remainder of the address.
+// The live records, in a hash table: one list for each hash of an address.
 std::array<record_header*, 1024> lists = {};
 // Read without the lock, so that deleting other objects stays cheap while there is no record.
 std::atomic<std::int64_t> live = 0;

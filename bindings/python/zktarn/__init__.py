@@ -7,8 +7,7 @@ Fractions            rational, gcd, scalar_integral, find_scalar_integral
 Sorting              sort
 Random numbers       Generator
 Solvers in Python    Solve, tarnassert
-A cutting plane
-solver               module zktarn.zero_half
+Cutting planes       module zktarn.zero_half
 
 Element indices and list positions are the library's: they count from 1. The functions on whole
 arrays are universal functions of NumPy: they broadcast, and take `out=` and `where=`. Errors are

@@ -1,4 +1,4 @@
-"""`python -m zktarn`: the versions, the host, and the verdict of the checks of the host.
+"""`python -m zktarn` prints the versions, the host, and the result of the host's conformance checks.
 
     python -m zktarn                 a summary; failed checks one by one
     python -m zktarn --conformance   every check, one a line

@@ -71,8 +71,8 @@ class Vector:
     def __deepcopy__(self: _V, memo: Any) -> _V: ...
     def check(self) -> None: ...
 
-# Universal functions: a number for numbers, an array for arrays. A number is an ArrayLike too, so
-# the two cases overlap; the first that fits counts.
+# Universal functions return a number for numbers and an array for arrays. A number is an ArrayLike
+# too, so the overloads overlap; type checkers take the first that matches.
 
 _Scalar = Union[float, np.number[Any], np.bool_]
 _Out = Union[None, NDArray[Any], Tuple[NDArray[Any]]]
@@ -138,7 +138,7 @@ ceil: _RealOfTwo
 is_even: _FlagOfTwo
 is_even_int: _FlagOfOne
 
-# What the modules in Python call, with arguments that they have checked.
+# Called by the modules in Python, which check the arguments.
 
 def rational_parts(
     x: NDArray[np.float64], eps: NDArray[np.float64], max_den: NDArray[np.float64], *,

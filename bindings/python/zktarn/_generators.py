@@ -27,9 +27,10 @@ class Generator:
     """A generator of random numbers, uniformly distributed in [0, 1).
 
     source    int of 32 bits: a seed; the numbers are those of
-              `numpy.random.default_rng(seed).random()`. A negative seed counts from 2**32 down.
-              Or a `numpy.random` bit generator or `Generator`, which is then shared: each
-              number goes to the one that draws it.
+              `numpy.random.default_rng(seed).random()`. A negative seed s selects the
+              numbers of 2**32 + s.
+              Or a `numpy.random` bit generator or `Generator`, which is then shared: a number
+              that one of them draws is not drawn again by the other.
 
     TypeError: another type. ValueError: the seed needs more than 32 bits. One generator must not be
     used by two threads at once.
@@ -75,7 +76,7 @@ class Generator:
 
         state    GeneratorState.
 
-        TypeError: another type. ValueError: the snapshot of another kind of bit generator.
+        TypeError: another type. ValueError: the snapshot is that of another kind of bit generator.
         C++: random::setrngstate.
         """
         if not isinstance(state, GeneratorState):

@@ -20,7 +20,7 @@ class Solve:
     display            'off', 'final' or 'all': which lines `print` prints.
     interrupts         bool: whether Ctrl-C ends the solve.
 
-    Only one solve can run at a time; a new one clears an interrupt that an earlier one has seen.
+    Only one solve can run at a time; a new one clears an interrupt that an earlier one reported.
 
         solve = Solve(output_function=follow)
         while not solve.has_interrupt():
@@ -29,7 +29,7 @@ class Solve:
                 break
             solve.print(f"bound {bound}")
 
-    TypeError: `output_function` is not callable. ValueError: another level of display.
+    TypeError: `output_function` is not callable. ValueError: `display` is none of these.
     C++: callbacks_util::cbinit, and the codes status, ctrlc, display and indicator of that module.
     """
 
@@ -50,10 +50,13 @@ class Solve:
 
     @property
     def data(self) -> _core.SolveData:
-        """The counters of the solve, as the solver sets them.
+        """The counters of the solve. The solver sets them; the library does not read them.
 
         nodes_explored, feasible_points, node, parent_node, depth, branching_variable, lower_bound,
-        upper_bound, gap, incumbent_node, cuts, restarts. C++: callbacks_type_util::cbdata, which has the defaults."""
+        upper_bound, gap, incumbent_node, cuts, restarts.
+
+        C++: callbacks_type_util::cbdata, which states the initial values.
+        """
         return self._data
 
     @property
@@ -124,7 +127,7 @@ class Solve:
     def has_interrupt(self) -> bool:
         """Whether to end the solve: after the output function has ended it, or after an interrupt.
 
-        KeyboardInterrupt: Ctrl-C, at the first poll that sees it; later polls return True.
+        KeyboardInterrupt: at the first poll after Ctrl-C; later polls return True.
         C++: callbacks_util::cbhasinterrupt.
         """
         return _core.has_interrupt(self._status, self._ctrlc)

@@ -1,4 +1,4 @@
-"""Sorting of data that only the caller knows."""
+"""Sorting of data that only the caller's callables read and write."""
 
 from typing import Callable, Optional
 
@@ -11,7 +11,7 @@ def sort(
     compare: Optional[Callable[[int, int], float]] = None,
     swap: Optional[Callable[[int, int], object]] = None,
 ) -> None:
-    """Sorts the positions first..last, both inclusive, of data that only callables touch.
+    """Sorts the positions first..last, both inclusive, of data that only the callables access.
 
     first, last    integers of 32 bits, in the caller's numbering. If last <= first, nothing is
                    called.
@@ -21,7 +21,7 @@ def sort(
                    are out of order, and then swap(a, b) exchanges them.
 
     Returns None. Not stable: equal elements may change places. An exception of a callable ends the
-    sort and is raised here; the data keep their order of that moment.
+    sort and is raised here; the data keep the order that they have then.
 
         >>> names = ["c", "a", "b"]
         >>> def swap(a, b):
@@ -31,7 +31,7 @@ def sort(
         ['a', 'b', 'c']
 
     Shell sort, O(n^1.5) calls. For an array, `numpy.argsort` is faster.
-    TypeError: a position is no integer, or neither `exchange` nor both `compare` and `swap` are
+    TypeError: a position is not an integer, or neither `exchange` nor both `compare` and `swap` are
     given. ValueError: a position needs more than 32 bits. C++: sorting_mod::sort.
     """
     if (exchange is None) == (compare is None) or (compare is None) != (swap is None):

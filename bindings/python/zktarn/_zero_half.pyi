@@ -1,4 +1,4 @@
-"""The engine of zktarn.zero_half. The functions trust their callers; call that package instead."""
+"""Types of the extension module behind zktarn.zero_half. Its functions do not check their arguments."""
 
 from collections.abc import Callable
 from typing import Any, TypedDict
@@ -7,7 +7,7 @@ import numpy as np
 from numpy.typing import NDArray
 
 class ModelArrays(TypedDict):
-    """A model: rows as compressed sparse rows, the objective as the file counts it."""
+    """A model: compressed sparse rows, and the objective in the sense of the file."""
 
     file: str
     name: str

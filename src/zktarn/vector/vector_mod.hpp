@@ -23,7 +23,7 @@
 /// `vectors_combine` with x in list mode: it searches the list of x for each entry of y.
 ///
 /// No procedure allocates, keeps the index list sorted, or clears a coefficient whose entry it
-/// removes. List positions behind nz hold scratch values.
+/// removes. List positions beyond nz hold scratch values.
 
 namespace zktarn::vector_mod {
 
@@ -179,7 +179,8 @@ ZKTARN_API void vectors_combine(vector& x, const vector& y, const double& alpha,
 ///           which then becomes empty.
 ///
 /// Appends the indices that only y lists, in y's order. Then drops the common indices as
-/// `vector_rem_zeros` drops zeros, and stops at the first kept entry after the last of these drops.
+/// `vector_rem_zeros` drops zeros. After as many drops as there are common indices, the first kept
+/// entry ends the pass.
 ZKTARN_API void vectors_calc_sym_diff(vector& x, const vector& y) noexcept;
 
 /// Reduces coefficients modulo 2. A listed coefficient for which `is_even_real` holds within tol

@@ -32,8 +32,9 @@ struct unmarked_entries {
     }
 };
 
-/// Drops entries without a mark from the list of x by the rule of `compaction`, which stops after
-/// `common` drops. Entries from list position `kept_from`, counted from 0, on are known to be kept.
+/// Drops entries without a mark from the list of x in the order that compaction.hpp defines, and
+/// stops after `common` drops. Entries from list position `kept_from`, counted from 0, on are known
+/// to be kept.
 void drop_common(vector& x, std::int64_t kept_from, std::int64_t common) noexcept {
     std::int32_t* const list = x.ind.data;
     const std::int64_t nz = x.nz;

@@ -14,8 +14,8 @@ enum class array_kind { structure, real_matrix, real_scalar, text };
 
 /// A copy of a host array and of everything that it owns, made when the array was inspected.
 ///
-/// Reading a value of another kind, or a field that is not there, is a fault (`wrong_kind`,
-/// `out_of_range`); the result is then 0.0, no numbers, no text or no fields.
+/// Reading a value of another kind, or a field that does not exist, is a fault (`wrong_kind`,
+/// `out_of_range`). The result is then 0.0, no numbers, an empty text or no fields.
 class array_value {
 public:
     /// What kind of array it is.

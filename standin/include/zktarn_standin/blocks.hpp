@@ -34,13 +34,13 @@ void fail_request(std::int64_t k) noexcept;
 /// Replaces an earlier plan; k < 1 plans no failure.
 void fail_requests_from(std::int64_t k) noexcept;
 
-/// Fills every new block with `byte`, so that reading before writing shows. -1, the initial
-/// setting, leaves new blocks unfilled.
+/// Fills every new block with the lowest 8 bits of `byte`, so that a read before the first write
+/// shows. A negative value leaves new blocks unfilled; initially -1.
 void fill_new_blocks(int byte) noexcept;
 
 /// Chooses whether new blocks of 4 MiB and more lie on huge pages, where the system has them
 /// (Linux: MADV_HUGEPAGE, else MADV_NOHUGEPAGE). Such a block takes up whole pages of 2 MiB either
-/// way, and starts 64 bytes behind the start of one. Initially on. Returns the previous setting.
+/// way, and starts 64 bytes after the start of a page. Initially on. Returns the previous setting.
 bool huge_pages(bool on) noexcept;
 
 /// The blocks that have not been released, by order number.

@@ -46,7 +46,8 @@ struct host_call {
 /// Whether operation and arguments are the same. Results are not compared.
 [[nodiscard]] bool operator==(const host_call& a, const host_call& b);
 
-/// `qvcreatestring800_("cutting") = 3`; line feeds in texts as `\n`.
+/// The call as text, for example `qvcreatestring800_("cutting") = 3`; a line feed in a text is
+/// `\n`.
 [[nodiscard]] std::string text_of(const host_call& logged);
 std::ostream& operator<<(std::ostream& out, const host_call& logged);
 

@@ -34,11 +34,11 @@ private:
 /// for reports of leaks and of faults that concern them. Returns the previous setting.
 ///
 /// Initially off, unless the environment variable ZKTARN_STANDIN_ORIGINS is 1 when the process
-/// starts. Off, it costs nothing. On, each of these objects costs one walk of the stack, which
-/// takes many times as long as making a small block does, and up to 32 addresses of memory.
+/// starts. Off, it costs nothing. On, each object costs one walk of the stack, many times the cost
+/// of a small block, and up to 32 addresses of memory.
 ///
-/// The place of a fault or of a failed assertion is always recorded, because the stack is walked
-/// only then.
+/// The call stack of a fault or a failed assertion is always recorded, because it costs nothing
+/// before.
 bool record_origins(bool on) noexcept;
 
 } // namespace zktarn::standin

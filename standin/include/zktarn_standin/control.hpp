@@ -1,6 +1,6 @@
 #pragma once
 
-/// Control of the stand-in host, all of it.
+/// The complete control of the stand-in host.
 ///
 /// The stand-in supplies the host's operations on machines without a host. A solver links
 /// `zktarn::standin` beside `zktarn::util` and runs as it would inside the host. Its tests include
@@ -8,7 +8,8 @@
 /// to check that everything is released.
 ///
 /// Everything is process-wide and callable from any thread. Nothing here counts as a call of a host
-/// operation.
+/// operation. Procedures that are not `noexcept` throw `std::bad_alloc` if memory is missing, and
+/// nothing else.
 
 #include "zktarn_standin/arrays.hpp"     // IWYU pragma: export
 #include "zktarn_standin/blocks.hpp"     // IWYU pragma: export

@@ -23,7 +23,7 @@ enum class fault_kind {
     /// Bytes past the end of a block were written. Detected when the block is released, by
     /// `check_blocks` and at exit.
     write_past_end,
-    /// Bytes before the start of a block were written. Detected as above.
+    /// Bytes before the start of a block were written. Detected like `write_past_end`.
     write_before_start,
     /// A handle that names no array, an address at which no array has its data, a generator or a
     /// snapshot that was never made.

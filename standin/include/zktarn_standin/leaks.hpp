@@ -30,8 +30,8 @@ struct live_object {
 /// The memory report, then for each live object a line, and its origin where it is recorded.
 [[nodiscard]] std::string report();
 
-/// Whether the process, when it ends, checks all blocks and writes the report to standard error if
-/// anything is still live. Initially on. Returns the previous setting.
+/// Chooses whether the process, when it ends, checks all blocks, and writes the report to standard
+/// error if anything is not released. Initially on. Returns the previous setting.
 bool report_at_exit(bool on) noexcept;
 
 } // namespace zktarn::standin

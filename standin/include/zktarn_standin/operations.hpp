@@ -67,7 +67,7 @@ void fail_call(operation what, std::int64_t k) noexcept;
 ///   - the default handlers are installed, no function is registered, the report at exit is on;
 ///   - origins are recorded as when the process started;
 ///   - captured console text is discarded, but the destination set with `set_console` stays;
-///   - SIGINT is left alone until the next poll.
+///   - SIGINT has its previous handler until the next poll.
 ///
 /// Blocks, arrays, generators and snapshots stay, and keep their numbers.
 void reset();

@@ -18,8 +18,8 @@ void fail_record(std::int64_t k) noexcept;
 /// The number of requests for records so far, refused ones included.
 [[nodiscard]] std::int64_t record_requests() noexcept;
 
-/// The number of records that have not been deleted. When a record is deleted that was written past
-/// its end, the stand-in writes a sentence to standard error and aborts.
+/// The number of records that have not been deleted. When a record that was written past its end is
+/// deleted, the stand-in writes a sentence to standard error and aborts.
 [[nodiscard]] std::int64_t live_records() noexcept;
 
 } // namespace zktarn::standin

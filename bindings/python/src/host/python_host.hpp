@@ -1,25 +1,25 @@
 #pragma once
 
-/// The host made of CPython and NumPy, as the extension modules of the package see it: what they
-/// call beside the 25 operations (zktarn/host/*.hpp).
+/// The host made of CPython and NumPy: what its users call in addition to the operations of
+/// zktarn/host/*.hpp.
 ///
-/// Every function here needs the interpreter's lock, and `zktarn_python_start` called before. The
-/// operations need neither: each takes the lock itself.
+/// Every function here requires that the caller holds the interpreter's lock and has called
+/// `zktarn_python_start`. The operations require neither: each acquires the lock itself.
 ///
 /// Exceptions. An operation cannot raise: the library that called it is compiled without
-/// exceptions. What would be raised - by the output function, by Ctrl-C, by a false assertion, by a
-/// console that is closed - is stored, and raised by the extension module when the library returns:
+/// exceptions. The host stores an exception of the output function, of Ctrl-C, of a false assertion
+/// or of a closed console, and the extension module raises it when the library returns:
 ///
 ///     zktarn::vector_mod::some_procedure(...);
 ///     if (zktarn_python_raise() != 0) {
 ///         throw pybind11::error_already_set();
 ///     }
 ///
-/// Each thread of Python has a stored exception of its own; all threads that are none (made by C++)
-/// share one, which `zktarn_python_raise` returns on any thread that has none. A second exception
+/// Each thread of Python has its own stored exception. All threads made by C++ share one, which
+/// `zktarn_python_raise` raises on any thread that has no exception of its own. A second exception
 /// is dropped while one is stored, unless it is no subclass of `Exception` (KeyboardInterrupt,
-/// SystemExit): then it takes the place of the first, which becomes its context. While one is
-/// stored `utIsInterruptPending` returns true, so that a solve that polls ends.
+/// SystemExit): then it replaces the first, which becomes its context. While one is stored,
+/// `utIsInterruptPending` returns true, so a solve that polls ends.
 ///
 /// A MemoryError inside an operation is never stored: the operation returns its failure value.
 
@@ -42,30 +42,30 @@ PyObject* zktarn_python_block(const void* address);
 /// Returns the number of blocks in use.
 Py_ssize_t zktarn_python_block_count(void);
 
-/// Raises the stored exception of the calling thread, with its traceback, and forgets it.
+/// Raises the stored exception of the calling thread, with its traceback, and clears the store.
 ///
-/// Returns -1 with an exception set, or 0 when there is none.
+/// Returns -1 with an exception set, or 0 when none was stored.
 int zktarn_python_raise(void);
 
 /// Registers a callable as function `name` of the host's language: the library calls
-/// "tarnCallback". A callable serves the thread of Python that registered it; a null or None
-/// removes it. Threads that have none of that name use the dict `zktarn_python_functions`.
+/// "tarnCallback". The callable is used on the thread of Python that registered it; null or None
+/// removes it. Threads without a callable of that name use the dict `zktarn_python_functions`.
 ///
 /// The callable gets a copy of each struct as a dict. Its answer is a real number, or an array of
 /// at least one, or None, which counts as 0.0. An exception is stored, and the answer is 1.0, which
 /// ends the solve.
 ///
-/// Returns a new reference to the callable that was registered before on this thread, None without
-/// one; null with an exception set (TypeError: not callable).
+/// Returns a new reference to the callable that this thread had registered before, or to None; null
+/// with an exception set (TypeError: not callable).
 PyObject* zktarn_python_set_function(const char* name, PyObject* callable);
 
-/// Returns a borrowed reference to the dict of functions, name to callable, that serve every
-/// thread.
+/// Returns a borrowed reference to the dict of functions, name to callable, of threads that have
+/// registered none of that name.
 PyObject* zktarn_python_functions(void);
 
 /// Returns a generator, to be released by `deleteRngOptim`, that draws from a NumPy bit generator
-/// or from the bit generator of a `numpy.random.Generator`, which it shares: numbers drawn on
-/// either side are gone on the other. Draws hold the bit generator's own lock.
+/// or from the bit generator of a `numpy.random.Generator`, which it shares: a number drawn on one
+/// side is not drawn again on the other. Draws hold the bit generator's own lock.
 ///
 /// Returns null with an exception set: TypeError, or MemoryError.
 void* zktarn_python_adopt_generator(PyObject* generator);
@@ -73,9 +73,10 @@ void* zktarn_python_adopt_generator(PyObject* generator);
 /// Returns a new reference to the NumPy bit generator behind a generator of the host.
 PyObject* zktarn_python_bit_generator(void* generator);
 
-/// Sets what makes the bit generator of `instantiateRngOptim`: a callable of one argument, the seed
-/// from 0 to 2^32 - 1 (a negative seed counts from 2^32 down). At first `numpy.random.PCG64`, so
-/// that the numbers are those of `numpy.random.default_rng(seed).random()`. None restores that.
+/// Sets the callable that makes the bit generators of `instantiateRngOptim`. Its one argument is
+/// the seed from 0 to 2^32 - 1; a negative seed s arrives as 2^32 + s. Initially
+/// `numpy.random.PCG64`, which draws the numbers of `numpy.random.default_rng(seed).random()`. None
+/// restores it.
 ///
 /// Returns 0, or -1 with an exception set (TypeError: not callable).
 int zktarn_python_set_bit_generator(PyObject* factory);

@@ -206,7 +206,7 @@ as odd.
 
 C++: util::is_even_real.)",
      2, 1, 1, is_even_loop, two_to_flag},
-    {"is_even_int", R"(Whether n is even.
+    {"is_even_int", R"(Whether x is an even integer.
 
 x      array of integers.
 out    array, optional: receives the result.

@@ -34,7 +34,7 @@ py::object search(std::int32_t n, util::element_supplier supply, const tolerance
     return found != 0 ? py::object(py::float_(scalar)) : py::object(py::none());
 }
 
-/// The elements of an array, of which those take part that `mask` selects.
+/// The elements of an array; those that `mask` selects take part.
 py::object of_array(const reals& values, const flags& mask, double eps, double max_den,
                     double max_scalar) {
     const double* const data = values.data();

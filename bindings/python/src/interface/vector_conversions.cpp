@@ -269,7 +269,7 @@ PyObject* deepcopy(vector_object& v, argument_list<1>) {
     return copy(v);
 }
 
-/// What a pickle holds: the entries, in place of arrays with stale and scratch elements.
+/// Pickles the entries, not the arrays, whose stale and scratch elements mean nothing.
 PyObject* reduce(vector_object& v) {
     const auto self = py::reinterpret_borrow<py::object>(reinterpret_cast<PyObject*>(&v));
     const entry_arrays arrays = arrays_of(v);

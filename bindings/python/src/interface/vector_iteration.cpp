@@ -9,7 +9,7 @@ namespace zktarn::python {
 
 namespace {
 
-/// An iterator: the vector, which it keeps alive, and its place in it.
+/// An iterator: a reference to the vector, and a position.
 struct iterator_object {
     PyObject_HEAD PyObject* vector;
     entry_cursor cursor;

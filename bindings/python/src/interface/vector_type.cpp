@@ -95,7 +95,7 @@ PyMemberDef members[] = {
     {},
 };
 
-/// All methods in one table, as the interpreter wants it.
+/// All methods in one table, which the interpreter requires.
 std::vector<PyMethodDef> methods() {
     std::vector<PyMethodDef> all;
     for (const PyMethodDef* each : {component_methods, operation_methods, conversion_methods}) {

@@ -1,5 +1,5 @@
 /// The extension module `zktarn._zero_half`, which the package `zktarn.zero_half` calls. Its
-/// functions trust their callers: that package checks what users pass.
+/// functions check no arguments: that package does.
 
 #include <pybind11/pybind11.h>
 

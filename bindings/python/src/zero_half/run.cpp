@@ -62,9 +62,9 @@ private:
     PyObject* previous_;
 };
 
-/// The exception that the host stored, with its traceback, or None. The host forgets it. A signal
-/// after the last poll counts as well: its handler would run when this module returns, and its
-/// exception would take the place of the result.
+/// Removes the stored exception from the host and returns it, with its traceback, or None. Handles
+/// a signal after the last poll as well: otherwise its handler would run when this module returns,
+/// and its exception would replace the result.
 py::object stored_exception() {
     if (zktarn_python_raise() == 0 && PyErr_CheckSignals() == 0) {
         return py::none();
@@ -131,7 +131,7 @@ py::dict cuts_of(const run_result& run) {
     return cuts;
 }
 
-/// The value of the objective, as the file counts it.
+/// The value of the objective in the sense of the file.
 std::optional<double> objective_of(const model& program, const run_result& run) {
     if (!run.is_integral) {
         return std::nullopt;

@@ -12,9 +12,9 @@ solves the linear programs.
     >>> result.bound, result.gap_closed
     >>> result.plot()
 
-`tighten` runs the solver, `read_model` reads a file into arrays, `Model` is such arrays, and
-`Result` is what a run gives, with `Round`, the figures of one round. `partial_result` returns what
-a run that an exception ended had reached. `ModelError` is a model that cannot be tightened.
+`tighten` runs the solver and returns a `Result`, which has a `Round` for each round. `read_model`
+reads a file into a `Model`, which holds arrays. `partial_result` returns the result of a run that an
+exception ended. `ModelError` reports a model that cannot be tightened.
 """
 
 import importlib.util

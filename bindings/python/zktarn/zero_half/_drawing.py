@@ -1,4 +1,4 @@
-"""The picture of a run. matplotlib is imported with this file, so only where something is drawn."""
+"""The picture of a run. Only this file imports matplotlib, and only `Result.plot` imports this file."""
 
 from __future__ import annotations
 

@@ -1,4 +1,4 @@
-"""Mixed-integer programs as arrays, from files or from what SciPy's solvers take."""
+"""Mixed-integer programs as arrays, from files or from the arguments of SciPy's solvers."""
 
 from __future__ import annotations
 
@@ -47,8 +47,8 @@ class Model:
     row_names     texts; default: r1, r2, ...
     name          of the model
 
-    Raises TypeError and ValueError for arguments of a wrong type, shape or value. That bounds do not
-    cross, that some column is integer and that numbers are at most 1e15 is checked by `tighten`.
+    Raises TypeError and ValueError for arguments of a wrong type, shape or value. `tighten` also
+    checks that no bounds cross, that some column is integer and that numbers are at most 1e15.
 
     The attributes are copies of the arguments and read-only:
 
@@ -132,7 +132,7 @@ class Model:
         return os.path.basename(self.file) if self.file else self.name or "model"
 
     def _arrays(self) -> _zero_half.ModelArrays:
-        """The model as the engine takes it."""
+        """The model in the form that the extension module expects."""
         return {
             "file": self.file or self.name or "model",
             "name": self.name,
@@ -155,10 +155,10 @@ class Model:
 def read_model(file: FileName) -> Model:
     """Read a model from an MPS file, fixed or free, plain or compressed by gzip, or an LP file.
 
-    file  its name. A name that ends in `.lp` is that of an LP file.
+    file  its name. A file whose name ends in `.lp` is read as an LP file.
 
-    The solver's reader is used: it checks the model and rounds the bounds of integer columns inwards
-    to integers. `read_model(file)` and then `tighten(model)` gives what `tighten(file)` gives.
+    Uses the solver's reader, which checks the model and rounds the bounds of integer columns inwards
+    to integers. `tighten(read_model(file))` has the same result as `tighten(file)`.
 
     Raises FileNotFoundError and other OSErrors when the file cannot be opened, and `ModelError` when
     it holds no model that the solver can tighten. Holds the interpreter's lock while it reads.
@@ -187,7 +187,7 @@ def read_model(file: FileName) -> Model:
 
 
 def _checked_file(file: FileName) -> bytes:
-    """The name as the engine takes it, of a file that can be opened."""
+    """The name of a file, encoded for the extension module. Raises OSError if it cannot be opened."""
     name = os.fsencode(file)
     if b"\0" in name:
         raise ValueError("the name of the file has a null character")
@@ -215,7 +215,7 @@ def _is_linear_constraint(value: Any) -> bool:
 
 
 def _is_group(value: Any) -> bool:
-    """Whether the value is one group of rows, not a sequence of groups, which are tuples inside."""
+    """Whether the value is one group of rows. A sequence of groups holds tuples or constraints."""
     if _is_linear_constraint(value):
         return True
     if not isinstance(value, (tuple, list)) or not 1 <= len(value) <= 3:
@@ -248,7 +248,7 @@ def _row_groups(constraints: Any) -> Sequence[Any]:
 
 
 def _parts(group: Any) -> tuple[Any, Any, Any]:
-    """A, lower and upper of a group, of which a tuple may leave out the last ones."""
+    """A, lower and upper of a group. A tuple may omit upper, or lower and upper."""
     if _is_linear_constraint(group):
         return group.A, group.lb, group.ub
     matrix, lower, upper = tuple(group) + (-np.inf, np.inf)[len(group) - 1 :]

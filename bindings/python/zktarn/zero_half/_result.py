@@ -1,4 +1,4 @@
-"""What a run gives."""
+"""The result of a run."""
 
 from __future__ import annotations
 
@@ -75,10 +75,10 @@ class Result:
     message        the status as a sentence
     initial_bound  the bound of the relaxation without cuts, the LP value; None when the run ended
                    before it was solved
-    relaxation_bound  the bound of the relaxation with the cuts. None as above.
-    bound          the last bound, moved to the next value that the objective takes at integer points:
-                   no integer point has a smaller objective (a greater one, where the model is
-                   maximised). None as above.
+    relaxation_bound  the bound of the relaxation with the cuts; None where `initial_bound` is None
+    bound          `relaxation_bound`, moved to the next value that the objective can take at integer
+                   points. No integer point has a smaller objective (a greater one, if the model is
+                   maximised). None where `initial_bound` is None
     optimum        the integer optimum: as it was given, or the bound when the status is "integral";
                    None when it is not known
     gap_closed     the share of the gap between initial bound and optimum that the bound closes, in
@@ -90,12 +90,12 @@ class Result:
                    cuts @ x <= rhs. All numbers are integers.
     rhs            array: the right-hand sides of the cuts
     constraint     the cuts as a `scipy.optimize.LinearConstraint`
-    point          array: the optimum of the last relaxation that was solved, its integer columns
-                   rounded where `objective` is a number. None as above.
-    objective      the objective of `point` where it is an integer point whose objective is the bound,
-                   so an optimum of the model; else None
+    point          array: the optimum of the last relaxation that was solved; its integer columns are
+                   rounded if `objective` is not None. None where `initial_bound` is None
+    objective      the objective of `point` if that is an integer point whose objective equals the
+                   bound, and therefore an optimum of the model; else None
     seconds        the time that the run took
-    cpu_seconds    the processor time of the process meanwhile, its other threads included
+    cpu_seconds    the processor time of the process during the run, its other threads included
     seed           of the random numbers
     """
 
@@ -161,7 +161,7 @@ class Result:
         return LinearConstraint(self.cuts, -np.inf, self.rhs)
 
     def write_mps(self, file: FileName) -> None:
-        """Write the model with its cuts as further rows, as free MPS.
+        """Write the model with its cuts as additional rows, as free MPS.
 
         Columns keep their names, in which blanks become underscores, and their kinds; the integer
         optimum is the same. Raises OSError when the file cannot be opened, `ModelError` when it
@@ -188,10 +188,11 @@ class Result:
         """Draw the bound, the LP value and the optimum with matplotlib.
 
         ax       the axes to draw on; None: a new figure
-        against  "round" or "time" for one panel; None: both panels on a new figure, rounds on `ax`
+        against  "round" or "time" for one panel; None: both panels on a new figure, or the panel of
+                 rounds if `ax` is given
 
-        Returns the axes: one for each panel. Their legend names the curves; the axis of rounds has
-        whole numbers, that of time seconds or a decimal part of them.
+        Returns the axes, one for each panel, with a legend. Time is in milliseconds, seconds or
+        minutes.
 
         Raises ValueError when the run ended before a bound was known, and ImportError without
         matplotlib.

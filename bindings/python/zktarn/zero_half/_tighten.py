@@ -29,8 +29,8 @@ class Progress(TypedDict):
     phase    "cutting" after each round, "done" once at the end of a run that nothing stopped
     round    the number of the round, from 1
     bound    the bound after the round
-    history  array: the bound before the first round, moved as `Result.bound` is, and after each
-             round
+    history  array: the bound before the first round, and the bound after each round; all rounded to
+             objective values like `Result.bound`
     """
 
     phase: str
@@ -69,20 +69,21 @@ def tighten(
     integrality  0 (continuous) or 1 (integer) for each column, or for all
 
     output_function  called after each round with a dict (`Progress`). The run stops when it returns
-                     a number that, truncated, is 1, so True as well. None means to go on. An
+                     a number that is 1 after truncation, or True. None continues the run. An
                      exception that it raises ends the run.
-    rounds           the most rounds, from 0 to 1000000
-    time_limit       the most seconds, from 0; `math.inf` for no limit. Polled in each iteration of
-                     the simplex method.
-    seed             of the random numbers, a 32-bit integer; those of `numpy.random.PCG64(seed)`.
-                     The same seed gives the same result while no limit of time ends the run.
+    rounds           the maximum number of rounds, from 0 to 1000000
+    time_limit       in seconds, from 0; `math.inf` for no limit. Polled in each iteration of the
+                     simplex method.
+    seed             of the random numbers, a 32-bit integer; they are those of
+                     `numpy.random.PCG64(seed)`. The same seed gives the same result unless the time
+                     limit ends the run.
     display          "iter" prints a line for each round and a table at the end, "final" the table,
                      "off" nothing. Lines go to `sys.stdout`.
-    optimum          the integer optimum where it is known, from which the share of the gap that is
-                     closed follows. Default: that of the file in a table `optima.csv` (lines
-                     `file,optimum`) in its folder, if there is one.
+    optimum          the integer optimum if it is known; the share of the gap closed is computed from
+                     it. Default: looked up in a table `optima.csv` (lines `file,optimum`) in the
+                     folder of the file, if there is one.
     stop_at_gap      the run ends when this share of the gap between the first bound and the optimum
-                     is closed, in per cent, from 0 to 100
+                     is closed; in per cent, from 0 to 100
 
     Returns a `Result`: bounds, rounds, the cuts as a sparse matrix, the point, and in `status` why
     the run ended.
@@ -92,8 +93,8 @@ def tighten(
 
       - The output function returns 1: the result has the status "stopped_by_output_function".
       - The time limit is reached: the result has the status "time_used".
-      - Ctrl-C (SIGINT) in the main thread: KeyboardInterrupt, or what a handler of the program's own
-        raises, at the next poll. The solver polls in each iteration of the simplex method and in the
+      - Ctrl-C (SIGINT) in the main thread: KeyboardInterrupt, or the exception that the program's own
+        handler raises, at the next poll. The solver polls in each iteration of the simplex method and in the
         loops of the separation.
       - The output function, or a write to `sys.stdout`, raises an exception: that exception, with
         its traceback.
@@ -112,8 +113,8 @@ def tighten(
     Warns with a RuntimeWarning when the run disproves the given optimum, or when the relaxation with
     the last cuts could not be decided.
 
-    One run at a time: a call on another thread waits for the end of the first. Other threads of
-    Python work on during a run, because the interpreter's lock is taken only for the operations of
+    One run at a time: a call on another thread waits until the first has ended. Other threads of
+    Python continue during a run, because the interpreter's lock is held only for the operations of
     the host. Each round costs a separation and a linear program.
     """
     if output_function is not None and not callable(output_function):
@@ -144,7 +145,7 @@ def tighten(
 def partial_result(exception: BaseException) -> Result | None:
     """Return the result that a run had reached when this exception ended it.
 
-    None for an exception that ended no run, or that came before the first relaxation was begun.
+    None if the exception did not end a run, or ended it before the first relaxation.
     """
     result = getattr(exception, "result", None)
     return result if isinstance(result, Result) else None
@@ -156,7 +157,7 @@ _running_thread: int | None = None
 
 @contextlib.contextmanager
 def _one_run_at_a_time() -> Iterator[None]:
-    """Waits for the run of another thread. The library's flag of interrupts serves one run."""
+    """Waits for the run of another thread: the library has one interrupt flag for all runs."""
     global _running_thread
     if _running_thread == threading.get_ident():
         raise RuntimeError("an output function cannot call tighten before its run has ended")
