@@ -2,7 +2,6 @@
 // identity GOLDEN   names each procedure whose hash differs from the file's, and fails if any does
 //
 // The hashes must not depend on compiler, optimisation level or processor.
-#include <cinttypes>
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -17,17 +16,6 @@ namespace {
 using namespace zktarn::identity;
 
 using hashes = std::map<std::string, std::string>;
-
-std::string hash_of(const procedure& each) {
-    draws draw(each.name);
-    digest results;
-    for (int i = 0; i < each.calls; ++i) {
-        each.call(draw, results);
-    }
-    char text[17];
-    std::snprintf(text, sizeof text, "%016" PRIx64, results.value());
-    return text;
-}
 
 hashes computed() {
     hashes all;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cinttypes>
+#include <cstdio>
 #include <span>
+#include <string>
 
 #include "binary/identity/digest.hpp"
 #include "binary/identity/draws.hpp"
@@ -16,6 +19,18 @@ struct procedure {
     void (*call)(draws& draw, digest& results);
     int calls = 20'000;
 };
+
+/// The hash of all results of a procedure, 16 hexadecimal digits.
+inline std::string hash_of(const procedure& each) {
+    draws draw(each.name);
+    digest results;
+    for (int i = 0; i < each.calls; ++i) {
+        each.call(draw, results);
+    }
+    char text[17];
+    std::snprintf(text, sizeof text, "%016" PRIx64, results.value());
+    return text;
+}
 
 std::span<const procedure> integrality_procedures();
 std::span<const procedure> array_copy_procedures();

@@ -2,26 +2,12 @@
 
 #include <pybind11/pybind11.h>
 
-#include <cinttypes>
-#include <cstdio>
-
 #include "binary/identity/procedures.hpp"
 
 namespace {
 
 namespace py = pybind11;
 using namespace zktarn::identity;
-
-std::string hash_of(const procedure& each) {
-    draws draw(each.name);
-    digest results;
-    for (int i = 0; i < each.calls; ++i) {
-        each.call(draw, results);
-    }
-    char text[17];
-    std::snprintf(text, sizeof text, "%016" PRIx64, results.value());
-    return text;
-}
 
 /// Name to hash, of every procedure whose results do not depend on the host and which Python has.
 py::dict hashes() {
