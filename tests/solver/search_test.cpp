@@ -228,6 +228,54 @@ TEST(Blossoms, FindTheLeastSlackWhereEveryColumnIsInAtMostTwoRows) {
     EXPECT_GT(with_cut, 500);
 }
 
+/// Two rows that many paths of small capacity connect, so one flow has many augmenting paths.
+problem rows_with_many_paths(int paths) {
+    std::mt19937 random(15);
+    problem made(random, 2 * paths);
+    std::map<int, double> first;
+    std::map<int, double> last;
+    for (int j = 1; j <= 2 * paths; ++j) {
+        const auto at = static_cast<std::size_t>(j);
+        made.bounds[at] = {0.0, 0.5 / paths, false};
+        made.point[at - 1] = 0.5 / paths;
+        (j % 2 == 1 ? first : last)[j] = 1.0;
+    }
+    made.add(first);
+    made.add(last);
+    for (int j = 1; j <= 2 * paths; j += 2) {
+        made.add({{j, 1.0}, {j + 1, 1.0}});
+    }
+    return made;
+}
+
+TEST(Blossoms, StopWithinAFlow) {
+    constexpr int paths = 20;
+    const problem instance = rows_with_many_paths(paths);
+    const parity_system system = instance.system();
+    ASSERT_TRUE(is_column_graph(system));
+    int polls = 0;
+    odd_sums all(system, no_limit);
+    find_blossoms(
+        system,
+        [&] {
+            ++polls;
+            return false;
+        },
+        all);
+    // More than one poll for each of the paths and each of the rows.
+    ASSERT_GT(polls, paths + static_cast<int>(system.rows()));
+    const int needed = polls;
+    for (int k = 1; k <= needed; ++k) {
+        polls = 0;
+        odd_sums found(system, no_limit);
+        find_blossoms(
+            system, [&] { return ++polls >= k; }, found);
+        ASSERT_LE(polls, k + 1); // of the path and of the row
+        ASSERT_LE(found.size(), all.size());
+        least_of(instance, found);
+    }
+}
+
 TEST(Blossoms, NeedEveryColumnInAtMostTwoRows) {
     std::mt19937 random(14);
     problem instance(random, 3);

@@ -17,9 +17,10 @@ public:
     void connect(std::size_t a, std::size_t b, double capacity);
     std::size_t nodes() const { return arcs_of_.size(); }
 
-    /// The minimum cut between two nodes: its capacity, or nothing below the limit. `side` then
-    /// holds the nodes on the source's side.
-    bool has_small_cut(std::size_t source, std::size_t sink, double& capacity);
+    /// Whether a cut below the limit separates the two nodes; `is_on_source_side` then describes
+    /// the minimum one. Calls `should_stop` after each augmenting path, and returns false after it
+    /// returned true.
+    bool has_small_cut(std::size_t source, std::size_t sink, const stop_predicate& should_stop);
     bool is_on_source_side(std::size_t node) const { return seen_[node] == stamp_; }
 
 private:
@@ -95,13 +96,16 @@ void network::restore() {
     changed_.clear();
 }
 
-bool network::has_small_cut(std::size_t source, std::size_t sink, double& capacity) {
-    capacity = 0.0;
-    while (capacity < slack_limit && find_path(source, sink)) {
+bool network::has_small_cut(std::size_t source, std::size_t sink,
+                            const stop_predicate& should_stop) {
+    double capacity = 0.0;
+    bool is_stopped = false;
+    while (!is_stopped && capacity < slack_limit && find_path(source, sink)) {
         capacity += augment(source, sink);
+        is_stopped = should_stop();
     }
     restore();
-    return capacity < slack_limit;
+    return !is_stopped && capacity < slack_limit;
 }
 
 network network_of(const parity_system& system) {
@@ -140,8 +144,7 @@ cut_tree tree_of(network& net, std::size_t root, const stop_predicate& should_st
     cut_tree tree{std::vector<std::size_t>(net.nodes(), root), std::vector<char>(net.nodes())};
     for (std::size_t s = 0; s < net.nodes() && !should_stop(); ++s) {
         const std::size_t t = tree.parent[s];
-        double capacity = 0.0;
-        if (s == root || !net.has_small_cut(s, t, capacity)) {
+        if (s == root || !net.has_small_cut(s, t, should_stop)) {
             continue;
         }
         tree.is_small[s] = 1;

@@ -165,7 +165,7 @@ void elimination::set_slack(std::size_t row) {
     slack_[row] = slack;
 }
 
-/// Adds the row when it is violated. Most rows are not, so the slack is found first.
+/// Adds the row when it is violated. Its slack as a sum of rows is below the limit.
 void elimination::offer(std::size_t row, odd_sums& sums) {
     odd_.clear();
     double slack = 0.0;
@@ -200,7 +200,9 @@ void elimination::eliminate(std::int32_t column, odd_sums& sums) {
         if (row != pivot) {
             add(pivot, row);
             set_slack(row);
-            offer(row, sums);
+            if (slack_[row] < slack_limit) {
+                offer(row, sums);
+            }
         }
     }
     std::erase_if(remaining_,

@@ -9,7 +9,6 @@
 #include "cuts/greedy_search.hpp"
 #include "cuts/integral_rows.hpp"
 #include "cuts/odd_cycles.hpp"
-#include "cuts/row_sum.hpp"
 
 namespace zero_half {
 
