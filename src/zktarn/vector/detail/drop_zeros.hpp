@@ -76,6 +76,18 @@ template <bool prefetches, entry_judge Entries>
     return length;
 }
 
+/// Drops the entries at `count` ascending positions, all of which the test drops: clears their
+/// marks, and replaces each by the last entry that is kept. Returns how many entries are left.
+template <entry_judge Entries>
+[[gnu::always_inline]] inline std::int64_t
+drop_at_positions(std::int32_t* list, std::int64_t length, const std::int32_t* positions,
+                  std::int64_t count, const Entries& entries) noexcept {
+    for (std::int64_t i = 0; i < count; ++i) {
+        entries.tested(list + positions[i], 1);
+    }
+    return fill_positions(list, length, positions, count);
+}
+
 /// As `drop`, where the list has room for `kept_from` positions behind its entries.
 template <entry_judge Entries>
 [[gnu::always_inline]] inline std::int64_t drop_collected(std::int32_t* list, std::int64_t length,
@@ -83,10 +95,7 @@ template <entry_judge Entries>
                                                           Entries entries) noexcept {
     std::int32_t* const dropped = list + length;
     const std::int64_t count = collect_dropped(list, kept_from, dropped, entries);
-    for (std::int64_t i = 0; i < count; ++i) {
-        entries.tested(list + dropped[i], 1);
-    }
-    return fill_positions(list, length, dropped, count);
+    return drop_at_positions(list, length, dropped, count, entries);
 }
 
 /// Drops every entry of v that counts as zero, as `vector_rem_zeros`. Entries from list position

@@ -79,6 +79,7 @@ private:
 [[gnu::noinline]] inline void drop_noted(vector_type::vector& x,
                                          const zero_suspects& suspects) noexcept {
     std::int32_t* const list = x.ind.data;
+    const std::int32_t nz = x.nz;
     index_filter filter(suspects.indices + suspects.room, suspects.count);
     for (std::int64_t i = 0; i < suspects.count; ++i) {
         filter.insert(static_cast<std::uint32_t>(suspects.indices[i]));
@@ -86,7 +87,7 @@ private:
     // Now the notes are in the filter, and their place is free for list positions.
     std::int32_t* const positions = suspects.indices;
     std::int64_t passed = 0;
-    for (std::int32_t k = 0; k < x.nz; ++k) {
+    for (std::int32_t k = 0; k < nz; ++k) {
         positions[passed] = k;
         passed += filter.has(static_cast<std::uint32_t>(list[k]));
     }
@@ -96,10 +97,7 @@ private:
         positions[dropped] = positions[i];
         dropped += static_cast<std::int64_t>(entries.drops(list[positions[i]]));
     }
-    for (std::int64_t i = 0; i < dropped; ++i) {
-        entries.tested(list + positions[i], 1);
-    }
-    x.nz = static_cast<std::int32_t>(fill_positions(list, x.nz, positions, dropped));
+    x.nz = static_cast<std::int32_t>(drop_at_positions(list, nz, positions, dropped, entries));
 }
 
 /// As `drop_noted`, with or without room for the notes.
