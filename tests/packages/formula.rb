@@ -1,6 +1,6 @@
-# formula.rb FORMULA TARBALL [PREFIX]: reads a Homebrew formula with stand-ins for Homebrew's own names, and
-# checks what it says of the source TARBALL. With a PREFIX it also builds and installs from the current
-# folder, the unpacked source, into that folder, and runs the formula's own test.
+# formula.rb FORMULA TARBALL [PREFIX]: loads a Homebrew formula into a small model of Homebrew and compares
+# its fields with the source TARBALL. With a PREFIX it also builds the source in the current folder, installs
+# it into PREFIX, and runs the formula's own test.
 require "digest"
 require "fileutils"
 require "open3"
@@ -19,9 +19,9 @@ class Formula
       define_method(name) { |value| (@fields ||= {})[name] = value }
     end
 
-    def depends_on(what)
-      name, kind = what.is_a?(Hash) ? what.first : [what, :run]
-      fail_with("#{name} is needed for #{kind}, which Homebrew does not know") unless %i[build test run].include?(kind)
+    def depends_on(dependency)
+      name, kind = dependency.is_a?(Hash) ? dependency.first : [dependency, :run]
+      fail_with("#{name} has the unknown dependency type #{kind}") unless %i[build test run].include?(kind)
     end
 
     def test(&block)
@@ -50,17 +50,17 @@ class Formula
   end
 
   def shell_output(command)
-    said, status = Open3.capture2(command.to_s)
+    output, status = Open3.capture2(command.to_s)
     fail_with("#{command} ended with status #{status.exitstatus}") unless status.success?
-    said
+    output
   end
 
-  def assert_equal(wanted, found)
-    fail_with("the test found #{found.inspect}, not #{wanted.inspect}") unless wanted == found
+  def assert_equal(expected, found)
+    fail_with("the test found #{found.inspect}, not #{expected.inspect}") unless expected == found
   end
 
-  def assert_match(wanted, found)
-    fail_with("the test did not find #{wanted.inspect} in #{found.inspect}") unless found.include?(wanted)
+  def assert_match(expected, found)
+    fail_with("the test did not find #{expected.inspect} in #{found.inspect}") unless found.include?(expected)
   end
 end
 

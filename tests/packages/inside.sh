@@ -1,59 +1,61 @@
 #!/usr/bin/env bash
-# Runs on a bare Debian, next to packages/ and examples/: installs the packages, builds and runs programs
-# with them, removes the packages, and compares the files of the system before and after.
+# Runs on a bare Debian, in a folder with packages/ and examples/: installs the packages, builds and runs
+# programs with them, removes the packages, and compares the files of the system before and after.
 set -euo pipefail
 
 fail() { echo "inside.sh: $*" >&2 && exit 1; }
-# Python and gdb keep what they have compiled beside the sources of other packages.
+# Otherwise Python and gdb would write compiled files beside the sources of other packages.
 export DEBIAN_FRONTEND=noninteractive PYTHONDONTWRITEBYTECODE=1
 install() { apt-get install -q -y --no-install-recommends "$@" >install.log 2>&1 || { cat install.log && fail "cannot install $*"; }; }
-mine=(libzktarn-util1 libzktarn-util-c1 libzktarn-util-dev libzktarn-util-fortran-dev zktarn-standin python3-zktarn)
+packages=(libzktarn-util1 libzktarn-util-c1 libzktarn-util-dev libzktarn-util-fortran-dev zktarn-standin python3-zktarn)
 file() { echo ./packages/"$1"_*.deb; }
 
-# What may differ without being left behind: state of dpkg, apt and the loader, logs and caches.
+# Lists the files of the system, without the state of dpkg, apt and the loader, logs and caches, which may
+# differ after a removal.
 files() {
     find / -xdev \( -path /proc -o -path /dev -o -path /sys -o -path /root -o -path /tmp -o -path /var/log \
         -o -path /var/cache -o -path /var/lib/dpkg -o -path /var/lib/apt \) -prune -o -print | sort
 }
 all_removed() {
-    dpkg --purge "${mine[@]}" >/dev/null 2>&1 || fail "the packages cannot be purged"
+    dpkg --purge "${packages[@]}" >/dev/null 2>&1 || fail "the packages cannot be purged"
     files >after
-    diff before after || fail "purging leaves files behind, or has taken others along"
+    diff before after || fail "purging left files behind or removed files of other packages"
     ! dpkg-query -W -f '${Package} ${Status}\n' '*zktarn*' 2>/dev/null | grep -v 'not-installed$' ||
-        fail "dpkg still knows a package"
+        fail "dpkg still lists a package"
     ! ldconfig -p | grep zktarn || fail "the loader's cache still has a library"
 }
 
-# runs TEXT PROGRAM: it ends with status 0 and prints that text.
+# runs TEXT PROGRAM...: fails unless the program ends with status 0 and prints that text.
 runs() {
-    local said
-    said=$("${@:2}") || fail "${*:2} ended with status $?: $said"
-    [[ $said == *"$1"* ]] || fail "${*:2} does not print '$1', but: $said"
+    local output
+    output=$("${@:2}") || fail "${*:2} ended with status $?: $output"
+    [[ $output == *"$1"* ]] || fail "${*:2} does not print '$1', but: $output"
     printf 'runs: %s\n' "${*:2}"
 }
 
 apt-get update -q >/dev/null
 
-# The libraries and the stand-in alone, with nothing but what they depend on.
+# The libraries and the stand-in, with their dependencies only.
 files >before
 # shellcheck disable=SC2046 # a file a word
 install $(file libzktarn-util1) $(file libzktarn-util-c1) $(file zktarn-standin)
 # Without -q, grep reads everything, so that ldconfig can always write its whole output.
-ldconfig -p | grep 'libzktarn_util[.]so[.]1 ' >/dev/null || fail "the loader does not know libzktarn_util.so.1"
-ldconfig -p | grep 'libzktarn_util_c[.]so[.]1 ' >/dev/null || fail "the loader does not know libzktarn_util_c.so.1"
+ldconfig -p | grep 'libzktarn_util[.]so[.]1 ' >/dev/null || fail "the loader does not find libzktarn_util.so.1"
+ldconfig -p | grep 'libzktarn_util_c[.]so[.]1 ' >/dev/null || fail "the loader does not find libzktarn_util_c.so.1"
 ! ldconfig -p | grep 'libqv[.]so' || fail "the stand-in is in the loader's own folders, before any host"
-! ldd -r /usr/lib/*/libzktarn_util{,_c}.so.1 | grep -E 'not found|undefined' || fail "a library is not complete"
+! ldd -r /usr/lib/*/libzktarn_util{,_c}.so.1 | grep -E 'not found|undefined' || fail "a library has an unresolved symbol or dependency"
 runs ", 0 failed" zktarn_host_conformance
 all_removed
 
 install g++ gfortran cmake ninja-build pkg-config gdb
-# What the Python package depends on outside of these packages stays after it is removed.
+# The other dependencies of the Python package are installed before the files are listed, because they stay
+# when it is removed.
 needed=$(dpkg-deb -f "$(file python3-zktarn)" Depends | tr ',' '\n' | grep -v zktarn | paste -sd ,)
 apt-get satisfy -q -y --no-install-recommends "$needed" >install.log 2>&1 || { cat install.log && fail "cannot install $needed"; }
 files >before
 # shellcheck disable=SC2046
-install $(printf '%s\n' "${mine[@]}" | while read -r name; do file "$name"; done)
-dpkg --verify "${mine[@]}" | grep . && fail "files differ from what the packages list"
+install $(printf '%s\n' "${packages[@]}" | while read -r name; do file "$name"; done)
+dpkg --verify "${packages[@]}" | grep . && fail "files differ from what the packages list"
 
 mkdir programs
 c=(gcc -std=c11 -Wall -Wextra -Wpedantic -Werror)

@@ -1,17 +1,17 @@
 #!/usr/bin/env bash
-# Makes the source tarball and Debian packages out of it, and uses these on a bare Debian 12.
+# Makes the source tarball, builds Debian packages from it, and tests them on a bare Debian 12.
 set -euo pipefail
 
 usage="Usage: packages.sh [--packages-only] FOLDER [BASE_FOLDER]
-Makes the source tarball of this checkout, uncommitted changes included, and checks the recipes for Homebrew
-and vcpkg that are filled in for it. Builds Debian packages out of it without git, and checks them with
-lintian. Then installs them on a bare Debian 12 in FOLDER/root, builds
-and runs programs in C++, C, Fortran and Python with them, and removes them: nothing may be left.
-BASE_FOLDER keeps the base system between runs, FOLDER if none is named.
+Makes the source tarball of this checkout, uncommitted changes included. Fills in the recipes for Homebrew and
+vcpkg for it and checks them. Builds the Debian packages from the tarball without git and checks them with
+lintian. Installs them on a bare Debian 12 in FOLDER/root, builds and runs programs in C++, C, Fortran and
+Python with them, removes them, and fails if a file is left behind.
+BASE_FOLDER keeps the base system between runs; default: FOLDER.
 
-  --packages-only  ends before the bare Debian, which needs root
+  --packages-only  stops before the bare Debian, which needs root
 
-Exit status: 0 all is well, 1 something is not, 77 this machine cannot make a bare Debian."
+Exit status: 0 every check passed, 1 a check failed, 77 this machine cannot make a bare Debian."
 
 packages_only=false
 fail() { echo "packages.sh: $*" >&2 && exit 1; }
@@ -52,7 +52,7 @@ cd "$folder/source"
 step "recipes for Homebrew and vcpkg"
 "$here/recipes.sh" "$tarball" "$folder/recipes_checked"
 
-step "packages out of the tarball"
+step "packages from the tarball"
 # No git is found from here on, and no checkout around the unpacked source.
 export GIT_DIR=/nonexistent
 cmake --preset packages -B "$folder/build"

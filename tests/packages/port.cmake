@@ -1,12 +1,12 @@
 # cmake -DPORT=folder -DTARBALL=file [-DWORK=folder] -P port.cmake: runs the portfile of a vcpkg port with
-# stand-ins for vcpkg's functions, and checks what it says of the source tarball. With WORK it also builds
-# and installs there; otherwise the functions that build only check their arguments.
+# replacements for vcpkg's functions, and compares it with the source tarball. With WORK it also builds and
+# installs in that folder; otherwise the functions that would build only check their arguments.
 cmake_minimum_required(VERSION 3.24)
 
 set(required PORT TARBALL)
 foreach(name IN LISTS required)
   if(NOT EXISTS "${${name}}")
-    message(FATAL_ERROR "port.cmake: ${name} is not there: '${${name}}'")
+    message(FATAL_ERROR "port.cmake: ${name} does not exist: '${${name}}'")
   endif()
 endforeach()
 set(port_folder "${PORT}")
@@ -94,7 +94,7 @@ function(vcpkg_install_copyright)
   called()
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "" "FILE_LIST")
   if(WORK AND NOT EXISTS "${arg_FILE_LIST}")
-    message(FATAL_ERROR "port.cmake: ${arg_FILE_LIST} is not there")
+    message(FATAL_ERROR "port.cmake: ${arg_FILE_LIST} does not exist")
   endif()
 endfunction()
 

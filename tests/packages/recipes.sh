@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
-# recipes.sh TARBALL FOLDER [--build]: fills in the recipes for Homebrew and vcpkg for that source tarball
-# in FOLDER, and checks them as far as that is possible without Homebrew and vcpkg. With --build they
-# also build and install the library.
+# recipes.sh TARBALL FOLDER [--build]: fills in the Homebrew and vcpkg recipes of a source tarball in FOLDER,
+# and checks them without Homebrew and vcpkg. With --build it also builds and installs the library by them.
 set -euo pipefail
 
+if [ $# -lt 2 ] || [ ! -f "$1" ]; then
+    echo "recipes.sh: usage: recipes.sh TARBALL FOLDER [--build]" >&2
+    exit 2
+fi
 here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 tarball=$(realpath "$1") folder=$2
 mkdir -p "$folder/port"
