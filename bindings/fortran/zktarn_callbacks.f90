@@ -127,7 +127,7 @@ module zktarn_callbacks
     end interface
     public :: store_value, stored_value
 
-    ! What the module procedures call
+    ! Called by the module procedures
 
     interface
         subroutine c_cbstatusdatainitialise(first, count) &

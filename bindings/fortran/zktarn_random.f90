@@ -49,7 +49,7 @@ module zktarn_random
     end interface
     public :: rng_stateinitialise
 
-    ! What the module procedures call
+    ! Called by the module procedures
 
     interface
         subroutine c_rng_stateinitialise(first, count) bind(c, name="zktarn_rng_stateinitialise")

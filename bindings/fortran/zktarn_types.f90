@@ -63,7 +63,7 @@ module zktarn_types
         integer(c_int64_t) :: lower_bound(2) = 0
     end type
 
-    !> A sparse vector, in one of three modes by the arrays that it has.
+    !> A sparse vector; the arrays that exist decide its mode.
     type, bind(c), public :: vector
         type(r8_1d_array) :: coef
         type(i4_1d_array) :: ind

@@ -8,7 +8,7 @@
 !>    xcopy, xzero, xgcd.
 !>  - A flag is an integer of kind flag_kind: written as 1 or 0, read as true when it is not 0.
 !>  - An absent optional input flag counts as 0; an absent optional output is not written.
-!>  - A text is a character(*): all of it counts, trailing blanks included.
+!>  - A text is a character(*): the whole length counts, trailing blanks included.
 !>  - `elements` gives an array in the host's memory as a Fortran pointer with lower bounds of 1.
 !>  - A callback is a module procedure with the attribute bind(c). Its context is the address of the
 !>    variable that was passed with it: c_f_pointer makes it a pointer to that variable. Never pass

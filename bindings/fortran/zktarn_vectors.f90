@@ -136,7 +136,7 @@ module zktarn_vectors
     public :: vector_rem_nz, vector_clear, vector_clean_index, vector_rem_zeros, vectors_combine
     public :: vectors_calc_sym_diff, vector_mod2, vectors_are_identical
 
-    ! What the module procedures call
+    ! Called by the module procedures
 
     interface
         subroutine c_vectorinitialise(first, count) bind(c, name="zktarn_vectorinitialise")

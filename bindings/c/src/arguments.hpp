@@ -11,7 +11,7 @@
 
 namespace zktarn::c {
 
-/// Whether one of the addresses is null, which violates the contract. A checked build reports it to
+/// Whether one of the addresses is null, which the contract forbids. A checked build reports it to
 /// the host; an ordinary build does not test and returns false.
 template <class... Address>
 bool any_null([[maybe_unused]] Address... addresses) noexcept {

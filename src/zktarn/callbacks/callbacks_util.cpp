@@ -37,8 +37,8 @@ std::int64_t length(std::string_view text) noexcept {
 // Elements of host arrays are counted from 1.
 constexpr std::int64_t first_element = 1;
 
-/// Stores a new array in a field, which is added when it is missing. The field is looked up before
-/// the array is made.
+/// Stores a new array in a field, and adds the field if it does not exist. Looks the field up
+/// before it makes the array.
 template <class Make>
 void set_field(array_handle structure, std::string_view name, Make make) noexcept {
     std::int32_t number = host::qvgetfieldnumber800_(structure, name.data(), length(name));

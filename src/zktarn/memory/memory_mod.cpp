@@ -6,8 +6,8 @@ namespace zktarn::memory_mod {
 
 namespace {
 
-/// Allocates the block of an array of `count` elements. `count` is a copy, since the caller's count
-/// may be an extent of the array itself. The caller of `attach` sets the extents.
+/// Allocates the block of an array of `count` elements and leaves the extents to the caller.
+/// `count` is passed by value, because the argument may be an extent of the array itself.
 template <class T, std::size_t Rank>
 bool attach(host_array<T, Rank>& array, std::int64_t count) noexcept {
     std::int64_t nbytes = 0;

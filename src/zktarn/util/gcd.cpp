@@ -41,7 +41,7 @@ double power_of_two(int exponent) noexcept {
                                  << fraction_bits);
 }
 
-/// fmod(big, small) for 0 <= small <= big, faster than the C library's where the quotient is below
+/// fmod(big, small) for 0 <= small <= big; faster than the C library's if the quotient is below
 /// 2^53.
 ///
 /// No integer lies between a quotient and its rounding, so the truncated rounded quotient is the

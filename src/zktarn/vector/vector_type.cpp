@@ -3,20 +3,10 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
-#include <type_traits>
 
 #include "zktarn/memory/memory_mod.hpp"
 
 namespace zktarn::vector_type {
-
-// The layout is part of the binary interface.
-static_assert(std::is_trivially_copyable_v<vector>);
-static_assert(std::is_standard_layout_v<vector>);
-static_assert(sizeof(vector) == 80);
-static_assert(offsetof(vector, coef) == 0);
-static_assert(offsetof(vector, ind) == 24);
-static_assert(offsetof(vector, elm) == 48);
-static_assert(offsetof(vector, nz) == 72);
 
 namespace {
 

@@ -8,7 +8,7 @@ namespace zktarn::vector_mod {
 
 namespace {
 
-/// Shorter than in other loops, because an entry has four lines.
+/// Shorter than in other loops, because each entry needs four cache lines.
 constexpr std::int64_t ahead_of_use = detail::lookahead / 4;
 
 } // namespace

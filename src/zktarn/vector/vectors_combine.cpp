@@ -48,7 +48,8 @@ template <combine_function in_list_order>
     return x.elm.present() && &x != &y && is_in_cache(x.elm.extent[0], y.nz);
 }
 
-// Functions of their own: the loops keep their pointers in registers, and short calls save few.
+// Separate functions, so that the loops keep their pointers in registers and short calls save few
+// registers.
 [[gnu::noinline]] void combine_in_list_order_portable(vector& x, const vector& y, double alpha,
                                                       double beta, bool scales) noexcept {
     combine_in_list_order(x, y, {alpha, beta, scales});

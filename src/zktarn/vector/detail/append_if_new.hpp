@@ -11,9 +11,9 @@ namespace zktarn::vector_mod::detail {
 /// or 0, and appends j to the list of x if the result is 1.
 ///
 /// No branch depends on `is_new`, because its results cannot be predicted: each index is written
-/// behind the last entry, unless the list is full, and the entry count advances by the result.
+/// after the last entry, unless the list is full, and the entry count advances by the result.
 ///
-/// @param source    may be the list of x itself: entries are appended behind those that are read.
+/// @param source    may be the list of x itself: entries are appended after those that are read.
 /// @param prefetch  void(std::int64_t j): prefetches what `is_new(j)` will read and write.
 template <class Prefetch, class IsNew>
 [[gnu::always_inline]] inline void append_if_new(vector_type::vector& x, const std::int32_t* source,

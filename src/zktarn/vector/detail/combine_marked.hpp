@@ -19,9 +19,9 @@
 /// for bit and position for position:
 ///
 /// - `combine_in_list_order`: if no sum is zero, the last pass skips the appended entries. After
-///   scaling, the last pass reads the marks and coefficients of those entries only that were
-///   written as zero.
-/// - `combine_in_blocks`, in a header of its own: large vectors, block by block of the index space.
+///   scaling, the last pass reads the marks and coefficients only of the entries that were written
+///   as zero.
+/// - `combine_in_blocks` (combine_in_blocks.hpp): large vectors, block by block of the index space.
 
 namespace zktarn::vector_mod::detail {
 

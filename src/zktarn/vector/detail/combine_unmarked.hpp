@@ -27,8 +27,8 @@ inline bool scale_entries(vector& x, double alpha) noexcept {
     return found;
 }
 
-/// A sum for each entry of y. `scale` turns the coefficient of x into the one that beta * y is
-/// added to: the identity, unless x and y are the same record.
+/// Computes a sum for each entry of y. `scale` is applied to the coefficient of x first; it is the
+/// identity unless x and y are the same record.
 template <class Scale>
 struct summation {
     double* coef;

@@ -12,7 +12,7 @@
 ///
 /// The rule, entry by entry: test position k. If the entry is kept, k advances. If it is dropped,
 /// the last entry replaces it, the list is shortened by one, and position k is tested again.
-/// Followed literally, the rule mispredicts a branch at most drops.
+/// A loop that follows the rule literally mispredicts a branch at most drops.
 ///
 /// The result has a simple form: the free positions of the front are filled, in order, with the
 /// kept entries of the back, in reverse order. So entries are tested in blocks of up to 64, one bit
@@ -66,7 +66,7 @@ struct extent {
     std::int64_t length;
     /// Entries from this position on are known to be kept.
     std::int64_t kept_from;
-    /// Stops at the first kept entry that it finds after exactly this many drops.
+    /// The compaction stops at the first kept entry after exactly this many drops.
     std::int64_t most_drops = std::numeric_limits<std::int64_t>::max();
 };
 
@@ -107,7 +107,7 @@ public:
         // Now one block has all free positions and all kept entries that fill them, or none is
         // free.
         if (front.bits == 0) {
-            // Bits behind the last entry count as free positions that nothing fills.
+            // Bits beyond the last entry count as free positions, which stay unfilled.
             return finish({back.first, back.count, ~back.bits}, back.bits);
         }
         return finish(front, front.bits ^ low_bits(front.count));
@@ -151,8 +151,8 @@ private:
         return word;
     }
 
-    /// Moves the last kept entry to a free position. Returns true where the rule stops: it finds
-    /// that entry to be kept after `most_drops` drops.
+    /// Moves the last kept entry to a free position. Returns true if the rule stops here, because
+    /// it has made `most_drops` drops.
     [[gnu::always_inline]] bool move(std::int64_t last, std::int64_t free) noexcept {
         judge_.removed(list_ + free, list_ + free + 1);
         judge_.removed(list_ + last + 1, list_ + length_);
@@ -162,7 +162,7 @@ private:
         return drops_ == most_drops_;
     }
 
-    /// Fills the free positions of a block with kept entries of the same block. All entries behind
+    /// Fills the free positions of a block with kept entries of the same block. All entries after
     /// the block are dropped.
     [[gnu::always_inline]] std::int64_t finish(block unfilled, std::uint64_t kept) noexcept {
         while (unfilled.bits != 0) {

@@ -88,7 +88,7 @@ drop_at_positions(std::int32_t* list, std::int64_t length, const std::int32_t* p
     return fill_positions(list, length, positions, count);
 }
 
-/// As `drop`, where the list has room for `kept_from` positions behind its entries.
+/// Like `drop`, for a list with room for `kept_from` positions after its entries.
 template <entry_judge Entries>
 [[gnu::always_inline]] inline std::int64_t drop_collected(std::int32_t* list, std::int64_t length,
                                                           std::int64_t kept_from,

@@ -27,8 +27,8 @@ template <class T>
     __builtin_prefetch(array + (j - 1), 1);
 }
 
-/// Sizes from which a walk prefetches. In smaller arrays, and in those below the second size of
-/// which a list touches most cache lines, a prefetch costs an instruction and gains nothing.
+/// Capacities from which a walk prefetches: the first for short lists, the second for lists that
+/// touch most cache lines. Below them a prefetch costs an instruction and gains nothing.
 inline constexpr std::int64_t prefetch_sparse_from = std::int64_t{1} << 12;
 inline constexpr std::int64_t prefetch_from = std::int64_t{1} << 14;
 
@@ -60,8 +60,8 @@ template <class Prefetch, class Visit>
     }
 }
 
-/// Calls `prefetch(j)` for the first entries of a list, which a walk visits too soon after it
-/// begins to prefetch.
+/// Calls `prefetch(j)` for the first entries of a list: `walk` prefetches only entries `lookahead`
+/// positions on, and so none of these.
 template <class Prefetch>
 [[gnu::always_inline]] inline void prefetch_first(const std::int32_t* list, std::int64_t count,
                                                   Prefetch prefetch) noexcept {

@@ -54,7 +54,7 @@ struct reduction_limits {
     std::int64_t spacing = 16;
 };
 
-/// Whether v is large enough, is not nearly sorted already, and has room behind its list for the
+/// Whether v is large enough, is not nearly sorted already, and has room after its list for the
 /// sorted entries and the notes.
 inline bool suits_reduction_in_blocks(const vector_type::vector& v,
                                       const reduction_limits& least) noexcept {

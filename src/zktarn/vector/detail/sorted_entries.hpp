@@ -10,7 +10,7 @@
 
 namespace zktarn::vector_mod::detail {
 
-/// The binary logarithm of the size of a block: `capacity` indices are at most 1024 blocks.
+/// The binary logarithm of the block size with which `capacity` indices make at most 1024 blocks.
 [[gnu::always_inline]] inline int block_shift(std::int64_t capacity) noexcept {
     int shift = 0;
     for (; (capacity - 1) >> shift >= 1024; ++shift) {

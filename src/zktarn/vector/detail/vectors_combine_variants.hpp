@@ -2,10 +2,9 @@
 
 #include "zktarn/vector/detail/combine_marked.hpp"
 
-/// One fused multiply-add is an instruction on machines that have it and a slow call on others,
-/// with the same result. Every 64-bit Arm processor has it. For x86-64 the library has two
-/// variants; where the system's loader supports it, a resolver picks one when the library is
-/// loaded, so that one build runs fast on every x86-64 processor, with the same results.
+/// A fused multiply-add is one instruction on processors that have it and a slow call on others,
+/// with the same result. Every 64-bit Arm processor has it. For x86-64 Linux the library has two
+/// variants of the combination, and a resolver picks one when the library is loaded.
 
 #if defined(__x86_64__) && defined(__linux__)
 #define ZKTARN_COMBINE_DISPATCHES

@@ -17,16 +17,17 @@
 
 namespace zktarn::vector_mod::detail {
 
-/// Notes of a combination: the indices of all entries that may have to be dropped at the end. These
-/// are the indices whose last value is zero, and the listed ones without a mark. An index may be
-/// noted more than once, and an index whose later value is not zero stays noted.
+/// Notes of a combination: the indices of all entries that may have to be dropped at the end, which
+/// are those that were written as zero or have no mark. An index may be noted more than once, and
+/// stays noted if a later value is not zero.
 struct zero_suspects {
     std::int32_t* indices = nullptr;
     /// How many indices can be stored. Any others are only counted.
     std::int64_t room = 0;
     std::int64_t count = 0;
 
-    /// For adding `y_nz` entries to x. There is room for all notes and for the filter, or for none.
+    /// Prepares for adding `y_nz` entries to x: with room for all notes and for the filter, or for
+    /// none.
     [[gnu::always_inline]] zero_suspects(const vector_type::vector& x, std::int64_t y_nz) noexcept {
         const std::int64_t most = x.nz + y_nz;
         if (3 * most <= x.ind.extent[0]) {
@@ -84,7 +85,7 @@ private:
     for (std::int64_t i = 0; i < suspects.count; ++i) {
         filter.insert(static_cast<std::uint32_t>(suspects.indices[i]));
     }
-    // Now the notes are in the filter, and their place is free for list positions.
+    // The filter holds the notes, so list positions can overwrite them.
     std::int32_t* const positions = suspects.indices;
     std::int64_t passed = 0;
     for (std::int32_t k = 0; k < nz; ++k) {
@@ -100,7 +101,7 @@ private:
     x.nz = static_cast<std::int32_t>(drop_at_positions(list, nz, positions, dropped, entries));
 }
 
-/// As `drop_noted`, with or without room for the notes.
+/// Drops every entry of x that counts as zero, by the notes if there was room for them.
 [[gnu::always_inline]] inline void drop_suspects(vector_type::vector& x,
                                                  const zero_suspects& suspects) noexcept {
     if (suspects.count > suspects.room) {
