@@ -8,13 +8,13 @@ from xml.sax.saxutils import escape
 
 WIDTH, LEFT, RIGHT, BAR, GAP, HEAD = 760, 130, 190, 15, 4, 24
 INK, PALE = "#1f2933", "#52606d"
-# The first contender, which is the library's; its limit and the ideal loops; peers.
+# Colours of the library, of the limit and the ideal loops, and of peers.
 COLOURS = {"library": "#1f6fb2", "limit": "#9fb3c8", "ideal": "#bcccdc", "ideal_marks": "#d9e2ec"}
 PEER = "#e0912f"
 
 
 def duration(nanoseconds):
-    """A time in the unit that suits it."""
+    """A time as text, in ns, us, ms or s."""
     for unit, size in (("ns", 1.0), ("µs", 1e3), ("ms", 1e6)):
         if nanoseconds < 1000 * size:
             return f"{nanoseconds / size:.3g} {unit}"

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int64_t real_size = sizeof(double);
 
-/// The extra cost of a typed array over its block.
+/// Compares a typed array with the host's operations on its block.
 void compare_array_with_block(std::int64_t n) {
     const auto library = [n](std::int64_t) {
         array_1d<double> array;
@@ -29,7 +29,7 @@ void compare_array_with_block(std::int64_t n) {
             {doing("library", library), doing("host", host)});
 }
 
-/// The extra cost of the stand-in's checks and counts over the process allocator.
+/// Compares the stand-in, with its checks and counts, with the process allocator.
 void compare_standin_with_process(std::int64_t n) {
     const auto standin = [n](std::int64_t) {
         void* block = host::qvMallocExOptim(n * real_size);

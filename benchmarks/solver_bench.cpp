@@ -86,7 +86,7 @@ public:
 
     std::size_t stages() const { return stages_.size(); }
 
-    /// Goes through the points from the first to the last, with the cuts of the points before.
+    /// Separates every point in order, with the cuts of the earlier points as rows.
     std::size_t separate() {
         own_.truncate(own_.model_rows());
         std::size_t cuts = 0;

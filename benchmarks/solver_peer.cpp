@@ -1,7 +1,7 @@
-// Closes what CglZeroHalf closes: solver_peer MODEL ROUNDS SECONDS. Solves the relaxation, adds all
-// cuts of CglZeroHalf with default settings, and repeats. Prints as one line the bound without
-// cuts, the last bound moved to the next value of the objective at integer points, rounds, cuts,
-// seconds of separation and all seconds, both of processor time.
+// solver_peer MODEL ROUNDS SECONDS: the peer of the solver. Solves the relaxation, adds all cuts of
+// CglZeroHalf with default settings, and repeats. Prints one line: the bound without cuts, the last
+// bound moved to the next value of the objective at integer points, rounds, cuts, seconds of
+// separation and all seconds, both of processor time.
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>

@@ -85,7 +85,7 @@ BARS = (
     ("bars_separate", "Separating zero-half cuts at the optima of a run", r"separate/.*"),
     ("bars_languages", "A call in C and Fortran", r"(c|c_inlined|fortran)/.*"),
 )
-# Pictures of comparisons without a target; the others show those of the table.
+# Bar pictures of comparisons without a target. The other bar pictures show comparisons of the table.
 FREE = ("bars_entries", "bars_sort", "bars_host", "bars_languages", "bars_separate")
 CAPACITIES = [10**k for k in range(1, 8)]
 
@@ -147,14 +147,14 @@ def contenders_of(measured):
 
 
 def readable(comparison):
-    """The name of a comparison, with the powers of ten that it has."""
+    """The name of a comparison, with its powers of ten written as 10^k."""
     text = re.sub(r"/(\d+)/([\d.]+)%/(\w+)", r"/n = \1, \2 % filled, \3", comparison)
     text = re.sub(r"\b10(0{3,})\b", lambda found: f"10^{len(found[1]) + 1}", text)
     return text.replace("/", ", ").replace("_", " ")
 
 
 def draw_bars(found, folder, date, machine):
-    """A picture for each group of comparisons that was measured; returns their names."""
+    """Draws a picture for each group of comparisons that was measured; returns their file names."""
     targets = {}
     for _, comparison, peer, target in ROWS:
         targets.setdefault(comparison, []).append(f"{peer.replace('_', ' ')} {target:.2f}")
@@ -174,7 +174,7 @@ def draw_bars(found, folder, date, machine):
 
 
 def others(found):
-    """What was measured without a target: a line for each peer of each comparison."""
+    """The comparisons without a target: a row for each peer of each comparison."""
     with_target = {comparison for _, comparison, _, _ in ROWS}
     patterns = [pattern for name, _, pattern in BARS
                 if name in FREE]
@@ -186,7 +186,7 @@ def others(found):
 
 
 def python_lines(folder):
-    """What python/interface_bench.py measured: kind, name, ratio, both times in nanoseconds."""
+    """The results of python/interface_bench.py: kind, name, ratio, both times in nanoseconds."""
     path = folder / "python.txt"
     if not path.is_file():
         return []
@@ -215,7 +215,7 @@ def python_section(lines):
 
 
 def draw_python(lines, folder, date, machine):
-    """A picture for each thing compared with; returns their names."""
+    """Draws a picture for each peer; returns their file names."""
     drawn = []
     for kind, limit in PYTHON_LIMITS.items():
         groups = [(name, f"at most {limit:.2f}", [("library", ours, None), (kind, theirs, ratio)])
@@ -279,7 +279,7 @@ def main():
     met = sum(line[4] == "met" for line in lines)
     text = ["# Results of the benchmarks", "",
             "Time of the library divided by that of another contender doing the same job in the same",
-            "process: medians of the ratios of single rounds, each on input of its own. `scripts/bench`",
+            "process: medians of the ratios of single rounds, each with fresh input. `scripts/bench`",
             "measures this and writes this page; `benchmarks/README.md` describes the contenders.", "",
             f"- Processor: {context.get('processor', 'unknown')}, {context.get('num_cpus', '?')} available",
             f"- Compiler: {context.get('compiler', 'unknown')}, {context.get('flags', '')}",

@@ -34,7 +34,7 @@ std::shared_ptr<number_pool<couple<Number>>> random_couples(std::int32_t most, b
     return std::make_shared<number_pool<couple<Number>>>(std::move(couples));
 }
 
-/// Euclid with the C library's remainder.
+/// Euclid's algorithm with the C library's `fmod`.
 double by_fmod(double a, double b, double eps) {
     double big = std::fmax(std::fabs(a), std::fabs(b));
     double small = std::fmin(std::fabs(a), std::fabs(b));

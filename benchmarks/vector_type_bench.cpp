@@ -11,7 +11,7 @@ namespace zktarn::bench {
 
 namespace {
 
-/// The extra cost of a vector over its three blocks and the clearing of its marks.
+/// Compares a vector with three blocks of the host, the third of them cleared.
 void compare_vector_with_blocks(std::int32_t n) {
     const auto library = [n](std::int64_t) {
         vector_type::vector* vec = nullptr;

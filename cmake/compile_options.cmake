@@ -23,9 +23,9 @@ endif()
 if(ZKTARN_HAS_CF_PROTECTION)
   set(ZKTARN_CONTROL_FLOW_GUARD -fcf-protection=full)
   set(ZKTARN_NO_CONTROL_FLOW_GUARD -fcf-protection=none)
-  # The linker marks the library as supporting shadow stacks only if the system's start files have the mark.
-  # They work with a shadow stack without it, so this sets the mark. They may lack landing pads, so the linker
-  # decides about that mark.
+  # The linker marks the library as supporting shadow stacks only if the system's start-up objects have the
+  # mark. Those work with a shadow stack even without it, so this sets the mark. They may lack landing pads, so
+  # the linker decides that mark.
   set(ZKTARN_SHADOW_STACK LINKER:-z,shstk)
 elseif(ZKTARN_HAS_BRANCH_PROTECTION)
   set(ZKTARN_CONTROL_FLOW_GUARD -mbranch-protection=standard)

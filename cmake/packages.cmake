@@ -29,8 +29,8 @@ set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_SOURCE_DIR}/packaging/debian/stage.cmak
 set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/debian/finish.cmake")
 
 # zktarn_package(NAME SECTION section SUMMARY line DESCRIPTION line... [DEPENDS p...] [RECOMMENDS p...]
-# [SUGGESTS p...] [CONTROL file...]): DEPENDS are those beside what the binaries need, which
-# dpkg-shlibdeps finds.
+# [SUGGESTS p...] [CONTROL file...]): DEPENDS lists dependencies that dpkg-shlibdeps does not find
+# in the binaries.
 function(zktarn_package name)
   cmake_parse_arguments(PARSE_ARGV 1 arg "" "SECTION;SUMMARY"
     "DESCRIPTION;DEPENDS;RECOMMENDS;SUGGESTS;CONTROL")
@@ -61,7 +61,7 @@ zktarn_package(libzktarn-util1
   DESCRIPTION
     "Sparse vectors, integrality within a tolerance, fractions with a bounded"
     "denominator, arrays and random numbers of a host, and the bridge by which a"
-    "running solver prints lines, calls an output function and sees interrupts."
+    "running solver prints lines, calls an output function and polls interrupts."
     ""
     "The library runs in the process of a host, for instance the stand-in host of"
     "package zktarn-standin."
@@ -80,7 +80,7 @@ zktarn_package(libzktarn-util-c1
   RECOMMENDS "zktarn-standin ${same_version}"
   CONTROL ${library_control})
 
-# The linker resolves what the shared libraries need of a host, so -dev depends on one.
+# The linker must resolve the host's operations that the shared libraries call, so -dev depends on a host.
 zktarn_package(libzktarn-util-dev
   SECTION libdevel
   SUMMARY "support routines for integer optimisation solvers, development files"
@@ -95,10 +95,10 @@ zktarn_package(zktarn-standin
   SECTION devel
   SUMMARY "stand-in host of libzktarn_util, for tests of solvers"
   DESCRIPTION
-    "Four shared libraries with the operations that libzktarn_util takes from its"
+    "Four shared libraries with the operations that libzktarn_util calls in its"
     "host. A test can make any request fail, raise interrupts, capture the console,"
-    "and read a log of all calls. What was leaked, freed twice or used after it was"
-    "freed is reported with the operation and the call stack."
+    "and read a log of all calls. Leaks, double frees and uses after free are"
+    "reported with the operation and the call stack."
     ""
     "The program zktarn_host_conformance and an archive check any other host."
   SUGGESTS libzktarn-util-dev)
@@ -108,8 +108,8 @@ zktarn_package(libzktarn-util-fortran-dev
   SUMMARY "support routines for integer optimisation solvers, Fortran modules"
   DESCRIPTION
     "Sources of the modules zktarn_util and zktarn_standin, in Fortran 2018. A"
-    "module file serves one compiler in one version, so a project compiles them"
-    "itself: by the CMake package zktarn_util or with the variables of pkg-config."
+    "module file works with one compiler in one version, so a project compiles"
+    "them itself: by the CMake package zktarn_util or by pkg-config's variables."
   DEPENDS "libzktarn-util-dev ${same_version}"
   RECOMMENDS "gfortran | fortran-compiler")
 

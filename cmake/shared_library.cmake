@@ -1,16 +1,16 @@
 # What the library's shared objects, in C++ and in C, have in common: names, versions, run path, exported
 # names and hardening.
 
-# zktarn_restrict_exports(TARGET C|CXX): hides what the linker would export beside the procedures that the
-# headers mark: templates and inline functions of the standard library, which have a visibility of
-# their own. In C++, everything else in namespace zktarn is hidden already, by the compiler. The tests of
-# the exported names compare the result with their lists.
+# zktarn_restrict_exports(TARGET C|CXX): hides everything that the linker would export in addition to the
+# marked procedures: templates and inline functions of the standard library, which set their own
+# visibility. The compiler already hides everything else in namespace zktarn. The tests of the exported names
+# compare the result with their lists.
 function(zktarn_restrict_exports target language)
   set(exported_CXX "_ZN6zktarn*")
   set(exported_C "zktarn_*")
-  # The linker of macOS exports again what a list of exported names matches in another library, and the
-  # stand-in is in namespace zktarn. So there the list has what is not exported: functions of std, and
-  # new and delete; from a library in C, every name of C++.
+  # On macOS, a list of exported names also re-exports matching names of other libraries, and the stand-in
+  # is in namespace zktarn. So there the list names what is hidden instead: functions of std, new and
+  # delete; in a library for C, every C++ name.
   set(hidden_CXX "__ZNSt*\n__ZNKSt*\n__ZSt*\n__Zn*\n__Zd*\n")
   set(hidden_C "__Z*\n")
 
@@ -26,7 +26,7 @@ function(zktarn_restrict_exports target language)
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}")
 endfunction()
 
-# zktarn_harden(TARGET): nothing of the image stays writable or executable that need not be.
+# zktarn_harden(TARGET): leaves no part of the image writable or executable that need not be.
 function(zktarn_harden target)
   if(NOT APPLE)
     target_link_options(${target} PRIVATE LINKER:-z,relro,-z,now,-z,noexecstack)

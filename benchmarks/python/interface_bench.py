@@ -23,7 +23,7 @@ from fractions import Fraction
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
 EPS = 1e-6
-# Largest ratio that is wanted.
+# The largest ratio that meets the target.
 LIMITS = {"C++ loop": 1.2, "NumPy": 0.7, "limit_denominator": 0.02, "bare call": 1.1}
 
 

@@ -68,7 +68,7 @@ void take_operands(std::vector<char*>& arguments) {
     arguments.erase(first, arguments.end());
 }
 
-/// Returns false after a message when an exception or an argument of no use prevents the run.
+/// Returns false after a message when an exception or an unused argument prevents the run.
 bool is_registered() {
     try {
         zktarn::bench::register_comparisons();

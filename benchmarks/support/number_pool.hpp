@@ -22,7 +22,7 @@ inline constexpr std::size_t few_inputs = 32;
 template <class Input>
 class number_pool {
 public:
-    /// @param inputs  their number is a power of two.
+    /// @param inputs  a power of two of them.
     explicit number_pool(std::vector<Input> inputs) : inputs_(std::move(inputs)) {}
 
     void move_on() { start_ += 4099; }

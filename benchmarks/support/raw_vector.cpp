@@ -39,7 +39,7 @@ struct access {
 constexpr access ideal{};
 constexpr access reading_marks{marks::read, 0};
 constexpr access limit{marks::read, 64};
-// For entries with four lines, which leave the first cache sooner.
+// For operations that need four cache lines for each entry, which leave the first cache sooner.
 constexpr access limit_of_four_lines{marks::read, 16};
 
 template <access how>
