@@ -21,6 +21,7 @@
 #include "output/mps_writer.hpp"
 #include "output/plot.hpp"
 #include "output/table.hpp"
+#include "run/bridge.hpp"
 #include "run/tightener.hpp"
 #include "zktarn_standin/arrays.hpp"
 #include "zktarn_standin/control.hpp"
@@ -67,16 +68,24 @@ void listen_for_interrupts() {
     }
 }
 
-/// Reads a model and tightens its relaxation. Throws `error`.
+/// Thrown when the user interrupts the reading of a file.
+struct interrupted_reading {};
+
+/// Reads a model and tightens its relaxation. Throws `error` and
+/// `interrupted_reading`.
 solved_model solve(const std::string& file, run_options options, bool is_first) {
     const auto start = std::chrono::steady_clock::now();
     if (!options.optimum) {
         options.optimum = known_optimum(file);
     }
+    const auto seconds = [start] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    };
+    const bridge host(display::off, false);
     try {
-        model program = read_model(file);
-        options.seconds_used =
-            std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+        model program =
+            read_model(file, [&] { return host.is_interrupted() || seconds() >= options.seconds; });
+        options.seconds_used = seconds();
         if (options.show == display::iter) {
             std::printf("%s%s%s\n", is_first ? "" : "\n", file.c_str(),
                         program.is_maximised ? " (maximisation)" : "");
@@ -84,6 +93,11 @@ solved_model solve(const std::string& file, run_options options, bool is_first) 
         }
         run_result run = tighten(program, options);
         return {std::move(program), std::move(run)};
+    } catch (const stopped&) {
+        if (host.is_interrupted()) {
+            throw interrupted_reading();
+        }
+        throw error(file + ": the time limit was reached before the file was read");
     } catch (const CoinError& found) { // does not derive from std::exception
         throw error(file + ": " + found.message());
     } catch (const std::bad_alloc&) {
@@ -97,6 +111,8 @@ int solve_all(const command_line& options, std::deque<solved_model>& models) {
     for (const std::string& file : options.files) {
         try {
             models.push_back(solve(file, options.run, models.empty()));
+        } catch (const interrupted_reading&) {
+            return interrupted;
         } catch (const std::exception& found) {
             print_error(found.what());
             status = failure;

@@ -476,8 +476,51 @@ class CommandLine(unittest.TestCase):
                 child.kill()
                 child.wait()
             self.assertEqual((child.returncode, err), (130, b""))
-            (model,) = self.read_report(report)
-            self.assertEqual(model["status"], "interrupted")
+            # A model that was not read completely is not in the report.
+            models = self.read_report(report)
+            self.assertEqual([model["status"] for model in models], ["interrupted"] * len(models))
+
+    def interrupt_at_start(self, *arguments, **pipes):
+        """Interrupts the program as soon as it listens, and returns its report after it has ended."""
+        report = self.folder / "report.json"
+        child = subprocess.Popen([PROGRAM, *map(str, arguments), "--json", str(report)],
+                                 stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, **pipes)
+        try:
+            status = pathlib.Path(f"/proc/{child.pid}/status")
+            deadline = time.monotonic() + CALL_TIMEOUT
+            while time.monotonic() < deadline:
+                caught = re.search(r"SigCgt:\s*(\w+)", status.read_text())
+                if caught and int(caught[1], 16) >> (signal.SIGINT - 1) & 1:
+                    break
+            child.send_signal(signal.SIGINT)
+            child.wait(timeout=CALL_TIMEOUT)
+            self.assertEqual((child.returncode, child.stderr.read()), (130, b""))
+        finally:
+            child.kill()
+            child.wait()
+            child.stderr.close()
+        return self.read_report(report)
+
+    @unittest.skipUnless(os.path.exists("/proc/self/status"), "needs /proc")
+    def test_interrupt_while_waiting_for_a_pipe(self):
+        named = self.folder / "named"
+        os.mkfifo(named)
+        for name in ("-", named):
+            with self.subTest(name):
+                read, write = os.pipe()
+                try:
+                    self.assertEqual(self.interrupt_at_start(name, stdin=read), [])
+                finally:
+                    os.close(read)
+                    os.close(write)
+
+    def test_time_limit_while_waiting_for_a_pipe(self):
+        named = self.folder / "named"
+        os.mkfifo(named)
+        call, models = self.report(named, "--time-limit", "0.2", status=1)
+        self.assertEqual(models, [])
+        self.assertEqual(call.err, f"zero_half: {named}: the time limit was reached before the file"
+                                   " was read\n")
 
     # Reading
 
@@ -538,11 +581,56 @@ class CommandLine(unittest.TestCase):
             self.assertEqual((model["bound"], model["status"]), (bound, "integral"))
             self.assertEqual(model["lp_bound"], 1.5 * bound)
             self.assertEqual(call.out.splitlines()[0].split(" ")[0], model["file"])
-        self.refuse(self.write("bad.lp", "Minimize\n obj: x +\nSubject To\n r1: x + <= 1 y\nEnd\n"),
-                    "this is not an LP file; the reader says")
         for cut_off in ("no model", "Minimize\n obj: x\nSubject To\n",
                         "Minimize\n obj: x\nSubject To\n r: x >= 1\nGenerals\n x", "\\ End\n"):
-            self.refuse(self.write("bad.lp", cut_off), "because its last word is not End")
+            self.refuse(self.write("bad.lp", cut_off), "this is not an LP file that can be read; line")
+
+    def test_every_form_of_an_lp_file_is_read(self):
+        text = ("\\ a comment: End\nMINIMISE\n obj: 2x + y - 0.5e1 z +\n3 + 0 u\nsubject   to\n"
+                " -4 <= x - z <= 5\n 3 >= y\n\n z: + - x[1] => -inf\n u + 2ex >= -2\n x + y + z >=\n 1.5\n"
+                "Bounds\n x <= 4\n -1 <= z <= 2.5 \\ End\n u free\n u >= -7\n ex = 1\n 0 <= y\n"
+                " x[1] <= +infinity\nGenerals\n x z\n u\nBinaries\n y\nEND")
+        # z = 2, so that -5 z = -10; x >= -2 needs x = 0; y = 0 as x + y + z >= 1.5 holds.
+        for content in (text, text.replace("\n", "\r\n"), "\ufeff" + text):
+            for name, data in (("form.lp", content.encode()),
+                               ("form.lp.gz", gzip.compress(content.encode())),
+                               ("form.txt", content.encode())):
+                with self.subTest(name=name, content=content[:2]):
+                    _, (model,) = self.report(self.write(name, data))
+                    self.assertEqual((model["rows"], model["columns"]), (5, 6))
+                    self.assertEqual((model["bound"], model["status"]), (-7.0, "integral"))
+
+    def test_lp_files_with_anything_else_are_refused(self):
+        head, tail = "Minimize\n x\nSubject To\n", "Generals\n x\nEnd\n"
+        row = " x + y >= 1\n"
+        for content, saying in (
+                (f"Minimize\n [ x^2 ] / 2\nSubject To\n{row}{tail}", "line 2: quadratic"),
+                (f"{head} c: x = 1 -> y >= 1\n{tail}", "line 4: quadratic and logical parts"),
+                (f"{head} x * y >= 1\n{tail}", "line 4: quadratic and logical parts"),
+                (f"{head} 3 x y >= 1\n{tail}", "line 4: unexpected y"),
+                (f"{head} x >= y\n{tail}", "line 4: unexpected y"),
+                (f"{head} 1..5 x >= 1\n{tail}", "line 4: unexpected .5"),
+                (f"{head} x >= nan\n{tail}", "line 4: unexpected nan"),
+                (f"{head} x + 4 >= 1\n{tail}", "columns on one side"),
+                (f"{head} x + x >= 1\n{tail}", "the column x occurs twice in a row"),
+                (f"Minimize\n x + x\nSubject To\n{row}{tail}", "twice in the objective"),
+                (f"{head} 3 = x >= 1\n{tail}", "sides of a row contradict"),
+                (f"{head} c:{row} c:{row}{tail}", "the name c occurs twice"),
+                (f"{head} 1e16 x >= 1\n{tail}", "beyond 1e15"),
+                (f"{head} x >= 1e400\n{tail}", "beyond 1e15"),
+                (f"{head}{row}Bounds\n 5 <= x <= 3\n{tail}", "between the bounds of column x"),
+                (f"{head}{row}Bounds\n x\n{tail}", "line 7: unexpected Generals"),
+                (f"{head}{row}SOS\n s: S1:: x:1\n{tail}", "section SOS is not supported"),
+                (f"{head}{row}Semi-Continuous\n y\n{tail}", "section Semi-Continuous"),
+                (f"{head}{row}Lazy  Constraints\n x >= 1\n{tail}", "section Lazy  Constraints"),
+                (f"{head}{row}General Constraints\n z = MAX ( x , y )\n{tail}", "section General"),
+                (f"Minimize multi-objectives\n x\nSubject To\n{row}{tail}", "unexpected"),
+                (f"{head}{row}{tail} x", "there is text behind End"),
+                (f"{head} {'n' * 151} >= 1\n{tail}", "name of more than 150 characters"),
+                (f"Minimize\n x\0\nSubject To\n{row}{tail}", "a control character in a name"),
+                ("Subject To\n x >= 1\nEnd\n", "it does not begin with Minimize")):
+            with self.subTest(content):
+                self.refuse(self.write("bad.lp", content), saying)
 
     def test_standard_input_and_pipes_are_read(self):
         for command in (f"'{PROGRAM}' - --display final < '{self.cover}'",
@@ -803,8 +891,8 @@ class CommandLine(unittest.TestCase):
         self.assertIn("there is no bound to draw", call.err)
         self.assertFalse(picture.exists())
         # The relaxation of the first model exceeds the time limit, the second one does not.
-        file = self.write("long.mps", random_set_cover(30000, 400))
-        self.call(file, self.cover, "--time-limit", "0.5", "--plot", picture)
+        file = self.write("long.mps", random_set_cover(30000, 1500))
+        self.call(file, self.cover, "--time-limit", "2", "--plot", picture)
         text = [each.strip() for each in xml.etree.ElementTree.parse(picture).getroot().itertext()]
         self.assertIn("petersen_cover", text)
         self.assertNotIn("long", text)

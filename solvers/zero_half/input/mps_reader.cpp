@@ -20,8 +20,8 @@ namespace {
 /// omission changes the program is reported as a refusal.
 class line_filter : public CoinFileInput {
 public:
-    line_filter(CoinFileInput* file, mps_reader::extras& found)
-        : CoinFileInput(file->getFileName()), file_(file), found_(found) {}
+    line_filter(CoinFileInput* file, reading_poll& poll, mps_reader::extras& found)
+        : CoinFileInput(file->getFileName()), file_(file), poll_(poll), found_(found) {}
     int read(void* buffer, int size) override { return file_->read(buffer, size); }
     char* gets(char* buffer, int size) override;
 
@@ -34,6 +34,7 @@ private:
     void skip_rest(char* buffer, int size);
 
     std::unique_ptr<CoinFileInput> file_;
+    reading_poll& poll_;
     mps_reader::extras& found_;
     std::string section_;
     bool is_first_ = true;
@@ -76,7 +77,7 @@ void line_filter::read_name_line(char* line) {
 }
 
 char* line_filter::gets(char* buffer, int size) {
-    char* const line = next_line(buffer, size);
+    char* const line = poll_.step() ? nullptr : next_line(buffer, size);
     if (line == nullptr) {
         return nullptr;
     }
@@ -163,13 +164,13 @@ int complaint_keeper::print() {
     return 0;
 }
 
-int mps_reader::read(const std::string& file, bool is_free, extras& found) {
+int mps_reader::read(const std::string& file, bool is_free, reading_poll& poll, extras& found) {
     CoinFileInput* input = nullptr;
     if (dealWithFileName(file.c_str(), "", input) < 0) {
         return -1;
     }
     // The base class deletes the card reader, and that deletes the filter.
-    cardReader_ = new CoinMpsCardReader(new line_filter(input, found), this);
+    cardReader_ = new CoinMpsCardReader(new line_filter(input, poll, found), this);
     cardReader_->setFreeFormat(is_free);
     int count = 0;
     CoinSet** sets = nullptr;

@@ -5,6 +5,8 @@
 #include <CoinMessageHandler.hpp>
 #include <CoinMpsIO.hpp>
 
+#include "input/error.hpp"
+
 namespace zero_half {
 
 /// The text with '?' for every character that is not printable.
@@ -32,8 +34,9 @@ public:
         bool is_maximised = false;
     };
 
-    /// Returns the number of errors, or a negative number when the file cannot be opened.
-    int read(const std::string& file, bool is_free, extras& found);
+    /// Returns the number of errors, or a negative number when the file cannot be opened. Each
+    /// line is a step of the poll; after it stopped, the file seems to end.
+    int read(const std::string& file, bool is_free, reading_poll& poll, extras& found);
 };
 
 } // namespace zero_half

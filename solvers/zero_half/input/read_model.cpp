@@ -1,22 +1,24 @@
 #include "input/read_model.hpp"
 
 #include <algorithm>
-#include <cctype>
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
-#include <sstream>
+#include <limits>
+#include <memory>
+#include <vector>
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
-#include <CoinError.hpp>
-#include <CoinLpIO.hpp>
+#include <CoinFileIO.hpp>
 
 #include "input/complete_model.hpp"
 #include "input/error.hpp"
+#include "input/lp_reader.hpp"
 #include "input/memory.hpp"
 #include "input/mps_reader.hpp"
 
@@ -24,18 +26,51 @@ namespace zero_half {
 
 namespace {
 
+/// Closes its descriptor at the end.
+class descriptor {
+public:
+    explicit descriptor(int number) : number_(number) {}
+    ~descriptor() {
+        if (number_ > STDERR_FILENO) {
+            ::close(number_);
+        }
+    }
+    descriptor(const descriptor&) = delete;
+    descriptor& operator=(const descriptor&) = delete;
+
+    int number() const { return number_; }
+
+private:
+    int number_;
+};
+
+/// Waits until the pipe has data or its end is reached. Returns false when the run has to stop.
+bool is_readable(int pipe, reading_poll& poll) {
+    constexpr int milliseconds = 50;
+    pollfd waiting = {pipe, POLLIN, 0};
+    while (!poll.call()) {
+        if (::poll(&waiting, 1, milliseconds) > 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 /// Deletes its file at the end.
 class temporary_file {
 public:
-    /// A copy of the stream's content.
-    explicit temporary_file(std::istream& stream) {
-        const int descriptor = ::mkstemp(name_.data());
-        if (descriptor < 0) {
-            throw error("no temporary file can be written for the standard input");
+    /// A copy of what comes out of the pipe. Throws `error` when it cannot be read or written.
+    temporary_file(int pipe, const std::string& file, reading_poll& poll)
+        : copy_(::mkstemp(name_.data())) {
+        if (copy_.number() < 0) {
+            throw error(file + ": no temporary file can be written for it");
         }
-        ::close(descriptor);
-        std::ofstream copy(name_, std::ios::binary);
-        copy << stream.rdbuf();
+        try {
+            fill(pipe, file, poll);
+        } catch (...) {
+            ::unlink(name_.c_str());
+            throw;
+        }
     }
     ~temporary_file() { ::unlink(name_.c_str()); }
     temporary_file(const temporary_file&) = delete;
@@ -44,7 +79,25 @@ public:
     const std::string& name() const { return name_; }
 
 private:
+    void fill(int pipe, const std::string& file, reading_poll& poll) {
+        std::vector<char> block(std::size_t{1} << 16);
+        while (is_readable(pipe, poll)) {
+            const ssize_t size = ::read(pipe, block.data(), block.size());
+            if (size < 0 && errno != EINTR && errno != EAGAIN) {
+                throw error(file + ": it cannot be read");
+            }
+            if (size == 0) {
+                return;
+            }
+            if (size > 0 &&
+                ::write(copy_.number(), block.data(), static_cast<std::size_t>(size)) != size) {
+                throw error(file + ": its temporary copy cannot be written");
+            }
+        }
+    }
+
     std::string name_ = (std::filesystem::temp_directory_path() / "zero_half_XXXXXX").string();
+    descriptor copy_;
 };
 
 /// Discards what the readers of CoinUtils print to the standard output.
@@ -116,9 +169,7 @@ std::vector<double> clamped_bounds(const double* values, int n) {
     return bounds;
 }
 
-/// Both readers of CoinUtils have the same interface.
-template <class Reader>
-model converted(const Reader& reader, const std::string& file, bool is_maximised) {
+model converted(const CoinMpsIO& reader, const std::string& file, bool is_maximised) {
     const int m = reader.getNumRows();
     const int n = reader.getNumCols();
     model program;
@@ -149,7 +200,7 @@ model converted(const Reader& reader, const std::string& file, bool is_maximised
 }
 
 /// Tries fixed and free MPS.
-model read_mps(const std::string& source, const std::string& file) {
+model read_mps(const std::string& source, const std::string& file, reading_poll& poll) {
     // CoinMpsIO's infinity marks bounds that a file leaves out; no file contains this number.
     constexpr double not_given = 1.2345678987654321e300;
     std::string complaint;
@@ -160,7 +211,10 @@ model read_mps(const std::string& source, const std::string& file) {
         reader.passInMessageHandler(&complaints);
         reader.setInfinity(not_given);
         mps_reader::extras found;
-        const int errors = reader.read(source, is_free, found);
+        const int errors = reader.read(source, is_free, poll, found);
+        if (poll.is_stopped()) {
+            break;
+        }
         if (!found.refusal.empty()) {
             throw error(file + ": " + found.refusal);
         }
@@ -177,49 +231,40 @@ model read_mps(const std::string& source, const std::string& file) {
                 (complaint.empty() ? "" : "; the reader says: " + complaint));
 }
 
-/// The last word of an LP file in small letters, without what a backslash makes a comment.
-std::string last_word(const std::string& source) {
-    std::ifstream stream(source, std::ios::binary);
-    std::string last;
-    for (std::string line; std::getline(stream, line);) {
-        std::istringstream words(line.substr(0, line.find('\\')));
-        for (std::string word; words >> word;) {
-            last = word;
+/// The beginning of a file, or all of it, without compression and byte order mark.
+std::string text_of(const std::string& source, std::size_t most, reading_poll& poll) {
+    constexpr const char* byte_order_mark = "\xEF\xBB\xBF";
+    const std::unique_ptr<CoinFileInput> input(CoinFileInput::create(source));
+    std::string text;
+    std::vector<char> block(std::size_t{1} << 16);
+    while (text.size() < most && (text.empty() || !poll.call())) {
+        const int size = input->read(block.data(), static_cast<int>(block.size()));
+        if (size <= 0) {
+            break;
         }
+        text.append(block.data(), static_cast<std::size_t>(size));
     }
-    std::transform(last.begin(), last.end(), last.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return last;
+    return text.starts_with(byte_order_mark) ? text.substr(3) : text;
 }
 
-/// CoinLpIO itself turns a maximisation into a minimisation.
-model read_lp(const std::string& source, const std::string& file) {
-    // At the end of a file that lacks this word, CoinLpIO reads on for ever or crashes.
-    if (last_word(source) != "end") {
-        throw error(file + ": this is not an LP file, because its last word is not End");
-    }
-    complaint_keeper complaints;
-    CoinLpIO reader;
-    reader.passInMessageHandler(&complaints);
-    reader.setInfinity(no_bound);
-    try {
-        reader.readLp(source.c_str());
-    } catch (const CoinError& found) { // does not derive from std::exception
-        throw error(file +
-                    ": this is not an LP file; the reader says: " + printable(found.message()));
-    }
-    model program = converted(reader, file, false);
-    program.is_maximised = reader.wasMaximization();
-    return program;
+bool is_lp(const std::string& source, const std::string& file) {
+    constexpr std::size_t beginning = 1 << 16;
+    reading_poll no_poll({});
+    return ends_with(file, ".lp") || ends_with(file, ".lp.gz") ||
+           begins_as_lp(text_of(source, beginning, no_poll));
 }
 
 /// Checks the memory before reading, and before the relaxation is built.
-model read_source(const std::string& source, const std::string& file) {
+model read_source(const std::string& source, const std::string& file, reading_poll& poll) {
+    constexpr auto all = std::numeric_limits<std::size_t>::max();
     std::error_code ignored;
     check_memory(file, memory_to_read(std::filesystem::file_size(source, ignored)),
                  available_memory());
+    if (is_lp(source, file)) {
+        return read_lp(text_of(source, all, poll), file, poll);
+    }
     const silenced_output silence;
-    return ends_with(file, ".lp") ? read_lp(source, file) : read_mps(source, file);
+    return read_mps(source, file, poll);
 }
 
 bool is_stream(const std::string& file) {
@@ -227,27 +272,48 @@ bool is_stream(const std::string& file) {
     return file == "-" || std::filesystem::is_fifo(file, ignored);
 }
 
-/// The standard input and pipes are read once, so they are copied first.
-model read_stream(const std::string& file) {
-    std::ifstream pipe;
-    if (file != "-") {
-        pipe.open(file, std::ios::binary);
+/// The standard input and pipes are read once, so they are copied first. A named pipe is opened
+/// without waiting for its writer.
+model read_stream(const std::string& file, reading_poll& poll) {
+    const descriptor pipe(file == "-" ? STDIN_FILENO
+                                      : ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    if (pipe.number() < 0) {
+        throw error(file + ": it cannot be read");
     }
-    const temporary_file copy(file == "-" ? std::cin : pipe);
+    const temporary_file copy(pipe.number(), file, poll);
     std::error_code ignored;
-    if (std::filesystem::file_size(copy.name(), ignored) == 0) {
+    if (!poll.is_stopped() && std::filesystem::file_size(copy.name(), ignored) == 0) {
         throw error(file + ": the input is empty");
     }
-    return read_source(copy.name(), file);
+    return read_source(copy.name(), file, poll);
+}
+
+/// Throws `stopped` after the predicate returned true.
+model read_any(const std::string& file, reading_poll& poll) {
+    const auto throw_if_stopped = [&] {
+        if (poll.is_stopped()) {
+            throw stopped(file + ": the run ended before the file was read");
+        }
+    };
+    try {
+        model program = is_stream(file) ? read_stream(file, poll) : read_source(file, file, poll);
+        throw_if_stopped();
+        return program;
+    } catch (const error&) {
+        // A text that breaks off is no error of the file.
+        throw_if_stopped();
+        throw;
+    }
 }
 
 } // namespace
 
-model read_model(const std::string& file) {
+model read_model(const std::string& file, const std::function<bool()>& should_stop) {
+    reading_poll poll(should_stop);
     if (!is_stream(file)) {
         check_file(file);
     }
-    model program = is_stream(file) ? read_stream(file) : read_source(file, file);
+    model program = read_any(file, poll);
     complete(program);
     check_memory(file,
                  memory_to_solve(program.row_lower.size(), program.lower.size(),
