@@ -1,8 +1,7 @@
 #!/usr/bin/env bash
 # source.sh FOLDER: writes the source tarball zktarn_util-VERSION.tar.gz and its checksum,
-# zktarn_util-VERSION.tar.gz.sha256, into FOLDER. It has every file of the last commit with uncommitted
-# changes, but no new file that git does not know. A commit without changes gives the same bytes
-# each time.
+# zktarn_util-VERSION.tar.gz.sha256, into FOLDER. The tarball has every tracked file, with uncommitted
+# changes, and no untracked file. Without changes, a commit always gives the same bytes.
 set -euo pipefail
 
 fail() { echo "source.sh: $*" >&2 && exit 1; }

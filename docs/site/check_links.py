@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Fails when a link of the site leads nowhere.
+"""Fails when a link of the site has no target.
 
     check_links.py SITE
 

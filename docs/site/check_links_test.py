@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Sees check_links.py accept a site and refuse each kind of dead link."""
+"""Tests that check_links.py accepts a site and refuses each kind of dead link."""
 
 import pathlib
 import subprocess

@@ -4,7 +4,7 @@
     make_site.py ROOT WORK SITE
 
 Reads the project in ROOT, keeps what Doxygen reads in WORK, and writes the pages into SITE. Fails on
-any warning of Doxygen; what it warns of is then shown, with the file of the project.
+any warning of Doxygen, which is then printed with the file of the project.
 """
 
 import pathlib
@@ -37,7 +37,7 @@ def fail(sentence):
 
 
 def doxygen(settings, work, name):
-    """Runs Doxygen with settings on top of those of the site."""
+    """Runs Doxygen with the site's settings, changed by `settings`."""
     file = work / name
     lines = [(HERE / "Doxyfile").read_text(encoding="utf-8")]
     lines += [f'{key} = {value}' for key, value in settings.items()]
@@ -95,7 +95,7 @@ def write_other_languages(root, folder, names):
 
 
 def write_python(root, folder, names):
-    """Both packages; returns the links to what has a contract in C++, and the names without a text."""
+    """Writes both packages. Returns the links to names with a contract in C++, and the undocumented names."""
     package = root / python_view.PACKAGE
     links, undescribed = {}, []
     for source, module in ((package, python_view.MODULE), (package / "zero_half", ZERO_HALF)):
@@ -110,7 +110,7 @@ def write_python(root, folder, names):
 
 
 def name_python(target):
-    """Gives the Python packages their names; files keep those under which Doxygen wrote them."""
+    """Restores the names of the Python packages in the pages; file names stay as Doxygen wrote them."""
     for path in [*target.rglob("*.html"), *target.rglob("*.js")]:
         text = read(path)
         if python_view.MODULE in text:

@@ -3,7 +3,7 @@
 import re
 import xml.etree.ElementTree as xml
 
-# Words that are names of the stand-in, but stand for something else in most sentences.
+# Names of the stand-in that usually mean something else on a page, and so become no links.
 AMBIGUOUS = {"answer", "begin", "block", "calls", "console", "end", "entry", "fault", "host", "inspect",
              "name", "operation", "owner", "record", "random", "reply", "report", "requests", "reset",
              "settings", "standin", "store", "stored", "summary", "util", "value", "zktarn"}
@@ -30,7 +30,7 @@ def read_tags(path):
 
 
 def linked(names):
-    """The names that stand for themselves wherever they are in code style."""
+    """The names that become links wherever a page shows them in code style."""
     return {name: qualified for name, qualified in names.items()
             if name not in AMBIGUOUS and "::" not in name}
 

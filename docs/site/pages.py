@@ -1,4 +1,4 @@
-"""The pages of the project, as Doxygen reads them.
+"""Converts the pages of the project for Doxygen.
 
 A page stays an ordinary Markdown file, with links that work in a checkout. Here each heading gets the
 anchor that its text suggests, a link between files becomes a link between pages, and names in code
@@ -105,7 +105,7 @@ def title_of(site, path):
 
 
 def link_target(site, path, target):
-    """What a link of the page means on the site; None for a file that is in a checkout only."""
+    """The target on the site of a link on a page; None for a file that only a checkout has."""
     if re.match(r"[a-z]+:", target):
         return target
     file, _, fragment = target.partition("#")
@@ -211,7 +211,7 @@ def section_text(site, title, identifier, files):
 
 
 def reference_text(site, others):
-    """The table of all procedures in every language; others maps a language to its links by name."""
+    """The table of all procedures in every language. `others` maps a language to its links by name."""
     purposes = dict(re.findall(r"^\| `(\w+)` \| `zktarn/[^|]*\| (.*?) \|$",
                                (site.root / "README.md").read_text(encoding="utf-8"), re.M))
     out = ["# Reference {#reference}", "",

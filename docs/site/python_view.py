@@ -1,4 +1,4 @@
-"""The public names of the Python package, as Doxygen reads them.
+"""Converts the public names of the Python package for Doxygen.
 
 Signatures are those of the stubs and modules; the texts are the docstrings, of which those of the
 extension module are in its C++ sources. Nothing is built or imported.
@@ -10,8 +10,8 @@ import re
 from names import reference
 
 PACKAGE = "bindings/python/zktarn"
-# Doxygen keeps modules of Python and namespaces of C++ in one table, so the package has another name
-# there until the pages are written.
+# Doxygen keeps Python modules and C++ namespaces in one table, so the package has another name until the
+# pages are written.
 MODULE = "zktarn_python"
 RAW = r'(?:R"\((.*?)\)"|((?:"(?:[^"\\]|\\.)*"\s*)+))'
 
@@ -55,7 +55,7 @@ def public_names(source):
 
 
 def definitions(source):
-    """The last definition of each name of a module: an overload comes before what it describes."""
+    """The last definition of each name of a module: overloads precede the function."""
     found = {}
     for node in ast.parse(source).body:
         if isinstance(node, (ast.ClassDef, ast.FunctionDef)):
@@ -86,7 +86,7 @@ def comment(text, names, indent):
 
 
 def signature(node):
-    """The parameters; the stubs' own names of types are replaced by what they stand for."""
+    """The parameters, with the type aliases of the stub expanded."""
     text = ast.unparse(node.args)
     for alias, meaning in (("_Index", "int"), ("_Real", "float"), ("_Out", "Optional[NDArray]")):
         text = re.sub(rf"\b{alias}\b", meaning, text)
@@ -94,7 +94,7 @@ def signature(node):
 
 
 def parameters_of(node):
-    """The parameters of a universal function, which its stub states as those of a protocol."""
+    """The parameters of a universal function, taken from the protocol in its stub."""
     for each in node.body:
         if isinstance(each, ast.FunctionDef) and each.name == "__call__":
             last = each
@@ -102,7 +102,7 @@ def parameters_of(node):
 
 
 def described(name, text, names, indent, missing):
-    """The comment of a public name; one without a docstring is noted as missing."""
+    """The comment of a public name. Records names without a docstring as missing."""
     if not text.strip():
         missing.append(name)
     return comment(text, names, indent)

@@ -1,4 +1,4 @@
-"""What Doxygen reads instead of the sources, so that no source is written for Doxygen.
+"""Converts the sources for Doxygen, so that no source is written for Doxygen.
 
 In every language a comment holds for the declarations that follow it without a blank line. In C,
 Fortran and Python each declaration ends with a link to its contract, which is in C++.
@@ -12,7 +12,7 @@ from names import reference
 
 
 def linked_comment(line, names):
-    """The path of a header becomes a link, and so does a public name in code style."""
+    """Makes links of the paths of headers and of public names in code style."""
     line = re.sub(r"(?<![\w/`])zktarn/[\w/]+[.]hpp",
                   lambda found: reference(found[0].split("/")[-1], found[0])
                   if found[0].split("/")[-1] in names else found[0], line)
@@ -68,7 +68,7 @@ def is_declaration(line):
 def cpp_view(text, path, names, sole):
     """A header. Its opening comment describes the namespace if this is its only header (sole), and
     the file otherwise."""
-    # What is private is shown nowhere; Doxygen would list private records nevertheless.
+    # Removes private members, because Doxygen would list private records.
     text = re.sub(r"^private:\n.*?(?=^};)", "", text, flags=re.M | re.S)
     lines = [re.sub(r"^///  (\d[.])", r"/// \1 ", linked_comment(line, names) if "///" in line else line)
              for line in text.splitlines()]

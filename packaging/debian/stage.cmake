@@ -1,5 +1,5 @@
-# CPack runs this before it packs: sorts the installed files into packages, and reads what the packages
-# depend on.
+# CPack runs this file before it packs. It sorts the installed files into packages, and reads their
+# dependencies.
 if(NOT CPACK_GENERATOR STREQUAL "DEB")
   return()
 endif()

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # stage.sh CMAKE BUILD STAGE VERSION RELEASE PACKAGE...: installs BUILD into STAGE, moves each file into
-# STAGE/debian/PACKAGE as the list PACKAGE.install says, adds what Debian asks of every package, and
+# STAGE/debian/PACKAGE by the list PACKAGE.install, adds the files that Debian requires in every package, and
 # writes the dependencies of its binaries into STAGE/debian/PACKAGE.depends. A file that no list names is
-# an error, and so is a name that matches no file.
+# an error, and so is a pattern that matches no file.
 set -euo pipefail
 shopt -s nullglob
 
@@ -38,17 +38,17 @@ doc=$everything/usr/share/doc/libzktarn-util-dev
 rm "$doc/LICENSE"
 mkdir "$doc/debugger"
 mv "$everything/usr/share/zktarn_util/debugger/README.md" "$doc/debugger/"
-# The loader and the compiler look into the system's folders by themselves.
+# The loader and the compiler search the system's folders without a run path or an option.
 find "$everything" -name '*.pc' -exec sed -i 's|^prefix=.*|prefix=/usr|' {} +
 find "$everything" -name 'zktarn_util*.pc' -exec sed -i 's| -Wl,-rpath,[$]{libdir}$||' {} +
 
-# sort_files PACKAGE: moves them into its tree.
+# sort_files PACKAGE: moves the installed files that its list names into its tree.
 sort_files() {
     local package=$1 pattern path
     while read -r pattern; do
         # shellcheck disable=SC2206 # the pattern is expanded on purpose
         local found=("$everything"/$pattern)
-        # A link may lead to a file that is in another package already.
+        # The target of a link may already be in another package.
         [ -e "${found[0]-}" ] || [ -L "${found[0]-}" ] || fail "$package.install: $pattern matches no installed file"
         for path in "${found[@]}"; do
             local target=$stage/debian/$package/${path#"$everything"/}
@@ -76,7 +76,7 @@ add_documents() {
     [ ! -d "$tree/usr/bin" ] || chmod 755 "$tree"/usr/bin/*
 }
 
-# add_scripts PACKAGE: those that run when the package is installed or removed.
+# add_scripts PACKAGE: adds the scripts that run when the package is installed or removed.
 add_scripts() {
     local script
     for script in postinst prerm; do
@@ -85,7 +85,7 @@ add_scripts() {
     done
 }
 
-# describe_library PACKAGE: what other packages have to depend on when they link its library.
+# describe_library PACKAGE: writes the dependency of packages that link its library.
 describe_library() {
     local package=$1 control=$stage/debian/$1/DEBIAN name
     [ -e "$here/$package.symbols" ] || return 0
@@ -100,7 +100,7 @@ describe_library() {
     find "$control" -type f -exec chmod 644 {} +
 }
 
-# add_python_versions PACKAGE: those of Python and NumPy that its modules were built for.
+# add_python_versions PACKAGE: depends on the versions of Python and NumPy that its modules were built for.
 add_python_versions() {
     local minor numpy
     minor=$(find "$stage/debian/$1/usr" -name '*.cpython-3*.so' -print -quit | sed 's/.*[.]cpython-3\([0-9]*\)-.*/\1/')
@@ -109,8 +109,8 @@ add_python_versions() {
     sed -i "s/\$/, python3 (>= 3.$minor~), python3 (<< 3.$((minor + 1))~), $numpy/" "$stage/debian/$1.depends"
 }
 
-# find_dependencies PACKAGE: of its programs and libraries. The host's libraries belong to no
-# dependency: which host it is is known at run time only.
+# find_dependencies PACKAGE: finds the dependencies of its programs and libraries. The host's libraries are
+# none of them, because the host is chosen at run time.
 find_dependencies() {
     local package=$1 binaries=()
     while read -r path; do binaries+=("$path"); done < <(cd "$stage" && find "debian/$package/usr" -type f \

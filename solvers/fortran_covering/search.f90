@@ -79,7 +79,8 @@ contains
 
     ! Preparation
 
-    !> Complements, scales and orders. False if memory for the surrogate constraint is missing.
+    !> Complements variables, scales costs, orders rows. False if memory for the surrogate
+    !> constraint is missing.
     logical function prepared(given, made)
         type(program_01), intent(in) :: given
         type(state), intent(out) :: made
@@ -113,10 +114,10 @@ contains
         prepared = .true.
     end function
 
-    function ordered(row, rhs, of_state) result(made)
+    function ordered(row, rhs, current) result(made)
         type(vector), intent(in) :: row
         real(dp), intent(in) :: rhs
-        type(state), intent(in) :: of_state
+        type(state), intent(in) :: current
         type(ordered_row) :: made
         integer :: j, k
         real(dp) :: a
@@ -126,14 +127,14 @@ contains
         do k = 1, size(made%indices)
             j = vector_get_ind(row, k)
             a = vector_get_coef(row, j)
-            if (of_state%complemented(j)) then
+            if (current%complemented(j)) then
                 made%rhs = made%rhs - a
                 a = -a
             end if
             made%indices(k) = j
             made%coefficients(k) = a
             made%ratios(k) = huge(1.0_dp)
-            if (a > 0) made%ratios(k) = of_state%costs(j) / a
+            if (a > 0) made%ratios(k) = current%costs(j) / a
         end do
         call sort(1, size(made%indices), by_ratio, made)
     end function
@@ -154,7 +155,7 @@ contains
 
     ! Enumeration
 
-    !> Depth first; a branching variable is tried at 1, then at 0.
+    !> Enumerates depth first; tries a branching variable at 1, then at 0.
     subroutine enumerate(current, bridge, every, found)
         type(state), intent(inout) :: current
         type(reporter), intent(inout) :: bridge
@@ -309,7 +310,7 @@ contains
         current%fixed = fixed
     end subroutine
 
-    !> The point with every free variable at 0 is a better one.
+    !> Stores the point with every free variable at 0, which is better than the best so far.
     subroutine keep(current, cost, found)
         type(state), intent(in) :: current
         real(dp), intent(in) :: cost
