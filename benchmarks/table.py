@@ -4,9 +4,9 @@
     table.py RESULTS DOCS
 
 RESULTS has a file PROGRAM.PAGES.json for each program, as Google Benchmark writes it; PAGES is small
-(4 KiB) or huge; and python.txt, the lines of python/interface_bench.py, if it was run. Writes DOCS/benchmarks.md, DOCS/benchmarks/table.csv and pictures: bars for each
-operation, of the library and everything it is compared with, and, with gnuplot, nanoseconds an entry
-over the capacity.
+(4 KiB) or huge; and python.txt, the lines of python/interface_bench.py, if it was run. Writes
+DOCS/benchmarks.md, DOCS/benchmarks/table.csv and pictures: bars for each operation, of the library and
+everything it is compared with, and, with gnuplot, nanoseconds an entry over the capacity.
 """
 
 import csv
@@ -17,7 +17,7 @@ import re
 import subprocess
 import sys
 
-from bars import bars, duration
+from bars import duration, picture
 from python.interface_bench import LIMITS as PYTHON_LIMITS
 
 # Label, comparison, peer, and the largest ratio that meets the target.
@@ -64,29 +64,41 @@ ROWS = (
     ("xgcd_i4 of 31 bits", "xgcd_i4/31bit", "Boost", 0.75),
 )
 
-# Pictures: operation, fill and order.
-PICTURES = (
+# The curves: operation, fill and order.
+CURVES = (
     ("combine", "10%", "shuffled"), ("combine", "1%", "shuffled"),
     ("scale_and_combine", "10%", "shuffled"), ("sym_diff", "10%", "sorted"),
     ("mod2", "10%", "shuffled"), ("rem_zeros", "10%", "shuffled"), ("identical", "10%", "shuffled"),
 )
-# Bar pictures: file name, title, and the comparisons shown, in the order in which they were measured.
+# Bar pictures: file name, title, and the panels: title and the comparisons shown, in the order in which
+# they were measured.
 BARS = (
-    ("bars_combine", "x := x + beta y", r"combine/.*"),
-    ("bars_scale_and_combine", "x := alpha x + beta y", r"scale_and_combine/.*"),
-    ("bars_sym_diff", "Symmetric difference of supports", r"sym_diff/.*"),
-    ("bars_mod2", "Coefficients modulo 2", r"mod2/.*"),
-    ("bars_rem_zeros", "Dropping zeros", r"rem_zeros/.*"),
-    ("bars_identical", "Comparing vectors", r"identical/.*"),
-    ("bars_entries", "Loops over the entries of a vector", r"(get_coef_loop|add_nz_loop|clear|list_combine)/.*"),
-    ("bars_numbers", "Integrality, fractions, divisors", r"(scalar|rational|xgcd_r8|xgcd_i4)/.*"),
-    ("bars_sort", "Sorting through an exchange procedure", r"sort_(inline|exported)/.*"),
-    ("bars_host", "Memory of the host", r"(allocmem_freemem_r8_1d|vector_alloc_free|standin_malloc_free)/.*"),
-    ("bars_separate", "Separating zero-half cuts at the optima of a run", r"separate/.*"),
-    ("bars_languages", "A call in C and Fortran", r"(c|c_inlined|fortran)/.*"),
+    ("vectors", "Operations on whole vectors", (
+        ("x := x + beta y", r"combine/.*"),
+        ("x := alpha x + beta y", r"scale_and_combine/.*"),
+        ("Symmetric difference of supports", r"sym_diff/.*"),
+        ("Coefficients modulo 2", r"mod2/.*"),
+        ("Dropping zeros", r"rem_zeros/.*"),
+        ("Comparing vectors", r"identical/.*"))),
+    ("numbers", "Numbers, entries, sorting, memory", (
+        ("Integrality, fractions, divisors", r"(scalar|rational|xgcd_r8|xgcd_i4)/.*"),
+        ("Loops over the entries of a vector", r"(get_coef_loop|add_nz_loop|clear|list_combine)/.*"),
+        ("Sorting through an exchange procedure", r"sort_(inline|exported)/.*"),
+        ("Memory of the host", r"(allocmem_freemem_r8_1d|vector_alloc_free|standin_malloc_free)/.*"))),
+    ("languages", "Calls in C and Fortran, and the separator", (
+        ("A call in C and Fortran", r"(c|c_inlined|fortran)/.*"),
+        ("Separating zero-half cuts at the optima of a run", r"separate/.*"))),
 )
-# Bar pictures of comparisons without a target. The other bar pictures show comparisons of the table.
-FREE = ("bars_entries", "bars_sort", "bars_host", "bars_languages", "bars_separate")
+# Panels of comparisons without a target. The other panels show comparisons of the table.
+FREE = (r"(get_coef_loop|add_nz_loop|clear|list_combine)/.*", r"sort_(inline|exported)/.*",
+        r"(allocmem_freemem_r8_1d|vector_alloc_free|standin_malloc_free)/.*", r"(c|c_inlined|fortran)/.*",
+        r"separate/.*")
+# The curve of each contender: colour, width and dashes.
+STYLES = {
+    "library": ("#1f6fb2", 3, 1), "limit": ("#52606d", 1.5, 2), "ideal": ("#7b8794", 1.5, 1),
+    "ideal_marks": ("#9fb3c8", 1.5, 3), "Coin": ("#e0912f", 1.5, 1), "Eigen": ("#2f8f83", 1.5, 1),
+    "std": ("#b4432f", 1.5, 1), "fmod": ("#8a5fb0", 1.5, 1),
+}
 CAPACITIES = [10**k for k in range(1, 8)]
 
 
@@ -153,22 +165,25 @@ def readable(comparison):
     return text.replace("/", ", ").replace("_", " ")
 
 
-def draw_bars(found, folder, date, machine):
-    """Draws a picture for each group of comparisons that was measured; returns their file names."""
+def draw_bars(found, folder, measured_on):
+    """Draws a picture for each group of comparisons that was measured; returns their file names and titles."""
     targets = {}
     for _, comparison, peer, target in ROWS:
         targets.setdefault(comparison, []).append(f"{peer.replace('_', ' ')} {target:.2f}")
     drawn = []
-    for name, title, pattern in BARS:
-        groups = []
-        for comparison, measured in found.items():
-            if (name in FREE or comparison in targets) and re.fullmatch(pattern, comparison):
-                contenders = contenders_of(measured)
-                limits = targets.get(comparison)
-                remark = f"{measured['rounds']:.0f} rounds" + (f"; at most {', '.join(limits)}" if limits else "")
-                groups.append((readable(comparison), remark, contenders))
-        if groups:
-            (folder / f"{name}.svg").write_text(bars(title, f"{machine}; {date}", groups), encoding="utf-8")
+    for name, title, subjects in BARS:
+        panels = []
+        for subject, pattern in subjects:
+            groups = []
+            for comparison, measured in found.items():
+                if (pattern in FREE or comparison in targets) and re.fullmatch(pattern, comparison):
+                    limits = targets.get(comparison)
+                    remark = f"{measured['rounds']:.0f} rounds" + (f"; at most {', '.join(limits)}" if limits else "")
+                    groups.append((readable(comparison), remark, contenders_of(measured)))
+            if groups:
+                panels.append((subject, groups))
+        if panels:
+            (folder / f"{name}.svg").write_text(picture(panels, measured_on), encoding="utf-8")
             drawn.append((f"{name}.svg", title))
     return drawn
 
@@ -176,8 +191,7 @@ def draw_bars(found, folder, date, machine):
 def others(found):
     """The comparisons without a target: a row for each peer of each comparison."""
     with_target = {comparison for _, comparison, _, _ in ROWS}
-    patterns = [pattern for name, _, pattern in BARS
-                if name in FREE]
+    patterns = [pattern for _, _, subjects in BARS for _, pattern in subjects if pattern in FREE]
     return [(readable(comparison), contenders[0][0], duration(contenders[0][1]), name, duration(time),
              shown(value), f"{measured['rounds']:.0f}")
             for comparison, measured in found.items()
@@ -214,46 +228,65 @@ def python_section(lines):
     return text
 
 
-def draw_python(lines, folder, date, machine):
-    """Draws a picture for each peer; returns their file names."""
-    drawn = []
+def draw_python(lines, folder, measured_on):
+    """Draws a picture with a panel for each peer; returns its file name and title."""
+    panels = []
     for kind, limit in PYTHON_LIMITS.items():
         groups = [(name, f"at most {limit:.2f}", [("library", ours, None), (kind, theirs, ratio)])
                   for each, name, ratio, ours, theirs in lines if each == kind]
         if groups:
-            name = "bars_python_" + re.sub(r"\W+", "_", kind.lower()).strip("_") + ".svg"
-            title = f"Python, beside {kind}"
-            (folder / name).write_text(bars(title, f"{machine}; {date}", groups), encoding="utf-8")
-            drawn.append((name, title))
-    return drawn
+            panels.append((f"Python, beside {kind}", groups))
+    if not panels:
+        return []
+    (folder / "python.svg").write_text(picture(panels, measured_on), encoding="utf-8")
+    return [("python.svg", "The Python package")]
 
 
-def draw(found, folder, operation, fill, order):
-    """Draws one picture. Returns its file name, or None if nothing was measured."""
-    prefix = f"{operation}/"
-    contenders = sorted({key.removesuffix("_ns") for name, each in found.items() if name.startswith(prefix)
-                         for key in each if key.endswith("_ns")}, key=lambda c: (c != "library", c))
-    curves = [(c, points) for c in contenders
-              if len(points := per_entry(found, operation, fill, order, c)) > 1]
-    if not curves:
-        return None
-    name = f"{operation}_{fill.rstrip('%')}.svg"
-    script = [f'set terminal svg size 720,440 font "sans,13" background "#ffffff"', f'set output "{folder / name}"',
-              "set logscale xy", 'set xlabel "capacity n"', 'set ylabel "ns an entry"',
-              'set format x "10^{%L}"', "set key left top", "set grid",
-              f'set title "{operation.replace("_", " ")}, {fill} filled, {order}, 4 KiB pages"']
-    plots = []
-    for i, (contender, points) in enumerate(curves):
-        rows = "\n".join(f"{n} {ns:.3f}" for n, ns in points)
-        script.append(f"$d{i} << EOD\n{rows}\nEOD")
-        plots.append(f'$d{i} with linespoints linewidth {3 if i == 0 else 1.5} '
-                     f'title "{contender.replace("_", " ")}"')
-    script.append("plot " + ", ".join(plots))
+def curve(contender, points, title=""):
+    """The end of gnuplot's command plot for one curve."""
+    colour, width, dashes = STYLES[contender]
+    return (f'{points} with linespoints linecolor "{colour}" linewidth {width} dashtype {dashes} pointtype 7 '
+            f'pointsize 0.4 title "{title}"')
+
+
+def curves_of(found, operation, fill, order):
+    """The contenders of one diagram, the points of each, and the command that draws it."""
+    label = f"{operation}_{fill.rstrip('%')}"
+    points = {name: measured for name in STYLES
+              if len(measured := per_entry(found, operation, fill, order, name)) > 1}
+    data = [f"${label}_{name} << EOD\n" + "\n".join(f"{n} {ns:.3f}" for n, ns in measured) + "\nEOD"
+            for name, measured in points.items()]
+    title = f'set title "{operation.replace("_", " ")}, {fill.replace("%", " %")} filled, {order}"'
+    return list(points), data, title + "\nplot " + ", ".join(curve(name, f"${label}_{name}") for name in points)
+
+
+def draw_curves(found, folder):
+    """Draws the diagrams of CURVES into one picture; returns its name and title, if anything was measured."""
+    diagrams = [each for shown in CURVES if (each := curves_of(found, *shown))[0]]
+    if not diagrams:
+        return []
+    # The legend has a place of its own, after the diagrams.
+    name, rows = "capacities.svg", (len(diagrams) + 2) // 2
+    legend = [curve(each, "NaN", each.replace("_", " ")) for each in STYLES
+              if any(each in names for names, _, _ in diagrams)]
+    # gnuplot reads no data between the diagrams of one picture.
+    script = [line for _, data, _ in diagrams for line in data]
+    script += [f'set terminal svg size 1000,{330 * rows} font "DejaVu Sans,12" background "#ffffff"',
+               f'set output "{folder / name}"',
+               f"set multiplot layout {rows},2 margins 0.06,0.985,0.045,0.975 spacing 0.08,{0.28 / rows}",
+               "set logscale xy", 'set xlabel "capacity n" offset 0,0.4', 'set ylabel "ns an entry" offset 1.5,0',
+               'set format x "10^{%L}"', "set xrange [8:1.3e7]", "set yrange [1:100<*]", "unset key",
+               'set border 3 linecolor "#52606d"', "set tics nomirror",
+               'set grid linetype 1 linewidth 0.5 linecolor "#e4e7eb"']
+    script += [command for _, _, command in diagrams]
+    script += ["unset border", "unset tics", "unset grid", "unset title", "unset xlabel", "unset ylabel",
+               "set yrange [1:2]", "set key center center spacing 1.5 samplen 6 font ',13'",
+               "plot " + ", ".join(legend), "unset multiplot"]
     try:
         subprocess.run(["gnuplot"], input="\n".join(script), text=True, check=True)
     except (OSError, subprocess.CalledProcessError) as error:
         fail(f"gnuplot cannot draw {name}: {error}")
-    return name
+    return [(name, "Nanoseconds an entry over the capacity, on pages of 4 KiB")]
 
 
 def main():
@@ -272,10 +305,9 @@ def main():
         csv.writer(out, lineterminator="\n").writerows([header, *lines])
     date = datetime.date.today().isoformat()
     machine = f"{context.get('processor', 'unknown')}, {context.get('compiler', 'unknown')}"
-    drawn = draw_bars(small, pictures, date, machine)
     python = python_lines(folder)
-    drawn += draw_python(python, pictures, date, machine)
-    names = [name for picture in PICTURES if (name := draw(small, pictures, *picture))]
+    measured_on = f"{machine}; {date}"
+    drawn = draw_bars(small, pictures, measured_on) + draw_python(python, pictures, measured_on)
     met = sum(line[4] == "met" for line in lines)
     text = ["# Results of the benchmarks", "",
             "Time of the library divided by that of another contender doing the same job in the same",
@@ -305,7 +337,7 @@ def main():
              "bar's; below 1 the library is faster.", ""]
     text += [f"![{title}](benchmarks/{name})\n" for name, title in drawn]
     text += ["", "## Nanoseconds an entry", ""]
-    text += [f"![{name}](benchmarks/{name})\n" for name in names]
+    text += [f"![{title}](benchmarks/{name})\n" for name, title in draw_curves(small, pictures)]
     (docs / "benchmarks.md").write_text("\n".join(text).rstrip() + "\n", encoding="utf-8")
     for line in [header, *lines]:
         print("{:<53} {:<18} {:>6} {:>7} {:<7} {:>8} {:>10} {:>6}".format(*map(str, line)))
