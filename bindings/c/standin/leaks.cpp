@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <string>
 
-#include "call_lines.hpp"
 #include "text.hpp"
 #include "zktarn_standin.h"
 #include "zktarn_standin/control.hpp"

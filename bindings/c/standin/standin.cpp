@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "call_lines.hpp"
 #include "text.hpp"
 #include "zktarn_standin.h"
 #include "zktarn_standin/control.hpp"

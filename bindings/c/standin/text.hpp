@@ -4,7 +4,10 @@
 #include <cstddef>
 #include <cstring>
 #include <new>
+#include <string>
 #include <string_view>
+
+#include "zktarn_standin/call_stack.hpp"
 
 /// Texts and lists in buffers of the caller. C has no exceptions, so if memory is missing the text
 /// or list is empty.
@@ -41,6 +44,19 @@ std::size_t list_into(Element* elements, std::size_t capacity, Make make,
         return all.size();
     } catch (const std::bad_alloc&) {
         return 0;
+    }
+}
+
+/// One line for each call; empty if memory is missing.
+inline std::string lines_of(const standin::call_stack& stack) noexcept {
+    try {
+        std::string text;
+        for (const std::string& line : stack.lines()) {
+            text += line + '\n';
+        }
+        return text;
+    } catch (const std::bad_alloc&) {
+        return {};
     }
 }
 

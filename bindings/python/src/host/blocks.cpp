@@ -2,7 +2,6 @@
 #include <new>
 #include <unordered_map>
 
-#include "exceptions.hpp"
 #include "interpreter.hpp"
 #include "numpy_api.hpp"
 #include "python_host.hpp"

@@ -2,8 +2,7 @@
 #include <utility>
 
 #include "arrays.hpp"
-#include "exceptions.hpp"
-#include "functions.hpp"
+#include "interpreter.hpp"
 #include "numpy_api.hpp"
 #include "python_host.hpp"
 #include "zktarn/host/libqvx.hpp"

@@ -1,6 +1,8 @@
-#include "interpreter.hpp"
+#define ZKTARN_NUMPY_TABLE_HERE
+#include "numpy_api.hpp"
 
-#include "exceptions.hpp"
+#include "interpreter.hpp"
+#include "python_host.hpp"
 
 namespace zktarn::python_host {
 
@@ -30,3 +32,12 @@ void interpreter_lock::fail() const noexcept {
 }
 
 } // namespace zktarn::python_host
+
+int zktarn_python_start() {
+    static bool started = false;
+    if (!started) {
+        started = _import_array() == 0 && zktarn::python_host::prepare_exceptions() &&
+                  zktarn::python_host::prepare_functions();
+    }
+    return started ? 0 : -1;
+}

@@ -9,9 +9,8 @@
 #include <string>
 #include <string_view>
 
-#include "functions.hpp"
-#include "pending.hpp"
-#include "subjects.hpp"
+#include "errors.hpp"
+#include "module.hpp"
 #include "zktarn/assert/assert_mod.hpp"
 #include "zktarn/owners.hpp"
 

@@ -6,6 +6,8 @@
 #include <exception>
 #include <new>
 
+#include "host/python_host.hpp"
+
 /// Python exceptions in C++: `raise` sets one and leaves by a C++ exception, `protect` is the
 /// boundary where that one ends.
 
@@ -30,6 +32,14 @@ T* require(T* result) {
         throw python_error{};
     }
     return result;
+}
+
+/// Raises what the host stored while the library ran: the exception of an output function, of the
+/// console, of Ctrl-C, of an assertion.
+inline void raise_pending() {
+    if (zktarn_python_raise() != 0) {
+        throw python_error{};
+    }
 }
 
 /// Sets the Python exception for the C++ exception in flight.

@@ -2,8 +2,8 @@
 
 #include <limits>
 
+#include "module.hpp"
 #include "ordinary_numbers.hpp"
-#include "subjects.hpp"
 #include "ufuncs.hpp"
 #include "zktarn/util/integrality.hpp"
 

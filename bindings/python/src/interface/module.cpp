@@ -1,13 +1,13 @@
-// The extension module zktarn._core.
+// The extension module zktarn._core: its start, its exceptions, its universal functions.
 
 #define ZKTARN_PYTHON_IMPORTS_NUMPY
-#include "numpy_api.hpp"
+#include "ufuncs.hpp"
 
 #include <pybind11/pybind11.h>
 
 #include "errors.hpp"
 #include "host/python_host.hpp"
-#include "subjects.hpp"
+#include "module.hpp"
 
 namespace zktarn::python {
 
@@ -22,6 +22,35 @@ void start() {
 
 } // namespace
 
+void set_python_error() noexcept {
+    try {
+        throw;
+    } catch (const python_error&) {
+        // The interpreter holds the exception already.
+    } catch (pybind11::error_already_set& error) {
+        error.restore();
+    } catch (const pybind11::builtin_exception& error) {
+        error.set_error();
+    } catch (const std::bad_alloc&) {
+        PyErr_NoMemory();
+    } catch (const std::exception& error) {
+        PyErr_SetString(PyExc_RuntimeError, error.what());
+    } catch (...) {
+        PyErr_SetString(PyExc_SystemError, "an exception of unknown type left zktarn");
+    }
+}
+
+void add_ufunc(PyObject* module, const ufunc_description& description) {
+    PyObject* const made = require(PyUFunc_FromFuncAndData(
+        description.loops, nullptr, description.type_codes, description.types, description.inputs,
+        description.outputs, PyUFunc_None, description.name, description.documentation, 0));
+    const int added = PyModule_AddObjectRef(module, description.name, made);
+    Py_DECREF(made);
+    if (added < 0) {
+        throw python_error{};
+    }
+}
+
 } // namespace zktarn::python
 
 PYBIND11_MODULE(_core, module) {
@@ -32,8 +61,7 @@ PYBIND11_MODULE(_core, module) {
         add_vector_type(module.ptr());
         add_integrality(module.ptr());
         add_rational(module.ptr());
-        add_scalar_search(module.ptr());
-        add_sort(module.ptr());
+        add_callables(module.ptr());
         add_random(module.ptr());
         add_callbacks(module.ptr());
     } catch (const python_error&) {

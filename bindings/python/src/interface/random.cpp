@@ -3,9 +3,8 @@
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
-#include "functions.hpp"
-#include "pending.hpp"
-#include "subjects.hpp"
+#include "errors.hpp"
+#include "module.hpp"
 #include "zktarn/random/random.hpp"
 
 namespace zktarn::python {

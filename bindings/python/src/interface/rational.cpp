@@ -1,7 +1,7 @@
 // Fractions near reals, and greatest common divisors, as universal functions.
 
 #include "zktarn/util/rational.hpp"
-#include "subjects.hpp"
+#include "module.hpp"
 #include "ufuncs.hpp"
 #include "zktarn/util/gcd.hpp"
 

@@ -9,7 +9,16 @@
 #include <iterator>
 #include <utility>
 
-#include "numpy_api.hpp"
+// The sources share NumPy's two tables of functions, which module.cpp fills.
+#define NPY_NO_DEPRECATED_API NPY_1_21_API_VERSION
+#define PY_ARRAY_UNIQUE_SYMBOL numpy_functions_of_the_interface
+#define PY_UFUNC_UNIQUE_SYMBOL numpy_ufunc_functions_of_the_interface
+#ifndef ZKTARN_PYTHON_IMPORTS_NUMPY
+#define NO_IMPORT_ARRAY
+#define NO_IMPORT_UFUNC
+#endif
+#include <numpy/arrayobject.h>
+#include <numpy/ufuncobject.h>
 
 /// NumPy's universal functions over procedures of the library: broadcasting, `out=`, `where=`, and
 /// a loop in C++ that runs without the interpreter's lock.

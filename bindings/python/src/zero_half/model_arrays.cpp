@@ -1,4 +1,4 @@
-#include "model_arrays.hpp"
+#include "zero_half.hpp"
 
 #include <vector>
 

@@ -6,9 +6,8 @@
 #include "host/python_host.hpp"
 #include "input/error.hpp"
 #include "input/optima.hpp"
-#include "model_arrays.hpp"
-#include "run.hpp"
 #include "run/ending.hpp"
+#include "zero_half.hpp"
 
 namespace py = pybind11;
 

@@ -1,4 +1,4 @@
-#include "run.hpp"
+#include "zero_half.hpp"
 
 #include <deque>
 #include <new>
@@ -14,7 +14,6 @@
 #include "input/complete_model.hpp"
 #include "input/error.hpp"
 #include "input/read_model.hpp"
-#include "model_arrays.hpp"
 #include "output/mps_writer.hpp"
 #include "output/table.hpp"
 #include "run/tightener.hpp"

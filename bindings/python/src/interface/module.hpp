@@ -6,10 +6,18 @@
 
 #include "errors.hpp"
 
-/// Functions of the extension module that pybind11 wraps. Package zktarn calls them with arguments
-/// that it has checked.
+/// What each source adds to the extension module, and how it adds functions that pybind11 wraps.
+/// Package zktarn calls these with arguments that it has checked.
 
 namespace zktarn::python {
+
+// Each raises when it fails.
+void add_vector_type(PyObject* module);
+void add_integrality(PyObject* module);
+void add_rational(PyObject* module);
+void add_callables(PyObject* module);
+void add_random(PyObject* module);
+void add_callbacks(PyObject* module);
 
 /// Defines `name` in a module or a class. A `python_error` becomes pybind11's own exception.
 template <class Scope, class... Args, class Result, class... Extra>

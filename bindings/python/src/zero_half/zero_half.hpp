@@ -1,8 +1,35 @@
 #pragma once
 
+#include <string>
+
+#include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
 
+#include "input/model.hpp"
+
 namespace zktarn::python {
+
+/// A model as a dict of arrays and numbers, which `_zero_half.pyi` lists as `ModelArrays`: rows as
+/// compressed sparse rows, the objective as the file counts it.
+pybind11::dict arrays_of(const zero_half::model& model);
+
+/// The model of such a dict. It is neither checked nor completed. Throws pybind11::cast_error for a
+/// dict that the package's Python code does not make.
+zero_half::model model_of(const pybind11::dict& arrays);
+
+/// A text of any bytes: those that are not UTF-8 become lone surrogates, as Python decodes file
+/// names.
+pybind11::str decoded(const std::string& text);
+
+/// The reverse of `decoded`.
+std::string encoded(const pybind11::handle& text);
+
+/// A new NumPy array with a copy of the values.
+template <class Range>
+auto copied_array(const Range& values) {
+    using element = typename Range::value_type;
+    return pybind11::array_t<element>(static_cast<pybind11::ssize_t>(values.size()), values.data());
+}
 
 /// Reads a model. Throws zero_half::error; MemoryError when there is not enough memory.
 ///

@@ -1,7 +1,7 @@
-#include "zktarn/util/util.hpp"
-
 #include "arguments.hpp"
+#include "zktarn/sorting/sorting_mod.hpp"
 #include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/util.hpp"
 #include "zktarn_util.h"
 
 using namespace zktarn;
@@ -104,4 +104,13 @@ void zktarn_find_scalar_integral(int32_t n, zktarn_element_supplier get_element,
     };
     util::find_scalar_integral(n, supply, eps, max_den, max_scalar, *found, *scalar,
                                c::optional(skip_marked), c::optional(selected_only));
+}
+
+void zktarn_sort(int32_t first, int32_t last, zktarn_exchange_procedure exchange, void* context) {
+    if (c::any_null(exchange)) {
+        return;
+    }
+    sorting_mod::sort(first, last, [exchange, context](std::int32_t a, std::int32_t b) {
+        return exchange(a, b, context);
+    });
 }

@@ -1,4 +1,5 @@
-// The search for a scalar that makes a set of reals integral.
+// Procedures that call a callable back: the sort, and the search for a scalar that makes a set of
+// reals integral.
 
 #include "zktarn/util/scalar_search.hpp"
 
@@ -7,14 +8,25 @@
 
 #include <exception>
 
-#include "functions.hpp"
-#include "subjects.hpp"
+#include "module.hpp"
+#include "zktarn/sorting/sorting_mod.hpp"
 
 namespace zktarn::python {
 
 namespace {
 
 namespace py = pybind11;
+
+/// An exception of `exchange` ends the sort.
+void sort(std::int32_t first, std::int32_t last, const py::object& exchange) {
+    sorting_mod::sort(first, last, [&](std::int32_t a, std::int32_t b) -> flag {
+        const int exchanged = PyObject_IsTrue(exchange(a, b).ptr());
+        if (exchanged < 0) {
+            throw py::error_already_set();
+        }
+        return exchanged;
+    });
+}
 
 using reals = py::array_t<double, py::array::c_style>;
 using flags = py::array_t<bool, py::array::c_style>;
@@ -80,8 +92,9 @@ py::object of_callable(std::int32_t n, const py::object& get_element, const tole
 
 } // namespace
 
-void add_scalar_search(PyObject* module) {
+void add_callables(PyObject* module) {
     auto scope = py::reinterpret_borrow<py::module_>(module);
+    scope.def("sort", sort);
     scope.def("scalar_of_array", of_array);
     scope.def("scalar_of_callable", [](std::int32_t n, const py::object& get_element, double eps,
                                        double max_den, double max_scalar, bool skip_marked,
