@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # stage.sh CMAKE BUILD STAGE VERSION RELEASE PACKAGE...: installs BUILD into STAGE, moves each file into
-# STAGE/debian/PACKAGE by the list PACKAGE.install, adds the files that Debian requires in every package, and
-# writes the dependencies of its binaries into STAGE/debian/PACKAGE.depends. A file that no list names is
+# STAGE/debian/PACKAGE by the list `files`, adds the files that Debian requires in every package, and writes the
+# dependencies of its binaries into STAGE/debian/PACKAGE.depends. A file that the list does not name is
 # an error, and so is a pattern that matches no file.
 set -euo pipefail
 shopt -s nullglob
@@ -42,20 +42,21 @@ mv "$everything/usr/share/zktarn_util/debugger/README.md" "$doc/debugger/"
 find "$everything" -name '*.pc' -exec sed -i 's|^prefix=.*|prefix=/usr|' {} +
 find "$everything" -name 'zktarn_util*.pc' -exec sed -i 's| -Wl,-rpath,[$]{libdir}$||' {} +
 
-# sort_files PACKAGE: moves the installed files that its list names into its tree.
+# sort_files PACKAGE: moves the installed files that the list names for it into its tree.
 sort_files() {
-    local package=$1 pattern path
-    while read -r pattern; do
+    local package=$1 owner pattern path
+    while read -r owner pattern; do
+        [ "$owner" = "$package:" ] || continue
         # shellcheck disable=SC2206 # the pattern is expanded on purpose
         local found=("$everything"/$pattern)
         # The target of a link may already be in another package.
-        [ -e "${found[0]-}" ] || [ -L "${found[0]-}" ] || fail "$package.install: $pattern matches no installed file"
+        [ -e "${found[0]-}" ] || [ -L "${found[0]-}" ] || fail "files: $pattern matches no installed file"
         for path in "${found[@]}"; do
             local target=$stage/debian/$package/${path#"$everything"/}
             mkdir -p "$(dirname "$target")"
             mv "$path" "$target"
         done
-    done <"$here/$package.install"
+    done <"$here/files"
 }
 
 # add_documents PACKAGE: copyright, changelogs, overrides and manual pages.
@@ -66,8 +67,7 @@ add_documents() {
     gzip -9nc "$here/changelog" >"$doc/changelog.Debian.gz"
     gzip -9nc "$here/../../CHANGELOG.md" >"$doc/changelog.gz"
     mkdir -p "$tree/usr/share/lintian/overrides"
-    cat "$here/lintian-overrides" "$here/$package".lintian-overrides* |
-        sed "s/^PACKAGE:/$package:/" >"$tree/usr/share/lintian/overrides/$package"
+    sed -n "s/^ALL:/$package:/; /^$package:/p" "$here/lintian-overrides" >"$tree/usr/share/lintian/overrides/$package"
     for page in "$tree"/usr/bin/*; do
         mkdir -p "$tree/usr/share/man/man1"
         gzip -9nc "$here/$(basename "$page").1" >"$tree/usr/share/man/man1/$(basename "$page").1.gz"
@@ -90,7 +90,7 @@ describe_library() {
     local package=$1 control=$stage/debian/$1/DEBIAN name
     [ -e "$here/$package.symbols" ] || return 0
     mkdir -p "$control"
-    cp "$here/$package.triggers" "$control/triggers"
+    echo "activate-noawait ldconfig" >"$control/triggers"
     name=$(sed -n '1s/ .*//p' "$here/$package.symbols") # libzktarn_util.so.1
     echo "${name%.so.*} ${name##*.so.} $package (>= $version)" >"$control/shlibs"
     # A name that was added, removed or changed differs from the list, and that is an error.
@@ -136,7 +136,7 @@ for package in "${packages[@]}"; do
 done
 find "$stage/debian" -depth -type d -empty -delete
 left=$(cd "$everything" && find . ! -type d)
-[ -z "$left" ] || fail "no list in packaging/debian names these installed files: $left"
+[ -z "$left" ] || fail "packaging/debian/files does not name these installed files: $left"
 for package in "${packages[@]}"; do
     find_dependencies "$package"
     add_python_versions "$package"
