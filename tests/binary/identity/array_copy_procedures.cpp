@@ -1,7 +1,6 @@
 #include <vector>
 
 #include "binary/identity/procedures.hpp"
-#include "zktarn/util/array_copy.hpp"
 
 namespace zktarn::identity {
 

@@ -19,10 +19,8 @@ using hashes = std::map<std::string, std::string>;
 
 hashes computed() {
     hashes all;
-    for (const auto& procedures :
-         {integrality_procedures(), array_copy_procedures(), rational_procedures(),
-          entry_procedures(), whole_vector_procedures(), sorting_procedures(),
-          random_procedures()}) {
+    for (const auto& procedures : {util_procedures(), array_copy_procedures(), vector_procedures(),
+                                   sorting_procedures(), random_procedures()}) {
         for (const procedure& each : procedures) {
             all.emplace(each.name, hash_of(each));
         }

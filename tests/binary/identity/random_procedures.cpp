@@ -2,7 +2,6 @@
 #include <cstdlib>
 
 #include "binary/identity/procedures.hpp"
-#include "zktarn/random/random.hpp"
 
 // The generators of the stand-in host return the same numbers on every platform.
 

@@ -2,7 +2,6 @@
 #include <vector>
 
 #include "binary/identity/procedures.hpp"
-#include "zktarn/sorting/sorting_mod.hpp"
 
 namespace zktarn::identity {
 

@@ -3,9 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "binary/identity/digest.hpp"
-#include "binary/identity/draws.hpp"
-#include "zktarn/vector/vector_type.hpp"
+#include "binary/identity/procedures.hpp"
 
 namespace zktarn::identity {
 

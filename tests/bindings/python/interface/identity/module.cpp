@@ -12,8 +12,7 @@ using namespace zktarn::identity;
 /// Name to hash, of every procedure whose results do not depend on the host and which Python has.
 py::dict hashes() {
     py::dict all;
-    for (const auto& subject : {integrality_procedures(), rational_procedures(), entry_procedures(),
-                                whole_vector_procedures(), sorting_procedures()}) {
+    for (const auto& subject : {util_procedures(), vector_procedures(), sorting_procedures()}) {
         for (const procedure& each : subject) {
             all[each.name] = hash_of(each);
         }
