@@ -16,7 +16,7 @@ command -v "$tidy" >/dev/null || fail "$tidy is not installed"
 [[ $build == /* ]] || build=$PWD/$build
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."
 
-broken=tools/analysis/broken
+planted=tools/analysis/planted.cpp
 flags=(-std=c++20 -I src -I standin/include -I standin/src)
 checked=-DZKTARN_CHECKED
 
@@ -67,15 +67,15 @@ sources=(src/zktarn/*/*.cpp)
 checking=(src/zktarn/vector/*.cpp)
 all=("${sources[@]}" standin/src/*.cpp)
 
-refuses bugprone-use-after-move tidy_one "$broken/tidy.cpp" -- "${flags[@]}"
-refuses arrayIndexOutOfBounds cppcheck_them "$broken/cppcheck.cpp"
-[ -z "$analyzer" ] || refuses use-after-free analyze_one "$broken/analyzer.cpp"
+refuses bugprone-use-after-move tidy_one "$planted" -- "${flags[@]}" -DCLANG_TIDY
+refuses arrayIndexOutOfBounds cppcheck_them -DCPPCHECK "$planted"
+[ -z "$analyzer" ] || refuses use-after-free analyze_one "$planted" -DGCC_ANALYZER
 # A defect inside a check exists in a checked build only.
-refuses bugprone-integer-division tidy_one "$broken/checked.cpp" -- "${flags[@]}" "$checked"
-accepts tidy_one "$broken/checked.cpp" -- "${flags[@]}"
+refuses bugprone-integer-division tidy_one "$planted" -- "${flags[@]}" "$checked"
+accepts tidy_one "$planted" -- "${flags[@]}"
 if [ -n "$analyzer" ]; then
-    refuses use-after-free analyze_one "$broken/checked.cpp" "$checked"
-    accepts analyze_one "$broken/checked.cpp"
+    refuses use-after-free analyze_one "$planted" "$checked"
+    accepts analyze_one "$planted"
 fi
 echo "planted: each analyser finds its defect and the one inside a check"
 

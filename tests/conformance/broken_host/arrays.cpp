@@ -1,12 +1,10 @@
-#include "broken_host/arrays.hpp"
+#include "broken_host/broken_host.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <utility>
-
-#include "broken_host/flaw.hpp"
 
 namespace zktarn::broken_host {
 

@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "broken_host/flaw.hpp"
+#include "broken_host/broken_host.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 
 namespace zktarn::host {

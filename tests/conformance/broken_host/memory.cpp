@@ -6,7 +6,7 @@
 #include <set>
 #include <thread>
 
-#include "broken_host/flaw.hpp"
+#include "broken_host/broken_host.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 
 namespace zktarn::host {

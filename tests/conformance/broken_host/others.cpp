@@ -4,8 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "broken_host/arrays.hpp"
-#include "broken_host/flaw.hpp"
+#include "broken_host/broken_host.hpp"
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libut.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"

@@ -8,11 +8,9 @@ The library is ELF, for x86-64 or 64-bit Arm. COMPILER is GNU or Clang, whose co
 unroll and merge loops differently.
 """
 
-import pathlib
 import re
 import sys
 
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1]))
 import disassembly
 
 PREFETCH = re.compile(r"prefetch\w*|prfm")

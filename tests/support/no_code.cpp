@@ -1,1 +1,0 @@
-// CMake needs a source to precompile the headers of the tests.

@@ -1,7 +1,0 @@
-#include <string>
-#include <utility>
-
-std::string broken(std::string text) {
-    const std::string kept = std::move(text);
-    return kept + text;
-}
