@@ -6,7 +6,7 @@
 #include <iterator>
 #include <utility>
 
-#include "call_counts.hpp"
+#include "calls.hpp"
 #include "fault_report.hpp"
 #include "origin.hpp"
 #include "wording.hpp"

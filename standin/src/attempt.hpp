@@ -8,8 +8,7 @@
 #include <stdexcept>
 #include <type_traits>
 
-#include "call_counts.hpp"
-#include "call_observers.hpp"
+#include "calls.hpp"
 #include "fault_report.hpp"
 
 /// What all operations of the host have in common: `attempt` counts the call, fails it if that is

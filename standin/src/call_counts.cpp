@@ -1,4 +1,4 @@
-#include "call_counts.hpp"
+#include "calls.hpp"
 
 #include <array>
 #include <atomic>

@@ -5,7 +5,7 @@
 #include <sstream>
 #include <utility>
 
-#include "call_observers.hpp"
+#include "calls.hpp"
 
 namespace zktarn::standin {
 

@@ -5,7 +5,7 @@
 #include "attempt.hpp"
 #include "console_output.hpp"
 #include "function_registry.hpp"
-#include "logged_text.hpp"
+#include "wording.hpp"
 
 namespace zktarn::host {
 

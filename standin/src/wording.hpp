@@ -1,11 +1,12 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
 #include "zktarn_standin/call_stack.hpp"
 
-/// Parts of sentences.
+/// Parts of sentences, and texts for the log.
 
 namespace zktarn::standin {
 
@@ -24,6 +25,12 @@ inline std::string indented(const char* heading, const call_stack& stack) {
         text += "      " + line + "\n";
     }
     return text;
+}
+
+/// A text argument for the log, where a faulty one is empty.
+inline std::string logged_text(const char* text, std::int64_t length) {
+    return text == nullptr || length < 0 ? std::string()
+                                         : std::string(text, static_cast<std::size_t>(length));
 }
 
 } // namespace zktarn::standin

@@ -1,10 +1,9 @@
+#include "zktarn_standin/control.hpp"
 #include "block_table.hpp"
-#include "call_counts.hpp"
-#include "call_observers.hpp"
+#include "calls.hpp"
 #include "function_registry.hpp"
 #include "interrupt_poll.hpp"
 #include "origin.hpp"
-#include "zktarn_standin/control.hpp"
 
 namespace zktarn::standin {
 
@@ -22,3 +21,7 @@ void reset() {
 }
 
 } // namespace zktarn::standin
+
+const char* zktarn_standin_version() noexcept {
+    return ZKTARN_STANDIN_VERSION;
+}

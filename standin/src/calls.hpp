@@ -5,10 +5,23 @@
 #include <optional>
 
 #include "zktarn_standin/call_log.hpp"
+#include "zktarn_standin/operations.hpp"
 
-/// The interface of the operations to the log and the scripts.
+/// What happens around each call: counts and planned failures, the log, the scripts.
 
 namespace zktarn::standin {
+
+/// Counts a call of an operation. Returns whether the call is planned to fail.
+bool fails(operation what) noexcept;
+
+/// Records that an operation has failed, as planned or not.
+void note_failure(operation what) noexcept;
+
+/// Whether an operation that returns a handle, a number or an address has failed since the last
+/// `reset`: a failure value that a caller passes on is then not a fault.
+bool has_failed() noexcept;
+
+void reset_call_counts() noexcept;
 
 /// How many observers there are: the log, when it is on, and each script.
 extern std::atomic<int> observers;

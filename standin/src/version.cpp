@@ -1,5 +1,0 @@
-#include "zktarn_standin/operations.hpp"
-
-const char* zktarn_standin_version() noexcept {
-    return ZKTARN_STANDIN_VERSION;
-}
