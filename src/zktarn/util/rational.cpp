@@ -8,7 +8,6 @@
 
 #include "zktarn/util/detail/guarded_floor.hpp"
 #include "zktarn/util/detail/near_multiples.hpp"
-#include "zktarn/util/detail/nearest.hpp"
 #include "zktarn/util/detail/rational.hpp"
 
 // A denominator fits if a fraction with it is within eps of x. docs/numerics.md proves that the

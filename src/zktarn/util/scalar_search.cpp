@@ -11,7 +11,6 @@
 #include "zktarn/util/detail/binary_gcd.hpp"
 #include "zktarn/util/detail/guarded_floor.hpp"
 #include "zktarn/util/detail/near_multiples.hpp"
-#include "zktarn/util/detail/nearest.hpp"
 #include "zktarn/util/detail/rational.hpp"
 
 namespace zktarn::util {
