@@ -4,8 +4,11 @@ Each operation is there twice: `held` calls it with the interpreter's lock, `rel
 """
 
 import ctypes
+import gc
 import os
 import pathlib
+import sys
+import tracemalloc
 
 import zktarn
 
@@ -214,3 +217,37 @@ def print_text(text, library=held):
     """Prints characters or bytes on the console; returns the status."""
     data = text if isinstance(text, bytes) else text.encode()
     return library.qvxprintf800_(data, len(data))
+
+
+# Leaks: what many calls leave behind.
+
+CALLS = 10_000
+
+
+def bytes_left_by(operation, calls=CALLS):
+    """The bytes a call leaves in Python's and NumPy's memory. Whatever a call leaks is at least one;
+    caches that fill up during the calls are far below."""
+    gc.collect()
+    tracemalloc.start()
+    try:
+        for _ in range(200):
+            operation()
+        before = tracemalloc.get_traced_memory()[0]
+        for _ in range(calls):
+            operation()
+        gc.collect()
+        return (tracemalloc.get_traced_memory()[0] - before) / calls
+    finally:
+        tracemalloc.stop()
+
+
+def references_left_by(operation, *objects, calls=CALLS):
+    """The references to the objects that `calls` calls leave."""
+    def counts():
+        return [sys.getrefcount(each) for each in objects]
+
+    before = counts()
+    for _ in range(calls):
+        operation()
+    gc.collect()
+    return [after - count for after, count in zip(counts(), before)]

@@ -6,7 +6,6 @@ import weakref
 import numpy
 import pytest
 
-import growth
 import host
 
 
@@ -227,7 +226,7 @@ def test_calls_leave_nothing(structure):
             host.raise_stored()
         host.destroy(made)
 
-    assert growth.bytes_left_by(once) < 1
+    assert host.bytes_left_by(once) < 1
     fields = host.object_of(structure)
-    assert growth.references_left_by(
+    assert host.references_left_by(
         lambda: host.set_field(structure, 2, host.make_scalar(1.0)), fields, "value") == [0, 0]

@@ -1,4 +1,5 @@
-"""The package runs the unchanged library on this host, whatever else the machine has."""
+"""The package runs the unchanged library on this host, whatever else the machine has, and the host passes the
+checks of any host."""
 
 import os
 import pathlib
@@ -112,3 +113,27 @@ def test_nothing_of_the_stand_in_is_in_the_process():
             if re.search(r"lib(qv|qvx|ut|zkoptimutil|zktarn_\w+)[.]so", path)}
     assert {pathlib.Path(path).parent for path in ours} == {host.LIB}
     assert len(ours) == 6
+
+
+def package(*arguments):
+    """Runs `python -m zktarn`; returns the status and the lines of standard output."""
+    ended = subprocess.run([sys.executable, "-m", "zktarn", *arguments],
+                           stdout=subprocess.PIPE, text=True, check=False)
+    return ended.returncode, ended.stdout.splitlines()
+
+
+def test_every_check_passes():
+    status, lines = package("--conformance")
+    assert [line for line in lines[:-1] if not line.startswith("ok ")] == []
+    assert lines[-1] == f"{len(lines) - 1} checks, 0 failed"
+    assert any(line.startswith("ok   qvxcallquarn800_") for line in lines)
+    assert any("makes all printed text visible" in line for line in lines)
+    assert status == 0
+
+
+def test_the_summary_shows_versions_host_and_verdict():
+    status, lines = package()
+    assert status == 0
+    assert lines[0].startswith("zktarn ") and lines[0].endswith("libzktarn_util.so.1")
+    assert lines[1].startswith("host: cpython ") and ", NumPy " in lines[1]
+    assert lines[2].startswith("conformance: ") and lines[2].endswith(" checks, 0 failed")

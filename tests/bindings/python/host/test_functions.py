@@ -7,7 +7,6 @@ import warnings
 import numpy
 import pytest
 
-import growth
 import host
 
 from zktarn import host as public
@@ -201,8 +200,8 @@ def test_several_results_come_as_a_tuple(returned):
 def test_calls_leave_nothing(structure):
     array = numpy.zeros(3)
     host.set_function(lambda fields: array)
-    assert growth.bytes_left_by(lambda: call_once(structure)) < 1
-    assert growth.references_left_by(
+    assert host.bytes_left_by(lambda: call_once(structure)) < 1
+    assert host.references_left_by(
         lambda: call_once(structure), array, host.object_of(structure)["x"]) == [0, 0]
 
 
@@ -217,8 +216,8 @@ def test_exceptions_leave_nothing(structure):
             host.raise_stored()
 
     host.set_function(fail)
-    assert growth.bytes_left_by(once) < 1
-    assert growth.references_left_by(once, ValueError, fail, calls=1000) == [0, 0]
+    assert host.bytes_left_by(once) < 1
+    assert host.references_left_by(once, ValueError, fail, calls=1000) == [0, 0]
 
 
 @pytest.mark.without_sanitizer
@@ -231,5 +230,5 @@ def test_refused_answers_leave_nothing(structure):
             host.raise_stored()
 
     host.set_function(lambda fields: answer)
-    assert growth.bytes_left_by(once) < 1
-    assert growth.references_left_by(once, TypeError, answer, calls=1000) == [0, 0]
+    assert host.bytes_left_by(once) < 1
+    assert host.references_left_by(once, TypeError, answer, calls=1000) == [0, 0]

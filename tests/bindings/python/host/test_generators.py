@@ -5,7 +5,6 @@ import threading
 import numpy
 import pytest
 
-import growth
 import host
 
 from zktarn import host as public
@@ -213,5 +212,5 @@ def test_calls_leave_nothing():
         host.held.zktarn_python_bit_generator(generator)
         host.held.deleteRngOptim(generator)
 
-    assert growth.bytes_left_by(once) < 1
-    assert growth.references_left_by(once, mine, mine.lock, calls=1000) == [0, 0]
+    assert host.bytes_left_by(once) < 1
+    assert host.references_left_by(once, mine, mine.lock, calls=1000) == [0, 0]

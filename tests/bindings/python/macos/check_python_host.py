@@ -1,10 +1,11 @@
 """Inspects the libraries of the Python host for macOS.
 
-    check_python_host.py FOLDER
+    check_python_host.py FOLDER [FILE NAME]
 
 A library for macOS takes each name from the library that it was linked with. So each of the host's
 four names has to re-export the host: libzktarn_util, unchanged, then finds every operation. Prints a
-line a library; ends with a sentence and status 1 at the first that is wrong.
+line a library; ends with a sentence and status 1 at the first that is wrong. With FILE, checks it in the place
+of the library NAME of the folder.
 """
 
 import pathlib
@@ -63,13 +64,17 @@ def check_name(library, name):
 
 def main(arguments):
     """Checks the folder; returns the status."""
-    demand(len(arguments) == 1, "usage: check_python_host.py FOLDER")
-    folder = pathlib.Path(arguments[0])
+    demand(len(arguments) in (1, 3), "usage: check_python_host.py FOLDER [FILE NAME]")
+    folder, other, replaced = (*arguments, None, None)[:3]
+
+    def library_of(name):
+        file = f"{name}.dylib"
+        return macho.Library(pathlib.Path(other) if file == replaced else pathlib.Path(folder, file))
+
     owners = check_macho.host_owners()
     try:
-        host = macho.Library(folder / f"{HOST}.dylib")
-        libraries = {name: macho.Library(folder / f"{name}.dylib")
-                     for name in sorted(set(owners.values()))}
+        host = library_of(HOST)
+        libraries = {name: library_of(name) for name in sorted(set(owners.values()))}
     except macho.NotMachO as error:
         sys.exit(f"check_python_host: {error}")
     for name, library in libraries.items():

@@ -1,7 +1,9 @@
 """The examples print what they promise, and the pages' code runs."""
 
 import os
+import pathlib
 import re
+import shutil
 import subprocess
 import sys
 import xml.etree.ElementTree as ElementTree
@@ -9,7 +11,11 @@ import xml.etree.ElementTree as ElementTree
 import pytest
 from problems import ROOT, built
 
+import zktarn
+
 EXAMPLES = ROOT / "examples" / "python"
+TUTORIAL = ROOT / "docs" / "tutorials" / "python.md"
+CHECK = [sys.executable, str(ROOT / "tests" / "pages" / "check_readme.py")]
 
 
 def output_of(program, *arguments, folder):
@@ -74,3 +80,20 @@ def test_the_solver_on_the_page_prints_what_the_page_says():
     ended = subprocess.run([sys.executable, "-c", code], cwd=ROOT, capture_output=True, text=True,
                            timeout=120, check=False)
     assert (ended.stdout, ended.stderr) == (expected, "")
+
+
+def succeed(*command):
+    ran = subprocess.run([str(each) for each in command], capture_output=True, text=True, check=False)
+    assert ran.returncode == 0, ran.stdout + ran.stderr
+
+
+def test_the_script_prints_what_the_page_says(tmp_path):
+    compiler = shutil.which("c++")
+    if compiler is None:
+        pytest.skip("there is no c++ to compile the solver with")
+    library = next((pathlib.Path(zktarn.__file__).parent / "_lib").glob("libzktarn_util.*"))
+    succeed(*CHECK, "extract", TUTORIAL, "packing", tmp_path / "packing.cpp")
+    succeed(*CHECK, "extract", TUTORIAL, "script", tmp_path / "script.py")
+    succeed(compiler, "-std=c++20", "-shared", "-fPIC", "-I", ROOT / "src", tmp_path / "packing.cpp", library,
+        "-o", tmp_path / "libpacking.so")
+    succeed(*CHECK, "output", TUTORIAL, "script", sys.executable, tmp_path / "script.py", tmp_path / "libpacking.so")
