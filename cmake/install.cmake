@@ -51,22 +51,18 @@ install(
     "${PROJECT_BINARY_DIR}/zktarn_util-config-version.cmake"
   DESTINATION "${package_dir}" COMPONENT util)
 
-# The relative path from a pkg-config file to the prefix.
-file(RELATIVE_PATH pkg_config_to_prefix
-  "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
-string(REGEX REPLACE "/$" "" pkg_config_to_prefix "${pkg_config_to_prefix}")
-if(ZKTARN_CHECKED)
-  set(pkg_config_definitions " -DZKTARN_CHECKED")
-endif()
-function(install_pkg_config name component)
-  configure_file("cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
-  install(FILES "${PROJECT_BINARY_DIR}/${name}.pc"
-    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT ${component})
-endfunction()
-install_pkg_config(zktarn_util util)
-install_pkg_config(zktarn_standin standin)
+include("${PROJECT_SOURCE_DIR}/cmake/pkg_config.cmake")
+install_pkg_config(zktarn_util util "${CMAKE_INSTALL_LIBDIR}" "${PROJECT_DESCRIPTION}"
+  "${pkg_config_cflags}"
+  "Libs: -L\${libdir} -lzktarn_util -Wl,-rpath,\${libdir}")
+install_pkg_config(zktarn_standin standin "${standin_dir}" "Stand-in host for solvers that link zktarn_util"
+  "Cflags: -I\${includedir}"
+  "Libs: -L\${libdir} -lqv -lqvx -lut -lzkoptimutil -Wl,-rpath,\${libdir}")
 if(ZKTARN_STATIC)
-  install_pkg_config(zktarn_util_static util)
+  install_pkg_config(zktarn_util_static util "${CMAKE_INSTALL_LIBDIR}"
+    "${PROJECT_DESCRIPTION}, static library; name zktarn_standin or a host's libraries after it"
+    "${pkg_config_cflags}"
+    "Libs: \${libdir}/libzktarn_util.a")
 endif()
 
 # The pages keep their relative positions, so that their links work.

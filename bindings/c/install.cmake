@@ -20,23 +20,18 @@ install(TARGETS zktarn_standin_c zktarn_standin_records_c EXPORT standin_c COMPO
 install(EXPORT standin_c COMPONENT standin
   DESTINATION "${package_dir}" NAMESPACE zktarn:: FILE zktarn_util-standin_c-targets.cmake)
 
-# The way from the pkg-config files up to the prefix, so that the tree can be moved.
-file(RELATIVE_PATH pkg_config_to_prefix
-  "/prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/prefix")
-string(REGEX REPLACE "/$" "" pkg_config_to_prefix "${pkg_config_to_prefix}")
-if(ZKTARN_CHECKED)
-  set(pkg_config_definitions " -DZKTARN_CHECKED")
-endif()
-set(pkg_config_cxx_runtime "-lstdc++")
+include("${PROJECT_SOURCE_DIR}/cmake/pkg_config.cmake")
+set(standin_dir "${CMAKE_INSTALL_LIBDIR}/${ZKTARN_STANDIN_SUBDIR}")
+set(cxx_runtime "-lstdc++")
 if(APPLE)
-  set(pkg_config_cxx_runtime "-lc++")
+  set(cxx_runtime "-lc++")
 endif()
-foreach(name IN ITEMS zktarn_util_c zktarn_standin_c zktarn_standin_records_c)
-  configure_file("${name}.pc.in" "${CMAKE_CURRENT_BINARY_DIR}/${name}.pc" @ONLY)
-endforeach()
-install(FILES "${CMAKE_CURRENT_BINARY_DIR}/zktarn_util_c.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT c)
-install(FILES
-    "${CMAKE_CURRENT_BINARY_DIR}/zktarn_standin_c.pc"
-    "${CMAKE_CURRENT_BINARY_DIR}/zktarn_standin_records_c.pc"
-  DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT standin)
+install_pkg_config(zktarn_util_c c "${CMAKE_INSTALL_LIBDIR}" "${PROJECT_DESCRIPTION}, in C"
+  "${pkg_config_cflags}"
+  "Libs: -L\${libdir} -lzktarn_util_c -Wl,-rpath,\${libdir}")
+install_pkg_config(zktarn_standin_c standin "${standin_dir}" "Control of the stand-in host of zktarn_util, in C"
+  "Cflags: -I\${includedir}"
+  "Libs: -L\${libdir} -lzktarn_standin_c -lqv -lqvx -lut -lzkoptimutil -Wl,-rpath,\${libdir}")
+install_pkg_config(zktarn_standin_records_c standin "${standin_dir}" "Control of the records of zktarn_util, in C"
+  "Requires: zktarn_standin_c"
+  "Libs: -L\${libdir} -lzktarn_standin_records_c -lzktarn_standin_records ${cxx_runtime}")

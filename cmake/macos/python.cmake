@@ -18,9 +18,9 @@ list(REMOVE_ITEM entries pyconfig.h numpy)
 foreach(entry IN LISTS entries)
   file(CREATE_LINK "${python_include_dir}/${entry}" "${python_headers}/${entry}" SYMBOLIC)
 endforeach()
-foreach(header IN ITEMS pyconfig.h endian.h)
-  file(CREATE_LINK "${CMAKE_CURRENT_LIST_DIR}/python/${header}" "${python_headers}/${header}" SYMBOLIC)
-endforeach()
+file(CREATE_LINK "${CMAKE_CURRENT_LIST_DIR}/pyconfig.h" "${python_headers}/pyconfig.h" SYMBOLIC)
+# NumPy's headers of another system include this; macOS has the same in another folder.
+file(WRITE "${python_headers}/endian.h" "#pragma once\n#include <machine/endian.h>\n")
 file(CREATE_LINK "${numpy_include_dir}/numpy" "${python_headers}/numpy" SYMBOLIC)
 
 foreach(package IN ITEMS Python::Module Python::NumPy)
