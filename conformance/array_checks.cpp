@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "checks.hpp"
-#include "report.hpp"
 #include "sample_struct.hpp"
 #include "zktarn/host/libqv.hpp"
 

@@ -7,7 +7,6 @@
 #include <unistd.h>
 
 #include "checks.hpp"
-#include "report.hpp"
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 

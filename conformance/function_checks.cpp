@@ -3,7 +3,6 @@
 #include <string>
 
 #include "checks.hpp"
-#include "report.hpp"
 #include "sample_struct.hpp"
 #include "zktarn/host/libqv.hpp"
 #include "zktarn/host/libqvx.hpp"

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "checks.hpp"
-#include "report.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 
 namespace zktarn::host_conformance {

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "checks.hpp"
-#include "report.hpp"
 
 namespace zktarn::host_conformance {
 

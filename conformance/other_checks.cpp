@@ -1,7 +1,6 @@
 #include <cstdint>
 
 #include "checks.hpp"
-#include "report.hpp"
 #include "sample_struct.hpp"
 #include "zktarn/host/libqv.hpp"
 #include "zktarn/host/libut.hpp"

@@ -1,4 +1,4 @@
-#include "report.hpp"
+#include "checks.hpp"
 
 #include <array>
 #include <csignal>
