@@ -106,8 +106,6 @@ void call_on_all(draws& draw, digest& results) {
     at.v.add_to(results);
 }
 
-constexpr int calls = 1000;
-
 void call_rem_zeros(draws& draw, digest& results) {
     const std::int32_t n = drawn_size(draw);
     sparse v(draw, n, draw.chance(3) ? with_list : with_marks);
@@ -163,27 +161,29 @@ void call_are_identical(draws& draw, digest& results) {
     results.integer(vectors_are_identical(a.record, b.record, tol));
 }
 
-constexpr int calls = 4000;
+// How often each procedure is called: those on one entry, and those on whole vectors.
+constexpr int on_entry = 1000;
+constexpr int on_vector = 4000;
 
 constexpr procedure procedures[] = {
-    {"vector_mod.vector_get_nz", call_get_nz, calls},
-    {"vector_mod.vector_set_nz", call_set_nz, calls},
-    {"vector_mod.vector_get_ind", call_get_ind, calls},
-    {"vector_mod.vector_set_ind", call_set_ind, calls},
-    {"vector_mod.vector_set_coef", call_set_coef, calls},
-    {"vector_mod.vector_get_coef", call_get_coef, calls},
-    {"vector_mod.vector_is_elm", call_is_elm, calls},
-    {"vector_mod.vector_set_elm", call_on_element<vector_set_elm>, calls},
-    {"vector_mod.vector_rem_elm", call_on_element<vector_rem_elm>, calls},
-    {"vector_mod.vector_add_nz", call_add_nz, calls},
-    {"vector_mod.vector_rem_nz", call_rem_nz, calls},
-    {"vector_mod.vector_clear", call_on_all<vector_clear>, calls},
-    {"vector_mod.vector_clean_index", call_on_all<vector_clean_index>, calls},
-    {"vector_mod.vector_rem_zeros", call_rem_zeros, calls},
-    {"vector_mod.vectors_combine", call_combine, 2 * calls},
-    {"vector_mod.vectors_calc_sym_diff", call_sym_diff, calls},
-    {"vector_mod.vector_mod2", call_mod2, calls},
-    {"vector_mod.vectors_are_identical", call_are_identical, calls},
+    {"vector_mod.vector_get_nz", call_get_nz, on_entry},
+    {"vector_mod.vector_set_nz", call_set_nz, on_entry},
+    {"vector_mod.vector_get_ind", call_get_ind, on_entry},
+    {"vector_mod.vector_set_ind", call_set_ind, on_entry},
+    {"vector_mod.vector_set_coef", call_set_coef, on_entry},
+    {"vector_mod.vector_get_coef", call_get_coef, on_entry},
+    {"vector_mod.vector_is_elm", call_is_elm, on_entry},
+    {"vector_mod.vector_set_elm", call_on_element<vector_set_elm>, on_entry},
+    {"vector_mod.vector_rem_elm", call_on_element<vector_rem_elm>, on_entry},
+    {"vector_mod.vector_add_nz", call_add_nz, on_entry},
+    {"vector_mod.vector_rem_nz", call_rem_nz, on_entry},
+    {"vector_mod.vector_clear", call_on_all<vector_clear>, on_entry},
+    {"vector_mod.vector_clean_index", call_on_all<vector_clean_index>, on_entry},
+    {"vector_mod.vector_rem_zeros", call_rem_zeros, on_vector},
+    {"vector_mod.vectors_combine", call_combine, 2 * on_vector},
+    {"vector_mod.vectors_calc_sym_diff", call_sym_diff, on_vector},
+    {"vector_mod.vector_mod2", call_mod2, on_vector},
+    {"vector_mod.vectors_are_identical", call_are_identical, on_vector},
 };
 
 } // namespace
