@@ -10,7 +10,6 @@
 
 #include "methods.hpp"
 #include "vector_checks.hpp"
-#include "vector_entries.hpp"
 
 namespace zktarn::python {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "errors.hpp"
-#include "vector_entries.hpp"
+#include "vector_checks.hpp"
 
 namespace zktarn::python {
 
