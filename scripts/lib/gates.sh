@@ -5,11 +5,11 @@
 # of the project, with -e set, and writes its output to a log.
 
 # name | loop | parts of scripts/lib/packages | guarantee
-# scripts/test runs the gates of the short loop, scripts/test --all every gate, in this order.
+# scripts/test runs the gates of the short loop, scripts/test --all every gate, in this order. Those of the second
+# lane that compile again what `gcc` compiles are the last ones, because the cache has it by then.
 gates='
 format     | short | format                        | C++ formatted, scripts clean
 gcc        | short | library solver tests          | GCC: no warning, tests and binary interface
-install    | short | library tests                 | installed package serves outside projects
 analysis   | all   | library analysis              | no finding of clang-tidy, cppcheck and GCC'"'"'s analyser
 clang      | all   | library clang tests           | Clang: no warning, tests, headers stand alone
 checked    | all   | library tests                 | violated preconditions are reported
@@ -20,6 +20,7 @@ coverage   | all   | library llvm tests            | every line, branch and cond
 fuzz       | all   | library llvm tests            | no difference from rules and models in a minute of fuzzing
 macos      | all   | library llvm python           | 64-bit Arm macOS: library builds, binary interface
 arm64      | all   | library arm64 tests           | 64-bit Arm: no warning, tests under an emulator
+install    | short | library tests                 | installed package serves outside projects
 python     | all   | library solver tests python   | Python: NumPy host, interface, types, pip, no address error
 identity   | all   | library clang arm64 tests     | the same bits from every compiler and processor
 tools      | all   | library tests                 | the tools pass their own tests
@@ -34,6 +35,17 @@ fresh      | all   | fresh                         | the demo and the tests run 
 # These gates share no build folder with the others.
 second_lane=" install analysis asan-ubsan tsan coverage fuzz macos python tools docs workflows packages fresh "
 
+# Several gates compile the same file with the same compiler and options. From now on they share a compile cache,
+# so that one of them compiles it and the others copy the result. The cache is a part of the build folder: the
+# first run starts with an empty one. A launcher of the caller's own is kept.
+share_compilations() {
+    [ -z "${CMAKE_CXX_COMPILER_LAUNCHER-}" ] || return 0
+    export CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache
+    # Paths are relative to the checkout, so that the clone of the gate `fresh` finds its files too.
+    export CCACHE_DIR=$build_dir/ccache CCACHE_BASEDIR=$root CCACHE_NOHASHDIR=1
+    export CCACHE_SLOPPINESS=pch_defines,time_macros
+}
+
 # lane_of GATE: 1 or 2. The gates of a lane run one after another, at the same time as those of the other.
 lane_of() {
     [[ $second_lane == *" $1 "* ]] && echo 2 || echo 1
@@ -41,6 +53,10 @@ lane_of() {
 
 on_mac=false
 [ "$(uname)" = Darwin ] && on_mac=true
+
+# The gates `install`, `python` and `packages` take the default compiler. Its name c++ means g++ on Debian, but
+# the cache tells the names apart.
+$on_mac || export CXX=${CXX:-g++}
 
 # Gates that need tools or a system that a Mac does not have.
 not_on_mac=" valgrind arm64 mutation docs workflows packages fresh "
@@ -170,14 +186,17 @@ gate_valgrind() {
         xargs -P "$jobs" -n 1 scripts/lib/under_valgrind.sh
 }
 
+# Runs unit and property tests only, so that a line which only other tests reach counts as not tested.
 gate_coverage() {
     local clang
     clang=$(instrumenting_clang)
     rm -rf "$build_dir/coverage/profiles"
     local -x LLVM_PROFILE_FILE=$build_dir/coverage/profiles/%p-%m.profraw ZKTARN_TEST_SCALE=0.1
     # The runtime of the profiler does not link into a Fortran program.
-    build_and_test coverage -DCMAKE_CXX_COMPILER="$clang" -DZKTARN_FORTRAN=OFF \
+    configure coverage -DCMAKE_CXX_COMPILER="$clang" -DZKTARN_FORTRAN=OFF \
         -DCMAKE_CXX_COMPILER_LAUNCHER="$root/tools/coverage/measured.sh"
+    make_targets coverage unit_tests property_tests
+    run_tests coverage --label-regex '^(unit|property)$'
     unset LLVM_PROFILE_FILE
     python3 tools/coverage/report.py --build "$build_dir/coverage" --compiler "$clang"
 }

@@ -63,16 +63,32 @@ unpack() {
     echo force-unsafe-io >"$1/etc/dpkg/dpkg.cfg.d/unsafe-io"
 }
 
+# share_cache ROOT SOURCES: if this machine compiles with a cache of its own in CCACHE_DIR, the commands inside
+# ROOT use it too, for the sources in the folder SOURCES there. They still read every header and run every other
+# step; only a compilation with the same input is not repeated.
+cache=()
+share_cache() {
+    [[ ${CMAKE_CXX_COMPILER_LAUNCHER-} == ccache && -d ${CCACHE_DIR-} ]] || return 0
+    inside "$1" / "apt-get -q update" >/dev/null
+    inside "$1" / "apt-get -q -y --no-install-recommends install ccache" >/dev/null
+    mkdir "$1/root/ccache"
+    # The same settings as outside, with the folder of the sources inside.
+    cache=(CCACHE_DIR=/root/ccache "CCACHE_BASEDIR=$2" CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
+        CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache)
+    echo "Sharing the compile cache $CCACHE_DIR"
+}
+
 # inside ROOT FOLDER COMMAND: runs COMMAND in FOLDER of that system, in new namespaces and with an empty
-# environment except for the network settings.
+# environment except for the settings of the network and the compile cache.
 inside() {
     # shellcheck disable=SC2016 # the inner shell's own
     unshare --mount --pid --fork --kill-child env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin HOME=/root \
-        ${network[@]+"${network[@]}"} bash -c '
+        ${network[@]+"${network[@]}"} ${cache[@]+"${cache[@]}"} bash -c '
             set -e
             mount -t proc proc "$1/proc"
             mount --rbind /dev "$1/dev"
             mount --bind "$2" "$1/var/cache/apt/archives"
+            [ ! -d "$1/root/ccache" ] || mount --bind "$5" "$1/root/ccache"
             exec chroot "$1" bash -c "cd $3 && exec $4"' \
-        - "$1" "$archives" "$2" "$3" </dev/null
+        - "$1" "$archives" "$2" "$3" "${CCACHE_DIR-}" </dev/null
 }

@@ -60,6 +60,7 @@ for package in ${without[@]+"${without[@]}"}; do
     cp "$work/packages" "$list"
     echo "removed $package from scripts/lib/packages"
 done
+share_cache "$root" /root/project
 
 rows=()
 failed=0

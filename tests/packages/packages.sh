@@ -42,12 +42,13 @@ start=$SECONDS
 step() { printf '\n== %s (after %d s)\n' "$*" $((SECONDS - start)); }
 
 step "source tarball"
-remove "$folder/source" "$folder/build"
+remove "$folder/source"
 mkdir -p "$folder/source"
 tarball=$("$checkout/packaging/source.sh" "$folder")
 tar -C "$folder/source" --strip-components=1 -xf "$tarball"
 [ ! -e "$folder/source/.git" ] || fail "the source tarball contains .git"
 cd "$folder/source"
+build=$folder/source/build/packages
 
 step "recipes for Homebrew and vcpkg"
 "$here/recipes.sh" "$tarball" "$folder/recipes_checked"
@@ -55,20 +56,22 @@ step "recipes for Homebrew and vcpkg"
 step "packages from the tarball"
 # No git is found from here on, and no checkout around the unpacked source.
 export GIT_DIR=/nonexistent
-cmake --preset packages -B "$folder/build"
-cmake --build "$folder/build" --parallel "$(nproc)"
-(cd "$folder/build" && cpack -G DEB)
+# A compile cache, if there is one, sees paths relative to this folder.
+export CCACHE_BASEDIR=$folder/source
+cmake --preset packages
+cmake --build --preset packages --parallel "$(nproc)"
+(cd "$build" && cpack -G DEB)
 unset GIT_DIR
 
 step "lintian"
-lintian --allow-root --display-info --fail-on error,warning,info "$folder"/build/packages/*.deb
+lintian --allow-root --display-info --fail-on error,warning,info "$build"/packages/*.deb
 echo "lintian: no finding"
 ! $packages_only || exit 0
 
 step "a bare Debian 12"
 unpack "$root"
 mkdir -p "$root/root/packages"
-cp "$folder"/build/packages/*.deb "$root/root/packages/"
+cp "$build"/packages/*.deb "$root/root/packages/"
 cp -r "$folder/source/examples" "$here/inside.sh" "$root/root/"
 inside "$root" /root ./inside.sh
 step "done"
