@@ -21,7 +21,8 @@ struct substitution {
 /// For each column, counted from 1, the substitution of the bound that is nearest to the point.
 std::vector<substitution> nearest_bounds(const mixed_integer_rows& model, const double* point);
 
-/// The substitution of the column's other bound. An infinite distance where it has none.
+/// The substitution of the column's other bound; its distance is infinite if that bound does not
+/// exist.
 substitution other_bound(const mixed_integer_rows& model, std::int32_t column,
                          const substitution& nearest);
 

@@ -48,8 +48,8 @@ private:
     const mixed_integer_rows& model_;
     const row_pool& pool_;
     zktarn::owned_vector sum_;
-    /// Of the cut that is being made: its entries, twice its right-hand side after the
-    /// substitution, and what substituting back adds.
+    /// The state of the current cut: its entries, twice its right-hand side after the substitution,
+    /// and the amount that substituting back adds.
     std::vector<std::int32_t> columns_;
     std::vector<double> coefficients_;
     exact_sum rhs_;

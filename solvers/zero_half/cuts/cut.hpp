@@ -16,11 +16,10 @@ struct cut {
     std::vector<double> coefficients;
     double rhs = 0.0;
     row_origin origin = {};
-    /// By how much the point that was separated violates the cut, and the Euclidean norm of the
-    /// coefficients.
+    /// The violation of the cut at the separated point, and the Euclidean norm of the coefficients.
     double violation = 0.0;
     double norm = 0.0;
-    /// Its place in the pool; nothing for a new cut.
+    /// Its index in the pool; empty for a new cut.
     std::optional<std::size_t> pool_row = {};
 
     /// The Euclidean distance between the point and the cut's hyperplane.

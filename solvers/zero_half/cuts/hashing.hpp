@@ -20,7 +20,7 @@ constexpr std::uint64_t mixed(std::uint64_t x) {
 /// a single entry.
 class signature_map {
 public:
-    /// Makes room for that many entries, and removes all.
+    /// Removes all entries and reserves room for `entries` new ones.
     void reset(std::size_t entries) {
         std::size_t slots = 16;
         while (slots < 2 * entries) {
@@ -58,7 +58,7 @@ private:
     };
     static constexpr std::size_t free_slot = ~std::size_t{0};
 
-    /// Where the signature is, or would be.
+    /// The position of the signature, or the free one where it can be stored.
     std::size_t slot_of(std::uint64_t signature) const {
         std::size_t at = signature & (slots_.size() - 1);
         while (slots_[at].index != free_slot && slots_[at].signature != signature) {

@@ -25,7 +25,7 @@ struct mixed_integer_rows {
 
     std::size_t row_count() const { return row_lower.size(); }
     std::int32_t column_count() const { return static_cast<std::int32_t>(lower.size()); }
-    /// Whether the row has an upper side, for a positive sign, or else a lower one.
+    /// Whether the row has an upper side if `sign` is positive, or a lower side otherwise.
     bool has_side(std::size_t row, double sign) const {
         return sign > 0.0 ? row_upper[row] < no_bound : row_lower[row] > -no_bound;
     }

@@ -12,7 +12,7 @@ namespace zero_half {
 /// Returns true when the run has to stop; searches call it every few steps.
 using stop_predicate = std::function<bool()>;
 
-/// A sum of rows whose half cuts the point off.
+/// A sum of rows whose half, rounded down, is violated at the point.
 struct odd_sum {
     double slack;
     /// Rows of the pool.
@@ -21,7 +21,7 @@ struct odd_sum {
     std::int32_t changed_column;
 };
 
-/// The sums of rows found so far whose halves cut the point off, each only once.
+/// The distinct sums of this kind found so far.
 class odd_sums {
 public:
     /// `enough` is the number of sums at which a search may end.
@@ -29,15 +29,15 @@ public:
         signatures_.reset(0);
     }
 
-    /// Keeps the sum with the elements `odd` when its right-hand side is odd, or can be made so,
-    /// and its slack is below `slack_limit`. Returns whether it is a new one.
+    /// Stores the sum that is odd in the elements `odd`, if its right-hand side is odd or can be
+    /// made odd, and its slack is below `slack_limit`. Returns whether the sum is new.
     bool add_if_violated(std::span<const std::int32_t> odd, bool is_odd);
 
     /// The exclusive or of the signatures of all slacks in a sum is the signature of the sum.
     static std::uint64_t signature_of(std::int32_t slack) {
         return mixed(static_cast<std::uint64_t>(slack));
     }
-    /// Whether a sum of the signature was added.
+    /// Whether a sum with this signature was added.
     bool has(std::uint64_t signature) const { return signatures_.contains(signature); }
 
     std::size_t size() const { return sums_.size(); }
@@ -51,7 +51,7 @@ private:
     struct kept_sum {
         double slack;
         std::int32_t changed_column;
-        /// The place of the rows in `members_`.
+        /// The position of its rows in `members_`.
         std::size_t first;
         std::size_t count;
     };

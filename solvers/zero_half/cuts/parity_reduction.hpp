@@ -11,9 +11,9 @@
 
 namespace zero_half {
 
-/// Half of a sum of rows, rounded down, cuts the point off when its right-hand side is odd and its
-/// slack is less than 1: the violation is (1 - slack) / 2. The margin is the least violation of a
-/// cut.
+/// Half of a sum of rows, rounded down, is violated at the point if its right-hand side is odd and
+/// its slack is less than 1: the violation is (1 - slack) / 2. The margin is the least violation of
+/// a cut.
 constexpr double slack_limit = 1.0 - 2e-6;
 
 /// What it costs to change the parity of a sum: one column whose bounds differ by an odd number is
@@ -33,10 +33,10 @@ inline const parity_change& cheaper(const parity_change& a, const parity_change&
 /// - A column at a bound is left out.
 /// - A column that is odd in only one row is added to the slack of that row.
 /// - A row whose slack reaches the limit is left out.
-/// - A row is left out when another one with the same odd columns has no greater slack, with a
-///   parity change and without.
+/// - A row is left out if another row with the same odd columns has no greater slack, both with and
+///   without a parity change.
 ///
-/// The rules are applied until none applies any more, because each may make room for another one.
+/// The rules are repeated until none applies, because one rule can enable another.
 class parity_reduction {
 public:
     struct row {
@@ -52,9 +52,8 @@ public:
     struct column {
         double value;
         parity_change change;
-        /// The number of rows that are left with this column, and the exclusive or of their
-        /// indices: the index of the last one when the number is 1. A number of 0 means that the
-        /// column is left out.
+        /// The number of remaining rows with this column, and the exclusive or of their indices,
+        /// which is the index of the row if the number is 1. 0: the column is left out.
         std::int32_t count;
         std::size_t rows;
     };
@@ -62,10 +61,10 @@ public:
     parity_reduction(const mixed_integer_rows& model, const row_pool& pool,
                      std::span<const double> slacks, const std::vector<substitution>& bounds);
 
-    /// Also those that are removed.
+    /// All rows, removed ones included.
     std::span<const row> rows() const { return rows_; }
     std::span<const column> columns() const { return columns_; }
-    /// The odd columns of a row, counted from 0, also those that are left out.
+    /// The odd columns of a row, counted from 0, left-out columns included.
     std::span<const std::int32_t> entries(const row& each) const {
         return std::span(entries_).subspan(each.first, each.end - each.first);
     }

@@ -9,7 +9,7 @@
 namespace zero_half {
 
 /// The rows modulo 2 that can be part of a violated cut at a point (Caprara and Fischetti 1996):
-/// what `parity_reduction` leaves of them, with columns that are odd in the same rows merged.
+/// the result of `parity_reduction`, with columns that are odd in the same rows merged.
 ///
 /// An element 1..columns() is a column. A larger element is the slack of a row. The slack of a sum
 /// of rows is the total value of the elements in which it is odd.
@@ -34,7 +34,7 @@ public:
     /// Whether no row has more than two odd columns. `find_odd_cycles` is exact then.
     bool is_row_graph() const { return most_odd_columns_ <= 2; }
 
-    /// The element that is the slack of row `i`, and the row of which an element is the slack.
+    /// The slack element of row `i`, and the row of a slack element.
     std::int32_t slack_of(std::size_t i) const {
         return columns_ + 1 + static_cast<std::int32_t>(i);
     }

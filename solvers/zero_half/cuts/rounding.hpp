@@ -32,12 +32,12 @@ inline double nearest_integer(double value) {
 /// The limits of a search for a factor that makes numbers integers.
 struct scale_limits {
     double tolerance;
-    double denominator; ///< the largest
-    double scale;       ///< the largest
+    double denominator; ///< largest denominator
+    double scale;       ///< largest factor
 };
 
-/// A factor that makes each value an integer within the tolerance; nothing when there is none
-/// within the limits.
+/// A factor within the limits that makes each value an integer within the tolerance; empty if there
+/// is none.
 inline std::optional<double> integral_scale(std::span<const double> values,
                                             const scale_limits& limits) {
     zktarn::flag found = 0;
@@ -56,8 +56,8 @@ inline std::optional<double> integral_scale(std::span<const double> values,
 /// Values within this distance of an integer count as integers.
 inline constexpr double integrality_tolerance = 1e-9;
 
-/// A factor that makes all values integers; nothing when there is none of moderate size. It is 1
-/// for integers: a smaller factor would be a fraction that is not exact.
+/// A factor of moderate size that makes all values integers; empty if there is none. The factor is
+/// 1 for integers, because a smaller one would be an inexact fraction.
 inline std::optional<double> integral_scale(std::span<const double> values) {
     if (std::all_of(values.begin(), values.end(),
                     [](double value) { return std::trunc(value) == value; })) {

@@ -47,7 +47,7 @@ public:
     }
 
 private:
-    /// A mark has the bit `touched_mark` from the first row on that contains the element.
+    /// A mark gets the bit `touched_mark` when the first row with the element is added.
     static constexpr char odd_mark = 3;
     static constexpr char touched_mark = 2;
 

@@ -12,21 +12,21 @@ namespace zero_half {
 
 /// How much work a search may do.
 struct search_limits {
-    /// The most eliminations, the most of them while none has found a sum, and the most in a system
-    /// in which shortest odd cycles are exact.
+    /// The maximum number of eliminations: in all, while none has found a sum, and in a system in
+    /// which shortest odd cycles are exact.
     int restarts;
     int restarts_without_sums;
     int restarts_in_graphs;
-    /// How many sums are made into cuts, the most promising first: so many for each cut that the
-    /// selection took in the call before, and not fewer than the least number.
+    /// How many sums are made into cuts, the most promising first: a number for each cut that the
+    /// previous call selected, and at least `least_cuts`.
     std::size_t cuts_for_each_selected;
     std::size_t least_cuts;
     /// Whether further searches follow where blossoms, which are exact, were found.
     bool continues_after_blossoms;
 };
 
-/// Normal effort is for a point that no search has seen. Thorough effort takes several times as
-/// long and finds more cuts, of greater variety: for a run whose bound does not rise.
+/// Normal effort is for a new point. Thorough effort takes several times as long and finds more,
+/// and more varied, cuts; it is for a run whose bound does not rise.
 enum class effort { normal, thorough };
 
 struct separation_options {
@@ -45,19 +45,19 @@ struct separation_options {
 
 /// Finds zero-half cuts: sums of rows, halved and rounded down (Caprara and Fischetti 1996).
 ///
-/// The pool holds the rows of the model that can be made integral, and behind them every violated
-/// cut that was found. Cuts that the selection passed over are rows of further sums only where the
-/// others give no cut, because they would make each search slower.
+/// The pool holds the rows of the model that can be made integral, followed by every violated cut
+/// that was found. Cuts that the selection rejected become rows of further sums only if the other
+/// rows give no cut, because they would slow down each search.
 class separator {
 public:
-    /// After `should_stop` returns true, `find` returns the cuts found by then. The arrays of the
-    /// model and the generator have to outlive the separator. Throws std::bad_alloc.
+    /// After `should_stop` has returned true, `find` returns the cuts found so far. The arrays of
+    /// the model and the generator must outlive the separator. Throws std::bad_alloc.
     separator(const mixed_integer_rows& model, const zktarn::random::rng_state& random,
               stop_predicate should_stop, const separation_options& options = {});
     separator(const separator&) = delete;
     separator& operator=(const separator&) = delete;
 
-    /// The selected ones of the violated cuts, as rows of the pool.
+    /// Finds violated cuts and returns the selected ones, as rows of the pool.
     /// @param point  in. A value for each column of the model.
     ///
     /// A row of the pool that the point violates is returned again, whether it is new or not.
@@ -69,11 +69,11 @@ public:
     /// The number of violated cuts that the last call found before the selection.
     std::size_t found() const { return found_; }
 
-    /// Removes the cuts behind the first `count` rows of the pool.
+    /// Removes the cuts after the first `count` rows of the pool.
     void truncate(std::size_t count);
 
 private:
-    /// What the searches need to know of a point.
+    /// A point, as the searches use it.
     struct separated_point {
         const double* values;
         std::vector<substitution> bounds;
@@ -107,10 +107,10 @@ private:
     cg_rounding rounding_;
     cut_selection selection_;
     std::size_t found_ = 0;
-    /// The number of cuts that the selection took in the call before.
+    /// The number of cuts that the previous call selected.
     std::size_t selected_ = 100;
-    /// Of this call: its limits, the number of cuts that it makes, and of sums at which its
-    /// searches end.
+    /// The limits of this call, the number of cuts that it makes, and the number of sums at which
+    /// its searches end.
     search_limits limits_;
     std::size_t most_cuts_ = 0;
     std::size_t enough_ = 0;

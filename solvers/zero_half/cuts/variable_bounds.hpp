@@ -7,8 +7,8 @@
 
 namespace zero_half {
 
-/// A row of the model with one continuous and one integer column, on one of its sides:
-/// own * y + other * x <= rhs. It bounds y from above when `own` is positive, else from below.
+/// One side of a row of the model with one continuous column y and one integer column x:
+/// own * y + other * x <= rhs. It bounds y from above if `own` is positive, else from below.
 struct variable_bound {
     std::int32_t row;
     /// The coefficients are those of the row times `multiplier`, made integers. A negative

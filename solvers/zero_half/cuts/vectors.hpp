@@ -8,7 +8,7 @@
 
 namespace zero_half {
 
-/// The same vector, after a check: throws std::bad_alloc when the host had no memory for it.
+/// Returns the vector unchanged, or throws std::bad_alloc if the host had no memory for it.
 inline zktarn::owned_vector checked(zktarn::owned_vector vector) {
     if (!vector) {
         throw std::bad_alloc();

@@ -24,7 +24,7 @@ public:
 
     /// Prints the line when the display shows rounds.
     void print_round(const std::string& line) const;
-    /// Calls the output function, where there is one, with the phase, the round, its bound and all
+    /// Calls the output function, if there is one, with the phase, the round, its bound and all
     /// bounds so far. The run stops when it returns 1.
     void report(const char* phase, int round, double bound, const std::vector<double>& history);
 

@@ -11,13 +11,13 @@ enum class display : std::int32_t { off = 0, final = 1, iter = 2 };
 struct run_options {
     int rounds = 1000;
     double seconds = 60.0;
-    /// What of these seconds was used before the run, to read the model.
+    /// The part of these seconds that was used before the run, to read the model.
     double seconds_used = 0.0;
     /// Seed of the host's generator.
     std::int32_t seed = 1;
     display show = display::iter;
     bool has_output_function = false;
-    /// The integer optimum where it is known.
+    /// The integer optimum; empty if it is unknown.
     std::optional<double> optimum = {};
     /// The run ends when this share of the gap between relaxation and optimum is closed, in per
     /// cent.

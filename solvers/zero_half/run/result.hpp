@@ -14,7 +14,7 @@ namespace zero_half {
 /// The figures of one round, as in one printed line.
 struct round_figures {
     int round;
-    /// Of the model, and of the relaxation, as in the result.
+    /// The bounds of the model and of the relaxation, as in the result.
     double bound;
     double relaxation_bound;
     std::size_t cuts_found;
@@ -27,7 +27,7 @@ struct round_figures {
 };
 
 struct run_result {
-    /// Whether the file maximises. Bounds and optimum are then upper bounds, as the file counts.
+    /// Whether the file maximises. Bounds are then upper bounds, in the sense of the file.
     bool is_maximised = false;
     /// The bound of the relaxation without cuts, and that of the last relaxation. Nothing when the
     /// run ended before the first relaxation was solved.
@@ -40,17 +40,17 @@ struct run_result {
     /// is integral. Nothing when it is unknown.
     std::optional<double> optimum = {};
     ending reason = ending::no_cut_found;
-    /// Of the clock, with those that were used to read the model.
+    /// Elapsed time, including the time to read the model.
     double seconds = 0.0;
-    /// Processor time of the run, which other programs on the machine do not prolong.
+    /// Processor time of the run, without the time of other programs.
     double cpu_seconds = 0.0;
     std::int32_t seed = 1;
     std::vector<round_figures> rounds = {};
     /// The rows of the model made integral, followed by all violated cuts that were found.
     row_pool pool = {};
     std::size_t first_cut = 0;
-    /// The rows of the pool that are cuts of the last relaxation. The others were not selected, or
-    /// dropped because they were slack.
+    /// The rows of the pool that are cuts of the last relaxation. The other cuts were not selected,
+    /// or were dropped because they had become slack.
     std::vector<std::size_t> cuts = {};
     /// The optimum of the last relaxation that was solved. Where it is integral, its integer
     /// columns are rounded, and it satisfies all rows. Empty when no relaxation was solved.
@@ -64,8 +64,8 @@ struct run_result {
     /// Whether the run disproves the optimum that the caller gave: it is beyond a bound, or there
     /// is no integer point.
     bool is_optimum_wrong() const;
-    /// What the caller has to know before using the result, as a sentence: the last relaxation
-    /// could not be decided, or the given optimum is wrong. Empty when there is no such error.
+    /// A warning about the result, in one sentence: the last relaxation could not be decided, or
+    /// the given optimum is wrong. Empty without such an error.
     std::string fault() const;
 };
 
