@@ -23,7 +23,7 @@ std::string check_picture(const std::string& file) {
     return suffix == ".svg" || suffix == ".png" ? "" : "the name of a picture ends in .svg or .png";
 }
 
-/// What the words in the last column of the table mean.
+/// Explains the words in the last column of the table.
 std::string legend() {
     std::string text = "The column `end` of the table says why a run ended:\n";
     for (const ending_text& each : ending_texts) {
@@ -42,10 +42,10 @@ void declare_options(CLI::App& app, command_line& options, std::string& display_
     app.add_option("model", options.files,
                    "MPS files, plain or compressed, or LP files (.lp); - is standard input")
         ->required();
-    app.add_option("--rounds", options.run.rounds, "Most rounds for each model")
+    app.add_option("--rounds", options.run.rounds, "Maximum number of rounds for each model")
         ->check(CLI::Range(0, 1'000'000))
         ->capture_default_str();
-    app.add_option("--time-limit", options.run.seconds, "Seconds for each model")
+    app.add_option("--time-limit", options.run.seconds, "Time limit for each model, in seconds")
         ->check(CLI::Range(0.0, 1e9))
         ->check(check_finite)
         ->capture_default_str();
@@ -64,7 +64,7 @@ void declare_options(CLI::App& app, command_line& options, std::string& display_
         ->check(check_finite);
     app.add_option("--cuts", options.cuts_file, "Write the only model with its cuts as MPS");
     app.add_option("--certificate", options.certificate_file,
-                   "Write how the cuts of the only model follow, for check_cuts");
+                   "Write the derivation of the cuts of the only model, for check_cuts");
     app.add_option("--json", options.json_file, "Write all figures as JSON");
     app.add_option("--plot", options.plot_file, "Draw the bounds as .svg or .png, by gnuplot")
         ->check(check_picture);

@@ -9,7 +9,7 @@
 #include <CglZeroHalf.hpp>
 #include <OsiClpSolverInterface.hpp>
 
-// Needs what CbcModel.hpp declares.
+// Included after CbcModel.hpp, because it uses declarations of that header.
 #include <CbcCutGenerator.hpp>
 
 #include "cbc/cut_generator.hpp"
@@ -24,7 +24,8 @@ constexpr int before_search = 3;
 constexpr int after_search = 4;
 constexpr int root_only = -99;
 
-/// What the callback of Cbc, a plain function, gets by the application data of the model.
+/// The application data of the model: Cbc's callback, a plain function, has no other argument for
+/// it.
 struct observer {
     std::unique_ptr<CglCutGenerator> generator;
     int frequency;
@@ -43,7 +44,7 @@ void read_figures(CbcModel& search, search_result& result) {
     }
 }
 
-/// Called by Cbc with the model that it searches, which preprocessing has made. Returns 0 to go on.
+/// Called by Cbc with the model that it searches, after preprocessing. Returns 0 to continue.
 int observe(CbcModel* search, int place) {
     auto& seen = *static_cast<observer*>(search->getApplicationData());
     if (place == before_search && seen.generator) {
@@ -155,7 +156,7 @@ search_result solve_by_cbc(const model& program, const variant& chosen,
         return program.in_sense_of_file(value + program.constant);
     };
     if (result.root_bound && result.end == search_result::state::optimal) {
-        // Cbc counts a root that an integer point cuts off beyond that point.
+        // Cbc reports a bound beyond the optimum if an integer point prunes the root.
         result.root_bound = std::min(*result.root_bound, search.getObjValue());
     }
     if (result.root_bound) {

@@ -17,7 +17,7 @@ struct variant {
     const char* name;
 };
 
-/// The five that are compared.
+/// The compared variants.
 const std::vector<variant>& variants();
 
 struct comparison_options {
@@ -30,11 +30,11 @@ struct comparison_options {
     bool is_plain = false;
 };
 
-/// What Cbc did with one model in one variant.
+/// The result of Cbc for one model in one variant.
 struct search_result {
     enum class state { optimal, infeasible, unfinished };
     state end = state::unfinished;
-    /// As the file counts it; nothing when no integer point was found.
+    /// In the sense of the file; empty when no integer point was found.
     std::optional<double> value = {};
     /// The bound of the relaxation with all cuts of the root, at most the optimum.
     std::optional<double> root_bound = {};

@@ -69,7 +69,7 @@ void cut_generator::refreshSolver(OsiSolverInterface* solver) {
     read(*solver, solver->getNumRows(), true);
 }
 
-/// Reads the first rows of the solver; behind them are cuts of a node.
+/// Reads the first rows of the solver. The rows after them are cuts of a node.
 void cut_generator::read(const OsiSolverInterface& solver, int rows, bool is_global) {
     const int n = solver.getNumCols();
     separator_.reset();
@@ -122,7 +122,7 @@ void cut_generator::make_separator() {
         rows, *random_, [] { return false; }, settings_.separation);
 }
 
-/// Below the root these are the most violated cuts, relative to their length.
+/// Below the root, selects the cuts with the greatest efficacy.
 std::vector<std::size_t> cut_generator::rows_to_add(const double* point, bool in_tree) {
     const row_pool& pool = separator_->pool();
     if (in_tree && pool.size() > (1 + settings_.most_known) * separator_->model_rows()) {

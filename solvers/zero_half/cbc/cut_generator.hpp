@@ -22,16 +22,17 @@ namespace zero_half {
 /// in the whole tree and are marked as such; rows and bounds of single nodes are not used. Cuts of
 /// earlier calls are rows of further cuts.
 ///
-/// The host has to be ready before the constructor is called. One object is for one thread.
+/// The host must be ready before the constructor is called. One thread at a time uses an object.
 class cut_generator : public CglCutGenerator {
 public:
     struct settings {
         std::int32_t seed = 1;
         separation_options separation = {};
-        /// The most cuts of one call below the root. There each cut slows down all nodes behind it.
+        /// The maximum number of cuts of one call below the root, where each cut slows down all
+        /// later nodes.
         std::size_t most_in_tree = 20;
-        /// Below the root the cuts of earlier calls are forgotten when there are more than this
-        /// multiple of the rows, because each one makes the separation slower.
+        /// Below the root the cuts of earlier calls are removed when they exceed this multiple of
+        /// the rows, because each one slows down the separation.
         std::size_t most_known = 4;
     };
 
@@ -44,7 +45,7 @@ public:
     ~cut_generator() override = default;
     CglCutGenerator* clone() const override { return new cut_generator(*this); }
 
-    /// Reads rows, bounds and kinds of columns. The bounds are taken for those of the whole tree.
+    /// Reads rows, bounds and kinds of columns. The bounds must hold in the whole tree.
     void refreshSolver(OsiSolverInterface* solver) override;
 
     /// Adds the cuts that the solver's current point violates to `cuts`. Reads the rows of `solver`

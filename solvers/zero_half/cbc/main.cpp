@@ -1,5 +1,5 @@
-/// Solves models by Cbc with zero-half cuts from nowhere, from CglZeroHalf and from zero_half, and
-/// prints nodes, time and root bound side by side.
+/// Solves models by Cbc without zero-half cuts, with those of CglZeroHalf and with those of
+/// zero_half, and prints nodes, time and root bound side by side.
 
 #include <cmath>
 #include <cstdio>
@@ -62,7 +62,7 @@ void declare_options(CLI::App& app, command_line& options) {
     app.footer(
         "The optimum of a model must be the same in all variants, and the one in optima.csv\n"
         "beside it. Exit status: 0 success, 1 an error in a file or different optima, 2 wrong\n"
-        "usage. A run that reaches the time limit is no error.");
+        "usage. Reaching the time limit is not an error.");
 }
 
 void print_error(const std::string& sentence) {

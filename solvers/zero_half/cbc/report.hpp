@@ -18,8 +18,8 @@ struct compared_model {
 
     /// Whether every variant proved its result within the time limit.
     bool is_finished() const;
-    /// In what the variants contradict each other or the known optimum, as a sentence; empty when
-    /// they agree. An unfinished run agrees when its value is not better than a proven one.
+    /// How the variants contradict each other or the known optimum, in one sentence; empty if they
+    /// agree. An unfinished run agrees if its value is not better than a proven one.
     std::string contradiction() const;
 };
 

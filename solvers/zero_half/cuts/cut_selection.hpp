@@ -42,7 +42,7 @@ private:
         std::size_t cut;
         double efficacy;
         std::size_t compared = 0;
-        /// Of the angle to the selected cut that rejected it.
+        /// The cosine of the angle to the selected cut that rejected it.
         double cosine = -1.0;
         bool is_settled = false;
     };

@@ -90,7 +90,7 @@ private:
     std::vector<double> perturbation_;
     /// The rows that have not been pivots, and whose slack is below the limit.
     std::vector<std::size_t> remaining_;
-    /// Those of them with the column that is eliminated.
+    /// The rows of these that contain the column that is eliminated.
     std::vector<std::size_t> rows_;
     std::vector<std::int32_t> odd_;
 };
@@ -152,7 +152,7 @@ void elimination::add(std::size_t pivot, std::size_t row) {
     is_odd_[row] = is_odd_[row] != is_odd_[pivot] ? 1 : 0;
 }
 
-/// The total slack of the rows in the sum, or a value from the limit on.
+/// The total slack of the rows in the sum, or some value of at least the limit.
 void elimination::set_slack(std::size_t row) {
     double slack = 0.0;
     const std::span<const std::uint64_t> words = bits(row);
@@ -183,8 +183,8 @@ void elimination::offer(std::size_t row, odd_sums& sums) {
     sums.add_if_violated(odd_, is_odd_[row] != 0);
 }
 
-/// A sum whose rows have too much slack is given up: it could be part of a violated one only
-/// together with a sum of nearly the same rows.
+/// Discards a sum whose rows have too much slack: it could be part of a violated one only together
+/// with a sum of nearly the same rows.
 void elimination::eliminate(std::int32_t column, odd_sums& sums) {
     rows_.clear();
     for (const std::size_t row : remaining_) {

@@ -29,7 +29,7 @@ struct split_coefficient {
     double rest = 0.0;
 };
 
-/// The sum of the terms as the model has it.
+/// The sum of the terms in the model's own numbers.
 struct exact_sum {
     std::map<std::int32_t, split_coefficient> coefficients;
     double rhs = 0.0;
@@ -53,7 +53,7 @@ exact_sum sum_of(const mixed_integer_rows& model, const std::vector<row_origin::
             const double whole = nearest_integer(values[k] * term.multiplier);
             split_coefficient& coefficient = sum.coefficients[columns[k]];
             coefficient.whole += whole;
-            // The product itself would be rounded, and hide a rest.
+            // The rounded product would hide a remainder.
             coefficient.rest += std::fma(values[k], term.multiplier, -whole);
         }
         const double side = model.side(row, term.multiplier);
@@ -66,7 +66,7 @@ exact_sum sum_of(const mixed_integer_rows& model, const std::vector<row_origin::
     return sum;
 }
 
-/// The most that `difference` times the column can be, over its bounds.
+/// The maximum of `difference` times the column between its bounds.
 double most_over_bounds(const mixed_integer_rows& model, std::int32_t column, double difference) {
     const auto j = static_cast<std::size_t>(column);
     const double bound = difference > 0.0 ? model.upper[j] : model.lower[j];
@@ -140,8 +140,8 @@ void add_to_pool(const mixed_integer_rows& model, const scaled_sum& scaled, row_
              {scaled.terms, *divisor});
 }
 
-/// Adds the multiple of the bound that takes the column out, after the sum was multiplied so that
-/// all numbers stay integers.
+/// Multiplies the sum so that all numbers stay integers, and adds the multiple of the bound that
+/// eliminates the column.
 void substitute(std::int32_t column, const variable_bound& bound, scaled_sum& sum) {
     constexpr double less_than_one = 0.5;
     const double coefficient = sum.coefficients[column];
@@ -159,8 +159,8 @@ void substitute(std::int32_t column, const variable_bound& bound, scaled_sum& su
     sum.terms.push_back({bound.row, true, bound_factor * bound.multiplier});
 }
 
-/// Takes out the continuous columns that have a variable bound on the side that the row needs;
-/// constant bounds take out the others when the row is rounded. Nothing without a variable bound.
+/// Eliminates the continuous columns that have a variable bound on the side that the row needs.
+/// When the row is rounded, constant bounds eliminate the others. Empty without a variable bound.
 std::optional<scaled_sum>
 with_variable_bounds(const mixed_integer_rows& model,
                      const std::vector<std::vector<variable_bound>>& bounds, scaled_sum sum) {

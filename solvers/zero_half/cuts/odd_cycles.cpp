@@ -56,8 +56,8 @@ private:
     std::vector<edge> edges_;
 };
 
-/// The two cheapest parity changes with different elements, so that one is left when the other's
-/// element is a node of the edge; likewise the third.
+/// The cheapest parity changes with different elements: an edge cannot use those whose element is
+/// one of its two nodes, so three suffice.
 class cheapest_changes {
 public:
     void offer(double cost, std::int32_t element) {
@@ -82,8 +82,8 @@ private:
         {{parity_change{}.cost, -1}, {parity_change{}.cost, -1}, {parity_change{}.cost, -1}}};
 };
 
-/// The edges of one row: all pairs of its columns, and each column with node 0, for which the rest
-/// of the row leaves a length below the limit.
+/// The edges of one row: all pairs of its columns, and each column with node 0, if the length of
+/// the edge, to which the other columns contribute, is below the limit.
 void graph::add_row(const parity_system& system, std::size_t i) {
     const auto row = static_cast<std::int32_t>(i);
     nodes_.assign(system.odd_columns(i).begin(), system.odd_columns(i).end());
@@ -151,7 +151,7 @@ void graph::sort_links(std::size_t nodes) {
     }
 }
 
-/// A place is a node with the parity of the walk to it.
+/// A state of the search: a node and the parity of the walk to it.
 std::int32_t place_of(std::int32_t node, bool is_odd) {
     return 2 * node + (is_odd ? 1 : 0);
 }

@@ -22,7 +22,7 @@ parity_change change_of(const mixed_integer_rows& model, std::int32_t column,
     return {other.distance - nearest.distance, column};
 }
 
-/// Of two rows with equal odd columns: whether the first can replace the second in every sum.
+/// Whether the first of two rows with equal odd columns can replace the second in every sum.
 bool is_at_least_as_good(const parity_reduction::row& a, const parity_reduction::row& b) {
     return a.slack <= b.slack && a.slack + a.change.cost <= b.slack + b.change.cost;
 }

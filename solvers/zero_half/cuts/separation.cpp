@@ -81,9 +81,9 @@ std::vector<std::size_t> separator::find(const double* point, effort wanted) {
     return selected;
 }
 
-/// Where the selection takes few of the cuts, the next call looks for fewer: making a cut costs
-/// more than finding its sum, and the most promising sums come first. Where it takes many, the next
-/// call looks for more.
+/// If the selection takes few of the cuts, the next call makes fewer: making a cut costs more than
+/// finding its sum, and the most promising sums come first. If it takes many, the next call makes
+/// more.
 void separator::set_budget() {
     constexpr std::size_t sums_for_each_cut = 2;
     most_cuts_ = std::clamp(limits_.cuts_for_each_selected * selected_, limits_.least_cuts,
@@ -105,8 +105,8 @@ separator::separated_point separator::look_at(const double* point) const {
     return at;
 }
 
-/// Cuts that were dropped from the relaxation, and rows of the model that making them integral
-/// tightened.
+/// The violated rows of the pool: cuts that were dropped from the relaxation, and rows of the model
+/// that became tighter when they were made integral.
 std::vector<cut> separator::violated_rows(const separated_point& at) const {
     std::vector<cut> violated;
     for (std::size_t i = 0; i < pool_.size(); ++i) {
@@ -117,7 +117,7 @@ std::vector<cut> separator::violated_rows(const separated_point& at) const {
     return violated;
 }
 
-/// How many cuts of the pool are in use, or are not.
+/// The number of cuts of the pool that are in use, or that are not.
 std::ptrdiff_t separator::count_cuts(bool in_use) const {
     return std::count(is_in_use_.begin() + static_cast<std::ptrdiff_t>(model_rows_),
                       is_in_use_.end(), in_use ? 1 : 0);
@@ -165,8 +165,8 @@ void separator::add_sums(const parity_system& system, const separated_point& at,
     add_cuts_of(sums, at, cuts);
 }
 
-/// Eliminations, and where that gives nothing a greedy search. In a graph every violated sum
-/// consists of odd cycles, so nothing is left where none was found.
+/// Runs eliminations and, if they find nothing, a greedy search. In a graph every violated sum
+/// consists of odd cycles, so without an odd cycle there is nothing to find.
 void separator::find_further_sums(const parity_system& system, odd_sums& sums) const {
     if (system.is_row_graph() && sums.size() == 0) {
         return;
@@ -179,7 +179,8 @@ void separator::find_further_sums(const parity_system& system, odd_sums& sums) c
     }
 }
 
-/// Eliminations are cheap beside a round that ends the run, so they go on where they find nothing.
+/// A round without a cut may end the run, and eliminations are cheap in comparison, so they
+/// continue while they find nothing.
 int separator::most_restarts(const parity_system& system, const odd_sums& sums) const {
     if (system.is_row_graph()) {
         return limits_.restarts_in_graphs;

@@ -6,7 +6,7 @@ namespace zero_half {
 
 namespace {
 
-/// The place of the continuous one of two columns; 2 when there is none, or not exactly one.
+/// The position, 0 or 1, of the only continuous one of two columns; 2 if there is not exactly one.
 std::size_t place_of_continuous(const mixed_integer_rows& model, std::span<const int> columns) {
     const bool first = model.is_integer[static_cast<std::size_t>(columns[0])] == 0;
     const bool second = model.is_integer[static_cast<std::size_t>(columns[1])] == 0;

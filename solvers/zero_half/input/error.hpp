@@ -13,7 +13,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The stop predicate ended the reading of a file.
+/// Thrown when the stop predicate ends the reading of a file.
 class stopped : public error {
 public:
     using error::error;

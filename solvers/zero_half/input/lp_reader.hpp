@@ -7,7 +7,7 @@
 
 namespace zero_half {
 
-/// Whether the text begins as an LP file does: behind comments, with the sense of its objective.
+/// Whether the text begins like an LP file: after comments, with the sense of the objective.
 bool begins_as_lp(const std::string& text);
 
 /// Reads the text of an LP file: objective, rows, also with two sides, bounds, generals, binaries.

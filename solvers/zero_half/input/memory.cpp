@@ -53,7 +53,7 @@ std::uint64_t left_of_address_space(const fs::path& proc) {
     return difference(limit.rlim_cur, page * number_in(proc / "self" / "statm", 0));
 }
 
-/// The free memory of the system, and what it can free without writing to a disk.
+/// The free memory of the system, including memory that it can free without writing to a disk.
 std::uint64_t left_of_system(const fs::path& proc) {
     constexpr std::uint64_t kilobyte = 1024;
     const auto memory = number_behind(proc / "meminfo", "MemAvailable:");
@@ -61,7 +61,7 @@ std::uint64_t left_of_system(const fs::path& proc) {
     return memory ? kilobyte * (*memory + swap.value_or(0)) : unlimited;
 }
 
-/// What the limit of a control group leaves. Files that the group has read can be dropped.
+/// The memory that the limit of a control group leaves. Cached files of the group count as free.
 std::uint64_t left_of_group(const fs::path& group, const char* limit, const char* usage,
                             const char* droppable) {
     const std::uint64_t most = number_in(group / limit, unlimited);
@@ -70,7 +70,7 @@ std::uint64_t left_of_group(const fs::path& group, const char* limit, const char
     return most == unlimited ? unlimited : difference(most, used);
 }
 
-/// The least that the control groups of the process leave, each of which is in the one above.
+/// The minimum over the control group of the process and all groups above it.
 std::uint64_t left_of_groups(const fs::path& proc, const fs::path& cgroups) {
     std::uint64_t least = unlimited;
     std::ifstream stream(proc / "self" / "cgroup");
@@ -113,8 +113,8 @@ std::uint64_t memory_to_read(std::uint64_t file_size) {
     return file_size;
 }
 
-/// Three quarters of what was measured on models with five entries a row: the simplex method keeps
-/// several copies of the entries, and some twenty arrays over rows and columns.
+/// Three quarters of the memory measured on models with five entries a row: the simplex method
+/// keeps several copies of the entries, and about twenty arrays over rows and columns.
 std::uint64_t memory_to_solve(std::uint64_t rows, std::uint64_t columns, std::uint64_t entries) {
     constexpr std::uint64_t bytes_an_entry = 60;
     constexpr std::uint64_t bytes_a_row_or_column = 300;

@@ -15,10 +15,10 @@ std::optional<std::uint64_t>
 available_memory(const std::filesystem::path& proc = "/proc",
                  const std::filesystem::path& cgroups = "/sys/fs/cgroup");
 
-/// The bytes that reading an uncompressed file of this size takes at least.
+/// The minimum number of bytes that reading an uncompressed file of this size takes.
 std::uint64_t memory_to_read(std::uint64_t file_size);
 
-/// The bytes that solving the relaxation of a model takes at least, beside the model.
+/// The minimum number of bytes that solving the relaxation of a model takes, without the model.
 std::uint64_t memory_to_solve(std::uint64_t rows, std::uint64_t columns, std::uint64_t entries);
 
 /// Throws `error` when more memory is needed than available, with a sentence about the file.

@@ -33,7 +33,7 @@ struct model {
     /// Whether the file maximises: then the objective here is the negated one of the file.
     bool is_maximised = false;
 
-    /// A value of the objective as the file counts it.
+    /// A value of the objective in the sense of the file.
     double in_sense_of_file(double value) const { return is_maximised ? 0.0 - value : value; }
 
     int row_count() const { return static_cast<int>(row_lower.size()); }

@@ -15,8 +15,8 @@ namespace zero_half {
 
 namespace {
 
-/// Hands a file to CoinMpsIO line by line and leaves out what CoinMpsIO misreads: comments longer
-/// than its buffer, tabs, and sections that do not belong to a mixed-integer program. A line whose
+/// Passes a file to CoinMpsIO line by line and omits what CoinMpsIO misreads: comments longer than
+/// its buffer, tabs, and sections that do not belong to a mixed-integer program. A line whose
 /// omission changes the program is reported as a refusal.
 class line_filter : public CoinFileInput {
 public:

@@ -22,13 +22,13 @@ private:
     std::string first_;
 };
 
-/// Reads a file as fixed or as free MPS, whichever the caller says. CoinMpsIO itself takes every
-/// file for fixed MPS unless its NAME line says FREE.
+/// Reads a file as fixed or as free MPS, as the caller chooses. CoinMpsIO itself reads every file
+/// as fixed MPS unless its NAME line has the word FREE.
 class mps_reader : public CoinMpsIO {
 public:
-    /// What CoinMpsIO itself does not read.
+    /// The contents of the file that CoinMpsIO ignores.
     struct extras {
-        /// Why the file is not supported; what was read is then not the program of the file.
+        /// Why the file is not supported; the program that was read then differs from the file.
         std::string refusal;
         /// By a section OBJSENSE or by `(MAX)` in the NAME line.
         bool is_maximised = false;

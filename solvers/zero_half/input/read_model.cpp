@@ -26,7 +26,7 @@ namespace zero_half {
 
 namespace {
 
-/// Closes its descriptor at the end.
+/// Owns a file descriptor and closes it.
 class descriptor {
 public:
     explicit descriptor(int number) : number_(number) {}
@@ -56,10 +56,10 @@ bool is_readable(int pipe, reading_poll& poll) {
     return false;
 }
 
-/// Deletes its file at the end.
+/// Owns a temporary file and deletes it.
 class temporary_file {
 public:
-    /// A copy of what comes out of the pipe. Throws `error` when it cannot be read or written.
+    /// A copy of the pipe's data. Throws `error` when it cannot be read or written.
     temporary_file(int pipe, const std::string& file, reading_poll& poll)
         : copy_(::mkstemp(name_.data())) {
         if (copy_.number() < 0) {

@@ -11,8 +11,8 @@ namespace {
 constexpr int scale_rows = 32;
 constexpr int continue_by_simplex = 512;
 
-/// Prints nothing. The crash method reports each pass, so here is the place to end it: it ends when
-/// it has made as many passes as it may.
+/// Prints nothing. The crash method reports each pass here; setting its number of passes to 0 ends
+/// it.
 class pass_listener : public CoinMessageHandler {
 public:
     pass_listener(Idiot& method, const std::function<bool()>& should_stop)

@@ -16,8 +16,8 @@ __extension__ typedef __int128 wide_integer;
 
 /// How far a value may be from an integer.
 constexpr double tolerance = 1e-6;
-/// What the simplex method leaves in a row, relative to its side. Larger than that may be the
-/// effect of rounding the integer columns, which a continuous column has to make up for at a price.
+/// The error that the simplex method leaves in a row, relative to its side. A larger one may come
+/// from rounding the integer columns; correcting it by a continuous column changes the objective.
 constexpr double row_tolerance = 1e-9;
 constexpr double unit_roundoff = std::numeric_limits<double>::epsilon() / 2.0;
 

@@ -21,7 +21,7 @@ enum status {
     stopped_by_event = 5
 };
 
-/// Separation looks for small violations, so the point has to be more accurate than usual.
+/// Separation looks for small violations, so the point needs tighter tolerances than Clp's default.
 constexpr double tight_tolerance = 1e-9;
 constexpr double usual_tolerance = 1e-7;
 
@@ -30,7 +30,7 @@ constexpr double usual_tolerance = 1e-7;
 relaxation::stop_handler::stop_handler(std::function<bool()> should_stop)
     : should_stop_(std::move(should_stop)) {}
 
-/// Returns -1 to go on; any other number ends the simplex method.
+/// Returns -1 to continue; any other number ends the simplex method.
 int relaxation::stop_handler::event(Event what) {
     constexpr int go_on = -1;
     constexpr int stop = 0;
@@ -74,8 +74,8 @@ void relaxation::solve_large() {
     }
 }
 
-/// The dual method from the last basis. Without a result that is proven, the primal method from the
-/// last basis, and then from the beginning.
+/// Runs the dual method from the last basis. If its result is not proven, runs the primal method
+/// from the last basis, and then from the beginning.
 relaxation::outcome relaxation::solve() {
     constexpr int least_large_rows = 3000;
     set_tolerance(tight_tolerance);

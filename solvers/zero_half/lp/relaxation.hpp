@@ -85,7 +85,7 @@ private:
     ClpSimplex lp_;
     std::optional<safe_bound> safe_bound_;
     double bound_ = 0.0;
-    /// The rows behind those of the model, in their order.
+    /// The rows after those of the model, in their order.
     std::vector<active_cut> cuts_;
     int model_rows_;
     /// Whether `solve` has not been called.

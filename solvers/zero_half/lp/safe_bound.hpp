@@ -14,20 +14,20 @@ public:
     /// Derives bounds for columns that have none from the rows of the program.
     explicit safe_bound(const ClpSimplex& lp);
 
-    /// A lower bound on the objective of every feasible point, whatever rounding errors the simplex
-    /// method has made and however the decimal numbers of the file were rounded to doubles: the
-    /// bound that the row duals of the last solve give by weak duality, minus a bound on all
-    /// rounding errors of its evaluation (Neumaier and Shcherbina, Safe bounds in linear and
-    /// mixed-integer linear programming, 2004). Nothing when a column without bounds prevents a
-    /// proof. Costs one pass over the coefficients.
+    /// A lower bound on the objective of every feasible point. It holds despite the rounding errors
+    /// of the simplex method and the rounding of the file's decimal numbers to doubles: it is the
+    /// bound of the last row duals by weak duality, minus a bound on all rounding errors of its
+    /// evaluation (Neumaier and Shcherbina, Safe bounds in linear and mixed-integer linear
+    /// programming, 2004). Empty when a column without bounds prevents a proof. Costs one pass over
+    /// the coefficients.
     std::optional<double> of(const ClpSimplex& lp) const;
 
-    /// As `of`, but a bound on the objective of the feasible points alone in which every column
-    /// without bounds is at most `radius` from 0.
+    /// Like `of`, but only for the feasible points in which every column without bounds is at most
+    /// `radius` from 0.
     std::optional<double> within(double radius, const ClpSimplex& lp) const;
 
-    /// As `of`, but a bound on the objective of all points that exceed each side of a row by at
-    /// most this tolerance, relative to the side and at least to 1.
+    /// Like `of`, but for all points that exceed each side of a row by at most this tolerance,
+    /// relative to the larger of the side and 1.
     std::optional<double> with_tolerance(double tolerance, const ClpSimplex& lp) const;
 
     /// Whether all numbers are small enough for the usual tolerances to have a meaning.
@@ -44,7 +44,7 @@ private:
     std::optional<double> evaluate(const ClpSimplex& lp, double radius, double tolerance) const;
     void imply_bounds(const CoinPackedMatrix& rows, int i, double side, double sign);
 
-    /// The bounds of the columns, where these have them, or implied ones.
+    /// The bounds of the columns: given or implied.
     std::vector<range> columns_;
     bool is_moderate_;
 };

@@ -94,8 +94,8 @@ private:
     int stalled_rounds_ = 0;
     /// The violated cuts found in this round, selected or not.
     std::size_t cuts_found_ = 0;
-    /// The bounds after each relaxation so far, of the model and of the relaxation, as the file
-    /// counts them.
+    /// The bounds after each relaxation so far, of the model and of the relaxation, in the sense of
+    /// the file.
     std::vector<double> history_;
     std::vector<double> relaxation_history_;
 };
@@ -134,8 +134,8 @@ run_result run::execute() {
     return std::move(result_);
 }
 
-/// Whether the bound of the relaxation has not risen for some rounds, or the last rounds raised it
-/// by a small share of what all rounds did.
+/// Whether the bound of the relaxation has not risen for some rounds, or the last rounds
+/// contributed a small share of its total rise.
 bool run::has_stalled() const {
     constexpr int most_stalled_rounds = 15;
     constexpr std::size_t recent_rounds = 30;
@@ -239,8 +239,8 @@ std::vector<std::size_t> run::separate() {
     return rows;
 }
 
-/// Separates the point and solves the relaxation with the cuts. When that does not succeed, the
-/// cuts of the round are removed; if they leave no point, they are kept, because they prove it.
+/// Separates the point and solves the relaxation with the cuts. If the solution fails, removes the
+/// cuts of the round; but if they leave no point, keeps them as a proof.
 run::step run::execute_round() {
     constexpr int most_slack_rounds = 5;
     const double separation_start = cpu_seconds();
