@@ -265,7 +265,7 @@ def draw_curves(found, folder):
     diagrams = [each for shown in CURVES if (each := curves_of(found, *shown))[0]]
     if not diagrams:
         return []
-    # The legend has a place of its own, after the diagrams.
+    # The legend follows the diagrams.
     name, rows = "capacities.svg", (len(diagrams) + 2) // 2
     legend = [curve(each, "NaN", each.replace("_", " ")) for each in STYLES
               if any(each in names for names, _, _ in diagrams)]

@@ -68,7 +68,7 @@ def build_package(prefix, jobs):
 
 
 class CMakeBuild(build_ext):
-    """Builds all extension modules at once, and puts the whole package where setuptools wants it."""
+    """Builds all extension modules at once, and copies the package to the folder that setuptools packs."""
 
     def run(self):
         if self.inplace or getattr(self, "editable_mode", False):
@@ -89,7 +89,7 @@ setup(
     version=version(),
     packages=["zktarn"],
     package_data={"zktarn": ["*.pyi", "py.typed"]},
-    # Says that the wheel is for one platform and one version of Python. CMake knows the sources.
+    # Marks the wheel as specific to a platform and a Python version. CMake has the list of sources.
     ext_modules=[Extension("zktarn._host", sources=[])],
     cmdclass={"build_ext": CMakeBuild},
     zip_safe=False,

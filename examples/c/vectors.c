@@ -1,5 +1,5 @@
 /* One row of a constraint matrix, 3 x2 + 2 x5 - x7, as a sparse vector in each of its three modes,
- * on the stand-in host; and what a program sees when the host refuses the memory. */
+ * on the stand-in host, and the response of a program when the host refuses the memory. */
 
 #include <stdio.h>
 

@@ -14,8 +14,8 @@
 #include "zktarn/vector/vector_mod.hpp"
 
 /// Operations on two vectors, chosen one after the other and done on the library's records and on
-/// the reference alike. Where the choices come from is open: a random generator, or the bytes of a
-/// file.
+/// the reference alike. The source of the choices is a parameter: a random generator, or the bytes
+/// of a file.
 
 namespace zktarn::testing {
 

@@ -133,7 +133,7 @@ class Workbench:
         for unit in self.test_units.values():
             match = re.match(r"(?:(.*)/)?CMakeFiles/([^/]+)\.dir/(?:(.*)/)?[^/]+$", unit.object)
             if match and match.group(2).endswith(("_test", "_replay")):
-                # A test program lies where its sources do.
+                # A test program is built in the folder of its sources.
                 path = "/".join(filter(None, (match.group(1), match.group(3), match.group(2))))
                 if path.startswith("tests/"):
                     owners.setdefault(path, []).append(unit)

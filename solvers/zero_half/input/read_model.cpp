@@ -300,7 +300,7 @@ model read_any(const std::string& file, reading_poll& poll) {
         throw_if_stopped();
         return program;
     } catch (const error&) {
-        // A text that breaks off is no error of the file.
+        // The text ends early because the reading was stopped, not because the file is wrong.
         throw_if_stopped();
         throw;
     }

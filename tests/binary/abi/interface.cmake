@@ -29,7 +29,7 @@ if(NOT EXISTS "${first}")
   message(FATAL_ERROR "there is no description of an interface in ${first}; after a change of SOVERSION, "
     "the target abi_baseline writes it")
 endif()
-# Tests run side by side, so each has a file of its own.
+# Tests run in parallel, so each has its own file.
 string(RANDOM LENGTH 12 suffix)
 set(described "${second}-${suffix}.abi")
 describe("${second}" "${described}")

@@ -120,7 +120,7 @@ using ViolationsDeathTest = Violations;
 #define EXPECT_REPORTED_FIRST(x, statement)                                                        \
     EXPECT_TRUE(reports_first(x, [&] { statement; })) << #statement
 
-/// Ends the process at the first report, because the call would go on to use an absent array.
+/// Ends the process at the first report, because the call would then use an absent array.
 #define EXPECT_REPORTED_ABSENCE(statement)                                                         \
     EXPECT_EXIT(                                                                                   \
         {                                                                                          \

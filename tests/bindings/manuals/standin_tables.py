@@ -1,4 +1,4 @@
-"""The tables of the stand-in's control: each function of the C header, and what it is in C++ or Fortran."""
+"""The tables of the stand-in's control: each function of the C header with its name in C++ or Fortran."""
 
 import re
 

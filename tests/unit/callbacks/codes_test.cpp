@@ -85,7 +85,7 @@ TEST(Interrupts, TheFlagIsClearWhenTheLibraryIsLoaded) {
     EXPECT_EQ(zktarn::callbacks_util::cbhasinterrupt(running, no_poll), 0);
 }
 
-// LLVM's standard library has its types in a namespace of their own.
+// LLVM's standard library has its types in an inline namespace.
 #ifdef _LIBCPP_VERSION
 #define ZKTARN_TEST_SPAN "NSt3__14spanIcLm18446744073709551615EEE"
 #else

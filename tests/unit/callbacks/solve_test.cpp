@@ -158,7 +158,7 @@ TEST_F(Solve, IsInterruptedByCtrlC) {
     EXPECT_EQ(WEXITSTATUS(status), 105);
 }
 
-// Every failure of the host that an result can tell: the solve goes on, and nothing is left behind.
+// For every failure that a host operation can report: the solve continues and releases everything.
 TEST_F(Solve, SurvivesEveryFailureOfTheHost) {
     std::int64_t failures = 0;
     for (const operation what :

@@ -4,8 +4,8 @@
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 
-/// The console: whatever `sys.stdout` is when the text arrives, so that redirection and notebooks
-/// show it. Without one (None) the text is dropped, as `print` does.
+/// The console: the `sys.stdout` of the moment when text is printed, so that redirection and
+/// notebooks show it. Without one (None) the text is dropped, as `print` does.
 
 namespace zktarn::host {
 

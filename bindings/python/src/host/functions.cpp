@@ -51,8 +51,8 @@ reference function(const interpreter_lock& lock, PyObject* name) noexcept {
     return {};
 }
 
-/// What a callable gets for an array: a struct is copied, so that the solver's own stays as it is;
-/// everything else is the object itself.
+/// The argument of a callable for an array: a struct is copied, so that the solver's stays
+/// unchanged; everything else is the object itself.
 reference argument(host::array_handle handle) noexcept {
     PyObject* const object = handle == 0 ? Py_None : object_of(handle);
     if (PyDict_Check(object) != 0) {
@@ -184,7 +184,7 @@ bool prepare_functions() noexcept {
 
 namespace zktarn::host {
 
-/// An exception is stored, whatever it is, and the first output is 1.0. Returns 0, or 1 after an
+/// An exception of any type is stored, and the first output is 1.0. Returns 0, or 1 after an
 /// exception.
 extern "C" std::int32_t qvxcallquarn800_(const std::int32_t& noutputs, array_handle* outputs,
                                          const std::int32_t& ninputs, const array_handle* inputs,

@@ -1,4 +1,4 @@
-// What `Vector` is made from, and what it is turned into: arrays, dicts, sparse rows, copies.
+// Conversions from and to a `Vector`: arrays, dicts, sparse rows, copies.
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>

@@ -14,7 +14,7 @@ using fixed_fraction = std::uint64_t;
     return static_cast<fixed_fraction>(static_cast<std::int64_t>(offset * 0x1p62)) << 2;
 }
 
-/// A table that tells which multiples of a real can be near an integer.
+/// A table that shows which multiples of a real can be near an integer.
 ///
 /// The multiple m * p of a real p is as far from an integer as m times the fractional part of p. So
 /// the fractional part shows which of a few fixed multiples can be near an integer. The table cuts

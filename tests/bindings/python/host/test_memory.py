@@ -151,7 +151,7 @@ def test_refusals_leave_nothing():
     assert host.bytes_left_by(lambda: host.held.qvMallocExOptim(1 << 60)) < 1
 
 
-# In a process of its own, because its allocators stay wrapped.
+# In a separate process, because its allocators stay wrapped.
 PREPARE = """
 import gc, json, sys, host
 

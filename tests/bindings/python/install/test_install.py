@@ -40,7 +40,7 @@ def builder(tmp_path_factory):
 
 @pytest.fixture(scope="module")
 def wheel(builder, tmp_path_factory):
-    """A wheel, built from a copy of the sources that is gone afterwards."""
+    """A wheel, built from a copy of the sources that is then deleted."""
     folder = tmp_path_factory.mktemp("wheel")
     sources = folder / "sources"
     shutil.copytree(ROOT, sources, ignore=shutil.ignore_patterns("build", ".git", "*.egg-info"))

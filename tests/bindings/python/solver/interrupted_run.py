@@ -1,4 +1,4 @@
-"""A run of minutes that is interrupted, in a process of its own.
+"""Interrupts a run that would take minutes, in a separate process.
 
     PYTHONPATH=build/python/python /usr/bin/python3 interrupted_run.py [COUNT]
 

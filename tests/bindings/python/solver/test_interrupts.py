@@ -1,4 +1,4 @@
-"""Ctrl-C: a real SIGINT in a process of its own."""
+"""Ctrl-C: a real SIGINT, sent to a separate process."""
 
 import signal
 import subprocess
@@ -17,7 +17,7 @@ def test_ctrl_c_ends_the_run_with_its_result(delay):
     assert status == 0
     assert report["type"] == "KeyboardInterrupt" and report["status"] == "interrupted"
     assert report["initial_bound"] == pytest.approx(-200.0)
-    # The run goes on for minutes where nothing interrupts it.
+    # Without an interrupt the run takes minutes.
     assert 1 <= report["rounds"] < 100
     assert -200.0 < report["bound"] < -100.0
     assert report["cuts"] > 0 and report["point"] == 400 and report["has_notes"]
@@ -82,7 +82,7 @@ import os, signal, threading
 from problems import random_graph
 from zktarn import zero_half
 
-# Python runs handlers on its main thread; a run elsewhere goes on.
+# Python runs handlers on its main thread only; a run on another thread continues.
 results = []
 def run():
     results.append(zero_half.tighten(

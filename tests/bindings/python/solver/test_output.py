@@ -1,4 +1,4 @@
-"""What users see: the console, texts, tables for notebooks, pictures, files."""
+"""Output for users: the console, texts, tables for notebooks, pictures, files."""
 
 import contextlib
 import dataclasses
