@@ -1,6 +1,7 @@
-// Lists of 2147483647 entries, the largest count, beyond which a 32-bit position overflows. This is
-// compiled so that it wraps around, as it does without optimisation, and the list is left. The list
-// is never written, so the system maps one page of zeros all over it; element 0 exists.
+// Lists of 2147483647 entries, the largest count: a 32-bit position would overflow after the last
+// one. These tests are compiled with wrapping overflow, as in unoptimised code, so such a position
+// would leave the list. The list is never written, so the system maps one page of zeros to all of
+// it. Element 0 exists.
 #include <array>
 #include <cstddef>
 #include <cstdint>

@@ -89,7 +89,7 @@ const double tolerances[] = {0.0,
                              -std::numeric_limits<double>::infinity(),
                              std::numeric_limits<double>::quiet_NaN()};
 
-/// Compares all eight procedures with the reference on one set of inputs.
+/// Compares every procedure of integrality.hpp with the reference on one set of inputs.
 bool agrees_with_rules(double x, double scalar, double eps) {
     flag is_int = -1;
     flag is_int_scalar = -1;
@@ -166,7 +166,7 @@ TEST(IntegralityProperty, FloorsAndCeilingsAreExactInTheExactRange) {
         if (!(std::fabs(x) < 2147483647.0) || !(std::fabs(x) + eps < 0x1p62)) {
             continue;
         }
-        // Left out: tiny values have huge denominators, and all have the same floor.
+        // Skips tiny values: their denominators are huge, and they all have the same floor.
         if (x != 0.0 && std::fabs(x) < 0x1p-200) {
             continue;
         }

@@ -94,17 +94,17 @@ private:
     }
 };
 
-/// What became of a step.
+/// The outcome of a step.
 struct outcome {
     const char* operation;
-    /// Both gave the same answer, where the operation has one.
+    /// Whether library and reference returned the same result; true if the operation has none.
     bool results_agree = true;
 };
 
-/// How far a vector is from what its invariants promise.
+/// Whether a vector keeps its invariants.
 enum class state { consistent, inconsistent };
 
-/// A mark that the library never writes, or 0, 1; the largest have the highest bits set.
+/// A mark from -2 to 2, 2^30 or 2^31 - 1; the library itself writes only 0 and 1.
 inline std::int32_t odd_mark(choices& draw) {
     const std::int32_t mark = draw.between(-2, 4);
     return mark < 3 ? mark : mark == 3 ? (1 << 30) : std::numeric_limits<std::int32_t>::max();
@@ -147,7 +147,7 @@ inline void fill(choices& draw, mirrored_vector& v, std::int32_t count, state ho
     v.set_nz(count);
 }
 
-/// How many indices of y would be appended to x at the most.
+/// The maximum number of indices of y that would be appended to x.
 inline std::int32_t appended(const mirrored_vector& x, const mirrored_vector& y) {
     std::int32_t count = 0;
     for (std::int32_t k = 1; k <= y.mirror.nz; ++k) {
@@ -159,12 +159,12 @@ inline std::int32_t appended(const mirrored_vector& x, const mirrored_vector& y)
     return count;
 }
 
-/// Room in the list of x for what a combination with y appends.
+/// Whether the list of x has room for the indices that a combination with y appends.
 inline bool has_room(const mirrored_vector& x, const mirrored_vector& y) {
     return !x.mirror.ind || x.mirror.nz + appended(x, y) <= x.capacity;
 }
 
-/// No index twice in a list.
+/// Whether no index is listed twice.
 inline bool distinct(const mirrored_vector& v) {
     for (std::int32_t k = 1; k <= v.mirror.nz; ++k) {
         if (reference::search(v.mirror, v.mirror.i(k)) != k) {
@@ -174,14 +174,14 @@ inline bool distinct(const mirrored_vector& v) {
     return true;
 }
 
-/// Room in the list of x for a symmetric difference with y, which may append an index that y lists
-/// more than once each time.
+/// Whether the list of x has room for a symmetric difference with y. An index that y lists several
+/// times may be appended several times.
 inline bool has_room_for_difference(const mirrored_vector& x, const mirrored_vector& y) {
     return x.mirror.nz + y.mirror.nz <= x.capacity || (distinct(y) && has_room(x, y));
 }
 
-/// Whether every member is listed. Without it the compaction of a symmetric difference may start
-/// with an empty list, for which the steps have no meaning.
+/// Whether every member is listed. Otherwise the compaction of a symmetric difference may start
+/// with an empty list, for which its steps are undefined.
 inline bool lists_its_members(const mirrored_vector& v) {
     for (std::int32_t j = 1; j <= v.capacity; ++j) {
         if (v.mirror.m(j) >= 1 && reference::search(v.mirror, j) == 0) {
@@ -191,7 +191,8 @@ inline bool lists_its_members(const mirrored_vector& v) {
     return true;
 }
 
-/// One operation that the contents of the vectors allow, on both.
+/// Chooses an operation that the contents of the vectors allow, and runs it in the library and in
+/// the reference.
 inline outcome step(choices& draw, mirrored_vector& x, mirrored_vector& y, state how) {
     using namespace vector_mod;
     const std::int32_t j = draw.between(1, x.capacity);

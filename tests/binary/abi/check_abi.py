@@ -22,7 +22,7 @@ SYSTEM_LIBRARIES = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
                     "ld-linux-x86-64.so.2", "ld-linux-aarch64.so.1"}
 HOST_MEMORY = {"qvMallocExOptim", "qvFreeExOptim"}
 TOOLCHAIN = {"_GLOBAL_OFFSET_TABLE_"}
-# Optional functions that the system's start files call if they exist.
+# Optional functions that the system's start-up objects call if they exist.
 LINKER_HOOKS = {"_ITM_deregisterTMCloneTable", "_ITM_registerTMCloneTable", "__gmon_start__",
                 "__cxa_finalize"}
 
@@ -179,7 +179,7 @@ def check_control(library, *objects):
         missing = properties - control_properties(item)
         if missing:
             fail(f"{item} is not built for {', '.join(sorted(missing))}")
-    # The library's property of landing pads is not checked: the system's start files may lack them.
+    # The library's property of landing pads is not checked: the system's start-up objects may lack them.
     if machine == "X86-64" and "SHSTK" not in control_properties(library):
         fail(f"{library} is not marked for shadow stacks")
     with open(library, "rb") as file:
@@ -192,7 +192,7 @@ def check_control(library, *objects):
             fail(f"{name} does not begin with a landing pad")
 
 
-# Writable objects that the compiler's start files, the linker and the compiler's detection of the
+# Writable objects that the compiler's start-up objects, the linker and the compiler's detection of the
 # processor put into a shared library.
 START_FILES = {"__cpu_model", "__cpu_features2",
                "completed.0", "__dso_handle", "__TMC_END__", "__do_global_dtors_aux_fini_array_entry",

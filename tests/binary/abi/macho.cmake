@@ -149,7 +149,7 @@ add_custom_target(abi_baseline
   COMMAND_EXPAND_LISTS VERBATIM)
 add_dependencies(abi_baseline zktarn_util zktarn_util_c)
 
-# Seen to fail: the descriptions of other interfaces, each with one line changed.
+# Proves that the comparison fails: descriptions of other interfaces, each with one line changed.
 foreach(case IN ITEMS
     "export=s/^export _zktarn_sort/export _zktarn_sort_quickly/=export _zktarn_sort_quickly"
     "argument=s/zktarn_epsilon_floor.double, double/zktarn_epsilon_floor(double, float/=function double zktarn_epsilon_floor"

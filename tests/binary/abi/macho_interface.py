@@ -54,7 +54,7 @@ class Entry:
 
 
 def entries(dwarfdump, item):
-    """Every entry of an object file, those inside others before these are complete."""
+    """Every entry of an object file; nested entries precede the one that contains them."""
     ran = subprocess.run([dwarfdump, "--debug-info", item], capture_output=True, text=True, check=False)
     if ran.returncode != 0 or "DW_TAG_compile_unit" not in ran.stdout:
         fail(f"{item} has no debug information: {ran.stderr.strip()}")
