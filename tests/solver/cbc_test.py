@@ -43,7 +43,7 @@ class Comparison(unittest.TestCase):
 
     def test_own_cuts_are_used_at_the_root_and_in_the_tree(self):
         report = self.folder / "runs.json"
-        found = run(MODELS[0], "--plain", "--every", "1", "--json", report)
+        found = run(MODELS[1], "--plain", "--every", "1", "--json", report)
         self.assertEqual((found.returncode, found.stderr), (0, ""))
         runs = {each["cuts_from"]: each
                 for each in json.loads(report.read_text())["models"][0]["runs"]}

@@ -1,5 +1,7 @@
+#include <algorithm>
 #include <cmath>
 #include <optional>
+#include <random>
 #include <utility>
 #include <vector>
 
@@ -9,6 +11,7 @@
 #include "cuts/cut_selection.hpp"
 #include "cuts/exact_limits.hpp"
 #include "cuts/rounding.hpp"
+#include "cuts/row_division.hpp"
 
 namespace zero_half::testing {
 
@@ -209,6 +212,193 @@ TEST(RowPool, KeepsRowsAndTheirOddColumns) {
     add_row(pool, {0, 0, 7}, 1);
     EXPECT_EQ(pool.columns(1)[0], 3);
     EXPECT_EQ(pool.coefficients(1)[0], 7.0);
+}
+
+TEST(CgRounding, DividesARowByAnyInteger) {
+    row_pool pool;
+    add_row(pool, {7, -5, 3}, 11);
+    const columns model(3);
+    const mixed_integer_rows view = model.view();
+    const std::vector<substitution> used = {at_upper, at_lower, at_lower};
+    const std::vector<double> point = {0.5, 0.5, 0.5};
+    const auto made = cg_rounding(view, pool).divided_row(0, 3, used, point.data());
+    ASSERT_TRUE(made.has_value());
+    // 7 - 7 (1 - x1) - 5 x2 + 3 x3 <= 11 gives 3 x1 - 2 x2 + x3 <= 3 + floor(4 / 3).
+    EXPECT_EQ(dense(*made, 3), (std::vector<double>{3, -2, 1}));
+    EXPECT_EQ(made->rhs, 4.0);
+    EXPECT_EQ(made->origin.divisor, 3.0);
+}
+
+TEST(CgRounding, NeedsABoundWhereADivisionRounds) {
+    row_pool pool;
+    add_row(pool, {6, 5}, 11);
+    const columns model(2);
+    const mixed_integer_rows view = model.view();
+    const std::vector<double> point = {0.5, 0.5};
+    cg_rounding rounding(view, pool);
+    EXPECT_TRUE(rounding.divided_row(0, 3, std::vector<substitution>{{}, at_lower}, point.data()));
+    EXPECT_FALSE(rounding.divided_row(0, 3, std::vector<substitution>{at_lower, {}}, point.data()));
+}
+
+namespace {
+
+/// A row over columns with small bounds, and a point that satisfies it.
+struct divided_problem {
+    explicit divided_problem(std::mt19937& random) : model(5) {
+        const auto below = [&](unsigned n) { return static_cast<int>(random() % n); };
+        std::vector<double> row(5);
+        double activity = 0.0;
+        for (std::size_t j = 0; j < row.size(); ++j) {
+            model.lower[j] = below(3) - 1;
+            model.upper[j] = model.lower[j] + 1 + below(3);
+            const double share = below(3) == 0 ? below(2) : below(9) / 8.0;
+            point.push_back(model.lower[j] + share * (model.upper[j] - model.lower[j]));
+            row[j] = (below(2) == 0 ? -1 : 1) * (1 + below(20));
+            activity += row[j] * point[j];
+        }
+        add_row(pool, row, std::ceil(activity) + below(2));
+    }
+
+    double slack() const { return pool.slack(0, point.data()); }
+
+    columns model;
+    row_pool pool;
+    std::vector<double> point;
+};
+
+/// The most violation of the cuts of the row with this divisor, over all bounds.
+double most_violation(const divided_problem& problem, std::int64_t divisor) {
+    const mixed_integer_rows view = problem.model.view();
+    cg_rounding rounding(view, problem.pool);
+    double most = -1.0;
+    for (unsigned choice = 0; choice < 32; ++choice) {
+        std::vector<substitution> used;
+        for (std::size_t j = 0; j < 5; ++j) {
+            const bool is_upper = (choice >> j & 1u) != 0;
+            used.push_back({is_upper ? view.upper[j] : view.lower[j], 0.0, is_upper});
+        }
+        const auto made = rounding.divided_row(0, divisor, used, problem.point.data());
+        most = std::max(most, made ? made->violation : -1.0);
+    }
+    return most;
+}
+
+/// Whether every integer point of the row satisfies the cut.
+bool is_valid(const divided_problem& problem, const cut& made) {
+    std::vector<double> x = problem.model.lower;
+    while (true) {
+        double activity = -made.rhs;
+        for (std::size_t k = 0; k < made.columns.size(); ++k) {
+            activity += made.coefficients[k] * x[static_cast<std::size_t>(made.columns[k]) - 1];
+        }
+        if (problem.pool.slack(0, x.data()) >= 0.0 && activity > 0.0) {
+            return false;
+        }
+        std::size_t j = 0;
+        while (j < x.size() && x[j] == problem.model.upper[j]) {
+            x[j] = problem.model.lower[j];
+            ++j;
+        }
+        if (j == x.size()) {
+            return true;
+        }
+        x[j] += 1.0;
+    }
+}
+
+} // namespace
+
+TEST(RowDivision, FindsTheCoverOfAKnapsackRow) {
+    row_pool pool;
+    add_row(pool, {5, 5, 4, 9}, 13);
+    const columns model(4);
+    const mixed_integer_rows view = model.view();
+    const std::vector<double> point = {1.0, 1.0, 0.75, 0.0};
+    const auto found =
+        row_division(view, pool)
+            .best_of(0, 0.0, point.data(), nearest_bounds(view, point.data()), 8, 1e-6);
+    ASSERT_TRUE(found.has_value());
+    EXPECT_EQ(found->divisor, 5);
+    const auto made =
+        cg_rounding(view, pool).divided_row(0, found->divisor, found->used, point.data());
+    ASSERT_TRUE(made.has_value());
+    EXPECT_EQ(dense(*made, 4), (std::vector<double>{1, 1, 1, 1}));
+    EXPECT_EQ(made->rhs, 2.0);
+}
+
+TEST(RowDivision, MakesValidCutsOfTheEfficacyThatItStates) {
+    std::mt19937 random(20);
+    int cuts = 0;
+    for (int round = 0; round < 2000; ++round) {
+        const divided_problem problem(random);
+        const mixed_integer_rows view = problem.model.view();
+        const auto nearest = nearest_bounds(view, problem.point.data());
+        const auto found = row_division(view, problem.pool)
+                               .best_of(0, problem.slack(), problem.point.data(), nearest, 8, 1e-6);
+        if (!found) {
+            continue;
+        }
+        ++cuts;
+        const auto made = cg_rounding(view, problem.pool)
+                              .divided_row(0, found->divisor, found->used, problem.point.data());
+        ASSERT_TRUE(made.has_value());
+        EXPECT_TRUE(is_valid(problem, *made));
+        // Dividing by the common divisor of the coefficients may round the right-hand side again.
+        EXPECT_GE(made->efficacy(), found->efficacy - 1e-9);
+        EXPECT_LE(made->violation, most_violation(problem, found->divisor) + 1e-9);
+    }
+    EXPECT_GT(cuts, 500);
+}
+
+TEST(RowDivision, FindsACutOfMostRowsThatHaveOne) {
+    std::mt19937 random(21);
+    int possible = 0;
+    int found = 0;
+    for (int round = 0; round < 2000; ++round) {
+        const divided_problem problem(random);
+        const mixed_integer_rows view = problem.model.view();
+        double most = 0.0;
+        for (std::int64_t divisor = 2; divisor <= 20; ++divisor) {
+            most = std::max(most, most_violation(problem, divisor));
+        }
+        const auto nearest = nearest_bounds(view, problem.point.data());
+        const bool is_found =
+            row_division(view, problem.pool)
+                .best_of(0, problem.slack(), problem.point.data(), nearest, 8, 1e-6)
+                .has_value();
+        possible += most > 1e-6 ? 1 : 0;
+        found += is_found ? 1 : 0;
+        EXPECT_TRUE(!is_found || most > 1e-6);
+    }
+    EXPECT_GT(found, possible * 3 / 4) << possible;
+}
+
+TEST(RowDivision, FindsNothingWithoutAColumnBetweenItsBounds) {
+    row_pool pool;
+    add_row(pool, {5, 5, 4}, 13);
+    const columns model(3);
+    const mixed_integer_rows view = model.view();
+    const std::vector<double> point = {1.0, 1.0, 0.0};
+    EXPECT_FALSE(row_division(view, pool)
+                     .best_of(0, 3.0, point.data(), nearest_bounds(view, point.data()), 8, 1e-6)
+                     .has_value());
+}
+
+TEST(RowDivision, NeedsABoundOfEachColumnThatItRounds) {
+    row_pool pool;
+    add_row(pool, {4, 6}, 13);
+    columns model(2);
+    model.lower = {-1e30, -1e30};
+    model.upper = {1e30, 1e30};
+    const mixed_integer_rows view = model.view();
+    const std::vector<double> point = {0.0625, 2.125};
+    const auto nearest = nearest_bounds(view, point.data());
+    const auto found = row_division(view, pool).best_of(0, 0.0, point.data(), nearest, 8, 1e-6);
+    EXPECT_FALSE(found.has_value());
+    model.lower[0] = 0.0;
+    EXPECT_TRUE(row_division(view, pool)
+                    .best_of(0, 0.0, point.data(), nearest_bounds(view, point.data()), 8, 1e-6)
+                    .has_value());
 }
 
 TEST(CutSelection, SelectsTheGreatestEfficacyFirst) {

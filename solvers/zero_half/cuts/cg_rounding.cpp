@@ -28,10 +28,16 @@ void divide_by_common_divisor(cut& made) {
     made.origin.divisor *= divisor;
 }
 
-/// Half of an integer, rounded down, or up for a column that is substituted by its upper bound.
-double rounded_half(double coefficient, bool is_up) {
+/// The quotient of two integers, rounded down.
+std::int64_t quotient_down(std::int64_t a, std::int64_t divisor) {
+    return a / divisor - (a % divisor < 0 ? 1 : 0);
+}
+
+/// A quotient, rounded down, or up for a column that is substituted by its upper bound.
+double rounded_quotient(double coefficient, std::int64_t divisor, bool is_up) {
     const auto whole = static_cast<std::int64_t>(coefficient);
-    return static_cast<double>(is_up ? -(-whole >> 1) : whole >> 1);
+    return static_cast<double>(is_up ? -quotient_down(-whole, divisor)
+                                     : quotient_down(whole, divisor));
 }
 
 void set_violation(cut& made, const double* point) {
@@ -64,32 +70,54 @@ void cg_rounding::add_up(std::span<const std::int32_t> rows) {
     }
 }
 
-/// Substitutes a column, halves and rounds its coefficient. Returns false when that needs a bound
+void cg_rounding::begin(std::int64_t divisor) {
+    divisor_ = divisor;
+    rhs_ = {};
+    put_back_ = {};
+    columns_.clear();
+    coefficients_.clear();
+}
+
+/// Substitutes a column, divides and rounds its coefficient. Returns false when that needs a bound
 /// that the column does not have, or the coefficient is too large.
-bool cg_rounding::halve(std::int32_t column, double coefficient, const substitution& used) {
+bool cg_rounding::divide(std::int32_t column, double coefficient, const substitution& used) {
     if (std::fabs(coefficient) > largest_coefficient) {
         return false;
     }
-    const double half = rounded_half(coefficient, used.is_upper);
-    if (half * 2.0 != coefficient && !used.is_bounded()) {
+    const double quotient = rounded_quotient(coefficient, divisor_, used.is_upper);
+    if (quotient * static_cast<double>(divisor_) != coefficient && !used.is_bounded()) {
         return false;
     }
     rhs_.add(-coefficient * used.bound);
-    put_back_.add(half * used.bound);
-    if (half != 0.0) {
+    put_back_.add(quotient * used.bound);
+    if (quotient != 0.0) {
         columns_.push_back(column);
-        coefficients_.push_back(half);
+        coefficients_.push_back(quotient);
     }
     return true;
+}
+
+std::optional<cut> cg_rounding::made_of(std::span<const std::int32_t> rows, const double* point) {
+    if (columns_.empty() || !rhs_.is_exact() || !put_back_.is_exact()) {
+        return std::nullopt;
+    }
+    cut made;
+    made.columns = columns_;
+    made.coefficients = coefficients_;
+    made.rhs = rounded_quotient(rhs_.value(), divisor_, false) + put_back_.value();
+    made.origin.divisor = static_cast<double>(divisor_);
+    for (const std::int32_t row : rows) {
+        made.origin.terms.push_back({row, false, 1.0});
+    }
+    divide_by_common_divisor(made);
+    set_violation(made, point);
+    return made;
 }
 
 std::optional<cut> cg_rounding::halved_sum(const odd_sum& members,
                                            const std::vector<substitution>& bounds,
                                            const double* point) {
-    rhs_ = {};
-    put_back_ = {};
-    columns_.clear();
-    coefficients_.clear();
+    begin(2);
     add_up(members.rows);
     for (const std::int32_t row : members.rows) {
         rhs_.add(pool_.rhs(static_cast<std::size_t>(row)));
@@ -97,26 +125,29 @@ std::optional<cut> cg_rounding::halved_sum(const odd_sum& members,
     for (const auto [j, coefficient] : zktarn::entries(sum_)) {
         const substitution& nearest = bounds[static_cast<std::size_t>(j)];
         const bool is_halved =
-            halve(j, coefficient,
-                  j == members.changed_column ? other_bound(model_, j, nearest) : nearest);
+            divide(j, coefficient,
+                   j == members.changed_column ? other_bound(model_, j, nearest) : nearest);
         if (!is_halved) {
             return std::nullopt;
         }
     }
-    if (columns_.empty() || !rhs_.is_exact() || !put_back_.is_exact()) {
-        return std::nullopt;
+    return made_of(members.rows, point);
+}
+
+std::optional<cut> cg_rounding::divided_row(std::int32_t row, std::int64_t divisor,
+                                            std::span<const substitution> used,
+                                            const double* point) {
+    begin(divisor);
+    const auto pool_row = static_cast<std::size_t>(row);
+    const auto columns = pool_.columns(pool_row);
+    const auto coefficients = pool_.coefficients(pool_row);
+    rhs_.add(pool_.rhs(pool_row));
+    for (std::size_t k = 0; k < columns.size(); ++k) {
+        if (!divide(columns[k], coefficients[k], used[k])) {
+            return std::nullopt;
+        }
     }
-    cut made;
-    made.columns = columns_;
-    made.coefficients = coefficients_;
-    made.rhs = floor_of(rhs_.value() * 0.5, no_tolerance) + put_back_.value();
-    made.origin.divisor = 2.0;
-    for (const std::int32_t row : members.rows) {
-        made.origin.terms.push_back({row, false, 1.0});
-    }
-    divide_by_common_divisor(made);
-    set_violation(made, point);
-    return made;
+    return made_of(std::span(&row, 1), point);
 }
 
 } // namespace zero_half

@@ -13,8 +13,9 @@
 
 namespace zero_half {
 
-/// Chvatal-Gomory rounding with multipliers 0 and 1/2. Each cut is divided by the greatest common
-/// divisor of its coefficients, and its right-hand side is rounded down once more.
+/// Chvatal-Gomory rounding: sums of rows with multipliers 1/2, and single rows with any multiplier
+/// 1/k. Each cut is divided by the greatest common divisor of its coefficients, and its right-hand
+/// side is rounded down once more.
 class cg_rounding {
 public:
     cg_rounding(const mixed_integer_rows& model, const row_pool& pool)
@@ -25,6 +26,12 @@ public:
     /// a bound that a column does not have, or when no column is left.
     std::optional<cut> halved_sum(const odd_sum& members, const std::vector<substitution>& bounds,
                                   const double* point);
+
+    /// A row of the pool, each of its columns substituted by the bound in `used` at the same place,
+    /// divided by `divisor`, which is 1 or more, rounded down, and the bounds substituted back.
+    /// Nothing in the same cases.
+    std::optional<cut> divided_row(std::int32_t row, std::int64_t divisor,
+                                   std::span<const substitution> used, const double* point);
 
 private:
     /// A sum of integers that detects when it may no longer be exact.
@@ -43,13 +50,16 @@ private:
     };
 
     void add_up(std::span<const std::int32_t> rows);
-    bool halve(std::int32_t column, double coefficient, const substitution& used);
+    void begin(std::int64_t divisor);
+    bool divide(std::int32_t column, double coefficient, const substitution& used);
+    std::optional<cut> made_of(std::span<const std::int32_t> rows, const double* point);
 
     const mixed_integer_rows& model_;
     const row_pool& pool_;
     zktarn::owned_vector sum_;
-    /// The state of the current cut: its entries, twice its right-hand side after the substitution,
-    /// and the amount that substituting back adds.
+    /// The state of the current cut: the divisor, its entries, its right-hand side after the
+    /// substitution and before the division, and the amount that substituting back adds.
+    std::int64_t divisor_ = 2;
     std::vector<std::int32_t> columns_;
     std::vector<double> coefficients_;
     exact_sum rhs_;

@@ -194,6 +194,11 @@ scaled_sum scaled_row(const mixed_integer_rows& model, std::size_t row, double m
     return made;
 }
 
+bool has_one_magnitude(std::span<const double> values) {
+    return std::all_of(values.begin(), values.end(),
+                       [&](double value) { return std::fabs(value) == std::fabs(values.front()); });
+}
+
 } // namespace
 
 row_pool integral_rows_of(const mixed_integer_rows& model) {
@@ -209,8 +214,10 @@ row_pool integral_rows_of(const mixed_integer_rows& model) {
             return model.is_integer[static_cast<std::size_t>(j)] != 0;
         });
         const bool is_equation = model.row_lower[row] == model.row_upper[row];
+        const bool needs_one_side =
+            is_pure && is_equation && has_one_magnitude(model.values_of(row));
         for (const double sign : {1.0, -1.0}) {
-            if (!model.has_side(row, sign) || (is_pure && is_equation && sign < 0.0)) {
+            if (!model.has_side(row, sign) || (needs_one_side && sign < 0.0)) {
                 continue;
             }
             const scaled_sum own = scaled_row(model, row, sign * *scale);

@@ -5,8 +5,10 @@
 
 namespace zero_half {
 
-/// The rows of the model that can be scaled to integers. A range gives two rows, an equation only
-/// its upper side: modulo 2 the lower side is the same row.
+/// The rows of the model that can be scaled to integers. A range gives two rows. An equation whose
+/// coefficients are all of one magnitude gives only its upper side, because its lower side gives
+/// the same cuts: modulo 2 both are the same row. Divided by other integers, both sides of an
+/// equation differ.
 ///
 /// A continuous column is eliminated from a row if it has a suitable bound: a variable bound, by
 /// adding the row of the model that states it, or else a constant one. Then both sides of an

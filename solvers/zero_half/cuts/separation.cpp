@@ -50,7 +50,8 @@ separator::separator(const mixed_integer_rows& model, const zktarn::random::rng_
                      stop_predicate should_stop, const separation_options& options)
     : model_(model), random_(random), should_stop_(std::move(should_stop)), options_(options),
       pool_(integral_rows_of(model)), model_rows_(pool_.size()), is_in_use_(pool_.size(), 1),
-      rounding_(model_, pool_), selection_(model_, options.selection), limits_(options.normal) {}
+      rounding_(model_, pool_), division_(model_, pool_), selection_(model_, options.selection),
+      limits_(options.normal) {}
 
 std::vector<std::size_t> separator::find(const double* point, effort wanted) {
     limits_ = wanted == effort::normal ? options_.normal : options_.thorough;
@@ -58,6 +59,7 @@ std::vector<std::size_t> separator::find(const double* point, effort wanted) {
     const separated_point at = look_at(point);
     std::vector<cut> cuts = violated_rows(at);
     const std::size_t known = cuts.size();
+    add_divided_rows(at, cuts);
     add_new_cuts(at, cuts);
     if (cuts.size() == known && count_cuts(false) > 0) {
         add_sums(system_of(at, rows_to_use::all), at, cuts);
@@ -153,6 +155,24 @@ void separator::add_new_cuts(const separated_point& at, std::vector<cut>& cuts) 
         add_sums(of_model, at, cuts);
     } else {
         add_sums(system_of(at, rows_to_use::in_use), at, cuts);
+    }
+}
+
+void separator::add_divided_rows(const separated_point& at, std::vector<cut>& cuts) {
+    const std::size_t count = limits_.divides_cuts ? pool_.size() : model_rows_;
+    for (std::size_t i = 0; i < count && !should_stop_(); ++i) {
+        const auto found = is_in_use_[i] == 0
+                               ? std::nullopt
+                               : division_.best_of(i, at.slacks[i], at.values, at.bounds,
+                                                   limits_.divisors, options_.least_violation);
+        if (!found) {
+            continue;
+        }
+        std::optional<cut> made = rounding_.divided_row(static_cast<std::int32_t>(i),
+                                                        found->divisor, found->used, at.values);
+        if (made && made->violation >= options_.least_violation) {
+            cuts.push_back(std::move(*made));
+        }
     }
 }
 

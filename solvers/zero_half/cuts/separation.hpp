@@ -6,6 +6,7 @@
 #include "cuts/cg_rounding.hpp"
 #include "cuts/cut_selection.hpp"
 #include "cuts/odd_sums.hpp"
+#include "cuts/row_division.hpp"
 #include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {
@@ -23,6 +24,9 @@ struct search_limits {
     std::size_t least_cuts;
     /// Whether further searches follow where blossoms, which are exact, were found.
     bool continues_after_blossoms;
+    /// The most divisors that are tried for each row, and whether cuts in use are divided too.
+    std::size_t divisors;
+    bool divides_cuts;
 };
 
 /// Normal effort is for a new point. Thorough effort takes several times as long and finds more,
@@ -30,8 +34,8 @@ struct search_limits {
 enum class effort { normal, thorough };
 
 struct separation_options {
-    search_limits normal = {5, 10, 1, 3, 40, false};
-    search_limits thorough = {10, 40, 10, 5, 100, true};
+    search_limits normal = {5, 10, 1, 3, 40, false, 8, false};
+    search_limits thorough = {10, 40, 10, 5, 100, true, 24, true};
     std::size_t most_cuts = 1000;
     /// The most entries that the rows of the sums of a call may have, as a multiple of the entries
     /// of the model.
@@ -43,7 +47,9 @@ struct separation_options {
     selection_options selection = {};
 };
 
-/// Finds zero-half cuts: sums of rows, halved and rounded down (Caprara and Fischetti 1996).
+/// Finds zero-half cuts: sums of rows, halved and rounded down (Caprara and Fischetti 1996). Where
+/// rows have coefficients other than -1, 0 and 1, single rows are divided by other integers as
+/// well.
 ///
 /// The pool holds the rows of the model that can be made integral, followed by every violated cut
 /// that was found. Cuts that the selection rejected become rows of further sums only if the other
@@ -89,6 +95,7 @@ private:
     std::ptrdiff_t count_cuts(bool in_use) const;
     parity_system system_of(const separated_point& at, rows_to_use rows) const;
     void add_new_cuts(const separated_point& at, std::vector<cut>& cuts);
+    void add_divided_rows(const separated_point& at, std::vector<cut>& cuts);
     void add_sums(const parity_system& system, const separated_point& at, std::vector<cut>& cuts);
     void find_further_sums(const parity_system& system, odd_sums& sums) const;
     void add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts);
@@ -105,6 +112,7 @@ private:
     /// For each row of the pool, whether it is of the model or was selected once.
     std::vector<char> is_in_use_;
     cg_rounding rounding_;
+    row_division division_;
     cut_selection selection_;
     std::size_t found_ = 0;
     /// The number of cuts that the previous call selected.
