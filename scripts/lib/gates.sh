@@ -32,8 +32,9 @@ packages   | all   | library solver fresh packages | Debian packages: lintian, i
 fresh      | all   | fresh                         | the demo and the tests run on a bare Debian 12
 '
 
-# These gates share no build folder with the others.
-second_lane=" install analysis asan-ubsan tsan coverage fuzz macos python tools docs workflows packages fresh "
+# These gates share no build folder with the others. They take less time together, because the last ones have
+# long steps that keep one processor busy only, and the other lane then uses the other.
+second_lane=" install asan-ubsan tsan coverage fuzz macos python tools docs workflows packages fresh "
 
 # Several gates compile the same file with the same compiler and options. From now on they share a compile cache,
 # so that one of them compiles it and the others copy the result. The cache is a part of the build folder: the
