@@ -73,7 +73,7 @@ share_cache() {
     inside "$1" / "apt-get -q -y --no-install-recommends install ccache" >/dev/null
     mkdir "$1/root/ccache"
     # The same settings as outside, with the folder of the sources inside.
-    cache=(CCACHE_DIR=/root/ccache "CCACHE_BASEDIR=$2" CCACHE_NOHASHDIR=1 CCACHE_SLOPPINESS=pch_defines,time_macros
+    cache=(CCACHE_DIR=/root/ccache "CCACHE_BASEDIR=$2" CCACHE_NOHASHDIR=1 "CCACHE_SLOPPINESS=pch_defines,time_macros"
         CMAKE_C_COMPILER_LAUNCHER=ccache CMAKE_CXX_COMPILER_LAUNCHER=ccache)
     echo "Sharing the compile cache $CCACHE_DIR"
 }
