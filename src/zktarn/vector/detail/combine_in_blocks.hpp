@@ -32,10 +32,31 @@ struct block_limits {
     return x.elm.extent[0] >= least.capacity && y.nz >= least.y_nz && x.ind.extent[0] >= room;
 }
 
+/// What becomes of a listed entry. A `not_new` entry of y is listed in x already.
+enum class note : unsigned char { kept, dropped, not_new };
+
+/// Appends y's new indices to the list of x, in y's order, then replaces each dropped entry by the
+/// last one. The notes of x have room for those of the appended entries.
+[[gnu::always_inline]] inline void update_list(vector& x, const vector& y, note* x_notes,
+                                               const note* y_notes) noexcept {
+    std::int32_t* const list = x.ind.data;
+    std::int64_t length = x.nz;
+    for (std::int64_t k = 0, count = y.nz; k < count; ++k) {
+        list[length] = y.ind.data[k];
+        x_notes[length] = y_notes[k];
+        length += std::int64_t{y_notes[k] != note::not_new};
+    }
+    for (std::int64_t k = 0; k < length; ++k) {
+        for (; k < length && x_notes[k] == note::dropped; x_notes[k] = x_notes[length]) {
+            list[k] = list[--length];
+        }
+    }
+    x.nz = static_cast<std::int32_t>(length);
+}
+
 /// x := alpha * x + beta * y, where `suits_blocks` holds and y is another record than x.
 [[gnu::always_inline]] inline void combine_in_blocks(vector& x, const vector& y,
                                                      const factors& weights) noexcept {
-    enum note : unsigned char { kept, dropped, not_new };
     std::int32_t* const list = x.ind.data;
     const marked_entries in_x{x.coef.data, x.elm.data};
     double* const coef = x.coef.data - 1; // addressed by index
@@ -61,34 +82,23 @@ struct block_limits {
             const membership known(elm[j]);
             coef[j] = std::fma(weights.beta, y_coef(j), known.coefficient(coef[j]));
             elm[j] = known.after_add();
-            y_notes[position] = known.is_new != 0 ? kept : not_new;
+            y_notes[position] = known.is_new != 0 ? note::kept : note::not_new;
         }
         for (std::int64_t k = xs.begin(b); k < xs.ends[b]; ++k) {
             in_x.prefetch(xs.ahead(k));
             const auto [j, position] = xs.all[k];
             const bool drops = (elm[j] < 1) | is_zero(coef[j]);
             elm[j] = drops ? 0 : elm[j];
-            x_notes[position] = drops ? dropped : kept;
+            x_notes[position] = drops ? note::dropped : note::kept;
         }
         for (std::int64_t k = ys.begin(b); k < ys.ends[b]; ++k) {
             const auto [j, position] = ys.all[k];
-            const bool drops = (y_notes[position] == kept) & is_zero(coef[j]);
+            const bool drops = (y_notes[position] == note::kept) & is_zero(coef[j]);
             elm[j] = drops ? 0 : elm[j];
-            y_notes[position] = drops ? dropped : y_notes[position];
+            y_notes[position] = drops ? note::dropped : y_notes[position];
         }
     }
-    std::int64_t length = xs.nz;
-    for (std::int64_t k = 0; k < ys.nz; ++k) {
-        list[length] = y.ind.data[k];
-        x_notes[length] = y_notes[k];
-        length += std::int64_t{y_notes[k] != not_new};
-    }
-    for (std::int64_t k = 0; k < length; ++k) {
-        for (; k < length && x_notes[k] == dropped; x_notes[k] = x_notes[length]) {
-            list[k] = list[--length];
-        }
-    }
-    x.nz = static_cast<std::int32_t>(length);
+    update_list(x, y, x_notes, y_notes);
 }
 
 } // namespace zktarn::vector_mod::detail
