@@ -1,9 +1,11 @@
 #include "command_line.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <system_error>
 
 #include <CLI/CLI.hpp>
 
@@ -21,6 +23,42 @@ std::string check_finite(const std::string& text) {
 std::string check_picture(const std::string& file) {
     const std::string suffix = std::filesystem::path(file).extension().string();
     return suffix == ".svg" || suffix == ".png" ? "" : "the name of a picture ends in .svg or .png";
+}
+
+/// An empty name comes from an unset variable of a shell. A file called - would surprise.
+std::string check_output(const std::string& file) {
+    return file.empty()  ? "the name of an output file is empty"
+           : file == "-" ? "the standard output is called /dev/stdout"
+                         : "";
+}
+
+/// Whether writing one of the files changes the other.
+bool are_same_file(const std::string& a, const std::string& b) {
+    namespace fs = std::filesystem;
+    std::error_code ignored;
+    if (fs::exists(a, ignored) && fs::exists(b, ignored)) {
+        return fs::is_regular_file(a, ignored) && fs::equivalent(a, b, ignored);
+    }
+    return fs::weakly_canonical(a, ignored) == fs::weakly_canonical(b, ignored);
+}
+
+/// Throws when an output would overwrite a model or another output.
+void check_files(const command_line& options) {
+    std::vector<std::string> before = options.files;
+    if (std::count(before.begin(), before.end(), "-") > 1) {
+        throw CLI::ValidationError("the standard input can be read only once");
+    }
+    for (const std::string& output :
+         {options.json_file, options.cuts_file, options.certificate_file, options.plot_file}) {
+        for (const std::string& other : before) {
+            if (!output.empty() && are_same_file(output, other)) {
+                throw CLI::ValidationError("writing " + output + " would overwrite " + other);
+            }
+        }
+        if (!output.empty()) {
+            before.push_back(output);
+        }
+    }
 }
 
 /// Explains the words in the last column of the table.
@@ -62,10 +100,12 @@ void declare_options(CLI::App& app, command_line& options, std::string& display_
     app.add_option("--optimum", options.run.optimum,
                    "Integer optimum of the only model; default: from optima.csv beside it")
         ->check(check_finite);
-    app.add_option("--cuts", options.cuts_file, "Write the only model with its cuts as MPS");
+    app.add_option("--cuts", options.cuts_file, "Write the only model with its cuts as MPS")
+        ->check(check_output);
     app.add_option("--certificate", options.certificate_file,
-                   "Write the derivation of the cuts of the only model, for check_cuts");
-    app.add_option("--json", options.json_file, "Write all figures as JSON");
+                   "Write the derivation of the cuts of the only model, for check_cuts")
+        ->check(check_output);
+    app.add_option("--json", options.json_file, "Write all figures as JSON")->check(check_output);
     app.add_option("--plot", options.plot_file, "Draw the bounds as .svg or .png, by gnuplot")
         ->check(check_picture);
     app.set_version_flag("--version", "zero_half " ZERO_HALF_VERSION);
@@ -91,6 +131,7 @@ bool parse(int argc, char** argv, command_line& options, int& status) {
                                          !options.certificate_file.empty())) {
             throw CLI::ValidationError("--optimum, --cuts and --certificate are for one model");
         }
+        check_files(options);
     } catch (const CLI::ParseError& found) {
         status = app.exit(found) == 0 ? success : wrong_usage;
         return false;

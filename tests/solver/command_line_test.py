@@ -653,6 +653,10 @@ class CommandLine(unittest.TestCase):
                 self.assertEqual((model["rows"], model["bound"]), (1, -1.0))
                 self.assertEqual(call.out.splitlines()[0], model["file"], "no line of the reader")
 
+    def test_unknown_sense_of_the_objective_is_refused(self):
+        for head in (["OBJSENSE", "  LARGEST"], ["OBJSENSE LARGEST"]):
+            self.refuse_program(one_column(head=head), "neither MAX nor MIN")
+
     def test_xz_is_refused(self):
         self.refuse(self.write("packed.mps.xz", b"\xfd7zXZ\x00" + bytes(50)), "compressed by xz")
 
@@ -838,6 +842,24 @@ class CommandLine(unittest.TestCase):
         _, (before,) = self.report(file, "--cuts", tightened)
         _, (after,) = self.report(tightened, "--rounds", "0")
         self.assertAlmostEqual(after["lp_bound"], before["bound"], places=6)
+
+    def test_outputs_do_not_overwrite_models_or_each_other(self):
+        content = one_column()
+        model, link = self.write("model.mps", content), self.folder / "link.mps"
+        link.symlink_to(model)
+        output = self.folder / "new" / ".." / "out"
+        for options in (["--cuts", model], ["--json", model], ["--certificate", link],
+                        ["--cuts", link], ["--json", self.folder / "x", "--cuts", self.folder / "x"],
+                        ["--json", output, "--certificate", self.folder / "out"],
+                        ["--json", ""], ["--cuts", "-"]):
+            with self.subTest(options):
+                call = self.call(model, *options, status=2)
+                self.assertRegex(call.err, r"\Azero_half: [^\n]+\n\Z")
+                self.assertEqual(model.read_text(), content)
+                self.assertEqual(sorted(each.name for each in self.folder.iterdir()),
+                                 ["link.mps", "model.mps"])
+        self.call(model, "--json", "/dev/null", "--cuts", "/dev/null")
+        self.assertIn("only once", self.call("-", "-", status=2).err)
 
     def test_files_that_cannot_be_written(self):
         folder = self.folder / "folder.svg"

@@ -124,12 +124,17 @@ bool line_filter::is_left_out(const char* line) {
 bool line_filter::is_unsupported(const std::vector<std::string>& words) {
     static const std::set<std::string> not_linear = {
         "SOS", "QUADOBJ", "QMATRIX", "QSECTION", "QCMATRIX", "CSECTION", "INDICATORS"};
+    static const std::set<std::string> senses = {"MAX", "MAXIMIZE", "MAXIMISE",
+                                                 "MIN", "MINIMIZE", "MINIMISE"};
     constexpr std::size_t longest = 150;
     const auto has = [&](const std::string& word) {
         return std::find(words.begin(), words.end(), word) != words.end();
     };
-    if (section_ == "OBJSENSE" && (has("MAX") || has("MAXIMIZE") || has("MAXIMISE"))) {
-        found_.is_maximised = true;
+    if (section_ == "OBJSENSE" && !words.empty() && words.back() != section_) {
+        found_.is_maximised = words.back().starts_with("MAX");
+        if (senses.count(words.back()) == 0) {
+            refuse("the sense of the objective is neither MAX nor MIN");
+        }
     }
     if (not_linear.count(section_) != 0 || has("'SOSORG'") || has("'SOSEND'")) {
         refuse("sets, cones, quadratic and logical parts are not supported, but there is " +
