@@ -14,7 +14,7 @@ struct verdict {
     std::vector<std::string> faults;
 };
 
-/// Derives every row a * x <= rhs of a run's pool again, in exact rational arithmetic, from its
+/// Derives every row a * x <= rhs of a run's pool again, in exact arithmetic, from its
 /// origin:
 ///
 /// 1. Sum the multiples of rows of the model and of earlier rows, and divide by the divisor.
