@@ -205,7 +205,7 @@ print(json.dumps(report), file=console)
 """
 
 # Their requests fail in code that is not the host's: NumPy's bit generators, a method in Python. That
-# code leaks now and then without memory, with or without a host.
+# code sometimes leaks when memory runs out, with or without a host.
 CALL_OTHERS = {"makes_generator", "takes_snapshot", "prints"}
 
 

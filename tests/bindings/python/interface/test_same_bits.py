@@ -11,7 +11,7 @@ import pytest
 ROOT = pathlib.Path(__file__).resolve().parents[4]
 GOLDEN = ROOT / "tests" / "binary" / "identity" / "results.golden"
 
-# What Python does with its own means, and what the host decides: see the table in docs/python.md.
+# Procedures that Python replaces, and results that the host decides: see the table in docs/python.md.
 ELSEWHERE = {"random._rng_stateinitialise", "random.deleterng", "random.deleterngstate",
              "random.getrngstate", "random.instantiaterng", "random.rand_number",
              "random.setrngstate", "util.xcopy_i1", "util.xcopy_i4", "util.xcopy_r8",

@@ -86,7 +86,7 @@ def scalar_results(f, *columns):
     return np.array([f(*row) for row in np.broadcast(*columns)])
 
 
-# Runs of ordinary numbers of every length, with a strange one here and there.
+# Runs of ordinary numbers of every length, with an exceptional one at some positions.
 COLUMN = np.random.default_rng(7)
 
 

@@ -16,7 +16,7 @@ CHILD = "child"
 
 
 def run_until_interrupted():
-    """Prints `started` in the first round, then what is known when KeyboardInterrupt arrives."""
+    """Prints `started` in the first round, then the partial result when KeyboardInterrupt is raised."""
     from problems import random_graph
 
     from zktarn import zero_half

@@ -36,7 +36,7 @@ def program():
 
 
 def stable_set(edges, nodes):
-    """Most nodes of which no two are neighbours, as arguments of tighten."""
+    """A maximum stable set problem, as arguments of tighten."""
     edges = np.asarray(edges)
     count = len(edges)
     matrix = scipy.sparse.csr_array(

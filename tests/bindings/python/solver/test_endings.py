@@ -152,7 +152,7 @@ def test_an_exception_in_the_last_call_arrives_with_the_complete_result():
 
 
 class Closed(Exception):
-    """Has no attribute to spare."""
+    """An exception class that already has an attribute `result`."""
 
     @property
     def result(self):

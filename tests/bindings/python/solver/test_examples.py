@@ -1,4 +1,4 @@
-"""The examples print what they promise, and the pages' code runs."""
+"""The examples print their documented output, and the code on the pages runs."""
 
 import os
 import pathlib

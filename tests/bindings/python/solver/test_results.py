@@ -167,7 +167,7 @@ def test_cuts_of_random_programs_keep_every_integer_point():
         cuts += len(result.rhs)
         points += len(feasible)
         closed += result.bound > result.initial_bound + 1e-6
-    # The programs are no trivial ones.
+    # The programs are not trivial.
     assert cuts > RUNS / 2 and points > RUNS and closed > RUNS / 10
 
 
