@@ -11,7 +11,7 @@
 
 #include "input/error.hpp"
 #include "input/read_model.hpp"
-#include "lp/objective_values.hpp"
+#include "lp/objective.hpp"
 
 namespace {
 

@@ -9,7 +9,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "run/ending.hpp"
+#include "run/result.hpp"
 
 namespace zero_half {
 

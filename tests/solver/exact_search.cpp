@@ -1,4 +1,4 @@
-#include "solver/exact_search.hpp"
+#include "solver/exact_model.hpp"
 
 #include "solver/exact_lp.hpp"
 

@@ -14,9 +14,8 @@
 #include <OsiClpSolverInterface.hpp>
 #include <gtest/gtest.h>
 
-#include "input/optima.hpp"
 #include "input/read_model.hpp"
-#include "output/mps_writer.hpp"
+#include "output/output.hpp"
 #include "run/tightener.hpp"
 #include "solver/instances.hpp"
 #include "solver/replay.hpp"

@@ -19,7 +19,7 @@
 #include "input/error.hpp"
 #include "input/read_model.hpp"
 #include "run/tightener.hpp"
-#include "solver/exact_search.hpp"
+#include "solver/exact_model.hpp"
 #include "solver/model_files.hpp"
 
 namespace zero_half::testing {

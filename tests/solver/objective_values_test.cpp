@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "lp/objective_values.hpp"
+#include "lp/objective.hpp"
 
 namespace zero_half::testing {
 

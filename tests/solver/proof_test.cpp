@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "lp/certificate.hpp"
-#include "lp/integral_point.hpp"
+#include "lp/objective.hpp"
 #include "lp/relaxation.hpp"
 #include "lp/safe_bound.hpp"
 

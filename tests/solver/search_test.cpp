@@ -8,12 +8,9 @@
 
 #include <gtest/gtest.h>
 
-#include "cuts/blossoms.hpp"
-#include "cuts/elimination.hpp"
-#include "cuts/greedy_search.hpp"
-#include "cuts/odd_cycles.hpp"
 #include "cuts/odd_sums.hpp"
 #include "cuts/parity_system.hpp"
+#include "cuts/searches.hpp"
 #include "zktarn/owners.hpp"
 
 namespace zero_half::testing {

@@ -12,9 +12,7 @@
 #include <CoinError.hpp>
 
 #include "cbc/comparison.hpp"
-#include "cbc/report.hpp"
 #include "input/error.hpp"
-#include "input/optima.hpp"
 #include "input/read_model.hpp"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "cbc/report.hpp"
+#include "cbc/comparison.hpp"
 
 #include <algorithm>
 #include <cmath>

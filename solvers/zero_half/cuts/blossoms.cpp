@@ -1,4 +1,4 @@
-#include "cuts/blossoms.hpp"
+#include "cuts/searches.hpp"
 
 #include <algorithm>
 #include <utility>

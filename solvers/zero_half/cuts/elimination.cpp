@@ -1,4 +1,4 @@
-#include "cuts/elimination.hpp"
+#include "cuts/searches.hpp"
 
 #include <algorithm>
 #include <bit>

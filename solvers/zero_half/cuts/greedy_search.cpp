@@ -1,4 +1,4 @@
-#include "cuts/greedy_search.hpp"
+#include "cuts/searches.hpp"
 
 #include <limits>
 

@@ -1,5 +1,5 @@
-#include "cuts/odd_cycles.hpp"
 #include "cuts/row_sum.hpp"
+#include "cuts/searches.hpp"
 
 #include <algorithm>
 #include <array>

@@ -4,11 +4,8 @@
 #include <cmath>
 #include <utility>
 
-#include "cuts/blossoms.hpp"
-#include "cuts/elimination.hpp"
-#include "cuts/greedy_search.hpp"
 #include "cuts/integral_rows.hpp"
-#include "cuts/odd_cycles.hpp"
+#include "cuts/searches.hpp"
 
 namespace zero_half {
 

@@ -1,4 +1,4 @@
-#include "input/complete_model.hpp"
+#include "input/read_model.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "input/optima.hpp"
+#include "input/read_model.hpp"
 
 #include <charconv>
 #include <cmath>

@@ -16,7 +16,6 @@
 
 #include <CoinFileIO.hpp>
 
-#include "input/complete_model.hpp"
 #include "input/error.hpp"
 #include "input/lp_reader.hpp"
 #include "input/memory.hpp"

@@ -1,4 +1,4 @@
-#include "output/cut_certificate.hpp"
+#include "output/output.hpp"
 
 #include <fstream>
 #include <iomanip>

@@ -1,4 +1,4 @@
-#include "output/json_report.hpp"
+#include "output/output.hpp"
 
 #include <cmath>
 #include <fstream>

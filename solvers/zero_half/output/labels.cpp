@@ -1,4 +1,4 @@
-#include "output/labels.hpp"
+#include "output/output.hpp"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "output/mps_writer.hpp"
+#include "output/output.hpp"
 
 #include <algorithm>
 #include <cctype>

@@ -1,4 +1,4 @@
-#include "output/plot.hpp"
+#include "output/output.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "input/error.hpp"
-#include "output/labels.hpp"
 
 namespace zero_half {
 

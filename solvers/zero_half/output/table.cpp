@@ -1,4 +1,4 @@
-#include "output/table.hpp"
+#include "output/output.hpp"
 
 #include <algorithm>
 #include <cstdio>
@@ -7,8 +7,6 @@
 
 #include <sys/ioctl.h>
 #include <unistd.h>
-
-#include "output/labels.hpp"
 
 namespace zero_half {
 

@@ -9,8 +9,7 @@
 
 #include "cuts/separation.hpp"
 #include "input/error.hpp"
-#include "lp/integral_point.hpp"
-#include "lp/objective_values.hpp"
+#include "lp/objective.hpp"
 #include "lp/relaxation.hpp"
 #include "run/bridge.hpp"
 

@@ -5,8 +5,8 @@
 
 #include "host/python_host.hpp"
 #include "input/error.hpp"
-#include "input/optima.hpp"
-#include "run/ending.hpp"
+#include "input/read_model.hpp"
+#include "run/result.hpp"
 #include "zero_half.hpp"
 
 namespace py = pybind11;

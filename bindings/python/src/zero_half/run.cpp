@@ -11,11 +11,9 @@
 #include <CoinError.hpp>
 
 #include "host/python_host.hpp"
-#include "input/complete_model.hpp"
 #include "input/error.hpp"
 #include "input/read_model.hpp"
-#include "output/mps_writer.hpp"
-#include "output/table.hpp"
+#include "output/output.hpp"
 #include "run/tightener.hpp"
 
 namespace zktarn::python {

@@ -1,6 +1,10 @@
 #pragma once
 
+#include <optional>
+
 #include "input/model.hpp"
+
+/// The objective at integer points.
 
 namespace zero_half {
 
@@ -26,5 +30,12 @@ private:
     double divisor_ = 0.0;
     double scale_ = 1.0;
 };
+
+/// The objective of the point with its integer columns rounded to the nearest integers. Nothing
+/// when a column is farther than 1e-6 from an integer, or when the rounded point violates a bound
+/// or a row: rows with integer coefficients over integer columns are checked exactly, other rows
+/// over integer columns up to the rounding of their decimals to doubles, and rows with continuous
+/// columns with a tolerance of 1e-9 relative to their right-hand side.
+std::optional<double> integral_objective(const model& program, const double* point);
 
 } // namespace zero_half
