@@ -27,6 +27,8 @@ COLOURS = {("none", False): "#444444", ("CglZeroHalf", False): "#d95f02",
            ("zero_half", True): "#7570b3"}
 GAP_HEADING = ["model", "closed %, median", "least", "most", "CglZeroHalf closed %", "seconds",
                "CglZeroHalf seconds", "end"]
+# solver_families.py writes the section with this heading at the end of the page.
+FAMILIES_HEADING = "## Families of models\n"
 
 
 def optima_of_table(table):
@@ -283,8 +285,10 @@ def parsed_arguments():
 
 def write_results(options, rows, runs, sentences):
     draw(rows, runs, options.output / "solver_benchmarks" / "profile.svg")
-    (options.output / "solver_benchmarks.md").write_text(page(options, rows, runs, sentences),
-                                                         encoding="utf-8")
+    path = options.output / "solver_benchmarks.md"
+    _, heading, families = (path.read_text(encoding="utf-8") if path.exists() else "").partition(FAMILIES_HEADING)
+    kept = "\n" + heading + families if heading else ""
+    path.write_text(page(options, rows, runs, sentences) + kept, encoding="utf-8")
 
 
 def main():

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <optional>
 
+#include "cuts/separation.hpp"
+
 namespace zero_half {
 
 /// What is printed. The values are the host's codes.
@@ -22,6 +24,13 @@ struct run_options {
     /// The run ends when this share of the gap between relaxation and optimum is closed, in per
     /// cent.
     double stop_at_gap = 100.0;
+    /// The run ends after so many rounds in succession that did not raise the bound.
+    int most_stalled_rounds = 15;
+    /// Cuts that were slack for so many rounds are dropped.
+    int most_slack_rounds = 5;
+    /// The most other vertices of the optimal face that a round separates.
+    int most_other_points = 40;
+    separation_options separation = {};
 };
 
 } // namespace zero_half

@@ -102,7 +102,8 @@ private:
 run::run(const model& program, const run_options& options)
     : model_(program), options_(options), host_(options.show, options.has_output_function),
       random_(options.seed), relaxation_(program, [this] { return should_stop(); }),
-      separator_(program.rows_and_bounds(), *random_, [this] { return should_stop(); }),
+      separator_(program.rows_and_bounds(), *random_, [this] { return should_stop(); },
+                 options.separation),
       values_(program) {
     if (!random_) {
         throw std::bad_alloc();
@@ -136,10 +137,9 @@ run_result run::execute() {
 /// Whether the bound of the relaxation has not risen for some rounds, or the last rounds
 /// contributed a small share of its total rise.
 bool run::has_stalled() const {
-    constexpr int most_stalled_rounds = 15;
     constexpr std::size_t recent_rounds = 30;
     constexpr double least_share = 0.02;
-    if (stalled_rounds_ >= most_stalled_rounds) {
+    if (stalled_rounds_ >= options_.most_stalled_rounds) {
         return true;
     }
     const std::vector<double>& bounds = relaxation_history_;
@@ -212,7 +212,6 @@ run::step run::solve_first() {
 /// vertex that gives no cut, or cuts that have not raised the bound for some rounds, may be one of
 /// many with the same objective; then others are separated too.
 std::vector<std::size_t> run::separate() {
-    constexpr int most_other_points = 40;
     constexpr int rounds_until_stall = 3;
     const effort wanted = stalled_rounds_ > 0 ? effort::thorough : effort::normal;
     std::vector<std::size_t> rows = separator_.find(relaxation_.point(), wanted);
@@ -221,7 +220,7 @@ std::vector<std::size_t> run::separate() {
     }
     cuts_found_ = separator_.found();
     bool is_wanted = rows.empty() || stalled_rounds_ >= rounds_until_stall;
-    for (int i = 0; i < most_other_points && is_wanted && !should_stop(); ++i) {
+    for (int i = 0; i < options_.most_other_points && is_wanted && !should_stop(); ++i) {
         const std::vector<double> point = relaxation_.another_optimum(*random_);
         if (point.empty()) {
             break;
@@ -241,7 +240,6 @@ std::vector<std::size_t> run::separate() {
 /// Separates the point and solves the relaxation with the cuts. If the solution fails, removes the
 /// cuts of the round; but if they leave no point, keeps them as a proof.
 run::step run::execute_round() {
-    constexpr int most_slack_rounds = 5;
     const double separation_start = cpu_seconds();
     const std::size_t pool_size = separator_.pool().size();
     const std::vector<std::size_t> rows = separate();
@@ -250,7 +248,7 @@ run::step run::execute_round() {
         return {relaxation::outcome::optimal, false};
     }
     const double relaxation_start = cpu_seconds();
-    relaxation_.drop_slack_cuts(most_slack_rounds);
+    relaxation_.drop_slack_cuts(options_.most_slack_rounds);
     relaxation_.add(separator_.pool(), rows);
     const relaxation::outcome outcome = relaxation_.solve();
     if (outcome == relaxation::outcome::optimal) {
