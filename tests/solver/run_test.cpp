@@ -138,6 +138,22 @@ TEST_F(Run, EndsWhenTheRequestedShareOfTheGapIsClosed) {
     EXPECT_LT(*bound_, 1120.0);
 }
 
+TEST_F(Run, EndsBeforeARoundThatMayNeedMoreMemoryThanIsLeft) {
+    model_ = read_model(ZERO_HALF_MODELS "/p0282.mps");
+    const auto entries = static_cast<std::uint64_t>(model_.rows.getNumElements());
+    // Enough for a first round, but not beside the pool that it leaves.
+    options_.memory_left = [&] { return memory_for_round(entries, 2 * entries); };
+    EXPECT_EQ(run_and_get_ending(), ending::memory_used);
+    EXPECT_GE(rounds_, 1u);
+    EXPECT_LT(rounds_, 20u);
+    options_.memory_left = [] { return std::uint64_t{1000}; };
+    EXPECT_EQ(run_and_get_ending(), ending::memory_used);
+    EXPECT_EQ(rounds_, 0u);
+    EXPECT_TRUE(bound_.has_value());
+    options_.memory_left = [] { return std::nullopt; };
+    EXPECT_NE(run_and_get_ending(), ending::memory_used);
+}
+
 TEST_F(Run, FindsThatThereIsNoIntegerPoint) {
     // Exactly one end of each edge is selected, which is impossible on an odd cycle.
     model_.row_lower.assign(model_.row_lower.size(), 1.0);

@@ -33,6 +33,8 @@ public:
     void truncate(std::size_t count);
 
     std::size_t size() const { return rhs_.size(); }
+    /// Of all rows.
+    std::size_t entries() const { return columns_.size(); }
     std::span<const std::int32_t> columns(std::size_t row) const {
         return std::span(columns_).subspan(starts_[row], starts_[row + 1] - starts_[row]);
     }

@@ -121,6 +121,17 @@ std::uint64_t memory_to_solve(std::uint64_t rows, std::uint64_t columns, std::ui
     return bytes_an_entry * entries + bytes_a_row_or_column * (rows + columns);
 }
 
+/// The rows of the sums of a search have at most a multiple of the entries of the model, and a cut
+/// has at most the entries of its rows.
+std::uint64_t memory_for_round(std::uint64_t model_entries, std::uint64_t pool_entries) {
+    constexpr std::uint64_t always_allowed = 50'000;
+    constexpr std::uint64_t entries_of_cuts = 5;
+    constexpr std::uint64_t bytes_a_new_entry = 60;
+    constexpr std::uint64_t bytes_a_pool_entry = 20;
+    return bytes_a_new_entry * (always_allowed + entries_of_cuts * model_entries) +
+           bytes_a_pool_entry * pool_entries;
+}
+
 void check_memory(const std::string& file, std::uint64_t needed,
                   std::optional<std::uint64_t> available) {
     constexpr std::uint64_t megabyte = 1'000'000;

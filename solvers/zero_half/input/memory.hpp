@@ -21,6 +21,10 @@ std::uint64_t memory_to_read(std::uint64_t file_size);
 /// The minimum number of bytes that solving the relaxation of a model takes, without the model.
 std::uint64_t memory_to_solve(std::uint64_t rows, std::uint64_t columns, std::uint64_t entries);
 
+/// The bytes that a round may take: those of the cuts that it finds, in the pool and in the
+/// relaxation, and of the copy of the pool in the result.
+std::uint64_t memory_for_round(std::uint64_t model_entries, std::uint64_t pool_entries);
+
 /// Throws `error` when more memory is needed than available, with a sentence about the file.
 void check_memory(const std::string& file, std::uint64_t needed,
                   std::optional<std::uint64_t> available);

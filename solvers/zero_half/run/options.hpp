@@ -1,9 +1,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "cuts/separation.hpp"
+#include "input/memory.hpp"
 
 namespace zero_half {
 
@@ -31,6 +33,8 @@ struct run_options {
     /// The most other vertices of the optimal face that a round separates.
     int most_other_points = 40;
     separation_options separation = {};
+    /// The bytes that may still be allocated. The run ends before a round that may need more.
+    std::function<std::optional<std::uint64_t>()> memory_left = [] { return available_memory(); };
 };
 
 } // namespace zero_half

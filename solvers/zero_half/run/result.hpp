@@ -20,6 +20,7 @@ enum class ending {
     no_progress,
     rounds_used,
     time_used,
+    memory_used,
     interrupted,
     stopped_by_output_function,
     numeric_error,
@@ -34,7 +35,7 @@ struct ending_text {
 };
 
 /// All endings, in the order of the enumeration.
-inline constexpr std::array<ending_text, 10> ending_texts = {{
+inline constexpr std::array<ending_text, 11> ending_texts = {{
     {ending::integral, "integral", "integral", "the optimum of the relaxation is integral"},
     {ending::gap_closed, "gap_closed", "closed", "the requested share of the gap is closed"},
     {ending::no_cut_found, "no_cut_found", "no-cut", "no violated cut was found"},
@@ -44,6 +45,8 @@ inline constexpr std::array<ending_text, 10> ending_texts = {{
      "several rounds in succession did not raise the bound"},
     {ending::rounds_used, "rounds_used", "rounds", "the limit of rounds was reached"},
     {ending::time_used, "time_used", "time", "the time limit was reached"},
+    {ending::memory_used, "memory_used", "memory",
+     "a further round may need more memory than is left"},
     {ending::interrupted, "interrupted", "interrupt", "the user interrupted the run"},
     {ending::stopped_by_output_function, "stopped_by_output_function", "stopped",
      "the output function stopped the run"},

@@ -74,7 +74,8 @@ private:
         return host_.is_interrupted() ? ending::interrupted : ending::time_used;
     }
     bool has_stalled() const;
-    std::optional<ending> reason_to_end(const step& last) const;
+    bool is_memory_used();
+    std::optional<ending> reason_to_end(const step& last);
 
     const model& model_;
     const run_options& options_;
@@ -91,6 +92,8 @@ private:
     std::optional<double> relaxation_bound_;
     /// The rounds since the bound of the relaxation rose.
     int stalled_rounds_ = 0;
+    /// The need for memory that was last compared with what is left.
+    std::uint64_t checked_need_ = 0;
     /// The violated cuts found in this round, selected or not.
     std::size_t cuts_found_ = 0;
     /// The bounds after each relaxation so far, of the model and of the relaxation, in the sense of
@@ -150,8 +153,21 @@ bool run::has_stalled() const {
     return recent_rise < least_share * std::fabs(bounds.back() - bounds.front());
 }
 
+/// The cuts of earlier rounds stay in the pool, so it grows in a long run. To ask the system takes
+/// longer than a round of a small model, so it is asked when the need has grown by a twentieth.
+bool run::is_memory_used() {
+    const auto entries = static_cast<std::uint64_t>(model_.rows.getNumElements());
+    const std::uint64_t need = memory_for_round(entries, separator_.pool().entries());
+    if (need < checked_need_ + checked_need_ / 20) {
+        return false;
+    }
+    checked_need_ = need;
+    const std::optional<std::uint64_t> left = options_.memory_left();
+    return left && *left < need;
+}
+
 /// The only place that decides whether the run ends, and why.
-std::optional<ending> run::reason_to_end(const step& last) const {
+std::optional<ending> run::reason_to_end(const step& last) {
     switch (last.lp) {
     case relaxation::outcome::stopped:
         return stop_reason();
@@ -181,6 +197,9 @@ std::optional<ending> run::reason_to_end(const step& last) const {
     }
     if (is_time_used()) {
         return ending::time_used;
+    }
+    if (last.has_cuts && is_memory_used()) {
+        return ending::memory_used;
     }
     if (has_stalled()) {
         return ending::no_progress;

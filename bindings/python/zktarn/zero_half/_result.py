@@ -24,6 +24,7 @@ Status = Literal[
     "no_progress",
     "rounds_used",
     "time_used",
+    "memory_used",
     "interrupted",
     "stopped_by_output_function",
     "numeric_error",
@@ -67,6 +68,7 @@ class Result:
                      no_progress                 several rounds in succession did not raise the bound
                      rounds_used                 the limit of rounds was reached
                      time_used                   the time limit was reached
+                     memory_used                 a further round may need more memory than is left
                      interrupted                 Ctrl-C, or an exception other than that of the
                                                  output function
                      stopped_by_output_function  it returned 1, or raised an exception
