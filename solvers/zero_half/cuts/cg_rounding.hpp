@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "cuts/bound_substitution.hpp"
+#include "cuts/column_bounds.hpp"
 #include "cuts/cut.hpp"
 #include "cuts/exact_limits.hpp"
 #include "cuts/odd_sums.hpp"

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
+#include "cuts/column_bounds.hpp"
 #include "cuts/exact_limits.hpp"
 #include "cuts/rounding.hpp"
-#include "cuts/variable_bounds.hpp"
 
 namespace zero_half {
 

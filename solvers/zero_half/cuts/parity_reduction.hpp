@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "cuts/bound_substitution.hpp"
+#include "cuts/column_bounds.hpp"
 #include "cuts/hashing.hpp"
 #include "cuts/row_pool.hpp"
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "cuts/bound_substitution.hpp"
+#include "cuts/column_bounds.hpp"
 #include "cuts/mixed_integer_rows.hpp"
 #include "cuts/row_pool.hpp"
 
