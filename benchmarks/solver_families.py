@@ -44,7 +44,7 @@ class Model:
         for i, (row, _, _) in enumerate(self.rows):
             for j, value in row:
                 entries[j].append((f"r{i}", value))
-        lines = ["NAME model", "ROWS", " N cost"]
+        lines = ["NAME model FREE", "ROWS", " N cost"]
         lines += [f" {sense} r{i}" for i, (_, sense, _) in enumerate(self.rows)]
         lines.append("COLUMNS")
         for j, (cost, _, continuous) in enumerate(self.columns):
