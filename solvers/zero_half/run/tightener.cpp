@@ -105,8 +105,9 @@ private:
 run::run(const model& program, const run_options& options)
     : model_(program), options_(options), host_(options.show, options.has_output_function),
       random_(options.seed), relaxation_(program, [this] { return should_stop(); }),
-      separator_(program.rows_and_bounds(), *random_, [this] { return should_stop(); },
-                 options.separation),
+      separator_(
+          program.rows_and_bounds(), *random_, [this] { return should_stop(); },
+          options.separation),
       values_(program) {
     if (!random_) {
         throw std::bad_alloc();
