@@ -265,6 +265,15 @@ struct two_sides {
     double upper = no_bound;
 };
 
+void restrict_to(two_sides& sides, token::kind relation, double value) {
+    if (relation != token::kind::upper) {
+        sides.upper = value;
+    }
+    if (relation != token::kind::lower) {
+        sides.lower = value;
+    }
+}
+
 class lp_reader {
 public:
     lp_reader(std::string_view text, const std::string& file, reading_poll& poll)
@@ -289,7 +298,6 @@ private:
     double read_value();
     void read_term(linear_sum& sum, bool is_first);
     linear_sum read_sum();
-    void restrict_to(two_sides& sides, kind relation, double value) const;
     void read_objective(bool is_maximised);
     void read_row();
     void read_bound();
@@ -433,15 +441,6 @@ void lp_reader::read_objective(bool is_maximised) {
     made_.constant = made_.in_sense_of_file(sum.constant);
 }
 
-void lp_reader::restrict_to(two_sides& sides, kind relation, double value) const {
-    if (relation != kind::upper) {
-        sides.upper = value;
-    }
-    if (relation != kind::lower) {
-        sides.lower = value;
-    }
-}
-
 token::kind mirrored(token::kind relation) {
     return relation == token::kind::lower   ? token::kind::upper
            : relation == token::kind::upper ? token::kind::lower
@@ -547,7 +546,9 @@ void lp_reader::read_section(section opened) {
         case section::binaries: {
             const auto j = static_cast<std::size_t>(read_column());
             made_.is_integer[j] = 1;
-            is_binary_[j] = opened == section::binaries ? 1 : is_binary_[j];
+            if (opened == section::binaries) {
+                is_binary_[j] = 1;
+            }
             break;
         }
         default:
