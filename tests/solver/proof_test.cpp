@@ -1,4 +1,5 @@
 #include <limits>
+#include <optional>
 #include <vector>
 
 #include <CoinPackedVector.hpp>
@@ -154,6 +155,39 @@ TEST(SafeBound, HoldsForWrongDuals) {
         ASSERT_TRUE(bound.of(lp).has_value());
         EXPECT_LT(*bound.of(lp), 1.5);
     }
+}
+
+/// The reduced cost of the first column is 3e14 with a rounding error below half a unit in the last
+/// place, which six times its value turns into an error of a tenth.
+TEST(SafeBound, KeepsRoundingErrorsThatAReducedCostAbsorbs) {
+    const std::vector<double> lower = {-6, -2, -1, -2, 2};
+    const std::vector<double> upper = {-6, 0, 2, 0, 2};
+    const std::vector<double> costs = {-0.8, 9, -0.9, -2, 0};
+    CoinPackedMatrix rows(false, 0.0, 0.0);
+    rows.setDimensions(0, 5);
+    for (const std::vector<double>& row : {std::vector<double>{1e14, -4, 0.3, -3, -7},
+                                           {0, -1e4, 0, 1e6, 0},
+                                           {1e13, -1, 0, -2e13, -0.4}}) {
+        CoinPackedVector entries;
+        for (int j = 0; j < 5; ++j) {
+            if (row[static_cast<std::size_t>(j)] != 0.0) {
+                entries.insert(j, row[static_cast<std::size_t>(j)]);
+            }
+        }
+        rows.appendRow(entries);
+    }
+    const std::vector<double> least = {-COIN_DBL_MAX, -990000, -40000000000001.797};
+    const std::vector<double> most = {-600000000000006.75, -990000, -39999999999999.797};
+    ClpSimplex lp;
+    lp.setLogLevel(0);
+    lp.loadProblem(rows, lower.data(), upper.data(), costs.data(), least.data(), most.data());
+    lp.setDualTolerance(1e-9);
+    lp.dual();
+    ASSERT_EQ(lp.status(), 0);
+    // The point -6, -1, 1, -1, 2 satisfies the rows up to the error of their decimals.
+    const std::optional<double> bound = safe_bound(lp).of(lp);
+    ASSERT_TRUE(bound.has_value());
+    EXPECT_LE(*bound, 4.8 - 9 - 0.9 + 2);
 }
 
 TEST(SafeBound, DerivesBoundsOfColumnsWithoutBoundsFromRows) {

@@ -38,7 +38,14 @@ public:
     double value() const { return value_; }
     /// The factor covers the rounding of the sum of errors for up to 2^31 terms.
     double error() const { return error_ * (1.0 + 1e-6); }
-    double least() const { return value_ - error() - roundoff * std::fabs(value_ - error()); }
+    /// Bounds on the exact sum. Where a rounding error is below half a unit in the last place of
+    /// the sum, the difference of both would be the sum again, so it is moved to the next number.
+    double least() const {
+        return error_ == 0.0 ? value_ : std::nextafter(value_ - error(), -infinity);
+    }
+    double most() const {
+        return error_ == 0.0 ? value_ : std::nextafter(value_ + error(), infinity);
+    }
 
 private:
     double value_ = 0.0;
@@ -166,8 +173,8 @@ std::optional<double> safe_bound::evaluate(const ClpSimplex& lp, double radius,
         // factor * x at its least x is a concave function of the factor, so it is least at one of
         // the ends of the interval that contains the reduced cost.
         const range column = columns_[static_cast<std::size_t>(j)].within(radius);
-        const double low = reduced_cost.value() - reduced_cost.error();
-        const double high = reduced_cost.value() + reduced_cost.error();
+        const double low = reduced_cost.least();
+        const double high = reduced_cost.most();
         const double low_at = least_at(low, column.lower, column.upper);
         const double high_at = least_at(high, column.lower, column.upper);
         if (!std::isfinite(low_at) || !std::isfinite(high_at)) {
