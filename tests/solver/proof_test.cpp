@@ -95,6 +95,15 @@ TEST(Certificate, ProvesASumWithThirds) {
     EXPECT_TRUE(is_proven_infeasible(lp, never));
 }
 
+TEST(Certificate, ProvesASumWithAMultiplierThatNoDoubleIs) {
+    // The first row divided by its coefficient, minus the second: 0 * x <= -1.
+    ClpSimplex lp = program_of({0}, {{{30'000'000'001}, -infinite, 0}, {{1}, 1, infinite}},
+                               -infinite, infinite);
+    lp.primal();
+    ASSERT_EQ(lp.status(), 1);
+    EXPECT_TRUE(is_proven_infeasible(lp, never));
+}
+
 TEST(Certificate, ProvesCrossedBoundsAndRowsThatTheBoundsContradict) {
     ClpSimplex crossed = program_of({1}, {{{1}, -infinite, 1}}, 1, 0);
     EXPECT_TRUE(is_proven_infeasible(crossed, never));
@@ -132,6 +141,10 @@ TEST(Certificate, ProvesARayButNotADirectionThatARowBounds) {
     unbounded.primal();
     ASSERT_EQ(unbounded.status(), 2);
     EXPECT_TRUE(has_proven_ray(unbounded, never));
+    ClpSimplex steep = program_of({-1, -1}, {{{30'000'000'001, -1}, 0, 0}}, 0, infinite);
+    steep.primal();
+    ASSERT_EQ(steep.status(), 2);
+    EXPECT_TRUE(has_proven_ray(steep, never));
     ClpSimplex bounded = program_of({-1, -1}, {{{1, 1}, -infinite, 1}}, 0, infinite);
     bounded.primal();
     EXPECT_FALSE(has_proven_ray(bounded, never));

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include <boost/multiprecision/cpp_int.hpp>
@@ -16,7 +16,7 @@ namespace zero_half {
 namespace {
 
 using boost::multiprecision::cpp_rational;
-using multipliers = std::vector<double>;
+using multipliers = std::vector<cpp_rational>;
 using stop_function = std::function<bool()>;
 
 /// Clp stores COIN_DBL_MAX for an infinite bound; finite ones are at most 1e15.
@@ -61,19 +61,18 @@ bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights,
                      const stop_function& should_stop) {
     cpp_rational rhs = 0;
     for (int i = 0; i < lp.numberRows(); ++i) {
-        const double weight = weights[static_cast<std::size_t>(i)];
-        if (weight == 0.0) {
+        const cpp_rational& weight = weights[static_cast<std::size_t>(i)];
+        if (weight == 0) {
             continue;
         }
         if (should_stop()) {
             return false;
         }
-        const double side = weight > 0.0 ? lp.getRowUpper()[i] : lp.getRowLower()[i];
+        const double side = weight > 0 ? lp.getRowUpper()[i] : lp.getRowLower()[i];
         if (is_infinite(side)) {
             return false;
         }
-        rhs += cpp_rational(weight) * cpp_rational(side) +
-               cpp_rational(std::fabs(weight)) * tolerance_at(side);
+        rhs += weight * cpp_rational(side) + abs(weight) * tolerance_at(side);
     }
     const CoinPackedMatrix& columns = *lp.matrix();
     cpp_rational least = 0;
@@ -81,9 +80,9 @@ bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights,
         cpp_rational coefficient = 0;
         const CoinBigIndex first = columns.getVectorFirst(j);
         for (CoinBigIndex k = first; k < first + columns.getVectorSize(j); ++k) {
-            const double weight = weights[static_cast<std::size_t>(columns.getIndices()[k])];
-            if (weight != 0.0) {
-                coefficient += cpp_rational(weight) * cpp_rational(columns.getElements()[k]);
+            const cpp_rational& weight = weights[static_cast<std::size_t>(columns.getIndices()[k])];
+            if (weight != 0) {
+                coefficient += weight * cpp_rational(columns.getElements()[k]);
             }
         }
         const auto product = least_product(coefficient, lp.getColLower()[j], lp.getColUpper()[j]);
@@ -128,18 +127,18 @@ bool is_ray_proof(const ClpSimplex& lp, const multipliers& direction,
     std::vector<cpp_rational> activity(static_cast<std::size_t>(lp.numberRows()));
     cpp_rational slope = 0;
     for (int j = 0; j < lp.numberColumns(); ++j) {
-        const double step = direction[static_cast<std::size_t>(j)];
-        if (step == 0.0) {
+        const cpp_rational& step = direction[static_cast<std::size_t>(j)];
+        if (step == 0) {
             continue;
         }
-        if (!is_infinite(step > 0.0 ? lp.getColUpper()[j] : lp.getColLower()[j]) || should_stop()) {
+        if (!is_infinite(step > 0 ? lp.getColUpper()[j] : lp.getColLower()[j]) || should_stop()) {
             return false;
         }
-        slope += cpp_rational(step) * cpp_rational(lp.getObjCoefficients()[j]);
+        slope += step * cpp_rational(lp.getObjCoefficients()[j]);
         const CoinBigIndex first = columns.getVectorFirst(j);
         for (CoinBigIndex k = first; k < first + columns.getVectorSize(j); ++k) {
             activity[static_cast<std::size_t>(columns.getIndices()[k])] +=
-                cpp_rational(step) * cpp_rational(columns.getElements()[k]);
+                step * cpp_rational(columns.getElements()[k]);
         }
     }
     for (int i = 0; i < lp.numberRows(); ++i) {
@@ -152,61 +151,96 @@ bool is_ray_proof(const ClpSimplex& lp, const multipliers& direction,
     return slope < 0;
 }
 
-/// The ray with its largest magnitude 1 and negligible entries 0.
-multipliers normalised(const double* ray, int n, double sign) {
+/// The numbers divided by the largest magnitude among them; negligible ones become 0.
+std::vector<double> normalised(std::vector<double> numbers) {
     constexpr double negligible = 1e-9;
-    multipliers scaled(ray, ray + n);
     double largest = 0.0;
-    for (const double entry : scaled) {
-        largest = std::max(largest, std::fabs(entry));
+    for (const double each : numbers) {
+        largest = std::max(largest, std::fabs(each));
     }
-    for (double& entry : scaled) {
-        entry = largest > 0.0 ? sign * entry / largest : 0.0;
-        entry = std::fabs(entry) < negligible ? 0.0 : entry;
+    for (double& each : numbers) {
+        each = largest > 0.0 ? each / largest : 0.0;
+        each = std::fabs(each) < negligible ? 0.0 : each;
     }
-    return scaled;
+    return numbers;
 }
 
-/// The ray times the least number that makes all its entries nearly integers, rounded to these;
-/// nothing when there is no such number.
-std::optional<multipliers> integral(const multipliers& ray) {
+/// The numbers times the least factor that makes all of them nearly integers, rounded to these;
+/// nothing when there is no such factor.
+std::optional<std::vector<double>> integral(std::vector<double> numbers) {
     constexpr scale_limits limits{.tolerance = 1e-6, .denominator = 10'000.0, .scale = 1e8};
-    const std::optional<double> scale = integral_scale(ray, limits);
+    const std::optional<double> scale = integral_scale(numbers, limits);
     if (!scale) {
         return std::nullopt;
     }
-    multipliers rounded = ray;
-    for (double& entry : rounded) {
-        entry = std::round(entry * *scale);
+    for (double& each : numbers) {
+        each = std::round(each * *scale);
     }
-    return rounded;
+    return numbers;
 }
 
-/// Whether the ray or its integral multiple, in one of the two directions, passes the check.
-template <class Check>
-bool is_proven_by(const double* ray, int n, Check check) {
-    if (ray == nullptr) {
-        return false;
+multipliers quotients(const std::vector<double>& numbers, const std::vector<double>& divisors) {
+    multipliers all(numbers.size());
+    for (std::size_t k = 0; k < all.size(); ++k) {
+        if (numbers[k] != 0.0) {
+            all[k] = cpp_rational(numbers[k]) / cpp_rational(divisors[k]);
+        }
     }
+    return all;
+}
+
+/// Whether multipliers pass the check that are the ray, or its integral multiple, in one of the two
+/// directions, when each is measured in units of 1 / size.
+template <class Check>
+bool is_proven_in_units(const double* ray, const std::vector<double>& sizes, Check check) {
     for (const double sign : {1.0, -1.0}) {
-        const multipliers scaled = normalised(ray, n, sign);
-        if (check(scaled)) {
+        std::vector<double> products = sizes;
+        for (std::size_t k = 0; k < sizes.size(); ++k) {
+            products[k] *= sign * ray[k];
+        }
+        products = normalised(std::move(products));
+        if (check(quotients(products, sizes))) {
             return true;
         }
-        const std::optional<multipliers> rounded = integral(scaled);
-        if (rounded && check(*rounded)) {
+        const auto rounded = integral(std::move(products));
+        if (rounded && check(quotients(*rounded, sizes))) {
             return true;
         }
     }
     return false;
 }
 
+/// The same in equal units, and then in units of 1 / size: multipliers of rows with coefficients of
+/// 10^10 are as small as 10^-10, and may be simple fractions of these coefficients.
+template <class Check>
+bool is_proven_by(const double* ray, const std::vector<double>& sizes, Check check) {
+    const std::vector<double> equal(sizes.size(), 1.0);
+    return ray != nullptr && (is_proven_in_units(ray, equal, check) ||
+                              (sizes != equal && is_proven_in_units(ray, sizes, check)));
+}
+
+/// The largest magnitude of each row, or each column; 1 where there is none.
+std::vector<double> largest_magnitudes(const ClpSimplex& lp, bool of_rows) {
+    const CoinPackedMatrix& columns = *lp.matrix();
+    const int n = of_rows ? lp.numberRows() : lp.numberColumns();
+    std::vector<double> largest(static_cast<std::size_t>(n), 0.0);
+    for (int j = 0; j < lp.numberColumns(); ++j) {
+        const CoinBigIndex first = columns.getVectorFirst(j);
+        for (CoinBigIndex k = first; k < first + columns.getVectorSize(j); ++k) {
+            double& each = largest[static_cast<std::size_t>(of_rows ? columns.getIndices()[k] : j)];
+            each = std::max(each, std::fabs(columns.getElements()[k]));
+        }
+    }
+    std::replace(largest.begin(), largest.end(), 0.0, 1.0);
+    return largest;
+}
+
 /// Multipliers whose row has no side of their sign are 0: in exact arithmetic they are errors.
 multipliers with_finite_sides(const ClpSimplex& lp, multipliers weights) {
     for (int i = 0; i < lp.numberRows(); ++i) {
-        double& weight = weights[static_cast<std::size_t>(i)];
-        if (is_infinite(weight > 0.0 ? lp.getRowUpper()[i] : lp.getRowLower()[i])) {
-            weight = 0.0;
+        cpp_rational& weight = weights[static_cast<std::size_t>(i)];
+        if (is_infinite(weight > 0 ? lp.getRowUpper()[i] : lp.getRowLower()[i])) {
+            weight = 0;
         }
     }
     return weights;
@@ -214,7 +248,7 @@ multipliers with_finite_sides(const ClpSimplex& lp, multipliers weights) {
 
 /// Multipliers from the program that minimises the total violation of the rows: its row duals are a
 /// Farkas proof when the total is not 0. For programs whose solve left no ray.
-multipliers violation_duals(const ClpSimplex& lp) {
+std::vector<double> violation_duals(const ClpSimplex& lp) {
     const int m = lp.numberRows();
     ClpSimplex elastic;
     elastic.setLogLevel(0);
@@ -241,7 +275,7 @@ multipliers violation_duals(const ClpSimplex& lp) {
     elastic.passInEventHandler(lp.eventHandler());
     elastic.primal();
     const double* const prices = elastic.getRowPrice();
-    return multipliers(prices, prices + m);
+    return {prices, prices + m};
 }
 
 } // namespace
@@ -254,9 +288,9 @@ bool is_proven_infeasible(const ClpSimplex& lp, const stop_function& should_stop
         return is_farkas_proof(lp, with_finite_sides(lp, weights), should_stop);
     };
     const std::unique_ptr<double[]> ray(lp.infeasibilityRay());
-    return is_proven_by(ray.get(), lp.numberRows(), check) ||
-           has_contradicted_row(lp, should_stop) ||
-           is_proven_by(violation_duals(lp).data(), lp.numberRows(), check);
+    const std::vector<double> sizes = largest_magnitudes(lp, true);
+    return is_proven_by(ray.get(), sizes, check) || has_contradicted_row(lp, should_stop) ||
+           is_proven_by(violation_duals(lp).data(), sizes, check);
 }
 
 bool has_proven_ray(const ClpSimplex& lp, const stop_function& should_stop) {
@@ -264,21 +298,21 @@ bool has_proven_ray(const ClpSimplex& lp, const stop_function& should_stop) {
     const auto check = [&](const multipliers& direction) {
         return is_ray_proof(lp, direction, should_stop);
     };
-    if (is_proven_by(ray.get(), lp.numberColumns(), check)) {
+    if (is_proven_by(ray.get(), largest_magnitudes(lp, false), check)) {
         return true;
     }
     // A single column that no row limits.
-    multipliers direction(static_cast<std::size_t>(lp.numberColumns()), 0.0);
+    multipliers direction(static_cast<std::size_t>(lp.numberColumns()));
     for (int j = 0; j < lp.numberColumns() && !should_stop(); ++j) {
         const double cost = lp.getObjCoefficients()[j];
         if (cost == 0.0 || !is_infinite(cost < 0.0 ? lp.getColUpper()[j] : lp.getColLower()[j])) {
             continue;
         }
-        direction[static_cast<std::size_t>(j)] = cost < 0.0 ? 1.0 : -1.0;
+        direction[static_cast<std::size_t>(j)] = cost < 0.0 ? 1 : -1;
         if (lp.matrix()->getVectorSize(j) == 0 && check(direction)) {
             return true;
         }
-        direction[static_cast<std::size_t>(j)] = 0.0;
+        direction[static_cast<std::size_t>(j)] = 0;
     }
     return false;
 }

@@ -7,7 +7,9 @@
 namespace zero_half {
 
 /// Proofs in exact rational arithmetic that a linear program has no optimum. The simplex method
-/// proposes a ray; it is tried as it is and rounded to multiples of a common denominator.
+/// proposes a ray; it is tried as it is and rounded to multiples of a common denominator. If both
+/// prove nothing, the same is tried with the ray's entries in units of 1 / c, where c is the
+/// largest coefficient of the row or column of the entry.
 ///
 /// The cost is that of one pass over the coefficients in rational arithmetic for each attempt. A
 /// pass calls `should_stop` for every row or column and ends without a proof after it returned
