@@ -765,8 +765,13 @@ class CommandLine(unittest.TestCase):
         self.refuse(HERE / "models" / "unbounded_free_column.mps", "the relaxation is unbounded")
 
     def test_no_claim_without_a_proof(self):
-        # The dual simplex method reports relaxations of this model infeasible, but it has ten integer
-        # points; the optimum is 2913.5.
+        # Column y makes the relaxation unbounded, but its cost is within the tolerance of the simplex
+        # method, which reports an optimum.
+        self.refuse_program(program({"x": {"cost": -1, "r": 1}, "y": {"cost": "1e-11"}}, {"r": "L"},
+                                    [("r", 5)], [" PL b x", " MI b y"]), "could not be decided")
+
+    def test_integer_points_of_a_model_with_numbers_far_apart(self):
+        # There are ten; the optimum is 2913.5.
         file = HERE / "models" / "ten_integer_points.mps"
         for seed in range(1, 6):
             _, (model,) = self.report(file, "--seed", seed)

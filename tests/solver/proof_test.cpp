@@ -1,3 +1,4 @@
+#include <functional>
 #include <limits>
 #include <optional>
 #include <vector>
@@ -56,6 +57,10 @@ ClpSimplex program_of(const std::vector<double>& objective, const std::vector<ro
     return lp;
 }
 
+bool is_infeasible(const ClpSimplex& lp, const std::function<bool()>& should_stop) {
+    return is_proven_infeasible(lp, safe_bound(lp).columns(), should_stop);
+}
+
 /// coefficients * x <= rhs over integer columns from 0 to 10.
 model model_of(const std::vector<double>& coefficients, double rhs) {
     model program;
@@ -83,7 +88,7 @@ TEST(Certificate, ProvesContradictingRowsOverFreeColumns) {
         program_of({1, 1}, {{{1, 1}, -infinite, 1}, {{1, 1}, 2, infinite}}, -infinite, infinite);
     lp.primal();
     ASSERT_EQ(lp.status(), 1);
-    EXPECT_TRUE(is_proven_infeasible(lp, never));
+    EXPECT_TRUE(is_infeasible(lp, never));
 }
 
 TEST(Certificate, ProvesASumWithThirds) {
@@ -92,7 +97,7 @@ TEST(Certificate, ProvesASumWithThirds) {
         program_of({0, 0}, {{{1, 2}, -infinite, 1}, {{3, 6}, 4, infinite}}, -infinite, infinite);
     lp.primal();
     ASSERT_EQ(lp.status(), 1);
-    EXPECT_TRUE(is_proven_infeasible(lp, never));
+    EXPECT_TRUE(is_infeasible(lp, never));
 }
 
 TEST(Certificate, ProvesASumWithAMultiplierThatNoDoubleIs) {
@@ -101,23 +106,41 @@ TEST(Certificate, ProvesASumWithAMultiplierThatNoDoubleIs) {
                                -infinite, infinite);
     lp.primal();
     ASSERT_EQ(lp.status(), 1);
-    EXPECT_TRUE(is_proven_infeasible(lp, never));
+    EXPECT_TRUE(is_infeasible(lp, never));
+}
+
+TEST(Certificate, ProvesASumWhoseMultipliersAreRoundedWithBoundsThatRowsImply) {
+    // The first row fixes the free column up to the others, which are from 0 to 1. The exact
+    // multipliers of the others have denominators above 10^4.
+    ClpSimplex lp = program_of({0, 0, 0, 0},
+                               {{{30, 37, 29, 1}, 48, 48},
+                                {{1, 0, 24, 6}, -infinite, 15},
+                                {{32, 36, 0, 9}, -infinite, 38},
+                                {{0, 0, -1, -1}, -infinite, -1},
+                                {{1, 0, 4, 1}, -infinite, 3},
+                                {{10, 19, 8, -6}, -infinite, 15},
+                                {{4, 4, 0, 1}, -infinite, 4}},
+                               0, 1);
+    lp.setColBounds(3, -infinite, infinite);
+    lp.dual();
+    ASSERT_EQ(lp.status(), 1);
+    EXPECT_TRUE(is_infeasible(lp, never));
 }
 
 TEST(Certificate, ProvesCrossedBoundsAndRowsThatTheBoundsContradict) {
     ClpSimplex crossed = program_of({1}, {{{1}, -infinite, 1}}, 1, 0);
-    EXPECT_TRUE(is_proven_infeasible(crossed, never));
+    EXPECT_TRUE(is_infeasible(crossed, never));
     ClpSimplex contradicted = program_of({1, 1}, {{{2, 3}, 6, infinite}}, 0, 1);
-    EXPECT_TRUE(is_proven_infeasible(contradicted, never));
+    EXPECT_TRUE(is_infeasible(contradicted, never));
 }
 
 TEST(Certificate, EndsWithoutAProofWhenTheRunHasToStop) {
     ClpSimplex infeasible =
         program_of({1, 1}, {{{1, 1}, -infinite, 1}, {{1, 1}, 2, infinite}}, -infinite, infinite);
     infeasible.primal();
-    EXPECT_FALSE(is_proven_infeasible(infeasible, always));
+    EXPECT_FALSE(is_infeasible(infeasible, always));
     ClpSimplex contradicted = program_of({1, 1}, {{{2, 3}, 6, infinite}}, 0, 1);
-    EXPECT_FALSE(is_proven_infeasible(contradicted, always));
+    EXPECT_FALSE(is_infeasible(contradicted, always));
     ClpSimplex unbounded = program_of({-1, -1}, {{{1, -1}, -infinite, 1}}, 0, infinite);
     unbounded.primal();
     EXPECT_FALSE(has_proven_ray(unbounded, always));
@@ -126,14 +149,14 @@ TEST(Certificate, EndsWithoutAProofWhenTheRunHasToStop) {
 TEST(Certificate, RejectsAFeasibleProgram) {
     ClpSimplex lp = program_of({1, 1}, {{{1, 1}, 1, 1}, {{1, -1}, 0, 0}}, 0, 1);
     lp.primal();
-    EXPECT_FALSE(is_proven_infeasible(lp, never));
+    EXPECT_FALSE(is_infeasible(lp, never));
     EXPECT_FALSE(has_proven_ray(lp, never));
 }
 
 TEST(Certificate, RejectsAContradictionWithinTheErrorOfDecimals) {
     // 0.1 + 0.2 is not 0.3 in doubles.
     ClpSimplex lp = program_of({0, 0}, {{{0.1, 0.2}, 0.3, 0.3}}, 1, 1);
-    EXPECT_FALSE(is_proven_infeasible(lp, never));
+    EXPECT_FALSE(is_infeasible(lp, never));
 }
 
 TEST(Certificate, ProvesARayButNotADirectionThatARowBounds) {

@@ -18,6 +18,7 @@ namespace {
 using boost::multiprecision::cpp_rational;
 using multipliers = std::vector<cpp_rational>;
 using stop_function = std::function<bool()>;
+using ranges = std::vector<safe_bound::range>;
 
 /// Clp stores COIN_DBL_MAX for an infinite bound; finite ones are at most 1e15.
 bool is_infinite(double bound) {
@@ -57,7 +58,7 @@ bool has_crossed_bounds(const ClpSimplex& lp) {
 
 /// Whether the weighted sum of the rows is above its greatest right-hand side for all points
 /// between the columns' bounds.
-bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights,
+bool is_farkas_proof(const ClpSimplex& lp, const ranges& bounds, const multipliers& weights,
                      const stop_function& should_stop) {
     cpp_rational rhs = 0;
     for (int i = 0; i < lp.numberRows(); ++i) {
@@ -85,7 +86,8 @@ bool is_farkas_proof(const ClpSimplex& lp, const multipliers& weights,
                 coefficient += weight * cpp_rational(columns.getElements()[k]);
             }
         }
-        const auto product = least_product(coefficient, lp.getColLower()[j], lp.getColUpper()[j]);
+        const auto [lower, upper] = bounds[static_cast<std::size_t>(j)];
+        const auto product = least_product(coefficient, lower, upper);
         if (!product || should_stop()) {
             return false;
         }
@@ -280,12 +282,13 @@ std::vector<double> violation_duals(const ClpSimplex& lp) {
 
 } // namespace
 
-bool is_proven_infeasible(const ClpSimplex& lp, const stop_function& should_stop) {
+bool is_proven_infeasible(const ClpSimplex& lp, const ranges& columns,
+                          const stop_function& should_stop) {
     if (has_crossed_bounds(lp)) {
         return true;
     }
     const auto check = [&](const multipliers& weights) {
-        return is_farkas_proof(lp, with_finite_sides(lp, weights), should_stop);
+        return is_farkas_proof(lp, columns, with_finite_sides(lp, weights), should_stop);
     };
     const std::unique_ptr<double[]> ray(lp.infeasibilityRay());
     const std::vector<double> sizes = largest_magnitudes(lp, true);

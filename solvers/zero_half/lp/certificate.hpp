@@ -1,8 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include <ClpSimplex.hpp>
+
+#include "lp/safe_bound.hpp"
 
 namespace zero_half {
 
@@ -18,9 +21,11 @@ namespace zero_half {
 /// Whether no point satisfies all rows and bounds, even if it may exceed each side of a row by a
 /// relative 1e-9: the decimal numbers of a file are not exact as doubles. Proven by a row or column
 /// with crossed bounds, by a row that the bounds of its columns contradict, or by Farkas
-/// multipliers: a sum of rows that the bounds contradict. False when the ray of the last solve
-/// proves nothing.
-bool is_proven_infeasible(const ClpSimplex& lp, const std::function<bool()>& should_stop);
+/// multipliers: a sum of rows that the bounds contradict. `columns` are bounds that rows of the
+/// program imply, which keep small the error of a multiplier that no double is. False when the ray
+/// of the last solve proves nothing.
+bool is_proven_infeasible(const ClpSimplex& lp, const std::vector<safe_bound::range>& columns,
+                          const std::function<bool()>& should_stop);
 
 /// Whether there is a direction in which the objective falls and no row or bound is ever reached:
 /// then the program is unbounded if it has any feasible point. False when the ray of the last solve

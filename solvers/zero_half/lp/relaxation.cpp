@@ -133,7 +133,8 @@ relaxation::outcome relaxation::checked_outcome() {
     case optimal:
         return take_bound();
     case infeasible:
-        return is_proven_infeasible(lp_, should_stop_) ? outcome::infeasible : outcome::undecided;
+        return is_proven_infeasible(lp_, safe_bound_->columns(), should_stop_) ? outcome::infeasible
+                                                                               : outcome::undecided;
     case unbounded:
         return has_proven_ray(lp_, should_stop_) && has_feasible_point() ? outcome::unbounded
                                                                          : outcome::undecided;

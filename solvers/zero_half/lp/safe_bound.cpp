@@ -94,6 +94,7 @@ safe_bound::safe_bound(const ClpSimplex& lp) {
 /// Bounds of columns from the row sign * row <= side. A column has one when the other columns of
 /// the row have a least activity.
 void safe_bound::imply_bounds(const CoinPackedMatrix& rows, int i, double side, double sign) {
+    constexpr double side_tolerance = 1e-9;
     const int* const columns = rows.getIndices() + rows.getVectorFirst(i);
     const double* const elements = rows.getElements() + rows.getVectorFirst(i);
     const int size = rows.getVectorSize(i);
@@ -106,6 +107,7 @@ void safe_bound::imply_bounds(const CoinPackedMatrix& rows, int i, double side, 
     for (int k = 0; k < size; ++k) {
         if (std::isfinite(bound_of(k))) {
             activity.add(sign * elements[k], bound_of(k));
+            activity.blur(decimal_error(elements[k]) * std::fabs(bound_of(k)));
         } else {
             ++unbounded;
         }
@@ -123,6 +125,7 @@ void safe_bound::imply_bounds(const CoinPackedMatrix& rows, int i, double side, 
             others.add(-factor, bound_of(k));
         }
         others.add(-side);
+        others.blur(side_tolerance * std::max(1.0, std::fabs(side)));
         const double limit = (others.error() - others.value()) / factor;
         opposite = limit + std::copysign(4.0 * roundoff * std::fabs(limit), factor);
     }

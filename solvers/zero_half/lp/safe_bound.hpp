@@ -11,6 +11,14 @@ namespace zero_half {
 /// Proven lower bounds on the optimum of a linear program to which rows are added.
 class safe_bound {
 public:
+    struct range {
+        double lower;
+        double upper;
+        range within(double radius) const {
+            return {std::isfinite(lower) ? lower : -radius, std::isfinite(upper) ? upper : radius};
+        }
+    };
+
     /// Derives bounds for columns that have none from the rows of the program.
     explicit safe_bound(const ClpSimplex& lp);
 
@@ -33,18 +41,14 @@ public:
     /// Whether all numbers are small enough for the usual tolerances to have a meaning.
     bool is_moderate() const { return is_moderate_; }
 
+    /// The bounds of the columns, given or derived; infinite where there are none. Those derived
+    /// hold even for points that exceed each side of a row by a relative 1e-9.
+    const std::vector<range>& columns() const { return columns_; }
+
 private:
-    struct range {
-        double lower;
-        double upper;
-        range within(double radius) const {
-            return {std::isfinite(lower) ? lower : -radius, std::isfinite(upper) ? upper : radius};
-        }
-    };
     std::optional<double> evaluate(const ClpSimplex& lp, double radius, double tolerance) const;
     void imply_bounds(const CoinPackedMatrix& rows, int i, double side, double sign);
 
-    /// The bounds of the columns: given or implied.
     std::vector<range> columns_;
     bool is_moderate_;
 };

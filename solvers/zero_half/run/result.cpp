@@ -34,7 +34,9 @@ std::optional<double> run_result::gap_closed(std::optional<double> reached) cons
 std::string run_result::fault() const {
     if (reason == ending::numeric_error) {
         return "it could not be decided whether the relaxation with the cuts of the last round has "
-               "an optimum, its numbers are too far apart; the bound is that of the round before";
+               "an optimum: the result of the simplex method has no proof; the bound is that of "
+               "the "
+               "round before";
     }
     if (!is_optimum_wrong()) {
         return "";

@@ -221,7 +221,7 @@ run::step run::solve_first() {
         throw error(model_.file + ": the relaxation is unbounded");
     case relaxation::outcome::undecided:
         throw error(model_.file + ": it could not be decided whether the relaxation has an optimum "
-                                  "and which; its numbers are too far apart");
+                                  "and which: the result of the simplex method has no proof");
     case relaxation::outcome::stopped:
         break;
     }
