@@ -147,10 +147,13 @@ gate_checked() {
 # Under a sanitizer, runs one random case in ten.
 gate_asan_ubsan() {
     local -x ZKTARN_TEST_SCALE=0.1
+    # CoinUtils keeps what it has read of an MPS file when reading ends early.
+    echo 'leak:CoinMpsIO::readMps' >"$build_dir/leaks"
+    local -x LSAN_OPTIONS=suppressions=$build_dir/leaks:print_suppressions=0
     # A Fortran program does not link with the runtime of Clang's sanitizers.
     build asan-ubsan -DCMAKE_CXX_COMPILER="$(instrumenting_clang)" -DZKTARN_FORTRAN=OFF
-    # One program leaks on purpose, the other in the LP reader of another library.
-    run_tests asan-ubsan --exclude-regex '^(tutorials[.]leak|solver[.]command_line)$'
+    # A program that leaks on purpose.
+    run_tests asan-ubsan --exclude-regex '^tutorials[.]leak$'
 }
 
 # Threads may share the stand-in, but not the objects of the library in the list below: the sanitizer has to
