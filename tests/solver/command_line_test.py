@@ -587,7 +587,8 @@ class CommandLine(unittest.TestCase):
 
     def test_every_form_of_an_lp_file_is_read(self):
         text = ("\\ a comment: End\nMINIMISE\n obj: 2x + y - 0.5e1 z +\n3 + 0 u\nsubject   to\n"
-                " -4 <= x - z <= 5\n 3 >= y\n\n z: + - x[1] => -inf\n u + 2ex >= -2\n x + y + z >=\n 1.5\n"
+                " -4 <= x - z <= 5\n 3 >= y\n\n z: + - x[1] => -inf\n u + 2ex >= -2\n empty: <= 0\n"
+                " x + y + z >=\n 1.5\n"
                 "Bounds\n x <= 4\n -1 <= z <= 2.5 \\ End\n u free\n u >= -7\n ex = 1\n 0 <= y\n"
                 " x[1] <= +infinity\nGenerals\n x z\n u\nBinaries\n y\nEND")
         # z = 2, so that -5 z = -10; x >= -2 needs x = 0; y = 0 as x + y + z >= 1.5 holds.
@@ -597,7 +598,7 @@ class CommandLine(unittest.TestCase):
                                ("form.txt", content.encode())):
                 with self.subTest(name=name, content=content[:2]):
                     _, (model,) = self.report(self.write(name, data))
-                    self.assertEqual((model["rows"], model["columns"]), (5, 6))
+                    self.assertEqual((model["rows"], model["columns"]), (6, 6))
                     self.assertEqual((model["bound"], model["status"]), (-7.0, "integral"))
 
     def test_lp_files_with_anything_else_are_refused(self):
@@ -611,10 +612,12 @@ class CommandLine(unittest.TestCase):
                 (f"{head} x >= y\n{tail}", "line 4: unexpected y"),
                 (f"{head} 1..5 x >= 1\n{tail}", "line 4: unexpected .5"),
                 (f"{head} x >= nan\n{tail}", "line 4: unexpected nan"),
-                (f"{head} x + 4 >= 1\n{tail}", "columns on one side"),
-                (f"{head} x + x >= 1\n{tail}", "the column x occurs twice in a row"),
-                (f"Minimize\n x + x\nSubject To\n{row}{tail}", "twice in the objective"),
-                (f"{head} 3 = x >= 1\n{tail}", "sides of a row contradict"),
+                (f"{head} x + 4 >= 1\n{tail}", "line 4: a row needs columns on one side"),
+                (f"{head} <= 3\n{tail}", "columns on one side"),
+                (f"{head} c: 3 <= 4\n{tail}", "line 4: a row needs columns on one side"),
+                (f"{head} x + x >= 1\n{tail}", "line 4: the column x occurs twice in a row"),
+                (f"Minimize\n x + x\nSubject To\n{row}{tail}", "line 2: the column x occurs twice in the objective"),
+                (f"{head} 3 = x >= 1\n{tail}", "line 4: the two sides of a row contradict"),
                 (f"{head} c:{row} c:{row}{tail}", "the name c occurs twice"),
                 (f"{head} 1e16 x >= 1\n{tail}", "beyond 1e15"),
                 (f"{head} x >= 1e400\n{tail}", "beyond 1e15"),

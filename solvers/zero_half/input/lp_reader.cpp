@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <charconv>
-#include <limits>
 #include <optional>
 #include <string_view>
 #include <unordered_map>
@@ -12,244 +10,15 @@
 #include <vector>
 
 #include "input/error.hpp"
+#include "input/lp_scanner.hpp"
 #include "input/mps_reader.hpp"
 
 namespace zero_half {
 
 namespace {
 
-enum class section { none, minimise, maximise, rows, bounds, integers, binaries, end, unsupported };
-
-/// The words that begin a section, in small letters. The first one that fits counts.
-constexpr std::pair<std::string_view, section> keywords[] = {
-    {"minimize", section::minimise},
-    {"minimise", section::minimise},
-    {"minimum", section::minimise},
-    {"min", section::minimise},
-    {"maximize", section::maximise},
-    {"maximise", section::maximise},
-    {"maximum", section::maximise},
-    {"max", section::maximise},
-    {"subject to", section::rows},
-    {"such that", section::rows},
-    {"s.t.", section::rows},
-    {"st.", section::rows},
-    {"st", section::rows},
-    {"bounds", section::bounds},
-    {"bound", section::bounds},
-    {"general constraints", section::unsupported},
-    {"general constraint", section::unsupported},
-    {"gencons", section::unsupported},
-    {"generals", section::integers},
-    {"general", section::integers},
-    {"gens", section::integers},
-    {"gen", section::integers},
-    {"integers", section::integers},
-    {"integer", section::integers},
-    {"ints", section::integers},
-    {"int", section::integers},
-    {"binaries", section::binaries},
-    {"binary", section::binaries},
-    {"bins", section::binaries},
-    {"bin", section::binaries},
-    {"semi-continuous", section::unsupported},
-    {"semicontinuous", section::unsupported},
-    {"semi-integer", section::unsupported},
-    {"semis", section::unsupported},
-    {"semi", section::unsupported},
-    {"sos1", section::unsupported},
-    {"sos2", section::unsupported},
-    {"sos", section::unsupported},
-    {"lazy constraints", section::unsupported},
-    {"user cuts", section::unsupported},
-    {"pwlobj", section::unsupported},
-    {"multi-objectives", section::unsupported},
-    {"scenario", section::unsupported},
-    {"end", section::end},
-};
-
-bool is_blank(char c) {
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-bool is_digit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool is_control(char c) {
     return std::iscntrl(static_cast<unsigned char>(c)) != 0;
-}
-
-char small(char c) {
-    return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-}
-
-/// Characters that end a name. A bracket inside a name is part of it, as in x[1].
-bool ends_name(char c) {
-    return is_blank(c) || std::string_view("+-*^<>=:\\").find(c) != std::string_view::npos;
-}
-
-struct token {
-    /// `lower` is a relation <=, `upper` is >=; `other` is a character that no model needs.
-    enum class kind { number, name, plus, minus, lower, upper, equal, colon, other, keyword, end };
-    kind what;
-    std::string_view text;
-    double value = 0.0;
-    section opened = section::none;
-};
-
-/// Splits the text into tokens.
-class scanner {
-public:
-    explicit scanner(std::string_view text) : text_(text) { advance(); }
-
-    const token& next() const { return next_; }
-    token take() {
-        const token taken = next_;
-        advance();
-        return taken;
-    }
-    /// The line of the next token.
-    int line() const { return line_; }
-
-private:
-    void advance();
-    void skip_blanks();
-    bool read_keyword();
-    void read_number();
-    void read_relation();
-
-    std::string_view text_;
-    std::size_t at_ = 0;
-    bool is_line_start_ = true;
-    int line_ = 1;
-    token next_ = {token::kind::end, {}};
-};
-
-/// Skips blanks, line ends and comments.
-void scanner::skip_blanks() {
-    for (bool is_comment = false; at_ < text_.size(); ++at_) {
-        const char c = text_[at_];
-        if (c == '\n') {
-            ++line_;
-            is_line_start_ = true;
-            is_comment = false;
-        } else if (c == '\\') {
-            is_comment = true;
-        } else if (!is_comment && !is_blank(c)) {
-            return;
-        }
-    }
-}
-
-/// A keyword of two words may have any blanks between them. A word before a colon is a name.
-bool scanner::read_keyword() {
-    for (const auto& [word, opened] : keywords) {
-        std::size_t end = at_;
-        bool is_equal = true;
-        for (const char c : word) {
-            const bool is_at_blank =
-                end < text_.size() && (text_[end] == ' ' || text_[end] == '\t');
-            if (c == ' ' && is_at_blank) {
-                end = std::min(text_.find_first_not_of(" \t", end), text_.size());
-            } else {
-                is_equal = is_equal && end < text_.size() && small(text_[end]) == c;
-                ++end;
-            }
-        }
-        if (!is_equal || (end < text_.size() && !is_blank(text_[end]) && text_[end] != '\\')) {
-            continue;
-        }
-        const std::size_t after = text_.find_first_not_of(" \t", end);
-        if (after == std::string_view::npos || text_[after] != ':') {
-            next_ = {token::kind::keyword, text_.substr(at_, end - at_), 0.0, opened};
-            at_ = end;
-            return true;
-        }
-    }
-    return false;
-}
-
-/// A number without its sign. An `e` is part of it only with digits behind, so 2ex is 2 and ex.
-void scanner::read_number() {
-    double value = 0.0;
-    const char* const first = text_.data() + at_;
-    const auto [end, fault] = std::from_chars(first, text_.data() + text_.size(), value);
-    const auto size = static_cast<std::size_t>(end - first);
-    if (fault == std::errc::result_out_of_range) {
-        // Too small a number counts as 0, too large a one as infinite.
-        const std::size_t sign = text_.substr(at_, size).find_first_of("eE");
-        const bool is_small = sign != std::string_view::npos && text_[at_ + sign + 1] == '-';
-        value = is_small ? 0.0 : std::numeric_limits<double>::infinity();
-    }
-    next_ = {fault == std::errc::invalid_argument ? token::kind::other : token::kind::number,
-             text_.substr(at_, std::max<std::size_t>(size, 1)), value};
-    at_ += next_.text.size();
-}
-
-/// One of < <= =< > >= => =.
-void scanner::read_relation() {
-    std::size_t end = at_ + 1;
-    if (end < text_.size() && text_[at_] != text_[end] &&
-        std::string_view("<>=").find(text_[end]) != std::string_view::npos) {
-        ++end;
-    }
-    const std::string_view sign = text_.substr(at_, end - at_);
-    const bool has_less = sign.find('<') != std::string_view::npos;
-    const bool has_greater = sign.find('>') != std::string_view::npos;
-    next_ = {has_less && has_greater ? token::kind::other
-             : has_less              ? token::kind::lower
-             : has_greater           ? token::kind::upper
-                                     : token::kind::equal,
-             sign};
-    at_ = end;
-}
-
-void scanner::advance() {
-    skip_blanks();
-    if (at_ == text_.size()) {
-        next_ = {token::kind::end, "the end of the file"};
-        return;
-    }
-    const bool may_be_keyword = std::exchange(is_line_start_, false);
-    if (may_be_keyword && read_keyword()) {
-        return;
-    }
-    const char c = text_[at_];
-    if (is_digit(c) || c == '.') {
-        read_number();
-    } else if (c == '<' || c == '>' || c == '=') {
-        read_relation();
-    } else if (c == '+' || c == '-' || c == ':' || c == '*' || c == '^' || c == '[') {
-        const bool is_arrow = text_.substr(at_, 2) == "->";
-        next_ = {is_arrow   ? token::kind::other
-                 : c == '+' ? token::kind::plus
-                 : c == '-' ? token::kind::minus
-                 : c == ':' ? token::kind::colon
-                            : token::kind::other,
-                 text_.substr(at_, is_arrow ? 2 : 1)};
-        at_ += next_.text.size();
-    } else {
-        const std::size_t first = at_;
-        while (at_ < text_.size() && !ends_name(text_[at_])) {
-            ++at_;
-        }
-        next_ = {token::kind::name, text_.substr(first, at_ - first)};
-    }
-}
-
-bool is_relation(token::kind what) {
-    return what == token::kind::lower || what == token::kind::upper || what == token::kind::equal;
-}
-
-bool is_word(const token& each, std::string_view word) {
-    return each.what == token::kind::name &&
-           std::equal(each.text.begin(), each.text.end(), word.begin(), word.end(),
-                      [](char a, char b) { return small(a) == b; });
-}
-
-bool is_infinity(const token& each) {
-    return is_word(each, "inf") || is_word(each, "infinity");
 }
 
 /// A sum of columns and a constant.
@@ -284,9 +53,17 @@ public:
 private:
     using kind = token::kind;
 
-    [[noreturn]] void refuse(const std::string& what) const {
+    [[noreturn]] void refuse_line(int line, const std::string& what) const {
         throw error(file_ + ": this is not an LP file that can be read; line " +
-                    std::to_string(tokens_.line()) + ": " + what);
+                    std::to_string(line) + ": " + what);
+    }
+    /// Refuses the next token.
+    [[noreturn]] void refuse(const std::string& what) const {
+        refuse_line(tokens_.next_line(), what);
+    }
+    /// Refuses what ends with the last token.
+    [[noreturn]] void refuse_last(const std::string& what) const {
+        refuse_line(tokens_.last_line(), what);
     }
     [[noreturn]] void refuse_next() const;
     bool is_at(kind what) const { return tokens_.next().what == what; }
@@ -304,7 +81,7 @@ private:
     void read_section(section opened);
     void finish();
 
-    scanner tokens_;
+    lp_scanner tokens_;
     const std::string& file_;
     reading_poll& poll_;
     model made_;
@@ -334,7 +111,7 @@ std::optional<std::string> lp_reader::read_label() {
     if (!is_at(kind::name)) {
         return std::nullopt;
     }
-    const scanner before = tokens_;
+    const lp_scanner before = tokens_;
     std::string label(tokens_.take().text);
     if (!is_at(kind::colon)) {
         tokens_ = before;
@@ -409,7 +186,7 @@ void lp_reader::read_term(linear_sum& sum, bool is_first) {
     } else if (has_number) {
         sum.constant += value;
         if (std::exchange(sum.has_constant, true)) {
-            refuse("there are two constants in one sum");
+            refuse_last("there are two constants in one sum");
         }
     } else {
         refuse_next();
@@ -433,8 +210,8 @@ void lp_reader::read_objective(bool is_maximised) {
     for (std::size_t k = 0; k < sum.columns.size(); ++k) {
         const auto j = static_cast<std::size_t>(sum.columns[k]);
         if (std::exchange(last_row_[j], 0) == 0) {
-            refuse("the column " + printable(made_.column_names[j]) +
-                   " occurs twice in the objective");
+            refuse_last("the column " + printable(made_.column_names[j]) +
+                        " occurs twice in the objective");
         }
         made_.objective[j] = made_.in_sense_of_file(sum.values[k]);
     }
@@ -464,8 +241,9 @@ void lp_reader::read_row() {
         } while (is_at(kind::plus) || is_at(kind::minus));
     }
     const bool has_second = is_relation(tokens_.next().what);
-    if (sum.has_constant || sum.columns.empty()) {
-        refuse("a row needs columns on one side and a number on the other");
+    // With a name, a row may be empty.
+    if (sum.has_constant || (sum.columns.empty() && (!label || first))) {
+        refuse_last("a row needs columns on one side and a number on the other");
     }
     if (!first && !has_second) {
         refuse_next();
@@ -473,15 +251,15 @@ void lp_reader::read_row() {
     if (has_second) {
         const kind relation = tokens_.take().what;
         if (first && (relation == kind::equal || relation == *first || *first == kind::equal)) {
-            refuse("the two sides of a row contradict each other");
+            refuse_last("the two sides of a row contradict each other");
         }
         restrict_to(sides, relation, read_value());
     }
     const int row = static_cast<int>(made_.row_lower.size()) + 1;
     for (const int j : sum.columns) {
         if (std::exchange(last_row_[static_cast<std::size_t>(j)], row) == row) {
-            refuse("the column " + printable(made_.column_names[static_cast<std::size_t>(j)]) +
-                   " occurs twice in a row");
+            refuse_last("the column " + printable(made_.column_names[static_cast<std::size_t>(j)]) +
+                        " occurs twice in a row");
         }
     }
     columns_.insert(columns_.end(), sum.columns.begin(), sum.columns.end());
@@ -519,7 +297,7 @@ void lp_reader::read_bound() {
     if (has_second) {
         second = tokens_.take().what;
         if (first && (*second == kind::equal || *second == *first || *first == kind::equal)) {
-            refuse("the two bounds of a column contradict each other");
+            refuse_last("the two bounds of a column contradict each other");
         }
         restrict_to(sides, *second, read_value());
     }
@@ -623,7 +401,7 @@ model lp_reader::read() {
 } // namespace
 
 bool begins_as_lp(const std::string& text) {
-    const section opened = scanner(text).next().opened;
+    const section opened = lp_scanner(text).next().opened;
     return opened == section::minimise || opened == section::maximise;
 }
 
