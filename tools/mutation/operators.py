@@ -220,6 +220,9 @@ def _is_deletable(source, first, last):
         return False
     if words[0] in ("return", "break", "continue"):
         return len(words) == 1
+    # A call that only prefetches; its arguments have mutants, because they may read.
+    if "(" in words and words[words.index("(") - 1].startswith("prefetch"):
+        return False
     if words[0] in ("*", "++", "--", "delete") or "delete" in words[:3]:
         return True
     if words[0] in (

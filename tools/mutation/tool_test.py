@@ -89,6 +89,9 @@ class Operators(unittest.TestCase):
 
     def test_prefetching_has_no_mutants(self):
         self.assertEqual(changes(body("__builtin_prefetch(p + 1, 1);"), "arithmetic"), [])
+        for call in ("prefetch_read(p, j);", "entries.prefetch(list[k]);"):
+            self.assertEqual(changes(body(call), "statement"), [])
+        self.assertEqual(changes(body("entries.clear(prefetch(k));"), "statement"), [";"])
 
     def test_conditions_are_negated_unless_another_mutant_does_it(self):
         self.assertEqual(changes(body("if (a && b) {\ng();\n}"), "condition"), ["if (!(a && b)) {"])
