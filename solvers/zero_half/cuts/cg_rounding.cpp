@@ -28,18 +28,6 @@ void divide_by_common_divisor(cut& made) {
     made.origin.divisor *= divisor;
 }
 
-/// The quotient of two integers, rounded down.
-std::int64_t quotient_down(std::int64_t a, std::int64_t divisor) {
-    return a / divisor - (a % divisor < 0 ? 1 : 0);
-}
-
-/// A quotient, rounded down, or up for a column that is substituted by its upper bound.
-double rounded_quotient(double coefficient, std::int64_t divisor, bool is_up) {
-    const auto whole = static_cast<std::int64_t>(coefficient);
-    return static_cast<double>(is_up ? -quotient_down(-whole, divisor)
-                                     : quotient_down(whole, divisor));
-}
-
 void set_violation(cut& made, const double* point) {
     double activity = 0.0;
     double square = 0.0;

@@ -29,6 +29,14 @@ inline double nearest_integer(double value) {
     return zktarn::util::epsilon_floor(value, one_half);
 }
 
+/// The quotient of two integers, rounded down; up for the coefficient of a column that is
+/// substituted by its upper bound.
+inline double rounded_quotient(double a, std::int64_t divisor, bool is_up) {
+    const auto dividend = static_cast<std::int64_t>(is_up ? -a : a);
+    const std::int64_t down = dividend / divisor - (dividend % divisor < 0 ? 1 : 0);
+    return static_cast<double>(is_up ? -down : down);
+}
+
 /// The limits of a search for a factor that makes numbers integers.
 struct scale_limits {
     double tolerance;

@@ -6,6 +6,7 @@
 #include <functional>
 
 #include "cuts/exact_limits.hpp"
+#include "cuts/rounding.hpp"
 
 namespace zero_half {
 
@@ -15,11 +16,6 @@ namespace {
 std::int64_t modulo(std::int64_t a, std::int64_t divisor) {
     const std::int64_t rest = a % divisor;
     return rest < 0 ? rest + divisor : rest;
-}
-
-/// The quotient, rounded down.
-std::int64_t quotient(std::int64_t a, std::int64_t divisor) {
-    return (a - modulo(a, divisor)) / divisor;
 }
 
 std::int64_t as_integer(double value) {
@@ -201,9 +197,7 @@ double row_division::norm(std::size_t row, const std::vector<substitution>& used
     const auto coefficients = pool_.coefficients(row);
     double square = 0.0;
     for (std::size_t k = 0; k < used.size(); ++k) {
-        const std::int64_t a = as_integer(coefficients[k]);
-        const auto rounded =
-            static_cast<double>(used[k].is_upper ? -quotient(-a, divisor_) : quotient(a, divisor_));
+        const double rounded = rounded_quotient(coefficients[k], divisor_, used[k].is_upper);
         square += rounded * rounded;
     }
     return std::max(1.0, std::sqrt(square));
