@@ -35,8 +35,7 @@ std::string run_result::fault() const {
     if (reason == ending::numeric_error) {
         return "it could not be decided whether the relaxation with the cuts of the last round has "
                "an optimum: the result of the simplex method has no proof; the bound is that of "
-               "the "
-               "round before";
+               "the round before";
     }
     if (!is_optimum_wrong()) {
         return "";
