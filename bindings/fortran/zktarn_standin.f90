@@ -782,12 +782,7 @@ contains
     function standin_call_in_words(call) result(text)
         type(c_ptr), intent(in) :: call
         character(:), allocatable :: text
-        character(kind=c_char), allocatable, target :: buffer(:)
-        integer(c_size_t) :: length
-        length = c_call_in_words(call, c_null_ptr, 0_c_size_t)
-        allocate (buffer(length + 1))
-        length = c_call_in_words(call, c_loc(buffer), length + 1)
-        text = characters_at(c_loc(buffer), length)
+        text = text_about(c_call_in_words, call)
     end function
 
     subroutine standin_answer_reals(answer, values)
