@@ -458,33 +458,17 @@ class CommandLine(unittest.TestCase):
 
     @unittest.skipUnless(os.path.exists("/proc/self/status"), "needs /proc")
     def test_interrupt_before_the_first_round(self):
-        file, report = self.write("long.mps", random_cover(300, 900)), self.folder / "report.json"
+        file = self.write("long.mps", random_cover(300, 900))
         for delay in (0, 0.001, 0.003, 0.01, 0.03):
-            child = subprocess.Popen([PROGRAM, str(file), "--rounds", "100000", "--json",
-                                      str(report)], stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-            try:
-                status = pathlib.Path(f"/proc/{child.pid}/status")
-                deadline = time.monotonic() + CALL_TIMEOUT
-                while time.monotonic() < deadline:
-                    caught = re.search(r"SigCgt:\s*(\w+)", status.read_text())
-                    if caught and int(caught[1], 16) >> (signal.SIGINT - 1) & 1:
-                        break
-                time.sleep(delay)
-                child.send_signal(signal.SIGINT)
-                _, err = child.communicate(timeout=CALL_TIMEOUT)
-            finally:
-                child.kill()
-                child.wait()
-            self.assertEqual((child.returncode, err), (130, b""))
+            models = self.interrupt_at_start(file, "--rounds", "100000", delay=delay)
             # A model that was not read completely is not in the report.
-            models = self.read_report(report)
             self.assertEqual([model["status"] for model in models], ["interrupted"] * len(models))
 
-    def interrupt_at_start(self, *arguments, **pipes):
-        """Interrupts the program as soon as it listens, and returns its report after it has ended."""
+    def interrupt_at_start(self, *arguments, delay=0, stdin=None):
+        """Interrupts the program `delay` seconds after it listens, and returns its report."""
         report = self.folder / "report.json"
         child = subprocess.Popen([PROGRAM, *map(str, arguments), "--json", str(report)],
-                                 stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, **pipes)
+                                 stdin=stdin, stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
         try:
             status = pathlib.Path(f"/proc/{child.pid}/status")
             deadline = time.monotonic() + CALL_TIMEOUT
@@ -492,6 +476,7 @@ class CommandLine(unittest.TestCase):
                 caught = re.search(r"SigCgt:\s*(\w+)", status.read_text())
                 if caught and int(caught[1], 16) >> (signal.SIGINT - 1) & 1:
                     break
+            time.sleep(delay)
             child.send_signal(signal.SIGINT)
             child.wait(timeout=CALL_TIMEOUT)
             self.assertEqual((child.returncode, child.stderr.read()), (130, b""))
