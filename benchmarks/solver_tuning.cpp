@@ -15,8 +15,8 @@
 
 #include <CbcModel.hpp>
 #include <CbcSolver.hpp>
-#include <OsiClpSolverInterface.hpp>
 
+#include "cbc/loaded_model.hpp"
 #include "input/error.hpp"
 #include "input/read_model.hpp"
 #include "run/tightener.hpp"
@@ -54,17 +54,7 @@ void set(run_options& options, const std::string& assignment) {
 }
 
 int print_optimum(const model& program, const char* seconds) {
-    OsiClpSolverInterface relaxed;
-    relaxed.messageHandler()->setLogLevel(0);
-    relaxed.loadProblem(program.rows, program.lower.data(), program.upper.data(),
-                        program.objective.data(), program.row_lower.data(),
-                        program.row_upper.data());
-    for (int j = 0; j < program.column_count(); ++j) {
-        if (program.is_integer[static_cast<std::size_t>(j)] != 0) {
-            relaxed.setInteger(j);
-        }
-    }
-    CbcModel search(relaxed);
+    CbcModel search(loaded(program));
     CbcSolverUsefulData settings;
     CbcMain0(search, settings);
     const char* arguments[] = {"cbc", "-log",   "0", "-sec",   seconds, "-ratio",

@@ -11,9 +11,9 @@
 
 #include <CbcModel.hpp>
 #include <CbcSolver.hpp>
-#include <OsiClpSolverInterface.hpp>
 #include <gtest/gtest.h>
 
+#include "cbc/loaded_model.hpp"
 #include "input/read_model.hpp"
 #include "output/output.hpp"
 #include "run/tightener.hpp"
@@ -33,17 +33,7 @@ struct integer_solution {
 
 /// A proven integer optimum by branch and cut; empty if there is no integer point.
 std::optional<integer_solution> solve_by_branching(const model& program) {
-    OsiClpSolverInterface relaxed;
-    relaxed.messageHandler()->setLogLevel(0);
-    relaxed.loadProblem(program.rows, program.lower.data(), program.upper.data(),
-                        program.objective.data(), program.row_lower.data(),
-                        program.row_upper.data());
-    for (int j = 0; j < program.column_count(); ++j) {
-        if (program.is_integer[static_cast<std::size_t>(j)] != 0) {
-            relaxed.setInteger(j);
-        }
-    }
-    CbcModel search(relaxed);
+    CbcModel search(loaded(program));
     CbcSolverUsefulData settings;
     CbcMain0(search, settings);
     const char* arguments[] = {"test",   "-log", "0",      "-ratio", "0",

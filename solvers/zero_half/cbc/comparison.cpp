@@ -7,12 +7,12 @@
 #include <CbcModel.hpp>
 #include <CbcSolver.hpp>
 #include <CglZeroHalf.hpp>
-#include <OsiClpSolverInterface.hpp>
 
 // Included after CbcModel.hpp, because it uses declarations of that header.
 #include <CbcCutGenerator.hpp>
 
 #include "cbc/cut_generator.hpp"
+#include "cbc/loaded_model.hpp"
 
 namespace zero_half {
 
@@ -68,20 +68,6 @@ std::unique_ptr<CglCutGenerator> generator_of(variant::cuts kind, std::int32_t s
         break;
     }
     return nullptr;
-}
-
-OsiClpSolverInterface loaded(const model& program) {
-    OsiClpSolverInterface solver;
-    solver.messageHandler()->setLogLevel(0);
-    solver.loadProblem(program.rows, program.lower.data(), program.upper.data(),
-                       program.objective.data(), program.row_lower.data(),
-                       program.row_upper.data());
-    for (int j = 0; j < program.column_count(); ++j) {
-        if (program.is_integer[static_cast<std::size_t>(j)] != 0) {
-            solver.setInteger(j);
-        }
-    }
-    return solver;
 }
 
 std::vector<std::string> arguments_of(const comparison_options& options) {
