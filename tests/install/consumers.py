@@ -7,9 +7,8 @@ The projects are the examples, built against the installed package.
 import argparse
 import os
 import pathlib
-import shutil
-import subprocess
-import sys
+
+from steps import Steps, fail
 
 FATAL = "-Wl,--fatal-warnings,--warn-execstack"
 
@@ -37,27 +36,11 @@ end program
 """
 
 
-def fail(sentence):
-    sys.exit(f"consumers: {sentence}")
-
-
-class Scenarios:
+class Scenarios(Steps):
     def __init__(self, arguments):
         self.options = arguments
         self.examples = pathlib.Path(arguments.source) / "examples"
-        self.work = pathlib.Path(arguments.work)
-        shutil.rmtree(self.work, ignore_errors=True)
-        self.work.mkdir(parents=True)
-
-    def run(self, *command, env=None):
-        return subprocess.run([str(part) for part in command], capture_output=True, text=True,
-                              check=False, env=env)
-
-    def must(self, *command, env=None):
-        ran = self.run(*command, env=env)
-        if ran.returncode != 0:
-            fail(f"{' '.join(map(str, command))}\n{ran.stdout}{ran.stderr}")
-        return ran.stdout
+        super().__init__(arguments.work)
 
     def install(self, *components):
         """Installs and moves the tree, so that an absolute path in it does not work."""

@@ -6,8 +6,8 @@ import os
 import pathlib
 import re
 import shutil
-import subprocess
-import sys
+
+from steps import Steps, fail
 
 CONSUMER = """
 cmake_minimum_required(VERSION 3.24)
@@ -104,31 +104,15 @@ int main() {
 """
 
 
-def fail(sentence):
-    sys.exit(f"install: {sentence}")
-
-
-class Scenarios:
+class Scenarios(Steps):
     def __init__(self, arguments):
         self.source = arguments.source
         self.build = arguments.build
-        self.work = pathlib.Path(arguments.work)
         self.cmake = arguments.cmake
         self.compiler = arguments.compiler
-        shutil.rmtree(self.work, ignore_errors=True)
-        self.work.mkdir(parents=True)
+        super().__init__(arguments.work)
 
     # Steps
-
-    def run(self, *command, env=None):
-        return subprocess.run([str(part) for part in command], capture_output=True, text=True,
-                              check=False, env=env)
-
-    def must(self, *command, env=None):
-        ran = self.run(*command, env=env)
-        if ran.returncode != 0:
-            fail(f"{' '.join(map(str, command))}\n{ran.stdout}{ran.stderr}")
-        return ran.stdout
 
     def install(self, build=None, component=None):
         """Installs and moves the tree: a file that refers to the first place is then found broken."""
