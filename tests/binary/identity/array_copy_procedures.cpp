@@ -26,7 +26,8 @@ void add(digest& results, std::int32_t value) {
     results.integer(value);
 }
 
-/// An array longer than any count, so that the hash also covers elements that must not change.
+/// A random array. It is at least as long as every count, so that the hash also covers the elements
+/// behind the first n, which must not change.
 template <class T>
 std::vector<T> filled(draws& draw) {
     std::vector<T> elements(longest);

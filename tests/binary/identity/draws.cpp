@@ -21,12 +21,12 @@ double from_bits(std::uint64_t bits) {
     return std::bit_cast<double>(bits);
 }
 
-/// The real `steps` units in the last place away.
+/// The real that is `steps` representable numbers away from `value`, for steps < 0 toward zero.
 double moved(double value, std::int32_t steps) {
     return from_bits(std::bit_cast<std::uint64_t>(value) + static_cast<std::uint64_t>(steps));
 }
 
-/// 2^exponent, of a normal number.
+/// 2^exponent, for an exponent of a normal number: -1022 to 1023.
 double power_of_two(std::int32_t exponent) {
     return from_bits(static_cast<std::uint64_t>(exponent + 1023) << 52);
 }
@@ -69,7 +69,8 @@ double draws::near_an_integer() {
 }
 
 double draws::near_a_power_of_two() {
-    // Half of them near 2^31, 2^53 and 2^63, the limits of conversions to integers.
+    // Half of the exponents are near 31, 53 and 63, where conversions to integers lose digits or
+    // saturate.
     const std::int32_t exponent = chance(2) ? between(28, 66) : between(-1022, 1023);
     const std::int32_t steps = between(-1, 1);
     return moved(power_of_two(exponent), steps);
@@ -108,7 +109,7 @@ double draws::real() {
     }
     case 7:
         return signed_at_random(uniform() * 8.0);
-    case 8: { // Subnormal, or zero.
+    case 8: { // subnormal or 0.0
         const std::uint64_t zeros = 12 + below(52);
         return signed_at_random(from_bits(word() >> zeros));
     }

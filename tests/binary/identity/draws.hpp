@@ -6,21 +6,26 @@
 
 namespace zktarn::identity {
 
-/// The random inputs of one procedure, the same on every platform: without a distribution of the
-/// standard library, and rounded only by single additions, multiplications and divisions.
+/// The random inputs of one procedure. They are the same on every platform: they do not depend on a
+/// distribution of the standard library, and each is the result of single additions,
+/// multiplications and divisions, which IEEE 754 defines to the last bit.
 ///
-/// Draw one number in each statement, because the compiler chooses the order in which operands and
-/// arguments are evaluated.
+/// A statement must draw at most one number, because the compiler chooses the order in which it
+/// evaluates operands and arguments.
 class draws {
 public:
-    /// Each procedure has its own stream, so that a change of one leaves the others unchanged.
+    /// Each procedure has its own stream, so that a change of the calls of one procedure leaves the
+    /// hashes of the others unchanged.
     explicit draws(std::string_view procedure);
 
-    /// A random word. Source: Steele, Lea and Flood, Fast splittable pseudorandom number generators
-    /// (2014).
+    /// Uniform 64 bits, by SplitMix64. Source: Steele, Lea and Flood, Fast splittable pseudorandom
+    /// number generators (2014).
     std::uint64_t word();
 
+    /// In [0, n).
     std::uint64_t below(std::uint64_t n) { return word() % n; }
+
+    /// True with probability 1 / one_in.
     bool chance(std::uint64_t one_in) { return below(one_in) == 0; }
 
     /// From low to high, both included.
@@ -44,7 +49,7 @@ public:
     /// Mostly a small integer, sometimes any kind of real.
     double coefficient();
 
-    /// alpha or beta of a combination.
+    /// A factor alpha or beta of `vectors_combine`.
     double factor();
 
     /// A tolerance, sometimes a negative, huge or NaN one.
@@ -53,7 +58,7 @@ public:
     /// A bound for a denominator, sometimes a negative, huge or NaN one.
     double denominator_bound();
 
-    /// Any 32-bit integer, of any magnitude.
+    /// A 32-bit integer. Small and large magnitudes are about equally frequent.
     std::int32_t integer();
 
 private:

@@ -12,7 +12,8 @@
 
 /// The procedures whose results must be the same on every platform, with their inputs.
 ///
-/// The sources see the library by its one header, which tests of other languages replace.
+/// The sources include the library only by its umbrella header, so that the tests of the bindings
+/// can replace that header by one that calls the library through C, Fortran or Python.
 
 namespace zktarn::identity {
 

@@ -3,7 +3,7 @@
 
 #include "binary/identity/procedures.hpp"
 
-// The generators of the stand-in host return the same numbers on every platform.
+// The numbers come from the stand-in host, whose generators are the same on every platform.
 
 namespace zktarn::identity {
 
@@ -25,7 +25,7 @@ void call_instantiate(draws& draw, digest& results) {
     deleterng(rng);
 }
 
-/// A generator of the stand-in, which accepts every seed.
+/// A new generator. The stand-in host accepts every seed.
 rng_state created(std::int32_t seed) {
     rng_state rng;
     if (instantiaterng(rng, seed) == 0) {

@@ -7,8 +7,8 @@ namespace zktarn::identity {
 
 namespace {
 
-/// Sorts numbers, equal ones and NaN among them, by the exported or the inline form. Adds the
-/// compared positions and the sorted numbers to the digest.
+/// Sorts random numbers, which contain duplicates and NaN, by the exported or by the inline form of
+/// `sort`. Adds the compared positions and the sorted numbers to the digest.
 void call_sort(draws& draw, digest& results) {
     const std::int32_t n = draw.between(0, 200);
     const std::int32_t before = draw.between(-5, 5);

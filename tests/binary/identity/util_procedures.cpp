@@ -9,7 +9,7 @@ namespace {
 
 using namespace util;
 
-// The value of `nearest` that shows that a procedure wrote nothing.
+// The initial value of `nearest`, which remains when the procedure does not write it.
 constexpr double untouched = -12345.5;
 
 void call_fractional(draws& draw, digest& results) {
@@ -90,7 +90,7 @@ void call_integer_gcd(draws& draw, digest& results) {
     results.integer(xgcd_i4(a, b));
 }
 
-/// Elements that usually have a common scalar, sometimes none.
+/// Elements that usually have an integral scalar in common, and sometimes have none.
 testing::recorded_set drawn_set(draws& draw) {
     testing::recorded_set set{std::vector<testing::element>(draw.below(8))};
     const std::uint64_t kind = draw.below(4);
