@@ -1,13 +1,19 @@
-// Fractions with a bounded denominator.
+// Greatest common divisors of reals and of integers, and fractions with a bounded denominator.
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <numeric>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <boost/integer/common_factor_rt.hpp>
 
 #include "property/reference/rational_reference.hpp"
 #include "support/number_pool.hpp"
+#include "zktarn/util/gcd.hpp"
 #include "zktarn/util/rational.hpp"
 
 #ifdef ZKTARN_BENCH_COINUTILS
@@ -19,6 +25,76 @@ namespace zktarn::bench {
 namespace {
 
 constexpr double tolerance = 1e-9;
+
+// Divisors
+
+template <class Number>
+struct couple {
+    Number a;
+    Number b;
+};
+
+template <class Number>
+std::shared_ptr<number_pool<couple<Number>>> random_couples(std::int32_t most, bool trained) {
+    std::mt19937_64 engine(20261121);
+    std::uniform_int_distribution<std::int32_t> any(1, most);
+    std::vector<couple<Number>> couples(trained ? few_inputs : many_inputs);
+    for (auto& each : couples) {
+        each = {static_cast<Number>(any(engine)), static_cast<Number>(any(engine))};
+    }
+    return std::make_shared<number_pool<couple<Number>>>(std::move(couples));
+}
+
+/// Euclid's algorithm with the C library's `fmod`.
+double by_fmod(double a, double b, double eps) {
+    double big = std::fmax(std::fabs(a), std::fabs(b));
+    double small = std::fmin(std::fabs(a), std::fabs(b));
+    if (small <= eps) {
+        return big;
+    }
+    for (;;) {
+        const double rest = std::fmod(big, small);
+        if (!(rest > eps)) {
+            return small;
+        }
+        big = small;
+        small = rest;
+    }
+}
+
+void compare_real_divisors(std::int32_t most, double scale, const std::string& name, bool trained) {
+    const auto pool = random_couples<double>(most, trained);
+    compare("xgcd_r8/" + name + (trained ? "/trained" : ""),
+            {on_inputs("library", pool,
+                       [=](const couple<double>& c) {
+                           return util::xgcd_r8(c.a * scale, c.b * scale, tolerance);
+                       }),
+             on_inputs("fmod", pool, [=](const couple<double>& c) {
+                 return by_fmod(c.a * scale, c.b * scale, tolerance);
+             })});
+}
+
+void compare_integer_divisors(std::int32_t most, const std::string& name, bool trained) {
+    const auto pool = random_couples<std::int32_t>(most, trained);
+    using pair = couple<std::int32_t>;
+    compare(
+        "xgcd_i4/" + name + (trained ? "/trained" : ""),
+        {on_inputs("library", pool, [](const pair& c) { return util::xgcd_i4(c.a, c.b); }),
+         on_inputs("std", pool, [](const pair& c) { return std::gcd(c.a, c.b); }),
+         on_inputs("Boost", pool, [](const pair& c) { return boost::integer::gcd(c.a, c.b); })});
+}
+
+void compare_divisors() {
+    constexpr std::int32_t most = 2147483646;
+    for (const bool trained : {false, true}) {
+        compare_real_divisors(most, 1.0, "31bit", trained);
+        compare_real_divisors(100'000, 0.25, "quarters", trained);
+        compare_integer_divisors(most, "31bit", trained);
+        compare_integer_divisors(1000, "small", trained);
+    }
+}
+
+// Fractions
 
 class numbers {
 public:
@@ -103,7 +179,7 @@ double coin(double x, double max_den) {
 }
 #endif
 
-void compare_fractions(const kind& inputs_kind, double max_den, bool trained) {
+void compare_kind(const kind& inputs_kind, double max_den, bool trained) {
     numbers source;
     std::vector<double> inputs(trained ? few_inputs : many_inputs);
     for (double& each : inputs) {
@@ -127,17 +203,22 @@ void compare_fractions(const kind& inputs_kind, double max_den, bool trained) {
             std::move(contenders), 4096);
 }
 
-} // namespace
-
-void register_comparisons() {
+void compare_fractions() {
     std::vector<kind> kinds = plain_kinds();
     kinds.push_back({"mix", mixed});
     for (const double max_den : {1000.0, 1e6}) {
         for (const kind& each : kinds) {
-            compare_fractions(each, max_den, false);
-            compare_fractions(each, max_den, true);
+            compare_kind(each, max_den, false);
+            compare_kind(each, max_den, true);
         }
     }
+}
+
+} // namespace
+
+void register_comparisons() {
+    compare_divisors();
+    compare_fractions();
 }
 
 } // namespace zktarn::bench
