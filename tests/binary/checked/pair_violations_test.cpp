@@ -6,9 +6,9 @@ using namespace zktarn::vector_mod;
 using namespace zktarn::testing;
 
 // Two vectors, one of which breaks an invariant
-// -----------------------------------------------------------------------------
+// ------------------------------------------------------------------------------------------
 
-/// How a vector that lists 1 and 3 is made invalid.
+/// A change that makes a vector with the list 1, 3 invalid.
 struct defect {
     const char* name;
     void (*make)(sample&);
@@ -46,7 +46,7 @@ TEST_P(InvalidVector, IsReportedAsTheFirstOfASymmetricDifference) {
     EXPECT_REPORTED_FIRST(invalid_set, vectors_calc_sym_diff(invalid_set.v, one.v));
 }
 
-TEST_P(InvalidVector, IsReportedAsEitherOfAComparison) {
+TEST_P(InvalidVector, IsReportedAsEachArgumentOfAComparison) {
     EXPECT_REPORTED(static_cast<void>(vectors_are_identical(invalid.v, valid.v, 1.0)));
     EXPECT_REPORTED(static_cast<void>(vectors_are_identical(valid.v, invalid.v, 1.0)));
 }
@@ -54,17 +54,17 @@ TEST_P(InvalidVector, IsReportedAsEitherOfAComparison) {
 const defect defects[] = {
     {"MarkedAndNotListed", [](sample& s) { s.mark(2) = 1; }},
     {"ListedTwice", [](sample& s) { s.listed(2) = 1; }},
-    {"OtherIndicesMarked",
+    {"MarksOfUnlistedIndices",
      [](sample& s) {
          s.listed(2) = 4;
          s.mark(1) = 0;
          s.mark(2) = 1;
      }},
-    {"MarkedBelowZero", [](sample& s) { s.mark(2) = -1; }},
-    {"MarkedByTwo", [](sample& s) { s.mark(3) = 2; }},
-    {"MarkedByTwoAndNotListed", [](sample& s) { s.mark(2) = 2; }},
-    {"AboveTheCapacity", [](sample& s) { s.listed(2) = n + 1; }},
-    {"BelowOne", [](sample& s) { s.listed(2) = 0; }},
+    {"NegativeMark", [](sample& s) { s.mark(2) = -1; }},
+    {"MarkOfTwo", [](sample& s) { s.mark(3) = 2; }},
+    {"MarkOfTwoAndNotListed", [](sample& s) { s.mark(2) = 2; }},
+    {"IndexAboveTheCapacity", [](sample& s) { s.listed(2) = n + 1; }},
+    {"IndexBelowOne", [](sample& s) { s.listed(2) = 0; }},
     {"ShortList", [](sample& s) { s.v.ind.extent[0] = n - 1; }},
     {"ShortMarks", [](sample& s) { s.v.elm.extent[0] = n - 1; }},
 };
@@ -114,7 +114,7 @@ TEST_F(Violations, ACountBeyondEitherListIsReported) {
         EXPECT_REPORTED_FIRST(empty, vectors_calc_sym_diff(empty.v, beyond.v));
         EXPECT_REPORTED(static_cast<void>(vectors_are_identical(beyond.v, large.v, 1.0)));
     }
-    // The position beyond the list repeats an index: only the count shows the violation.
+    // The position beyond the list repeats a listed index, so only the count is a violation.
     sample twice(list_mode);
     twice.with({1, 2, 3, 4, 4});
     sample empty;
@@ -136,8 +136,8 @@ TEST_F(Violations, AnIndexOutsideOfTheCapacityIsReportedInListMode) {
     }
 }
 
-// Two vectors that do not match each other
-// ----------------------------------------------------------------------------------------
+// Two valid vectors with different capacities, or without room for the result
+// ------------------------------------------------------------------------------------------
 
 TEST_F(Violations, AnIndexBeyondTheOtherCapacityIsReported) {
     sample large(marks_mode, 2 * n);
@@ -202,7 +202,7 @@ TEST_F(Violations, AListTooShortForASymmetricDifferenceIsReported) {
 }
 
 // Absent arrays
-// ----------------------------------------------------------------------------------------------
+// ------------------------------------------------------------------------------------------
 
 TEST_F(ViolationsDeathTest, AbsentMarksOrListsAreReportedByASymmetricDifference) {
     sample y;
@@ -257,7 +257,7 @@ TEST_F(Violations, EmptyVectorsNeedNoArrays) {
         EXPECT_SILENT(vectors_calc_sym_diff(x.v, empty.v));
         EXPECT_SILENT(static_cast<void>(vectors_are_identical(x.v, empty.v, 0.0)));
     }
-    // Without a list, marks are valid on their own.
+    // A vector without a list may have marks.
     sample marks(marks_without_list);
     marks.mark(2) = 1;
     EXPECT_SILENT(vectors_combine(marks.v, marks.v, 2.0, 1.0, 0.0));
@@ -270,7 +270,7 @@ TEST_F(Violations, EmptyVectorsNeedNoArrays) {
 }
 
 // Valid pairs
-// ---------------------------------------------------------------------------------------------
+// ------------------------------------------------------------------------------------------
 
 TEST_F(Violations, ValidCombinationsAreNotReported) {
     sample y;
@@ -301,7 +301,7 @@ TEST_F(Violations, ValidSymmetricDifferencesAreNotReported) {
         EXPECT_SILENT(vectors_calc_sym_diff(x.v, listed.v));
         EXPECT_SILENT(vectors_calc_sym_diff(x.v, x.v));
     }
-    // Of y, only the list is read.
+    // Only the list of y is read, not its marks.
     sample x;
     y.mark(4) = 0;
     EXPECT_SILENT(vectors_calc_sym_diff(x.v, y.v));

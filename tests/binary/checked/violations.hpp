@@ -1,6 +1,7 @@
 #pragma once
 
-/// The fixture of the tests of violations, which link a library built with the checks in any build.
+/// The fixture of the tests of violated preconditions. In every build, these tests link a library
+/// that is compiled with the checks.
 
 #include <array>
 #include <cstdint>
@@ -35,8 +36,9 @@ inline constexpr arrays marks_alone{.coef = false, .ind = false};
 /// The default capacity of a sample.
 inline constexpr std::int32_t n = 4;
 
-/// A vector whose arrays are parts of larger blocks, so that an access outside of an array does no
-/// harm. An absent array has a nonzero extent, as a released one has. Unused list positions hold 1.
+/// A vector whose arrays are parts of larger blocks, so that an access outside of an array stays
+/// inside its block. An absent array keeps a nonzero extent, as after a release. Unused list
+/// positions hold 1.
 class sample {
 public:
     explicit sample(const arrays& has = marks_mode, std::int32_t capacity = n) {
@@ -61,7 +63,7 @@ public:
         return *this;
     }
 
-    /// The list position k and the mark of j, also outside of the arrays.
+    /// The list position k and the mark of j, which may be outside of the arrays.
     std::int32_t& listed(std::int32_t k) { return list_[place(k)]; }
     std::int32_t& mark(std::int32_t j) { return marks_[place(j)]; }
 
@@ -116,11 +118,12 @@ using ViolationsDeathTest = Violations;
 #define EXPECT_REPORTED(statement) EXPECT_GE(reports([&] { statement; }), 1) << #statement
 #define EXPECT_SILENT(statement) EXPECT_EQ(reports([&] { statement; }), 0) << #statement
 
-/// For a procedure that checks its preconditions before it writes.
+/// Expects a report before the statement changes x.
 #define EXPECT_REPORTED_FIRST(x, statement)                                                        \
     EXPECT_TRUE(reports_first(x, [&] { statement; })) << #statement
 
-/// Ends the process at the first report, because the call would then use an absent array.
+/// Expects a report of an absent array. The statement runs in a child process that ends at the
+/// first report, because the call would go on to use the array.
 #define EXPECT_REPORTED_ABSENCE(statement)                                                         \
     EXPECT_EXIT(                                                                                   \
         {                                                                                          \

@@ -5,8 +5,11 @@ namespace {
 using namespace zktarn::vector_mod;
 using namespace zktarn::testing;
 
-/// A procedure on an index or a list position in 1..n, the arrays that it needs, and arrays of
-/// which it lacks one.
+// Procedures on one index or one position of the list
+// ------------------------------------------------------------------------------------------
+
+/// A procedure whose argument is an index or a list position, 1 to n; arrays with which it works;
+/// and arrays of which one that it needs is absent.
 struct procedure {
     const char* name;
     arrays sufficient;
@@ -23,7 +26,7 @@ TEST_P(ElementViolations, AnIndexOutsideOfTheCapacityIsReported) {
     }
 }
 
-TEST_P(ElementViolations, AnIndexInTheCapacityIsNotReported) {
+TEST_P(ElementViolations, AnIndexFrom1ToTheCapacityIsNotReported) {
     for (const std::int32_t j : {1, n}) {
         sample s(GetParam().sufficient);
         EXPECT_SILENT(GetParam().call(s.v, j)) << j;
@@ -123,7 +126,7 @@ TEST_F(ViolationsDeathTest, AnElementOfAnAbsentMatrixIsReported) {
     EXPECT_REPORTED_ABSENCE(static_cast<void>(absent(1, n)));
 }
 
-TEST_F(Violations, AFullListIsReported) {
+TEST_F(Violations, AddingToAFullListIsReported) {
     sample full;
     full.with({1, 2, 3, 4}).mark(4) = 0;
     EXPECT_REPORTED(vector_add_nz(full.v, 4, 1.0));
@@ -177,6 +180,9 @@ TEST_F(ViolationsDeathTest, RemovalOutsideOfMarksModeIsReported) {
     EXPECT_REPORTED_ABSENCE(vector_rem_nz(marks.v, 1));
 }
 
+// Procedures that unmark every listed index
+// ------------------------------------------------------------------------------------------
+
 /// vector_clean_index and vector_clear, which unmark the listed indices.
 class UnmarkingViolations : public Violations,
                             public testing::WithParamInterface<void (*)(vector&)> {};
@@ -195,7 +201,7 @@ TEST_P(UnmarkingViolations, ACountBeyondTheListIsReported) {
     EXPECT_REPORTED(GetParam()(s.v));
 }
 
-TEST_P(UnmarkingViolations, MarksModeOrAnEmptyVectorIsNotReported) {
+TEST_P(UnmarkingViolations, AValidListOrAnEmptyVectorIsNotReported) {
     sample s;
     s.with({1, 2, 3, 4});
     EXPECT_SILENT(GetParam()(s.v));
@@ -230,5 +236,89 @@ INSTANTIATE_TEST_SUITE_P(, UnmarkingViolations, testing::Values(clean_index, cle
                          name_of_unmarking);
 INSTANTIATE_TEST_SUITE_P(, UnmarkingViolationsDeathTest, testing::Values(clean_index, clear),
                          name_of_unmarking);
+
+// Procedures that drop entries
+// ------------------------------------------------------------------------------------------
+
+/// A procedure that drops listed entries, depending on their coefficients.
+struct compaction {
+    const char* name;
+    void (*call)(vector&);
+};
+
+class CompactionViolations : public Violations, public testing::WithParamInterface<compaction> {
+protected:
+    static void call(sample& s) { GetParam().call(s.v); }
+};
+
+TEST_P(CompactionViolations, ArraysOfDifferentLengthsAreReported) {
+    sample list;
+    list.with({1}).v.ind.extent[0] = n - 1;
+    EXPECT_REPORTED_FIRST(list, call(list));
+    sample marks;
+    marks.with({1}).v.elm.extent[0] = n - 1;
+    EXPECT_REPORTED_FIRST(marks, call(marks));
+    sample unmarked(list_mode);
+    unmarked.with({1}).v.ind.extent[0] = n + 1;
+    EXPECT_REPORTED_FIRST(unmarked, call(unmarked));
+}
+
+TEST_P(CompactionViolations, AListedIndexOutsideOfTheCapacityIsReported) {
+    for (const arrays& has : {marks_mode, list_mode}) {
+        for (const std::int32_t j : {0, n + 1}) {
+            sample s(has);
+            s.with({1, j});
+            EXPECT_REPORTED_FIRST(s, call(s)) << j;
+        }
+    }
+}
+
+TEST_P(CompactionViolations, ACountBeyondTheListIsReported) {
+    for (const arrays& has : {marks_mode, list_mode}) {
+        sample s(has);
+        s.with({1, 2, 3, 4, 4});
+        EXPECT_REPORTED_FIRST(s, call(s));
+    }
+}
+
+TEST_P(CompactionViolations, AValidListIsNotReported) {
+    for (const arrays& has : {marks_mode, list_mode}) {
+        sample full(has);
+        full.with({4, 1, 3, 2});
+        EXPECT_SILENT(call(full));
+    }
+    // A listed entry without a mark is valid: the procedure drops it.
+    sample unmarked;
+    unmarked.with({1, 2}).mark(2) = 0;
+    EXPECT_SILENT(call(unmarked));
+}
+
+TEST_P(CompactionViolations, AnEmptyVectorNeedsNoArrays) {
+    sample nothing({false, false, false});
+    EXPECT_SILENT(call(nothing));
+    vector untouched;
+    EXPECT_SILENT(GetParam().call(untouched));
+}
+
+using CompactionViolationsDeathTest = CompactionViolations;
+
+TEST_P(CompactionViolationsDeathTest, AbsentCoefficientsOrListAreReported) {
+    for (const arrays& has : {support_only, index_set, marks_without_list, dense_mode}) {
+        sample s(has);
+        s.with({1});
+        EXPECT_REPORTED_ABSENCE(call(s));
+    }
+}
+
+const compaction compactions[] = {
+    {"RemZeros", [](vector& v) { vector_rem_zeros(v); }},
+    {"Mod2", [](vector& v) { vector_mod2(v, 1e-9); }},
+    {"Mod2WithALargeTolerance", [](vector& v) { vector_mod2(v, 0.75); }},
+};
+
+INSTANTIATE_TEST_SUITE_P(, CompactionViolations, testing::ValuesIn(compactions),
+                         [](const auto& tested) { return tested.param.name; });
+INSTANTIATE_TEST_SUITE_P(, CompactionViolationsDeathTest, testing::ValuesIn(compactions),
+                         [](const auto& tested) { return tested.param.name; });
 
 } // namespace
