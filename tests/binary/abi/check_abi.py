@@ -9,13 +9,21 @@
     control  LIBRARY OBJECT...  indirect jumps and returns are protected: landing pads at each
                                 exported function, shadow stacks or signed return addresses
     state    LIBRARY NAME...    the writable objects are exactly these
+    unbroken ABIDW ABIDIFF LIBRARY FILE
+                                programs made for the interface in FILE, a library or a description of
+                                one, run with LIBRARY. Both have debug information.
 
-The first part reads symbols with readelf and c++filt, the second part checks them.
+    describe ABIDW LIBRARY FILE writes the description for `unbroken`
+
+The first part reads symbols with readelf and c++filt, the second part checks them, and the third part
+compares interfaces with abidw and abidiff.
 """
 
+import pathlib
 import re
 import subprocess
 import sys
+import tempfile
 
 HOST_LIBRARIES = {"libqv.so", "libqvx.so", "libut.so", "libzkoptimutil.so"}
 SYSTEM_LIBRARIES = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
@@ -234,9 +242,41 @@ def check_startup(*objects):
             fail(f"{item} runs code when it is loaded")
 
 
+# Comparing interfaces
+
+HERE = pathlib.Path(__file__).resolve().parent
+SUPPRESSIONS = ("--suppressions", str(HERE / "standard_library.abignore"))
+HEADERS = ("--headers-dir", str(HERE.parents[2] / "src/zktarn"),
+           "--headers-dir", str(HERE.parents[2] / "bindings/c/include"))
+
+
+def describe(abidw, library, file):
+    """The types of the project's headers, and nothing that depends on compiler, processor or folder."""
+    output_of(abidw, *SUPPRESSIONS, *HEADERS, "--exported-interfaces-only", "--no-parameter-names",
+              "--no-show-locs", "--no-comp-dir-path", "--no-corpus-path", "--no-architecture",
+              "--no-elf-needed", "--no-write-default-sizes", "--out-file", file, library)
+
+
+def check_unbroken(abidw, abidiff, library, file):
+    if not pathlib.Path(file).exists():
+        fail(f"there is no description of an interface in {file}; after a change of SOVERSION, the target "
+             "abi_baseline writes it")
+    with tempfile.TemporaryDirectory() as folder:
+        before, after = file, f"{folder}/after.abi"
+        describe(abidw, library, after)
+        if not file.endswith(".abi"):
+            before = f"{folder}/before.abi"
+            describe(abidw, file, before)
+        ran = subprocess.run([abidiff, "--no-added-syms", *SUPPRESSIONS, before, after],
+                             capture_output=True, text=True, check=False)
+    if ran.returncode != 0:
+        fail(f"{ran.stdout}{ran.stderr}\nthe binary interface is broken")
+
+
 CHECKS = {"exports": check_exports, "imports": check_imports, "storage": check_storage,
           "image": check_image, "startup": check_startup,
-          "control": check_control, "state": check_state}
+          "control": check_control, "state": check_state, "unbroken": check_unbroken,
+          "describe": describe}
 
 if __name__ == "__main__":
     if len(sys.argv) < 3 or sys.argv[1] not in CHECKS:

@@ -1,5 +1,6 @@
-// A library for each macro; each breaks one rule of the binary interface. NEVER_FUSES and
-// TAKES_INTERRUPT are harmless alone: the options that they are linked with make the flaw.
+// A library for each macro. Each breaks one rule of the binary interface, with three exceptions:
+// NEVER_FUSES and TAKES_INTERRUPT are harmless alone, and the options of the linker make the flaw;
+// SMALL_INTERFACE is an interface before and after a change.
 
 #if defined(ONE_NAME_TOO_MANY)
 
@@ -135,5 +136,39 @@ extern "C" bool utIsInterruptPending() noexcept {
 int broken() {
     return replaceable();
 }
+
+#elif defined(SMALL_INTERFACE)
+
+// A small interface, and a change of it for each macro that is defined as well: COMPONENT,
+// ARGUMENT, REMOVED_EXPORT and ADDED_EXPORT.
+
+struct record {
+#ifdef COMPONENT
+    int count;
+    double* coefficients;
+#else
+    double* coefficients;
+    int count;
+#endif
+};
+
+#ifdef ARGUMENT
+using second = long;
+#else
+using second = int;
+#endif
+
+// Names of C do not contain the types of the arguments.
+extern "C" int takes(const record& r, second number) {
+    return static_cast<int>(number) + r.count;
+}
+
+#ifndef REMOVED_EXPORT
+extern "C" void removed_later() {}
+#endif
+
+#ifdef ADDED_EXPORT
+extern "C" void added_later() {}
+#endif
 
 #endif
