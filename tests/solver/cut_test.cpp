@@ -9,8 +9,7 @@
 
 #include "cuts/cg_rounding.hpp"
 #include "cuts/cut_selection.hpp"
-#include "cuts/exact_limits.hpp"
-#include "cuts/rounding.hpp"
+#include "cuts/integers.hpp"
 #include "cuts/row_division.hpp"
 
 namespace zero_half::testing {

@@ -3,13 +3,12 @@
 #include <algorithm>
 #include <utility>
 
-#include "cuts/row_sum.hpp"
-
 namespace zero_half {
 
 namespace {
 
-/// An undirected network. Edge e of a node leads to arcs_[e].target; its reverse is e ^ 1.
+/// An undirected network. Each edge is two arcs with adjacent numbers: the reverse of arc a is
+/// a ^ 1.
 class network {
 public:
     explicit network(std::size_t nodes) : arcs_of_(nodes), before_(nodes), seen_(nodes) {}
@@ -17,9 +16,9 @@ public:
     void connect(std::size_t a, std::size_t b, double capacity);
     std::size_t nodes() const { return arcs_of_.size(); }
 
-    /// Whether a cut below the limit separates the two nodes; `is_on_source_side` then describes
-    /// the minimum one. Calls `should_stop` after each augmenting path, and returns false after it
-    /// returned true.
+    /// Whether a cut with a capacity below `slack_limit` separates the two nodes. If so,
+    /// `is_on_source_side` describes a minimum one. Calls `should_stop` after each augmenting path;
+    /// once it returns true, the result is false.
     bool has_small_cut(std::size_t source, std::size_t sink, const stop_predicate& should_stop);
     bool is_on_source_side(std::size_t node) const { return seen_[node] == stamp_; }
 
@@ -37,10 +36,12 @@ private:
     std::vector<std::vector<std::size_t>> arcs_of_;
     /// The arc by which a node was reached.
     std::vector<std::size_t> before_;
-    /// A node was reached in the last search when its number here is the search's.
+    /// For each node the number of the last search that reached it.
     std::vector<std::size_t> seen_;
+    /// The number of the current search.
     std::size_t stamp_ = 0;
     std::vector<std::size_t> queue_;
+    /// The arcs of all augmenting paths, whose residuals `restore` resets.
     std::vector<std::size_t> changed_;
 };
 
@@ -108,6 +109,7 @@ bool network::has_small_cut(std::size_t source, std::size_t sink,
     return !is_stopped && capacity < slack_limit;
 }
 
+/// The graph of the rows, which has the rows as nodes and one further node. See `find_blossoms`.
 network network_of(const parity_system& system) {
     const std::size_t outside = system.rows();
     const std::size_t joined = outside + 1;
@@ -133,13 +135,14 @@ network network_of(const parity_system& system) {
     return made;
 }
 
-/// A Gomory-Hu tree by Gusfield's method (1990), rooted at `root`. Nodes that no cut below the
-/// limit separates stay together: such a node has no small cut to its parent.
+/// The part of a Gomory-Hu tree whose cuts have a capacity below the limit.
 struct cut_tree {
     std::vector<std::size_t> parent;
+    /// Whether a cut below the limit separates the node from its parent.
     std::vector<char> is_small;
 };
 
+/// The tree with the root `root`, by Gusfield's method (1990).
 cut_tree tree_of(network& net, std::size_t root, const stop_predicate& should_stop) {
     cut_tree tree{std::vector<std::size_t>(net.nodes(), root), std::vector<char>(net.nodes())};
     for (std::size_t s = 0; s < net.nodes() && !should_stop(); ++s) {
@@ -162,7 +165,7 @@ cut_tree tree_of(network& net, std::size_t root, const stop_predicate& should_st
     return tree;
 }
 
-/// The rows below each node whose edge to its parent is a small cut.
+/// Adds the sum of the rows of each subtree that a small cut separates from the rest.
 void add_subtrees(const cut_tree& tree, std::size_t root, const parity_system& system,
                   odd_sums& sums) {
     std::vector<std::vector<std::size_t>> children(tree.parent.size());

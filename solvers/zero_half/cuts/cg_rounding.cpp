@@ -1,9 +1,8 @@
 #include "cuts/cg_rounding.hpp"
 
 #include <cmath>
+#include <new>
 #include <utility>
-
-#include "cuts/rounding.hpp"
 
 namespace zero_half {
 
@@ -11,7 +10,8 @@ namespace {
 
 constexpr double no_tolerance = 0.0;
 
-/// Divides by the greatest common divisor of the coefficients, and rounds once more.
+/// Divides by the greatest common divisor of the coefficients, and rounds the right-hand side down
+/// once more.
 void divide_by_common_divisor(cut& made) {
     constexpr double less_than_one = 0.5;
     double divisor = 0.0;
@@ -41,7 +41,15 @@ void set_violation(cut& made, const double* point) {
 
 } // namespace
 
-/// Entries whose coefficients cancel stay in the sum with the coefficient 0.
+cg_rounding::cg_rounding(const mixed_integer_rows& model, const row_pool& pool)
+    : model_(model), pool_(pool), sum_(model.column_count()) {
+    if (!sum_) {
+        throw std::bad_alloc();
+    }
+}
+
+/// Adds the rows up in `sum_`. Entries whose coefficients cancel stay in the sum with the
+/// coefficient 0.
 void cg_rounding::add_up(std::span<const std::int32_t> rows) {
     zktarn::vector_mod::vector_clear(*sum_);
     for (const std::int32_t row : rows) {
@@ -66,8 +74,8 @@ void cg_rounding::begin(std::int64_t divisor) {
     coefficients_.clear();
 }
 
-/// Substitutes a column, divides and rounds its coefficient. Returns false when that needs a bound
-/// that the column does not have, or the coefficient is too large.
+/// Substitutes a column, and divides and rounds its coefficient. Returns false when rounding needs
+/// a bound that the column does not have, or when the coefficient is too large.
 bool cg_rounding::divide(std::int32_t column, double coefficient, const substitution& used) {
     if (std::fabs(coefficient) > largest_coefficient) {
         return false;

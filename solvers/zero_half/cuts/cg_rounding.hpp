@@ -6,10 +6,11 @@
 #include <vector>
 
 #include "cuts/column_bounds.hpp"
-#include "cuts/cut.hpp"
-#include "cuts/exact_limits.hpp"
+#include "cuts/integers.hpp"
 #include "cuts/odd_sums.hpp"
-#include "cuts/vectors.hpp"
+#include "cuts/row_pool.hpp"
+#include "zktarn/owners.hpp"
+#include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {
 
@@ -18,18 +19,18 @@ namespace zero_half {
 /// side is rounded down once more.
 class cg_rounding {
 public:
-    cg_rounding(const mixed_integer_rows& model, const row_pool& pool)
-        : model_(model), pool_(pool), sum_(new_vector(model.column_count())) {}
+    /// Throws std::bad_alloc if the host has no memory for a vector over the columns.
+    cg_rounding(const mixed_integer_rows& model, const row_pool& pool);
 
-    /// The sum of the rows, each column substituted by its bound, halved, rounded down, and the
-    /// bounds substituted back. Nothing when a number is too large to be exact, when rounding needs
-    /// a bound that a column does not have, or when no column is left.
+    /// Adds up the rows, substitutes each column by its bound, halves, rounds down, and substitutes
+    /// back. Returns nothing when a number is too large to be exact, when rounding needs a bound
+    /// that a column does not have, or when no column is left.
     std::optional<cut> halved_sum(const odd_sum& members, const std::vector<substitution>& bounds,
                                   const double* point);
 
-    /// A row of the pool, each of its columns substituted by the bound in `used` at the same place,
-    /// divided by `divisor`, which is 1 or more, rounded down, and the bounds substituted back.
-    /// Nothing in the same cases.
+    /// Substitutes each column of a row of the pool by the bound at the same place in `used`,
+    /// divides by `divisor`, which is 1 or more, rounds down, and substitutes back. Returns nothing
+    /// in the same cases.
     std::optional<cut> divided_row(std::int32_t row, std::int64_t divisor,
                                    std::span<const substitution> used, const double* point);
 
@@ -57,12 +58,13 @@ private:
     const mixed_integer_rows& model_;
     const row_pool& pool_;
     zktarn::owned_vector sum_;
-    /// The state of the current cut: the divisor, its entries, its right-hand side after the
-    /// substitution and before the division, and the amount that substituting back adds.
+    /// Of the current cut: the divisor, and the entries.
     std::int64_t divisor_ = 2;
     std::vector<std::int32_t> columns_;
     std::vector<double> coefficients_;
+    /// Its right-hand side after the substitution and before the division.
     exact_sum rhs_;
+    /// What substituting back adds to the right-hand side.
     exact_sum put_back_;
 };
 

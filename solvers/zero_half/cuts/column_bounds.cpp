@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "cuts/rounding.hpp"
+#include "cuts/integers.hpp"
 
 namespace zero_half {
 

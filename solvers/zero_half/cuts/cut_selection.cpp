@@ -9,7 +9,7 @@ namespace zero_half {
 
 namespace {
 
-/// The ratio of the largest to the smallest coefficient exceeds the limit.
+/// Whether the ratio of the largest to the smallest coefficient exceeds the limit.
 bool is_dynamic(const cut& candidate, double max_dynamism) {
     double least = std::numeric_limits<double>::infinity();
     double most = 0.0;
@@ -70,7 +70,7 @@ bool cut_selection::is_dominated_by(const cut& selected, const cut& loaded) cons
     return shared == loaded.columns.size();
 }
 
-/// Whether the cut is at an angle to every selected one, and implied by none.
+/// Whether no selected cut implies the cut or is nearly parallel to it.
 bool cut_selection::is_new(candidate& each, const cut& own, double max_cosine) {
     load(own);
     bool is_rejected = false;
@@ -85,7 +85,7 @@ bool cut_selection::is_new(candidate& each, const cut& own, double max_cosine) {
     return !is_rejected;
 }
 
-/// Moves cuts to the selected ones.
+/// Moves the cuts that the pass takes from `cuts` to the selected ones.
 void cut_selection::run_pass(std::vector<cut>& cuts, const selection_options::pass& pass) {
     for (candidate& each : candidates_) {
         if (selected_.size() >= pass.target) {

@@ -4,16 +4,16 @@
 #include <cstddef>
 #include <vector>
 
-#include "cuts/cut.hpp"
 #include "cuts/mixed_integer_rows.hpp"
+#include "cuts/row_pool.hpp"
 
 namespace zero_half {
 
 struct selection_options {
-    /// One pass over the candidates. It takes a cut while fewer than `target` cuts are selected,
-    /// when the cosine of the angle between the cut and each selected cut is at most `max_cosine`,
-    /// and when the cut has entries in at most the share `max_density` of the columns. A cut with
-    /// few entries is never too dense.
+    /// One pass over the candidates. It takes a cut if fewer than `target` cuts are selected, if
+    /// the cosine of the angle between the cut and each selected cut is at most `max_cosine`, and
+    /// if the cut has entries in at most the share `max_density` of the columns. A cut with few
+    /// entries is never too dense.
     struct pass {
         std::size_t target;
         double max_cosine;
@@ -27,7 +27,7 @@ struct selection_options {
     double max_dynamism = 1e6;
 };
 
-/// Selects the cuts with the greatest efficacy that are at an angle to each other.
+/// Selects cuts, the greatest efficacy first, and rejects those nearly parallel to a selected one.
 class cut_selection {
 public:
     cut_selection(const mixed_integer_rows& model, const selection_options& options)

@@ -12,8 +12,8 @@ namespace zero_half {
 
 namespace {
 
-/// The rows with the least slack, as many as keep the words that an elimination touches below a
-/// limit.
+/// The rows with the least slack: all, or as many as an elimination can process within a limit on
+/// the words that it touches.
 std::vector<std::size_t> rows_with_least_slack(const parity_system& system) {
     constexpr double most_words = 3e8;
     const auto columns = static_cast<double>(system.columns());
@@ -35,7 +35,8 @@ std::vector<std::size_t> rows_with_least_slack(const parity_system& system) {
     return rows;
 }
 
-/// One draw of the generator starts the sequence of an elimination: a draw is a call of the host.
+/// The seed of an elimination's own random numbers. It is the only number that the elimination
+/// draws from the generator, because each draw is a call of the host.
 std::uint64_t seed_of(const zktarn::random::rng_state& random) {
     return static_cast<std::uint64_t>(0x1p53 * zktarn::random::rand_number(random));
 }
@@ -66,7 +67,7 @@ private:
     double random_number();
     std::size_t best_pivot(std::span<const std::size_t> rows) const;
     void add(std::size_t pivot, std::size_t row);
-    /// The first bits are the slacks of `members_`, the others the columns.
+    /// The first bits of a row stand for the slacks of `members_`, the others for the columns.
     std::int32_t element_of(std::size_t bit) const {
         return bit < members_.size() ? system_.slack_of(members_[bit])
                                      : static_cast<std::int32_t>(bit - members_.size()) + 1;
@@ -80,17 +81,19 @@ private:
 
     const parity_system& system_;
     std::uint64_t random_state_;
+    /// The rows of the system that take part.
     std::vector<std::size_t> members_;
+    /// The number of words of a row.
     std::size_t width_;
     std::vector<std::uint64_t> words_;
     std::vector<char> is_odd_;
-    /// For each row the total slack of the rows of which it is the sum.
+    /// For each row, which is a sum of members, the total slack of these members.
     std::vector<double> slack_;
     /// A small random number for each row, which decides between pivots with equal slack.
     std::vector<double> perturbation_;
     /// The rows that have not been pivots, and whose slack is below the limit.
     std::vector<std::size_t> remaining_;
-    /// The rows of these that contain the column that is eliminated.
+    /// Those of them that contain the column being eliminated.
     std::vector<std::size_t> rows_;
     std::vector<std::int32_t> odd_;
 };
@@ -152,7 +155,7 @@ void elimination::add(std::size_t pivot, std::size_t row) {
     is_odd_[row] = is_odd_[row] != is_odd_[pivot] ? 1 : 0;
 }
 
-/// The total slack of the rows in the sum, or some value of at least the limit.
+/// Computes the total slack of the members in the sum. Stops adding once the limit is reached.
 void elimination::set_slack(std::size_t row) {
     double slack = 0.0;
     const std::span<const std::uint64_t> words = bits(row);
@@ -165,7 +168,7 @@ void elimination::set_slack(std::size_t row) {
     slack_[row] = slack;
 }
 
-/// Adds the row when it is violated. Its slack as a sum of rows is below the limit.
+/// Adds the row to `sums` if it is violated.
 void elimination::offer(std::size_t row, odd_sums& sums) {
     odd_.clear();
     double slack = 0.0;
@@ -183,8 +186,8 @@ void elimination::offer(std::size_t row, odd_sums& sums) {
     sums.add_if_violated(odd_, is_odd_[row] != 0);
 }
 
-/// Discards a sum whose rows have too much slack: it could be part of a violated one only together
-/// with a sum of nearly the same rows.
+/// Discards sums whose members have too much slack. Such a sum can become violated only by the
+/// addition of another sum of nearly the same members.
 void elimination::eliminate(std::int32_t column, odd_sums& sums) {
     rows_.clear();
     for (const std::size_t row : remaining_) {

@@ -26,10 +26,10 @@ private:
     const parity_system& system_;
     /// By how much the slack of the sum grows when its parity changes in an element.
     std::vector<double> values_;
-    /// Whether the sum is odd in an element, and the elements where it is.
+    /// For each element whether the sum is odd in it, and the list of these elements.
     std::vector<char> marks_;
     std::vector<std::int32_t> odd_;
-    /// The elements in which the sum with one more row is odd.
+    /// The result of `odd_with`.
     std::vector<std::int32_t> odd_with_row_;
     std::vector<char> is_used_;
     std::uint64_t signature_ = 0;
@@ -81,14 +81,15 @@ std::span<const std::int32_t> greedy_search::odd_with(std::size_t row) {
     return odd_with_row_;
 }
 
-/// Adds the sum with the row, unless it was added before.
+/// Adds the sum with the row to `sums`, unless it was added before.
 void greedy_search::offer(std::size_t row, odd_sums& sums) {
     if (!sums.has(signature_ ^ odd_sums::signature_of(system_.slack_of(row)))) {
         sums.add_if_violated(odd_with(row), is_odd_ != system_.is_odd(row));
     }
 }
 
-/// The row after which the slack is least; adds the violated sums on the way.
+/// The unused row whose addition gives the least slack; `system_.rows()` if all are used. Adds
+/// every violated sum that it meets to `sums`.
 std::size_t greedy_search::best_next(odd_sums& sums) {
     std::size_t best = system_.rows();
     double least = std::numeric_limits<double>::infinity();

@@ -1,4 +1,3 @@
-#include "cuts/row_sum.hpp"
 #include "cuts/searches.hpp"
 
 #include <algorithm>
@@ -56,8 +55,8 @@ private:
     std::vector<edge> edges_;
 };
 
-/// The cheapest parity changes with different elements: an edge cannot use those whose element is
-/// one of its two nodes, so three suffice.
+/// The three cheapest parity changes of a row. Three suffice, because an edge cannot use the change
+/// of its two nodes.
 class cheapest_changes {
 public:
     void offer(double cost, std::int32_t element) {
@@ -82,8 +81,9 @@ private:
         {{parity_change{}.cost, -1}, {parity_change{}.cost, -1}, {parity_change{}.cost, -1}}};
 };
 
-/// The edges of one row: all pairs of its columns, and each column with node 0, if the length of
-/// the edge, to which the other columns contribute, is below the limit.
+/// Adds the edges of one row: between each two of its columns, and between each column and node 0.
+/// The values of the row's other columns count as part of the length. Edges that are not shorter
+/// than the limit are left out.
 void graph::add_row(const parity_system& system, std::size_t i) {
     const auto row = static_cast<std::int32_t>(i);
     nodes_.assign(system.odd_columns(i).begin(), system.odd_columns(i).end());
@@ -125,7 +125,7 @@ graph::graph(const parity_system& system) {
     sort_links(static_cast<std::size_t>(system.columns()) + 1);
 }
 
-/// Makes two edges of each link.
+/// Makes of each link an edge of either node, and sorts the edges of each node.
 void graph::sort_links(std::size_t nodes) {
     starts_.assign(nodes + 2, 0);
     for (const link& each : links_) {
@@ -156,22 +156,25 @@ std::int32_t place_of(std::int32_t node, bool is_odd) {
     return 2 * node + (is_odd ? 1 : 0);
 }
 
-/// Shortest closed odd walks. A walk from a node back to itself with the other parity has a middle;
-/// both halves are walks of at most half its length from the node, so only those are computed.
+/// Finds shortest closed odd walks. Without its middle edge, such a walk is two walks from the
+/// start of at most half its length each. So only walks up to half the length are computed.
 class walk_search {
 public:
     explicit walk_search(const graph& edges)
         : edges_(edges), arrivals_(2 * edges.nodes(), arrival{infinite, -1, no_row}) {}
 
-    /// The rows on the shortest walk, empty when it is not below the limit.
+    /// The rows on the shortest closed odd walk through a node; empty if none is shorter than the
+    /// limit.
     std::span<const std::int32_t> rows_from(std::int32_t start);
 
 private:
+    /// The shortest walk to a place that is known so far: its length, and its last step.
     struct arrival {
         double distance;
         std::int32_t before;
         std::int32_t row;
     };
+    /// A closed odd walk: an edge of `row` joins the walks to `first` and to `second`.
     struct meeting {
         double length;
         std::int32_t first;
@@ -190,6 +193,7 @@ private:
 
     const graph& edges_;
     std::vector<arrival> arrivals_;
+    /// The places with an arrival.
     std::vector<std::int32_t> reached_;
     /// A heap with the nearest place on top.
     std::vector<entry> open_;
@@ -235,6 +239,7 @@ void walk_search::expand(std::int32_t place, meeting& best) {
     }
 }
 
+/// Adds the rows on the walk to a place.
 void walk_search::collect(std::int32_t place) {
     for (; at(place).before >= 0; place = at(place).before) {
         if (at(place).row != no_row) {

@@ -1,15 +1,37 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
-#include "cuts/parity_reduction.hpp"
+#include "cuts/column_bounds.hpp"
+#include "cuts/row_pool.hpp"
 
 namespace zero_half {
 
-/// The rows modulo 2 that can be part of a violated cut at a point (Caprara and Fischetti 1996):
-/// the result of `parity_reduction`, with columns that are odd in the same rows merged.
+/// Half of a sum of rows, rounded down, is violated at the point if its right-hand side is odd and
+/// its slack is less than 1: the violation is (1 - slack) / 2. The margin is the least violation of
+/// a cut.
+constexpr double slack_limit = 1.0 - 2e-6;
+
+/// What it costs to change the parity of a sum: one column whose bounds differ by an odd number is
+/// substituted by its farther bound, and the slack grows by the difference of the distances.
+struct parity_change {
+    double cost = std::numeric_limits<double>::infinity();
+    /// Counted from 1; 0 for none.
+    std::int32_t column = 0;
+};
+
+inline const parity_change& cheaper(const parity_change& a, const parity_change& b) {
+    return b.cost < a.cost ? b : a;
+}
+
+class parity_reduction;
+
+/// The rows modulo 2 that can be part of a violated cut at a point (Caprara and Fischetti 1996).
+/// Rows and columns that no violated cut needs are left out, and columns that are odd in the same
+/// rows are merged.
 ///
 /// An element 1..columns() is a column. A larger element is the slack of a row. The slack of a sum
 /// of rows is the total value of the elements in which it is odd.

@@ -5,8 +5,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "cuts/exact_limits.hpp"
-#include "cuts/rounding.hpp"
+#include "cuts/integers.hpp"
 
 namespace zero_half {
 
@@ -38,8 +37,9 @@ substitution upper_bound_of(const mixed_integer_rows& model, std::int32_t column
 
 } // namespace
 
-/// Returns false when numbers are too large to be exact, or no column is between its bounds: then
-/// no cut is violated.
+/// Splits the row into columns between their bounds and columns at a bound. Returns false when
+/// numbers are too large to be exact, and when no column is between its bounds, because then no cut
+/// is violated.
 bool row_division::load(std::size_t row, const double* point,
                         const std::vector<substitution>& nearest) {
     constexpr double negligible = 1e-9;
@@ -74,7 +74,7 @@ bool row_division::load(std::size_t row, const double* point,
     return true;
 }
 
-/// Adds a divisor that is not there yet, while there are fewer than `most`.
+/// Adds a divisor unless it was added before or there are `most` divisors.
 void row_division::add_divisor(std::int64_t divisor, std::size_t most) {
     if (divisor >= 2 && divisors_.size() < most &&
         std::find(divisors_.begin(), divisors_.end(), divisor) == divisors_.end()) {
@@ -82,8 +82,8 @@ void row_division::add_divisor(std::int64_t divisor, std::size_t most) {
     }
 }
 
-/// The coefficients of the columns between their bounds, and half as many of a cover: the greatest
-/// of those that fill the row.
+/// Takes the coefficients of the columns between their bounds as divisors, those farthest from a
+/// bound first, and then half as many of `cover_`, the greatest first.
 void row_division::collect_divisors(std::size_t most_divisors) {
     candidates_.clear();
     for (const free_column& each : free_) {
@@ -102,8 +102,8 @@ void row_division::collect_divisors(std::size_t most_divisors) {
     }
 }
 
-/// Adds a column at the bound at which its term is less. Returns false when it needs a bound and
-/// has none.
+/// Adds the term of a column at the bound at which the term is less. Returns false when the column
+/// has no bound and needs one.
 bool row_division::add_term(const free_column& each) {
     const std::int64_t residue = modulo(each.coefficient, divisor_);
     if (residue == 0) {
@@ -131,6 +131,7 @@ bool row_division::add_term(const free_column& each) {
     return true;
 }
 
+/// The column whose change to its other bound increases the violation most; null if none does.
 row_division::term* row_division::best_change() {
     constexpr double least_gain = 1e-6;
     const auto k = static_cast<double>(divisor_);
@@ -148,6 +149,7 @@ row_division::term* row_division::best_change() {
     return best;
 }
 
+/// Changes columns to their other bounds, one after the other, while the violation grows.
 void row_division::improve() {
     constexpr int most_changes = 5;
     for (int i = 0; i < most_changes; ++i) {
@@ -163,7 +165,8 @@ void row_division::improve() {
     }
 }
 
-/// Returns false when a column has no bound that the division needs.
+/// Computes the terms of all columns for a divisor. Returns false when a column lacks a bound that
+/// the division needs.
 bool row_division::try_divisor(std::int64_t divisor) {
     divisor_ = divisor;
     terms_.clear();
@@ -178,6 +181,7 @@ bool row_division::try_divisor(std::int64_t divisor) {
     return true;
 }
 
+/// For each entry of the row the substitution that the current division uses.
 std::vector<substitution>
 row_division::used_bounds(std::size_t row, const std::vector<substitution>& nearest) const {
     const auto columns = pool_.columns(row);
@@ -192,7 +196,7 @@ row_division::used_bounds(std::size_t row, const std::vector<substitution>& near
     return used;
 }
 
-/// The Euclidean norm of the coefficients of the cut; at least 1, the least of a cut.
+/// The Euclidean norm of the coefficients of the cut; 1 if there are none.
 double row_division::norm(std::size_t row, const std::vector<substitution>& used) const {
     const auto coefficients = pool_.coefficients(row);
     double square = 0.0;

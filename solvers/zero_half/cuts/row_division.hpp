@@ -21,7 +21,7 @@ struct division {
     double efficacy = 0.0;
 };
 
-/// Looks for the divisor and the bounds that make the cut of greatest efficacy of a single row.
+/// Looks for the divisor and the bounds that give the cut of greatest efficacy of a single row.
 /// Extended cover inequalities of knapsack rows are such cuts: the divisor is the greatest
 /// coefficient of the cover, and the columns of the cover are substituted by their upper bounds.
 ///
@@ -37,32 +37,32 @@ public:
         : model_(model), pool_(pool) {}
 
     /// Tries coefficients of a row of the pool as divisors: at most `most_divisors` of columns
-    /// between their bounds, and half as many of columns at a bound. Nothing when no cut has at
-    /// least the violation.
+    /// between their bounds, and half as many of columns at a bound. Returns nothing when every cut
+    /// is violated by less than `least_violation`.
     /// @param nearest  in. The substitutions of `nearest_bounds` at the point.
     ///
-    /// The cost is that of going through the row once, and once for each divisor through its
-    /// columns between their bounds.
+    /// Costs one pass over the row, and for each divisor one pass over the columns between their
+    /// bounds.
     std::optional<division> best_of(std::size_t row, double slack, const double* point,
                                     const std::vector<substitution>& nearest,
                                     std::size_t most_divisors, double least_violation);
 
 private:
-    /// A column between its bounds. Its place in the row, its coefficient, and its bounds.
+    /// A column between its bounds: its place in the row, its coefficient, and both substitutions.
     struct free_column {
         std::size_t place;
         std::int64_t coefficient;
         substitution low;
         substitution up;
     };
-    /// Such a column at a divisor: the residue of its coefficient, and its substitutions.
+    /// Such a column for one divisor: the residue of its coefficient, and its substitutions.
     struct term {
         std::int64_t residue;
         substitution used;
         substitution other;
-        /// What a change to the other bound adds to the sum of the terms, and to the residue of the
-        /// right-hand side. A change of 0 is of no use, or impossible.
+        /// What a change to the other bound adds to the sum of the terms.
         double cost;
+        /// What it adds to the residue of the right-hand side; 0 if it is useless or impossible.
         std::int64_t change;
     };
 
@@ -79,15 +79,16 @@ private:
 
     const mixed_integer_rows& model_;
     const row_pool& pool_;
-    /// Of the row: its columns between their bounds, the magnitudes of the coefficients of columns
-    /// at the bound that uses up most of the right-hand side, and the right-hand side after the
-    /// substitution of all columns at bounds.
+    /// The columns of the row between their bounds.
     std::vector<free_column> free_;
+    /// The magnitudes of the coefficients of the columns at the bound at which they use most of the
+    /// right-hand side: where the row is a knapsack, the columns of a cover.
     std::vector<std::int64_t> cover_;
+    /// The right-hand side after the substitution of all columns at a bound.
     std::int64_t rhs_ = 0;
     std::vector<std::pair<double, std::int64_t>> candidates_;
     std::vector<std::int64_t> divisors_;
-    /// Of the division that is tried: the divisor, the columns, the residue of the right-hand side,
+    /// Of the division being tried: the divisor, the columns, the residue of the right-hand side,
     /// and the sum of the terms.
     std::int64_t divisor_ = 1;
     std::vector<term> terms_;

@@ -2,12 +2,17 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include "cuts/mixed_integer_rows.hpp"
+
+/// The rows that searches add up, which come from the model or are cuts.
+
 namespace zero_half {
 
-/// How a row a x <= rhs of the pool follows from the model. The terms are added up and the sum is
+/// How a row of the pool, or a cut, follows from the model. The terms are added up and the sum is
 /// divided by `divisor`. Every coefficient is then moved to the integer in the row: down at the
 /// cost of the column's lower bound, up at the cost of its upper bound. The right-hand side is
 /// rounded down.
@@ -23,6 +28,24 @@ struct row_origin {
     double divisor = 1.0;
 };
 
+/// An inequality coefficients * x <= rhs that is violated at the separated point.
+struct cut {
+    /// Counted from 1, as are the indices of the library's vectors.
+    std::vector<std::int32_t> columns;
+    std::vector<double> coefficients;
+    double rhs = 0.0;
+    row_origin origin = {};
+    /// At the separated point.
+    double violation = 0.0;
+    /// The Euclidean norm of the coefficients.
+    double norm = 0.0;
+    /// Its index in the pool; empty for a new cut.
+    std::optional<std::size_t> pool_row = {};
+
+    /// The Euclidean distance between the point and the cut's hyperplane.
+    double efficacy() const { return violation / norm; }
+};
+
 /// Rows coefficients * x <= rhs with integer coefficients over integer columns counted from 1. All
 /// rows share a few arrays, so a row takes memory only for its entries.
 class row_pool {
@@ -33,7 +56,7 @@ public:
     void truncate(std::size_t count);
 
     std::size_t size() const { return rhs_.size(); }
-    /// Of all rows.
+    /// The number of entries of all rows.
     std::size_t entries() const { return columns_.size(); }
     std::span<const std::int32_t> columns(std::size_t row) const {
         return std::span(columns_).subspan(starts_[row], starts_[row + 1] - starts_[row]);
@@ -60,5 +83,15 @@ private:
     std::vector<double> rhs_;
     std::vector<row_origin> origins_;
 };
+
+/// A pool of the rows of the model that can be scaled to integers. A range gives two rows. An
+/// equation whose coefficients are all of one magnitude gives only its upper side, because its
+/// lower side gives the same cuts: modulo 2 both are the same row. Divided by other integers, both
+/// sides of an equation differ.
+///
+/// A continuous column is eliminated from a row if it has a suitable bound: a variable bound, by
+/// adding the row of the model that states it, or else a constant one. Then both sides of an
+/// equation are kept, because they differ.
+row_pool integral_rows_of(const mixed_integer_rows& model);
 
 } // namespace zero_half

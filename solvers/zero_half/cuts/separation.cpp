@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "cuts/integral_rows.hpp"
 #include "cuts/searches.hpp"
 
 namespace zero_half {
@@ -116,7 +115,7 @@ std::vector<cut> separator::violated_rows(const separated_point& at) const {
     return violated;
 }
 
-/// The number of cuts of the pool that are in use, or that are not.
+/// The number of cuts of the pool that are in use or, if `in_use` is false, that are not.
 std::ptrdiff_t separator::count_cuts(bool in_use) const {
     return std::count(is_in_use_.begin() + static_cast<std::ptrdiff_t>(model_rows_),
                       is_in_use_.end(), in_use ? 1 : 0);
@@ -136,8 +135,8 @@ parity_system separator::system_of(const separated_point& at, rows_to_use rows) 
     return parity_system(model_, pool_, slacks, at.bounds);
 }
 
-/// Blossoms consist of rows of the model: cuts have columns in more than two rows. Where there are
-/// some, they include the most violated sum of such rows.
+/// Blossoms are sums of rows of the model alone: with cuts, a column is in more than two rows. If
+/// there are blossoms, one of them is the most violated sum of rows of the model.
 void separator::add_new_cuts(const separated_point& at, std::vector<cut>& cuts) {
     const parity_system of_model = system_of(at, rows_to_use::of_model);
     if (of_model.columns() > 0 && is_column_graph(of_model)) {
@@ -155,6 +154,7 @@ void separator::add_new_cuts(const separated_point& at, std::vector<cut>& cuts) 
     }
 }
 
+/// Adds the best violated cut of each single row in use, divided by an integer.
 void separator::add_divided_rows(const separated_point& at, std::vector<cut>& cuts) {
     const std::size_t count = limits_.divides_cuts ? pool_.size() : model_rows_;
     for (std::size_t i = 0; i < count && !should_stop_(); ++i) {
@@ -196,8 +196,8 @@ void separator::find_further_sums(const parity_system& system, odd_sums& sums) c
     }
 }
 
-/// A round without a cut may end the run, and eliminations are cheap in comparison, so they
-/// continue while they find nothing.
+/// Eliminations continue while they find nothing, because a round without a cut may end the run and
+/// they are cheap in comparison.
 int separator::most_restarts(const parity_system& system, const odd_sums& sums) const {
     if (system.is_row_graph()) {
         return limits_.restarts_in_graphs;

@@ -13,8 +13,8 @@ namespace zero_half {
 
 /// How much work a search may do.
 struct search_limits {
-    /// The maximum number of eliminations: in all, while none has found a sum, and in a system in
-    /// which shortest odd cycles are exact.
+    /// The maximum number of eliminations: where sums are found, while none is found, and in a
+    /// system in which shortest odd cycles are exact.
     int restarts;
     int restarts_without_sums;
     int restarts_in_graphs;
@@ -79,15 +79,16 @@ public:
     void truncate(std::size_t count);
 
 private:
-    /// A point, as the searches use it.
+    /// A point, and what the searches need of it.
     struct separated_point {
         const double* values;
+        /// For each column, counted from 1, its nearest bound.
         std::vector<substitution> bounds;
-        /// Of the rows of the pool.
+        /// For each row of the pool.
         std::vector<double> slacks;
     };
 
-    /// Which rows of the pool a search adds up; cuts are in use once they were selected.
+    /// Which rows of the pool a search adds up. A cut is in use once it was selected.
     enum class rows_to_use { of_model, in_use, all };
 
     separated_point look_at(const double* point) const;
@@ -109,7 +110,7 @@ private:
     separation_options options_;
     row_pool pool_;
     std::size_t model_rows_;
-    /// For each row of the pool, whether it is of the model or was selected once.
+    /// For each row of the pool, whether it comes from the model or was selected once.
     std::vector<char> is_in_use_;
     cg_rounding rounding_;
     row_division division_;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cuts/rounding.hpp"
+#include "cuts/integers.hpp"
 #include "input/error.hpp"
 #include "input/mps_reader.hpp"
 

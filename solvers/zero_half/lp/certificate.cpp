@@ -9,7 +9,7 @@
 
 #include <boost/multiprecision/cpp_int.hpp>
 
-#include "cuts/rounding.hpp"
+#include "cuts/integers.hpp"
 
 namespace zero_half {
 

@@ -7,8 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "cuts/exact_limits.hpp"
-#include "cuts/rounding.hpp"
+#include "cuts/integers.hpp"
 #include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {
