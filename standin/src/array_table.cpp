@@ -7,9 +7,7 @@
 #include <utility>
 
 #include "calls.hpp"
-#include "fault_report.hpp"
-#include "origin.hpp"
-#include "wording.hpp"
+#include "reports.hpp"
 
 namespace zktarn::standin {
 

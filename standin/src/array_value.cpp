@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "fault_report.hpp"
+#include "reports.hpp"
 #include "zktarn_standin/arrays.hpp"
 
 namespace zktarn::standin {

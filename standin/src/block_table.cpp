@@ -1,4 +1,4 @@
-#include "block_table.hpp"
+#include "operation_work.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,9 +14,7 @@
 #include <sys/mman.h>
 #endif
 
-#include "fault_report.hpp"
-#include "origin.hpp"
-#include "wording.hpp"
+#include "reports.hpp"
 #include "zktarn_standin/blocks.hpp"
 
 namespace zktarn::standin {

@@ -18,7 +18,7 @@
 #define ZKTARN_STANDIN_HAS_BACKTRACE
 #endif
 
-#include "origin.hpp"
+#include "reports.hpp"
 
 namespace zktarn::standin {
 

@@ -1,4 +1,4 @@
-#include "console_output.hpp"
+#include "operation_work.hpp"
 
 #include <cstdio>
 #include <mutex>

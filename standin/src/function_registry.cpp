@@ -1,4 +1,4 @@
-#include "function_registry.hpp"
+#include "operation_work.hpp"
 
 #include <exception>
 #include <map>
@@ -6,8 +6,7 @@
 #include <mutex>
 #include <utility>
 
-#include "fault_report.hpp"
-#include "origin.hpp"
+#include "reports.hpp"
 #include "zktarn_standin/functions.hpp"
 
 namespace zktarn::standin {

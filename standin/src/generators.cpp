@@ -1,4 +1,4 @@
-#include "generators.hpp"
+#include "operation_work.hpp"
 
 #include <cstdint>
 #include <map>
@@ -6,8 +6,7 @@
 #include <random>
 #include <string>
 
-#include "fault_report.hpp"
-#include "origin.hpp"
+#include "reports.hpp"
 
 namespace zktarn::standin {
 

@@ -1,4 +1,4 @@
-#include "interrupt_poll.hpp"
+#include "operation_work.hpp"
 
 #include <atomic>
 #include <cerrno>

@@ -8,7 +8,7 @@
 
 #include "array_table.hpp"
 #include "attempt.hpp"
-#include "wording.hpp"
+#include "reports.hpp"
 
 namespace zktarn::host {
 

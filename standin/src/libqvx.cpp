@@ -3,9 +3,8 @@
 #include <string>
 
 #include "attempt.hpp"
-#include "console_output.hpp"
-#include "function_registry.hpp"
-#include "wording.hpp"
+#include "operation_work.hpp"
+#include "reports.hpp"
 
 namespace zktarn::host {
 

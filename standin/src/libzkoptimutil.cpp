@@ -1,9 +1,7 @@
 #include "zktarn/host/libzkoptimutil.hpp"
 
 #include "attempt.hpp"
-#include "block_table.hpp"
-#include "console_output.hpp"
-#include "generators.hpp"
+#include "operation_work.hpp"
 
 namespace zktarn::host {
 
