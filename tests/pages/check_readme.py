@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Holds the pages of the project against the programs and files that they speak of.
+"""Compares the pages of the project with the programs and files that they describe.
 
 A comment before a block says what the block is:
 
@@ -19,6 +19,8 @@ MARKED = re.compile(r"^<!-- (program|source|output) (\w+) -->\n+```\w+\n(.*?)^``
                     re.MULTILINE | re.DOTALL)
 MARK = re.compile(r"^<!-- (?:program|source|output) .*$", re.MULTILINE)
 CODE = re.compile(r"^```(?:cpp|py)$", re.MULTILINE)
+# What types of the host's headers are in C.
+ALIASES = {"array_handle": "int64_t", "data_address": "double *"}
 
 
 def fail(sentence):
@@ -106,8 +108,75 @@ def gates(page, script):
         fail(f"{page} and {script} differ in {', '.join(sorted(shown ^ run))}")
 
 
+def normal(text):
+    """One space between words, none beside punctuation."""
+    text = re.sub(r"\s+", " ", text).strip()
+    return re.sub(r" ?([*&(),]) ?", r"\1", text)
+
+
+def as_c(argument):
+    """An argument or result of a header as C has it: a reference is an address."""
+    argument = argument.replace("std::", "").strip()
+    is_const_reference = argument.startswith("const ") and "&" in argument
+    for alias, meaning in ALIASES.items():
+        if re.search(rf"\b{alias}\b", argument):
+            if is_const_reference and meaning.endswith("*"):
+                # A constant pointer, not a pointer to constants.
+                argument = argument.replace(f"const {alias}", f"{meaning}const ")
+            else:
+                argument = argument.replace(alias, meaning)
+    return normal(argument.replace("&", "*"))
+
+
+def split(declaration):
+    """Result with name, and arguments, of "result name(arguments)"."""
+    head, _, arguments = declaration.partition("(")
+    inside = arguments.rpartition(")")[0].strip()
+    return head.strip(), [] if inside in ("", "void") else inside.split(",")
+
+
+def declared_in(path):
+    """The prototypes of a header, in C."""
+    code = re.sub(r"//.*", "", read(path))
+    block = re.search(r'extern "C" \{(.*?)\n\}', code, re.S)
+    found = []
+    for declaration in (block.group(1).split(";") if block else []):
+        if "(" in declaration:
+            head, arguments = split(declaration.replace("noexcept", ""))
+            found.append(f"{as_c(head)}({','.join(map(as_c, arguments)) or 'void'})")
+    return found
+
+
+def shown_on(path):
+    """The prototypes of each library: they follow a comment with its name."""
+    libraries = {}
+    for block in re.findall(r"```c\n(.*?)```", read(path), re.S):
+        for library, code in re.findall(r"/\* (\w+) \*/(.*?)(?=/\*|\Z)", block, re.S):
+            libraries[library] = [
+                f"{normal(head)}({','.join(map(normal, arguments)) or 'void'})"
+                for head, arguments in map(split, filter(str.strip, code.split(";")))
+            ]
+    return libraries
+
+
+def prototypes(page, *headers):
+    """The C prototypes on the page are the declarations of the headers: the same functions with the same
+    arguments, in the same order within a library."""
+    shown, declared = shown_on(page), {pathlib.Path(each).stem: declared_in(each) for each in headers}
+    if not shown or not declared or not all(declared.values()):
+        fail(f"there is nothing to compare {page} with")
+    for library in sorted(shown.keys() | declared.keys()):
+        ours, theirs = declared.get(library, []), shown.get(library, [])
+        if lacking := [each for each in ours if each not in theirs]:
+            fail(f"{page} does not have {', '.join(lacking)}")
+        if lacking := [each for each in theirs if each not in ours]:
+            fail(f"{library}.hpp does not have {', '.join(lacking)}")
+        if ours != theirs:
+            fail(f"{page} has {library} in another order")
+
+
 CHECKS = {check.__name__: check
-          for check in (extract, source, output, marks, modules, presets, gates)}
+          for check in (extract, source, output, marks, modules, presets, gates, prototypes)}
 
 
 def main():

@@ -43,10 +43,29 @@ hello
 | gate | guarantees |
 |---|---|
 | `all-is-well` | everything |
+
+```c
+/* libone */
+void *take(int64_t nbytes);
+void put(void *address, const int32_t *count);
+/* libtwo */
+int64_t make(void);
+double *const *data(int64_t handle);
+```
 """
 EXPORTS = "# Names\n\n_ZN6zktarn7one_mod1fERKl\n_ZN6zktarn7one_mod2_gEv\n_ZN6zktarn7two_mod1hEv\n"
 PRESETS = """{"configurePresets": [
     {"name": "base", "hidden": true}, {"name": "plain"}, {"name": "checked"}]}"""
+LIBONE = """extern "C" {
+void* take(std::int64_t nbytes) noexcept; // may be null
+void put(void* address, const std::int32_t& count) noexcept;
+}
+"""
+LIBTWO = """extern "C" {
+array_handle make() noexcept;
+const data_address& data(array_handle handle) noexcept;
+}
+"""
 GATES = "all-is-well | short | library | everything\n"
 
 
@@ -183,6 +202,38 @@ class CheckReadme(unittest.TestCase):
 
     def test_gate_that_is_not_run(self):
         self.refused("differ in all-is-well", "gates", self.write("script", ""))
+
+    def prototypes(self, one=LIBONE, two=LIBTWO):
+        """The arguments of the check of prototypes, for headers with these texts."""
+        return "prototypes", self.write("libone.hpp", one), self.write("libtwo.hpp", two)
+
+    def test_equal_prototypes(self):
+        self.accepted(*self.prototypes())
+
+    def test_prototype_that_is_not_on_the_page(self):
+        self.refused("page.md does not have void more(int64_t n)",
+                     *self.prototypes(one=LIBONE.replace("\n}", "\nvoid more(std::int64_t n);\n}")))
+
+    def test_prototype_that_no_header_has(self):
+        self.replace_in_page("int64_t make(void);", "int64_t make(void);\nvoid more(void);")
+        self.refused("libtwo.hpp does not have void more(void)", *self.prototypes())
+
+    def test_prototype_with_other_arguments(self):
+        self.refused("page.md does not have void*take(int32_t nbytes)",
+                     *self.prototypes(one=LIBONE.replace("int64_t", "int32_t")))
+
+    def test_prototypes_in_another_order(self):
+        first, second = LIBONE.splitlines(keepends=True)[1:3]
+        self.refused("page.md has libone in another order",
+                     *self.prototypes(one=LIBONE.replace(first + second, second + first)))
+
+    def test_library_that_is_not_on_the_page(self):
+        self.refused("page.md does not have void f(void)", *self.prototypes(),
+                     self.write("libthree.hpp", 'extern "C" {\nvoid f();\n}\n'))
+
+    def test_header_without_prototypes(self):
+        for arguments in (self.prototypes(two="int make();\n"), ("prototypes",)):
+            self.refused("there is nothing to compare", *arguments)
 
     def test_wrong_arguments(self):
         for arguments in ((), ("output",), ("nothing", self.page), ("output", self.page),
