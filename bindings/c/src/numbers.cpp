@@ -1,6 +1,6 @@
 #include "arguments.hpp"
 #include "zktarn/sorting/sorting_mod.hpp"
-#include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 #include "zktarn/util/util.hpp"
 #include "zktarn_util.h"
 

@@ -8,7 +8,7 @@
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libut.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
-#include "zktarn/util/detail/truncate.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 
 namespace zktarn::callbacks_util {
 

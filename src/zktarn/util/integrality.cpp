@@ -1,6 +1,6 @@
 #include "zktarn/util/integrality.hpp"
 
-#include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 
 namespace zktarn::util {
 

@@ -6,8 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "zktarn/util/detail/guarded_floor.hpp"
-#include "zktarn/util/detail/near_multiples.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 #include "zktarn/util/detail/rational.hpp"
 
 // A denominator fits if a fraction with it is within eps of x. docs/numerics.md proves that the

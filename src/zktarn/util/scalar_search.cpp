@@ -9,8 +9,7 @@
 #include <limits>
 
 #include "zktarn/util/detail/binary_gcd.hpp"
-#include "zktarn/util/detail/guarded_floor.hpp"
-#include "zktarn/util/detail/near_multiples.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 #include "zktarn/util/detail/rational.hpp"
 
 namespace zktarn::util {

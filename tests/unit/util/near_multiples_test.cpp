@@ -1,4 +1,4 @@
-#include "zktarn/util/detail/near_multiples.hpp"
+#include "zktarn/util/detail/rational.hpp"
 
 #include <array>
 #include <cmath>

@@ -5,7 +5,6 @@
 #include <cstdint>
 
 #include "zktarn/vector/detail/append_if_new.hpp"
-#include "zktarn/vector/detail/coefficients.hpp"
 #include "zktarn/vector/detail/drop_zeros.hpp"
 #include "zktarn/vector/detail/prefetch.hpp"
 #include "zktarn/vector/detail/zero_suspects.hpp"

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 #include "zktarn/vector/detail/compaction.hpp"
 #include "zktarn/vector/detail/prefetch.hpp"
 #include "zktarn/vector/detail/sorted_entries.hpp"

@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "ordinary_numbers.hpp"
-#include "zktarn/util/detail/guarded_floor.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 
 namespace {
 

@@ -1,15 +1,43 @@
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <limits>
 
 #include "zktarn/types.hpp"
-#include "zktarn/util/detail/truncate.hpp"
 
-// The floors, ceilings and integrality decisions of the library. Inline, so that the library in C
-// contains them and needs no second call.
+// Reals to integers: conversions, floors, ceilings and integrality decisions. Inline, so that the
+// library in C contains them and needs no second call.
 
 namespace zktarn::util::detail {
+
+// Conversions, defined for every real: truncation toward zero, saturation at both ends of the
+// range, NaN to 0. The plain conversion is undefined outside the range, and processors differ
+// there.
+// -------------------------------------------------------------------------------------------
+
+inline std::int64_t truncate_i64(double value) noexcept {
+    using limits = std::numeric_limits<std::int64_t>;
+    // 2^63 - 1 is not a double; 2^63 is.
+    constexpr double range_end = 0x1p63;
+    if (std::fabs(value) < range_end) [[likely]] {
+        return static_cast<std::int64_t>(value);
+    }
+    if (std::isnan(value)) {
+        return 0;
+    }
+    return std::signbit(value) ? limits::min() : limits::max();
+}
+
+inline std::int32_t truncate_i32(double value) noexcept {
+    using limits = std::numeric_limits<std::int32_t>;
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(truncate_i64(value), limits::min(), limits::max()));
+}
+
+// Guarded floors and ceilings
+// -------------------------------------------------------------------------------------------
 
 /// The floor of base + offset, by the rule that integrality.hpp states.
 ///
@@ -35,6 +63,9 @@ inline double guarded_floor(double base, double offset) noexcept {
 inline double guarded_ceiling(double base, double offset) noexcept {
     return -guarded_floor(-base, offset);
 }
+
+// Integrality within a tolerance
+// -------------------------------------------------------------------------------------------
 
 /// Whether a real is integral within a tolerance, and the integer tested last.
 struct integer_decision {
@@ -90,6 +121,9 @@ inline double distance_to_integer(double value) noexcept {
     const double rounded = static_cast<double>(truncate_i64(value + std::copysign(0.5, value)));
     return std::fabs(rounded - value);
 }
+
+// Parity
+// -------------------------------------------------------------------------------------------
 
 /// 0 if `value` is within `eps` of an even integer, else 1. The integer is converted to 32 bits
 /// with saturation, so 2147483647 and everything above it counts as odd.

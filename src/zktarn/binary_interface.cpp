@@ -1,4 +1,5 @@
-// Checks the layout of argument types and records, which is part of the binary interface.
+// What programs compiled against the headers find in the library: a symbol for each inline
+// procedure, and the layout of argument types and records.
 
 #include <cstddef>
 #include <cstdint>
@@ -9,6 +10,9 @@
 #include "zktarn/random/random.hpp"
 #include "zktarn/types.hpp"
 #include "zktarn/vector/vector_type.hpp"
+
+// No other source includes this header, whose procedures are all inline.
+#include "zktarn/util/array_copy.hpp"
 
 namespace zktarn {
 
