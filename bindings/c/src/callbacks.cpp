@@ -1,5 +1,8 @@
+/// The bridge between a solver and its host, in C: solve state, reports, interrupts, assertions.
+
 #include "arguments.hpp"
 #include "records.hpp"
+#include "zktarn/assert/assert_mod.hpp"
 #include "zktarn/callbacks/callbacks_type_util.hpp"
 #include "zktarn/callbacks/callbacks_util.hpp"
 #include "zktarn/host/libqv.hpp"
@@ -120,4 +123,8 @@ void zktarn_lowercasee(char* text, size_t text_length) {
     if (!c::null_elements(text, text_length)) {
         callbacks_util::lowercasee({text, text_length});
     }
+}
+
+void zktarn_tarnassert(zktarn_flag condition) {
+    assert_mod::tarnassert(condition);
 }

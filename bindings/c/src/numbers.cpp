@@ -1,11 +1,15 @@
+/// Modules `util`, `sorting_mod` and `random` in C.
+
 #include "arguments.hpp"
+#include "records.hpp"
+#include "zktarn/random/random.hpp"
 #include "zktarn/sorting/sorting_mod.hpp"
 #include "zktarn/util/detail/to_integer.hpp"
 #include "zktarn/util/util.hpp"
-#include "zktarn_util.h"
 
 using namespace zktarn;
-// The integrality procedures are inlined: a second call, of the C++ library, would be a large part
+using c::cpp;
+// The integrality procedures are inlined: a further call, to the C++ library, would be a large part
 // of their cost.
 namespace inlined = util::detail;
 
@@ -113,4 +117,38 @@ void zktarn_sort(int32_t first, int32_t last, zktarn_exchange_procedure exchange
     sorting_mod::sort(first, last, [exchange, context](std::int32_t a, std::int32_t b) {
         return exchange(a, b, context);
     });
+}
+
+zktarn_flag zktarn_instantiaterng(zktarn_rng_state* rng, int32_t seed) {
+    return c::any_null(rng) ? 0 : random::instantiaterng(cpp(rng), seed);
+}
+
+void zktarn_deleterng(zktarn_rng_state* rng) {
+    if (!c::any_null(rng)) {
+        random::deleterng(cpp(rng));
+    }
+}
+
+double zktarn_rand_number(const zktarn_rng_state* rng) {
+    return c::any_null(rng) ? 0.0 : random::rand_number(cpp(rng));
+}
+
+zktarn_flag zktarn_getrngstate(const zktarn_rng_state* rng, zktarn_saved_state* state) {
+    return c::any_null(rng, state) ? 0 : random::getrngstate(cpp(rng), *state);
+}
+
+void zktarn_setrngstate(const zktarn_rng_state* rng, zktarn_saved_state state) {
+    if (!c::any_null(rng)) {
+        random::setrngstate(cpp(rng), state);
+    }
+}
+
+void zktarn_deleterngstate(zktarn_saved_state state) {
+    random::deleterngstate(state);
+}
+
+void zktarn_rng_stateinitialise(zktarn_rng_state* first, int32_t count) {
+    if (c::has_records(first, count)) {
+        random::_rng_stateinitialise(cpp(first), count);
+    }
 }

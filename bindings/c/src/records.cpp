@@ -3,8 +3,10 @@
 #include <cstddef>
 #include <type_traits>
 
-/// Asserts that each C record has the size, the alignment and the component offsets of its C++
-/// counterpart.
+#include "zktarn/version.hpp"
+
+/// Agreement of the C header with the library: the version that programs compare, and assertions
+/// that each C record has the size, the alignment and the component offsets of its C++ counterpart.
 
 namespace zktarn::c {
 
@@ -110,3 +112,7 @@ static_assert(ZKTARN_DISPLAY_FINAL == callbacks_util::code::display_final);
 } // namespace
 
 } // namespace zktarn::c
+
+const char* zktarn_version() {
+    return ZKTARN_VERSION_STRING;
+}
