@@ -1,7 +1,6 @@
 /// The bridge between a solver and its host, in C: solve state, reports, interrupts, assertions.
 
 #include "arguments.hpp"
-#include "records.hpp"
 #include "zktarn/assert/assert_mod.hpp"
 #include "zktarn/callbacks/callbacks_type_util.hpp"
 #include "zktarn/callbacks/callbacks_util.hpp"

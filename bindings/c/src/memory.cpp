@@ -1,7 +1,6 @@
 #include "zktarn/memory/memory_mod.hpp"
 
 #include "arguments.hpp"
-#include "records.hpp"
 
 using namespace zktarn;
 using c::cpp;

@@ -1,7 +1,6 @@
 /// Modules `util`, `sorting_mod` and `random` in C.
 
 #include "arguments.hpp"
-#include "records.hpp"
 #include "zktarn/random/random.hpp"
 #include "zktarn/sorting/sorting_mod.hpp"
 #include "zktarn/util/detail/to_integer.hpp"

@@ -1,4 +1,4 @@
-#include "records.hpp"
+#include "arguments.hpp"
 
 #include <cstddef>
 #include <type_traits>

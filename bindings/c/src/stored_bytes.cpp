@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "arguments.hpp"
-#include "records.hpp"
 
 /// Values of n bytes in the slot of a cbdatalist.
 ///

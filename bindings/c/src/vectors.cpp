@@ -1,5 +1,4 @@
 #include "arguments.hpp"
-#include "records.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 #include "zktarn/vector/vector_type.hpp"
 

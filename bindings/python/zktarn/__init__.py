@@ -33,9 +33,8 @@ from ._core import (
     nearest_scalar,
 )
 from ._generators import Generator, GeneratorState
-from ._numbers import Rationals, find_scalar_integral, gcd, rational, scalar_integral
+from ._numbers import Rationals, find_scalar_integral, gcd, rational, scalar_integral, sort
 from ._solve import Solve, tarnassert
-from ._sorting import sort
 
 __version__: str = _host.version
 __all__ = [

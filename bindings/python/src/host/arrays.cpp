@@ -1,11 +1,9 @@
-#include "arrays.hpp"
+#include "interpreter.hpp"
 
 #include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <utility>
-
-#include "numpy_api.hpp"
 
 /// Struct arrays, real arrays and texts.
 

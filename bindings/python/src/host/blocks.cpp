@@ -3,7 +3,6 @@
 #include <unordered_map>
 
 #include "interpreter.hpp"
-#include "numpy_api.hpp"
 #include "python_host.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 

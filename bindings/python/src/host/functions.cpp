@@ -1,9 +1,7 @@
 #include <cstdint>
 #include <utility>
 
-#include "arrays.hpp"
 #include "interpreter.hpp"
-#include "numpy_api.hpp"
 #include "python_host.hpp"
 #include "zktarn/host/libqvx.hpp"
 
@@ -13,7 +11,7 @@ namespace zktarn::python_host {
 
 namespace {
 
-/// Under which a thread of Python keeps its functions.
+/// The key under which a thread of Python keeps its functions.
 PyObject* key() noexcept {
     static PyObject* const name = PyUnicode_InternFromString("zktarn.functions");
     return name;

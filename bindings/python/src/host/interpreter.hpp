@@ -2,11 +2,22 @@
 
 #include <Python.h>
 
+#include <cstdint>
 #include <utility>
 
-/// What every operation of the host begins with, the interpreter's lock, and what it leaves behind:
-/// exceptions that wait for the library to return (python_host.hpp says which, and which thread
-/// gets them).
+#include "zktarn/host/libqv.hpp"
+
+// All sources share one table of NumPy's functions, which interpreter.cpp fills.
+#define NPY_NO_DEPRECATED_API NPY_1_21_API_VERSION
+#define PY_ARRAY_UNIQUE_SYMBOL numpy_functions_of_the_host
+#ifndef ZKTARN_NUMPY_TABLE_HERE
+#define NO_IMPORT_ARRAY
+#endif
+#include <numpy/arrayobject.h>
+
+/// The interpreter as the operations of the host use it: its lock, references to its objects,
+/// NumPy's functions, and exceptions, which are stored until the library returns (python_host.hpp
+/// states which exceptions, and which thread raises them).
 
 namespace zktarn::python_host {
 
@@ -53,7 +64,7 @@ public:
     reference(const reference&) = delete;
     reference& operator=(const reference&) = delete;
 
-    /// A further reference to an object that somebody else owns.
+    /// A further reference to an object with another owner.
     static reference share(PyObject* borrowed) noexcept {
         Py_XINCREF(borrowed);
         return reference(borrowed);
@@ -67,7 +78,26 @@ private:
     PyObject* object_ = nullptr;
 };
 
-/// Makes what the procedures below need. Returns false with an exception set when memory is
+/// Arrays of the host are objects of Python; a handle is the address of one, with a reference:
+///
+///     struct, 1-by-1          dict, name to value; an empty field is None
+///     struct, other extents   numpy.ndarray of such dicts
+///     column, n-by-1          numpy.ndarray of float64, one dimension
+///     other real matrix       numpy.ndarray of float64, two dimensions, column by column
+///     real scalar             float
+///     text                    str
+///
+/// Returns the object behind a handle; null for handle 0.
+inline PyObject* object_of(host::array_handle handle) noexcept {
+    return reinterpret_cast<PyObject*>(handle);
+}
+
+/// The handle of an object, which owns the reference from now on; 0 for null.
+inline host::array_handle handle_of(reference object) noexcept {
+    return reinterpret_cast<host::array_handle>(object.release());
+}
+
+/// Allocates what the procedures below need. Returns false with an exception set when memory is
 /// missing.
 [[nodiscard]] bool prepare_exceptions() noexcept;
 
@@ -77,8 +107,8 @@ void store_exception(const interpreter_lock& lock) noexcept;
 /// Whether an exception is stored that `zktarn_python_raise` would raise on this thread.
 [[nodiscard]] bool has_stored_exception(const interpreter_lock& lock) noexcept;
 
-/// Makes what a call of a function needs even when memory is missing. Returns false with an
-/// exception set when memory is missing.
+/// Allocates what a call of a function needs, so that the call itself succeeds without memory.
+/// Returns false with an exception set when memory is missing.
 [[nodiscard]] bool prepare_functions() noexcept;
 
 } // namespace zktarn::python_host

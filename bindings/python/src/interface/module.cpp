@@ -1,4 +1,4 @@
-// The extension module zktarn._core: its start, its exceptions, its universal functions.
+// The extension module zktarn._core: its start and its exceptions.
 
 #define ZKTARN_PYTHON_IMPORTS_NUMPY
 #include "ufuncs.hpp"
@@ -40,17 +40,6 @@ void set_python_error() noexcept {
     }
 }
 
-void add_ufunc(PyObject* module, const ufunc_description& description) {
-    PyObject* const made = require(PyUFunc_FromFuncAndData(
-        description.loops, nullptr, description.type_codes, description.types, description.inputs,
-        description.outputs, PyUFunc_None, description.name, description.documentation, 0));
-    const int added = PyModule_AddObjectRef(module, description.name, made);
-    Py_DECREF(made);
-    if (added < 0) {
-        throw python_error{};
-    }
-}
-
 } // namespace zktarn::python
 
 PYBIND11_MODULE(_core, module) {
@@ -59,9 +48,7 @@ PYBIND11_MODULE(_core, module) {
     try {
         start();
         add_vector_type(module.ptr());
-        add_integrality(module.ptr());
-        add_rational(module.ptr());
-        add_callables(module.ptr());
+        add_ufuncs(module.ptr());
         add_random(module.ptr());
         add_callbacks(module.ptr());
     } catch (const python_error&) {

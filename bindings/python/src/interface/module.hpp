@@ -13,9 +13,7 @@ namespace zktarn::python {
 
 // Each raises when it fails.
 void add_vector_type(PyObject* module);
-void add_integrality(PyObject* module);
-void add_rational(PyObject* module);
-void add_callables(PyObject* module);
+void add_ufuncs(PyObject* module);
 void add_random(PyObject* module);
 void add_callbacks(PyObject* module);
 

@@ -84,7 +84,7 @@ struct elementwise_reals<procedure, Result, 2>
     : elementwise<procedure, void(double, double, double), void(Result)> {};
 
 /// A universal function with `types` kinds of operands; `loops` and `type_codes` must stay in
-/// memory. Adds it to the module.
+/// memory.
 struct ufunc_description {
     const char* name;
     const char* documentation;
@@ -94,7 +94,5 @@ struct ufunc_description {
     PyUFuncGenericFunction* loops;
     char* type_codes;
 };
-
-void add_ufunc(PyObject* module, const ufunc_description& description);
 
 } // namespace zktarn::python

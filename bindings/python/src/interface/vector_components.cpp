@@ -1,6 +1,5 @@
 // The methods of `Vector` that read or write one component or one entry.
 
-#include "methods.hpp"
 #include "vector_checks.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 

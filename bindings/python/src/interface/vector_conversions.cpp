@@ -8,7 +8,6 @@
 #include <cstring>
 #include <vector>
 
-#include "methods.hpp"
 #include "vector_checks.hpp"
 
 namespace zktarn::python {

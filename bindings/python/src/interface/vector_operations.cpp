@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "methods.hpp"
 #include "vector_checks.hpp"
 #include "zktarn/vector/vector_mod.hpp"
 

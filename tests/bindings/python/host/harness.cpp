@@ -11,7 +11,7 @@
 #include <utility>
 
 #define ZKTARN_NUMPY_TABLE_HERE
-#include "host/numpy_api.hpp"
+#include "host/interpreter.hpp"
 #include "host/python_host.hpp"
 #include "zktarn/host/libqv.hpp"
 #include "zktarn/host/libqvx.hpp"

@@ -1,11 +1,13 @@
-// The integrality procedures as universal functions.
+// The universal functions: integrality, fractions near reals, greatest common divisors.
 
 #include <limits>
 
 #include "module.hpp"
 #include "ordinary_numbers.hpp"
 #include "ufuncs.hpp"
+#include "zktarn/util/gcd.hpp"
 #include "zktarn/util/integrality.hpp"
+#include "zktarn/util/rational.hpp"
 
 namespace zktarn::python {
 
@@ -70,6 +72,21 @@ void is_even_int(const Integer& n, npy_bool& result) noexcept {
 template <class Integer>
 using parity = elementwise<is_even_int<Integer>, void(Integer), void(npy_bool)>;
 
+void rational_parts(const double& x, const double& eps, const double& max_den, double& num,
+                    double& den, npy_bool& found) noexcept {
+    flag is_found = 0;
+    util::get_rational_rep(x, eps, max_den, is_found, num, den);
+    found = is_found != 0;
+}
+
+void gcd_real(const double& a, const double& b, const double& eps, double& result) noexcept {
+    result = util::xgcd_r8(a, b, eps);
+}
+
+void gcd_int(const npy_int& a, const npy_int& b, npy_int& result) noexcept {
+    result = util::xgcd_i4(a, b);
+}
+
 char reals[] = {NPY_DOUBLE, NPY_DOUBLE, NPY_DOUBLE, NPY_DOUBLE};
 char two_to_flag[] = {NPY_DOUBLE, NPY_DOUBLE, NPY_BOOL};
 char three_to_flag[] = {NPY_DOUBLE, NPY_DOUBLE, NPY_DOUBLE, NPY_BOOL};
@@ -100,6 +117,18 @@ char integer_to_flag[] = {NPY_BYTE, NPY_BOOL,     NPY_UBYTE, NPY_BOOL,      NPY_
                           NPY_BOOL, NPY_USHORT,   NPY_BOOL,  NPY_INT,       NPY_BOOL,
                           NPY_UINT, NPY_BOOL,     NPY_LONG,  NPY_BOOL,      NPY_ULONG,
                           NPY_BOOL, NPY_LONGLONG, NPY_BOOL,  NPY_ULONGLONG, NPY_BOOL};
+
+PyUFuncGenericFunction rational_parts_loop[] = {
+    elementwise<rational_parts, void(double, double, double),
+                void(double, double, npy_bool)>::loop};
+PyUFuncGenericFunction gcd_real_loop[] = {
+    elementwise<gcd_real, void(double, double, double), void(double)>::loop};
+PyUFuncGenericFunction gcd_int_loop[] = {
+    elementwise<gcd_int, void(npy_int, npy_int), void(npy_int)>::loop};
+
+char rational_parts_types[] = {NPY_DOUBLE, NPY_DOUBLE, NPY_DOUBLE,
+                               NPY_DOUBLE, NPY_DOUBLE, NPY_BOOL};
+char integers[] = {NPY_INT, NPY_INT, NPY_INT};
 
 const ufunc_description descriptions[] = {
     {"fractional", R"(The distance of x to its nearest integer.
@@ -215,11 +244,35 @@ Returns bool, with the shape of x.
 
 C++: util::is_even_int.)",
      1, 1, 10, is_even_int_loops, integer_to_flag},
+    {"rational_parts", R"(Numerators, denominators and flags for zktarn.rational.
+
+C++: util::get_rational_rep.)",
+     3, 3, 1, rational_parts_loop, rational_parts_types},
+    {"gcd_real", R"(Divisors for zktarn.gcd.
+
+C++: util::xgcd_r8.)",
+     3, 1, 1, gcd_real_loop, reals},
+    {"gcd_int", R"(Divisors for zktarn.gcd.
+
+C++: util::xgcd_i4.)",
+     2, 1, 1, gcd_int_loop, integers},
 };
+
+/// Adds a universal function to the module.
+void add_ufunc(PyObject* module, const ufunc_description& description) {
+    PyObject* const made = require(PyUFunc_FromFuncAndData(
+        description.loops, nullptr, description.type_codes, description.types, description.inputs,
+        description.outputs, PyUFunc_None, description.name, description.documentation, 0));
+    const int added = PyModule_AddObjectRef(module, description.name, made);
+    Py_DECREF(made);
+    if (added < 0) {
+        throw python_error{};
+    }
+}
 
 } // namespace
 
-void add_integrality(PyObject* module) {
+void add_ufuncs(PyObject* module) {
     for (const ufunc_description& each : descriptions) {
         add_ufunc(module, each);
     }

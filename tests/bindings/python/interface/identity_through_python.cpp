@@ -1,4 +1,5 @@
-// The procedures of via.h, each a call of package zktarn.
+// The cases of the identity program through Python: implements the procedures of via.h, each by a
+// call of package zktarn, and returns the hashes of the results to the tests.
 
 #include <pybind11/numpy.h>
 #include <pybind11/pybind11.h>
@@ -8,6 +9,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "binary/identity/procedures.hpp"
 #include "via.h"
 
 namespace {
@@ -15,7 +17,7 @@ namespace {
 namespace py = pybind11;
 
 /// A function or class of the package.
-py::object zktarn(const char* name) {
+py::object of_package(const char* name) {
     return py::module_::import("zktarn").attr(name);
 }
 
@@ -65,9 +67,9 @@ class mirrored {
 public:
     explicit mirrored(const zktarn_vector* v)
         : record_(*v),
-          vector_(zktarn("Vector")(capacity(*v), py::arg("coef") = v->coef.data != nullptr,
-                                   py::arg("ind") = v->ind.data != nullptr,
-                                   py::arg("elm") = v->elm.data != nullptr)) {
+          vector_(of_package("Vector")(capacity(*v), py::arg("coef") = v->coef.data != nullptr,
+                                       py::arg("ind") = v->ind.data != nullptr,
+                                       py::arg("elm") = v->elm.data != nullptr)) {
         copy_to_python<double>(record_.coef, vector_.attr("coef"));
         copy_to_python<std::int32_t>(record_.ind, vector_.attr("ind"));
         copy_to_python<std::int32_t>(record_.elm, vector_.attr("elm"));
@@ -109,38 +111,38 @@ Result read(const zktarn_vector* v, const char* method, const Args&... args) {
 // --------------------------------------------------------------------------------------------
 
 double via_fractional(double x) {
-    return real(zktarn("fractional")(x));
+    return real(of_package("fractional")(x));
 }
 
 void via_epsilon_is_int(double x, double eps, zktarn_flag* is_int, double* nearest) {
-    *is_int = truth(zktarn("is_int")(x, eps));
-    write_unless_nan(nearest, zktarn("nearest")(x, eps));
+    *is_int = truth(of_package("is_int")(x, eps));
+    write_unless_nan(nearest, of_package("nearest")(x, eps));
 }
 
 void via_epsilon_is_int_scalar(double x, double scalar, double eps, zktarn_flag* is_int,
                                double* nearest) {
-    *is_int = truth(zktarn("is_int_scalar")(x, scalar, eps));
-    write_unless_nan(nearest, zktarn("nearest_scalar")(x, scalar, eps));
+    *is_int = truth(of_package("is_int_scalar")(x, scalar, eps));
+    write_unless_nan(nearest, of_package("nearest_scalar")(x, scalar, eps));
 }
 
 double via_epsilon_fractionality(double x, double eps) {
-    return real(zktarn("fractionality")(x, eps));
+    return real(of_package("fractionality")(x, eps));
 }
 
 double via_epsilon_floor(double x, double eps) {
-    return real(zktarn("floor")(x, eps));
+    return real(of_package("floor")(x, eps));
 }
 
 double via_epsilon_ceiling(double x, double eps) {
-    return real(zktarn("ceil")(x, eps));
+    return real(of_package("ceil")(x, eps));
 }
 
 zktarn_flag via_is_even_real(double x, double eps) {
-    return truth(zktarn("is_even")(x, eps));
+    return truth(of_package("is_even")(x, eps));
 }
 
 zktarn_flag via_is_even_int(int32_t n) {
-    return truth(zktarn("is_even_int")(n));
+    return truth(of_package("is_even_int")(n));
 }
 
 // Fractions
@@ -150,18 +152,18 @@ void via_get_rational_rep(double x, double eps, double max_den, zktarn_flag* fou
                           double* den) {
     const py::list one(1);
     one[0] = x;
-    const py::tuple fractions = zktarn("rational")(one, eps, max_den);
+    const py::tuple fractions = of_package("rational")(one, eps, max_den);
     *num = real(fractions[0][py::int_(0)]);
     *den = real(fractions[1][py::int_(0)]);
     *found = truth(fractions[2][py::int_(0)]);
 }
 
 double via_xgcd_r8(double a, double b, double eps) {
-    return real(zktarn("gcd")(a, b, eps));
+    return real(of_package("gcd")(a, b, eps));
 }
 
 int32_t via_xgcd_i4(int32_t a, int32_t b) {
-    return zktarn("gcd")(a, b).cast<int32_t>();
+    return of_package("gcd")(a, b).cast<int32_t>();
 }
 
 void via_find_scalar_integral(int32_t n, zktarn_element_supplier get_element, void* context,
@@ -175,7 +177,7 @@ void via_find_scalar_integral(int32_t n, zktarn_element_supplier get_element, vo
         get_element(index, &value, &marked, &selected, context);
         return py::make_tuple(value, marked != 0, selected != 0);
     };
-    const py::object result = zktarn("find_scalar_integral")(
+    const py::object result = of_package("find_scalar_integral")(
         n, py::cpp_function(element), eps, max_den, max_scalar,
         py::arg("skip_marked") = *skip_marked != 0, py::arg("selected_only") = *selected_only != 0);
     *found = result.is_none() ? 0 : 1;
@@ -186,9 +188,9 @@ void via_find_scalar_integral(int32_t n, zktarn_element_supplier get_element, vo
 // --------------------------------------------------------------------------------------------
 
 void via_sort(int32_t first, int32_t last, zktarn_exchange_procedure exchange, void* context) {
-    zktarn("sort")(first, last, py::cpp_function([=](int32_t a, int32_t b) {
-                       return exchange(a, b, context) != 0;
-                   }));
+    of_package("sort")(first, last, py::cpp_function([=](int32_t a, int32_t b) {
+                           return exchange(a, b, context) != 0;
+                       }));
 }
 
 // Vectors
@@ -291,4 +293,28 @@ void via_vector_mod2(zktarn_vector* v, double tol) {
 
 zktarn_flag via_vectors_are_identical(const zktarn_vector* a, const zktarn_vector* b, double tol) {
     return read<bool>(a, "is_identical", *mirrored(b), tol) ? 1 : 0;
+}
+
+// Hashes
+// --------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Name to hash, of every procedure that Python has and whose results do not depend on the host.
+py::dict hashes() {
+    py::dict all;
+    for (const auto& subject :
+         {zktarn::identity::util_procedures(), zktarn::identity::vector_procedures(),
+          zktarn::identity::sorting_procedures()}) {
+        for (const zktarn::identity::procedure& each : subject) {
+            all[each.name] = hash_of(each);
+        }
+    }
+    return all;
+}
+
+} // namespace
+
+PYBIND11_MODULE(identity_through_python, module) {
+    module.def("hashes", hashes);
 }
