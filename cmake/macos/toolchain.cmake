@@ -45,8 +45,11 @@ foreach(kind IN ITEMS EXE SHARED MODULE)
   set(CMAKE_${kind}_LINKER_FLAGS_INIT "-fuse-ld=lld")
 endforeach()
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
-# CMake derives from the version of the building system whether the linker supports @rpath.
-set(CMAKE_USER_MAKE_RULES_OVERRIDE "${CMAKE_CURRENT_LIST_DIR}/run_path.cmake")
+# CMake derives from the version of the building system whether the linker supports @rpath. Only this file can
+# override that.
+set(CMAKE_USER_MAKE_RULES_OVERRIDE "${ZKTARN_MACOS_PACKAGES}/run_path.cmake")
+file(CONFIGURE OUTPUT "${CMAKE_USER_MAKE_RULES_OVERRIDE}"
+  CONTENT "set(CMAKE_SHARED_LIBRARY_RUNTIME_C_FLAG \"-Wl,-rpath,\")\n")
 
 foreach(tool IN ITEMS AR NM OBJDUMP RANLIB STRIP INSTALL_NAME_TOOL)
   string(TOLOWER "llvm-${tool}-${ZKTARN_LLVM_VERSION}" name)
