@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <cstdlib>
 #include <numeric>
 #include <string>
 #include <string_view>
@@ -7,7 +6,6 @@
 #include "broken_host/broken_host.hpp"
 #include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libut.hpp"
-#include "zktarn/host/libzkoptimutil.hpp"
 
 namespace zktarn::host {
 
@@ -81,18 +79,6 @@ std::int32_t qvxprintf800_(const char* text, std::int64_t text_length) noexcept 
 
 bool utIsInterruptPending() noexcept {
     return has_flaw("always_interrupted");
-}
-
-void assertOptim(bool condition) noexcept {
-    if (has_flaw("assertion_inverted") ? condition : !condition) {
-        std::abort();
-    }
-}
-
-void ioFlushOptim() noexcept {
-    if (!has_flaw("flush_does_nothing")) {
-        std::fflush(stdout);
-    }
 }
 }
 
