@@ -1,5 +1,6 @@
 #include "zktarn/random/random.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <string>
@@ -8,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/exported.hpp"
 #include "support/host_log.hpp"
 
 namespace {
@@ -32,8 +34,8 @@ host_call call_with(operation what, std::uintptr_t number) {
     return {what, {}, {}, {}, {handle(number)}};
 }
 
-/// The calls that the library makes and how it treats their results. Every operation is scripted,
-/// because the handles refer to no objects.
+/// Tests which operations the library calls and what it does with their results. Every operation is
+/// scripted, because the handles are not addresses of objects.
 class Random : public testing::Test {
 protected:
     Random() {
@@ -114,7 +116,7 @@ TEST_F(Random, DeletesAGeneratorOnce) {
     EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::deleteRngOptim, 3)));
 }
 
-TEST_F(Random, DrawsOneNumberAtATime) {
+TEST_F(Random, RequestsOneNumberPerCall) {
     const rng_state rng{handle(3)};
     standin::answer_calls(operation::getRandUniformOptim,
                           [](const host_call&) { return answer{.reals = {0.25}}; });
@@ -123,12 +125,12 @@ TEST_F(Random, DrawsOneNumberAtATime) {
                 ElementsAre(host_call{operation::getRandUniformOptim, {1}, {}, {}, {handle(3)}}));
 }
 
-TEST_F(Random, DrawsTheLargestRealWhenTheHostWritesNone) {
+TEST_F(Random, ReturnsTheLargestRealWhenTheHostWritesNoNumber) {
     EXPECT_EQ(rand_number(rng_state{handle(3)}), largest);
     EXPECT_EQ(host.calls().size(), 1U);
 }
 
-TEST_F(Random, DrawsTheLargestRealWithoutAGenerator) {
+TEST_F(Random, ReturnsTheLargestRealWithoutAGenerator) {
     EXPECT_EQ(rand_number(rng_state{}), largest);
     EXPECT_THAT(host.calls(), IsEmpty());
 }
@@ -150,7 +152,7 @@ TEST_F(Random, FailsWhenTheHostMakesNoSnapshot) {
     EXPECT_EQ(state, nullptr);
 }
 
-TEST_F(Random, RequestsASnapshotOfANullGenerator) {
+TEST_F(Random, CallsTheHostForASnapshotOfANullGenerator) {
     saved_state state = handle(99);
     answer_handle(operation::getRngStateOptim, 0);
     EXPECT_EQ(getrngstate(rng_state{}, state), 0);
@@ -162,7 +164,7 @@ TEST_F(Random, RequestsASnapshotOfANullGenerator) {
                                           call_with(operation::getRngStateOptim, 0)));
 }
 
-TEST_F(Random, TheSnapshotIsNullWhileTheHostTakesIt) {
+TEST_F(Random, TheHandleOfTheSnapshotIsNullWhileTheHostTakesIt) {
     saved_state state = handle(99);
     void* during_call = handle(99);
     standin::answer_calls(operation::getRngStateOptim, [&](const host_call&) {
@@ -181,7 +183,7 @@ TEST_F(Random, TheSnapshotMayAliasTheHandleOfTheGenerator) {
     EXPECT_THAT(host.calls(), ElementsAre(call_with(operation::getRngStateOptim, 3)));
 }
 
-TEST_F(Random, RestoresASnapshotAsOftenAsWanted) {
+TEST_F(Random, RestoresASnapshotRepeatedly) {
     const rng_state rng{handle(3)};
     const saved_state state = handle(6);
     setrngstate(rng, state);
@@ -207,7 +209,7 @@ TEST_F(Random, DeletesASnapshotAndKeepsTheStaleHandle) {
                                           call_with(operation::deleteRngStateOptim, 6)));
 }
 
-TEST_F(Random, DeletesNoNullSnapshot) {
+TEST_F(Random, DoesNotDeleteANullSnapshot) {
     deleterngstate(nullptr);
     EXPECT_THAT(host.calls(), IsEmpty());
 }
@@ -220,7 +222,7 @@ std::vector<double> draws(const rng_state& rng, int n) {
     return numbers;
 }
 
-/// Generators of the stand-in, without scripted results.
+/// Tests with generators of the stand-in, whose operations are not scripted.
 class RandomNumbers : public testing::Test {
 protected:
     void SetUp() override { standin::reset(); }
@@ -230,7 +232,7 @@ protected:
     }
 };
 
-TEST_F(RandomNumbers, AreRestoredByASnapshot) {
+TEST_F(RandomNumbers, RepeatAfterASnapshotIsRestored) {
     rng_state rng;
     ASSERT_EQ(instantiaterng(rng, 42), 1);
     draws(rng, 5);
@@ -261,7 +263,7 @@ TEST_F(RandomNumbers, DependOnTheSeed) {
     }
 }
 
-TEST_F(RandomNumbers, ReportFailuresOfTheHost) {
+TEST_F(RandomNumbers, FailuresOfTheHostReachTheCaller) {
     rng_state rng;
     standin::fail_call(operation::instantiateRngOptim, 1);
     EXPECT_EQ(instantiaterng(rng, 1), 0);
@@ -278,6 +280,46 @@ TEST_F(RandomNumbers, ReportFailuresOfTheHost) {
     EXPECT_EQ(rand_number(rng), largest);
     EXPECT_LT(rand_number(rng), 1.0);
     deleterng(rng);
+}
+
+using initialise_procedure = void (*)(rng_state&, const std::int32_t&);
+
+/// The inline procedure, and the symbol of the shared library.
+std::vector<initialise_procedure> inline_and_exported() {
+    return {_rng_stateinitialise,
+            zktarn::testing::exported<initialise_procedure>(
+                "_ZN6zktarn6random20_rng_stateinitialiseERNS0_9rng_stateERKi")};
+}
+
+class RngStateInitialise : public testing::TestWithParam<initialise_procedure> {};
+
+TEST_P(RngStateInitialise, WritesNothingForACountBelowOne) {
+    int generator = 0;
+    rng_state record{&generator};
+    for (const std::int32_t count : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
+        GetParam()(record, count);
+        EXPECT_EQ(record.generator, &generator);
+    }
+}
+
+TEST_P(RngStateInitialise, SetsExactlyCountHandlesToNull) {
+    int generator = 0;
+    for (std::int32_t count = 1; count <= 40; ++count) {
+        std::vector<rng_state> records(static_cast<std::size_t>(count) + 2, {&generator});
+        GetParam()(records[1], count);
+        EXPECT_EQ(records.front().generator, &generator);
+        for (std::size_t i = 1; i <= static_cast<std::size_t>(count); ++i) {
+            ASSERT_EQ(records[i].generator, nullptr) << i << " of " << count;
+        }
+        EXPECT_EQ(records.back().generator, &generator);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(InlineAndExported, RngStateInitialise,
+                         testing::ValuesIn(inline_and_exported()));
+
+TEST(RngStateInitialiseForms, AreTwoFunctions) {
+    EXPECT_NE(inline_and_exported()[0], inline_and_exported()[1]);
 }
 
 } // namespace

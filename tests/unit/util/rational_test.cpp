@@ -1,10 +1,15 @@
 #include "zktarn/util/rational.hpp"
 
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <numbers>
 
 #include <gtest/gtest.h>
+
+#include "zktarn/util/detail/rational.hpp"
 
 namespace {
 
@@ -150,6 +155,64 @@ TEST(RationalRep, RoundsEachNumberOfAConvergentOnce) {
     EXPECT_EQ(rational(0x1.f1540acab4ba4p-18, 0.0, 4e17), none);
     EXPECT_EQ(rational(0x1.ef07561a375cfp-19, 0.0, 5e18),
               (result{1, 9416199715123.0, 2553025795245499904.0}));
+}
+
+// The table of denominators to try
+// ------------------------------------------------------------------------------------------
+
+using detail::fixed_fraction;
+using detail::near_multiples;
+using detail::to_fixed_fraction;
+
+constexpr std::array<double, 5> multipliers = {2, 3, 8, 19, 23};
+constexpr near_multiples table(multipliers);
+
+TEST(FixedFraction, WrapsAroundAtTheIntegers) {
+    EXPECT_EQ(to_fixed_fraction(0.0), 0U);
+    EXPECT_EQ(to_fixed_fraction(0.25), std::uint64_t{1} << 62);
+    EXPECT_EQ(to_fixed_fraction(0.5), std::uint64_t{1} << 63);
+    EXPECT_EQ(to_fixed_fraction(-0.5), std::uint64_t{1} << 63);
+    EXPECT_EQ(to_fixed_fraction(-0.25), std::uint64_t{3} << 62);
+    EXPECT_EQ(to_fixed_fraction(1.0), 0U);
+    EXPECT_EQ(to_fixed_fraction(-1.0), 0U);
+}
+
+double distance_to_integer(double value) {
+    return std::fabs(value - std::nearbyint(value));
+}
+
+TEST(NearMultiples, ListsEveryMultiplierWithinTheMargin) {
+    constexpr int steps = 1 << 15;
+    for (int step = -steps / 2; step <= steps / 2; ++step) {
+        const double fraction = static_cast<double>(step) / steps;
+        const std::uint32_t word = table(to_fixed_fraction(fraction));
+        for (std::size_t i = 0; i < multipliers.size(); ++i) {
+            if (distance_to_integer(multipliers[i] * fraction) <= table.margin) {
+                ASSERT_NE(word >> i & 1, 0U) << multipliers[i] << " * " << fraction;
+            }
+        }
+    }
+}
+
+TEST(NearMultiples, ListsNoMultiplierFarFromAnInteger) {
+    constexpr int steps = 1 << 15;
+    constexpr double slice = 1.0 / 1024;
+    for (int step = -steps / 2; step <= steps / 2; ++step) {
+        const double fraction = static_cast<double>(step) / steps;
+        const std::uint32_t word = table(to_fixed_fraction(fraction));
+        for (std::size_t i = 0; i < multipliers.size(); ++i) {
+            if (distance_to_integer(multipliers[i] * fraction) >
+                table.margin + multipliers[i] * slice) {
+                ASSERT_EQ(word >> i & 1, 0U) << multipliers[i] << " * " << fraction;
+            }
+        }
+    }
+}
+
+TEST(NearMultiples, CoversTheLargestFraction) {
+    constexpr fixed_fraction largest = std::numeric_limits<fixed_fraction>::max();
+    EXPECT_EQ(table(0), (1U << multipliers.size()) - 1);
+    EXPECT_EQ(table(largest), table(0));
 }
 
 } // namespace

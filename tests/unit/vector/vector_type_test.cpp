@@ -1,13 +1,16 @@
 #include "zktarn/vector/vector_type.hpp"
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "support/exported.hpp"
 #include "support/host_log.hpp"
 #include "zktarn_standin/records.hpp"
 
@@ -77,7 +80,7 @@ TEST_F(VectorType, WithoutFlagsAllThreeArraysExistAndOnlyTheMarksAreZeroed) {
     }
 }
 
-TEST_F(VectorType, OneElementIsEnough) {
+TEST_F(VectorType, ACapacityOfOneIsValid) {
     ASSERT_EQ(vector_alloc(vec, 1), 1);
     EXPECT_THAT(host.calls(), ElementsAre(malloc_of(8), malloc_of(4), malloc_of(4)));
     EXPECT_EQ(vec->elm(1), 0);
@@ -125,7 +128,7 @@ TEST_F(VectorType, TheCapacityMayBeAComponentOfTheOldRecord) {
     vector_free(old);
 }
 
-TEST_F(VectorType, FailureOfTheRecordLeavesNull) {
+TEST_F(VectorType, AFailedAllocationOfTheRecordReturnsNull) {
     vector other;
     vec = &other;
     fail_record(1);
@@ -148,7 +151,7 @@ TEST_F(VectorType, VectorFreeOfNullDoesNothing) {
     EXPECT_THAT(host.calls(), IsEmpty());
 }
 
-TEST_F(VectorType, VectorFreeReleasesInOrderAndTwiceIsHarmless) {
+TEST_F(VectorType, VectorFreeReleasesInOrderAndASecondCallDoesNothing) {
     ASSERT_EQ(vector_alloc(vec, 2), 1);
     EXPECT_EQ(live_records(), 1);
     const std::vector<void*> blocks = host.blocks();
@@ -205,7 +208,7 @@ std::vector<host_call> requests(const flags& given) {
     return expected;
 }
 
-TEST(VectorTypeFlags, SelectTheArraysAndAFalseFlagCountsAsAbsent) {
+TEST(VectorTypeFlags, SelectTheArraysAndAFalseFlagIsLikeAnAbsentOne) {
     for (const flags& given : all_flags()) {
         host_log host;
         vector* vec = nullptr;
@@ -252,6 +255,104 @@ TEST(VectorTypeFlags, FailureOfAnyArrayReleasesTheOnesBeforeIt) {
             EXPECT_EQ(live_records(), 0);
         }
     }
+}
+
+using initialise_procedure = void (*)(vector&, const std::int32_t&);
+
+/// The inline procedure, and the symbol of the shared library.
+std::vector<initialise_procedure> inline_and_exported() {
+    return {zktarn::vector_type::_vectorinitialise,
+            zktarn::testing::exported<initialise_procedure>(
+                "_ZN6zktarn11vector_type17_vectorinitialiseERNS0_6vectorERKi")};
+}
+
+class VectorInitialise : public testing::TestWithParam<initialise_procedure> {
+protected:
+    VectorInitialise() {
+        for (vector& each : records) {
+            each = {{&real, {8}, {9}}, {&integer, {10}, {11}}, {&integer, {12}, {13}}, 14};
+        }
+    }
+
+    /// Extents and lower bounds keep their values.
+    static void expect_initialised(const vector& v) {
+        EXPECT_FALSE(v.coef.present());
+        EXPECT_FALSE(v.ind.present());
+        EXPECT_FALSE(v.elm.present());
+        EXPECT_EQ(v.nz, 0);
+        EXPECT_EQ(v.coef.extent[0], 8);
+        EXPECT_EQ(v.ind.lower_bound[0], 11);
+        EXPECT_EQ(v.elm.extent[0], 12);
+    }
+
+    void expect_untouched(const vector& v) const {
+        EXPECT_EQ(v.coef.data, &real);
+        EXPECT_EQ(v.ind.data, &integer);
+        EXPECT_EQ(v.elm.data, &integer);
+        EXPECT_EQ(v.nz, 14);
+    }
+
+    double real = 0.0;
+    std::int32_t integer = 0;
+    vector records[4];
+};
+
+TEST_P(VectorInitialise, WritesNothingForACountBelowOne) {
+    for (const std::int32_t count : {0, -1, std::numeric_limits<std::int32_t>::min()}) {
+        GetParam()(records[0], count);
+        expect_untouched(records[0]);
+    }
+}
+
+TEST_P(VectorInitialise, InitialisesOneRecord) {
+    GetParam()(records[1], 1);
+    expect_untouched(records[0]);
+    expect_initialised(records[1]);
+    expect_untouched(records[2]);
+}
+
+TEST_P(VectorInitialise, InitialisesThreeConsecutiveRecords) {
+    GetParam()(records[0], 3);
+    expect_initialised(records[0]);
+    expect_initialised(records[1]);
+    expect_initialised(records[2]);
+    expect_untouched(records[3]);
+}
+
+// The counts reach each loop into which a compiler may split the body: vectorised, unrolled and
+// remainder.
+TEST_P(VectorInitialise, InitialisesUpTo40ConsecutiveRecords) {
+    for (std::int32_t count = 1; count <= 40; ++count) {
+        std::vector<vector> run(static_cast<std::size_t>(count) + 2, records[0]);
+        GetParam()(run[1], count);
+        expect_untouched(run.front());
+        for (std::int32_t i = 1; i <= count; ++i) {
+            expect_initialised(run[static_cast<std::size_t>(i)]);
+        }
+        expect_untouched(run.back());
+    }
+}
+
+TEST_P(VectorInitialise, TheCountMayBeAComponentOfARecord) {
+    records[0].nz = 2;
+    GetParam()(records[0], records[0].nz);
+    expect_initialised(records[1]);
+    expect_untouched(records[2]);
+}
+
+INSTANTIATE_TEST_SUITE_P(InlineAndExported, VectorInitialise,
+                         testing::ValuesIn(inline_and_exported()));
+
+TEST(VectorInitialiseForms, AreTwoFunctions) {
+    EXPECT_NE(inline_and_exported()[0], inline_and_exported()[1]);
+}
+
+TEST(VectorRecord, InitiallyHasNoArraysAndNoEntries) {
+    const vector v;
+    EXPECT_FALSE(v.coef.present());
+    EXPECT_FALSE(v.ind.present());
+    EXPECT_FALSE(v.elm.present());
+    EXPECT_EQ(v.nz, 0);
 }
 
 } // namespace

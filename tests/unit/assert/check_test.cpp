@@ -1,5 +1,6 @@
-// Built twice: with the checks, and without.
-#include "zktarn/types.hpp"
+// tarnassert, and the checks of preconditions, which report violations through it. Built twice:
+// with the checks, and without.
+#include "zktarn/check.hpp"
 
 #include <string>
 #include <vector>
@@ -8,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include "support/host_log.hpp"
+#include "zktarn/assert/assert_mod.hpp"
 #include "zktarn/callbacks/callbacks_util.hpp"
+#include "zktarn/types.hpp"
 
 namespace {
 
@@ -26,15 +29,37 @@ constexpr bool checked = true;
 constexpr bool checked = false;
 #endif
 
-/// The host calls that an access causes.
-template <class Access>
-std::vector<host_call> calls_of(Access access) {
+/// The calls of the host's operations that `run` causes.
+template <class Run>
+std::vector<host_call> calls_of(Run run) {
     const host_log host;
     zktarn::standin::set_console(zktarn::standin::console::capture);
     zktarn::standin::set_assertion_handler([] {});
-    access();
+    run();
     zktarn::standin::set_console(zktarn::standin::console::show);
     return host_log::calls();
+}
+
+std::vector<host_call> calls_of_assert(zktarn::flag condition) {
+    return calls_of([&] { zktarn::assert_mod::tarnassert(condition); });
+}
+
+TEST(Tarnassert, PassesATrueConditionToTheHostOnce) {
+    EXPECT_THAT(calls_of_assert(1), ElementsAre(assert_of(true)));
+}
+
+TEST(Tarnassert, PassesAFalseConditionToTheHostOnce) {
+    EXPECT_THAT(calls_of_assert(0), ElementsAre(assert_of(false)));
+}
+
+TEST(Tarnassert, ConvertsTheLowestByteOfTheConditionOnly) {
+    EXPECT_THAT(calls_of_assert(2), ElementsAre(assert_of(true)));
+    EXPECT_THAT(calls_of_assert(0x80), ElementsAre(assert_of(true)));
+    EXPECT_THAT(calls_of_assert(0xFF), ElementsAre(assert_of(true)));
+    EXPECT_THAT(calls_of_assert(-1), ElementsAre(assert_of(true)));
+    EXPECT_THAT(calls_of_assert(0x100), ElementsAre(assert_of(false)));
+    EXPECT_THAT(calls_of_assert(0x101), ElementsAre(assert_of(true)));
+    EXPECT_THAT(calls_of_assert(-256), ElementsAre(assert_of(false)));
 }
 
 /// Matches the printed line of a violation, with any line number.
@@ -56,7 +81,7 @@ const host_call flushes{operation::ioFlushOptim};
         EXPECT_THAT(calls_of([&] { access; }), IsEmpty());                                         \
     }
 
-// The blocks are larger than the arrays, so an access outside of an array stays inside its block.
+// The arrays are parts of this block, so that an access outside of an array stays inside the block.
 double room[20] = {};
 
 TEST(Check, ReportsAPositionOutsideOfAnArray) {
@@ -104,7 +129,7 @@ TEST(Check, TruncatesALongLine) {
     EXPECT_EQ(line_of(violate), "violated: k <= n, in " + procedure.substr(0, 490) + "\n");
 }
 
-TEST(Check, ReportsAfterAnInterrupt) {
+TEST(Check, ReportsAlsoAfterAnInterruptWithoutPrinting) {
     const auto violate = [] {
         zktarn::standin::raise_interrupt();
         EXPECT_EQ(zktarn::callbacks_util::cbhasinterrupt(0, 1), 1);
