@@ -21,7 +21,7 @@ namespace {
 
 using testing::ElementsAre;
 
-const std::int32_t nothing[] = {0, -1, std::numeric_limits<std::int32_t>::min()};
+const std::int32_t counts_below_one[] = {0, -1, std::numeric_limits<std::int32_t>::min()};
 
 TEST(Xcopy, CopiesTheFirstBytes) {
     const auto copy = [](const std::int8_t* source, std::int8_t* destination, std::int32_t n) {
@@ -29,7 +29,7 @@ TEST(Xcopy, CopiesTheFirstBytes) {
     };
     const std::int8_t source[] = {1, -2, 127, -128};
     std::int8_t destination[] = {9, 9, 9, 9};
-    for (const std::int32_t n : nothing) {
+    for (const std::int32_t n : counts_below_one) {
         copy(source, destination, n);
     }
     EXPECT_THAT(destination, ElementsAre(9, 9, 9, 9));
@@ -45,7 +45,7 @@ TEST(Xcopy, CopiesTheFirstIntegers) {
     };
     const std::int32_t source[] = {1, -2, 1 << 30, 4};
     std::int32_t destination[] = {9, 9, 9, 9};
-    for (const std::int32_t n : nothing) {
+    for (const std::int32_t n : counts_below_one) {
         copy(source, destination, n);
     }
     EXPECT_THAT(destination, ElementsAre(9, 9, 9, 9));
@@ -57,10 +57,10 @@ TEST(Xcopy, CopiesTheFirstRealsBitForBit) {
     const auto copy = [](const double* source, double* destination, std::int32_t n) {
         PROCEDURE(xcopy_r8, "_ZN6zktarn4util8xcopy_r8EPKdPdRKi")(source, destination, n);
     };
-    const double odd = std::bit_cast<double>(std::uint64_t{0x7FF8000000001234});
-    const double source[] = {-0.0, odd, 3.5, 4.0};
+    const double nan_with_payload = std::bit_cast<double>(std::uint64_t{0x7FF8000000001234});
+    const double source[] = {-0.0, nan_with_payload, 3.5, 4.0};
     double destination[] = {9, 9, 9, 9};
-    for (const std::int32_t n : nothing) {
+    for (const std::int32_t n : counts_below_one) {
         copy(source, destination, n);
     }
     EXPECT_THAT(destination, ElementsAre(9, 9, 9, 9));
@@ -82,7 +82,7 @@ TEST(Xzero, ClearsTheFirstIntegers) {
         PROCEDURE(xzero_i4, "_ZN6zktarn4util8xzero_i4EPiRKi")(array, n);
     };
     std::int32_t array[] = {1, 2, 3, 4};
-    for (const std::int32_t n : nothing) {
+    for (const std::int32_t n : counts_below_one) {
         clear(array, n);
     }
     EXPECT_THAT(array, ElementsAre(1, 2, 3, 4));
@@ -92,12 +92,12 @@ TEST(Xzero, ClearsTheFirstIntegers) {
     EXPECT_THAT(array, ElementsAre(0, 0, 0, 4));
 }
 
-TEST(Xzero, ClearsTheFirstRealsToAllBitsZero) {
+TEST(Xzero, SetsTheFirstRealsToPositiveZero) {
     const auto clear = [](double* array, std::int32_t n) {
         PROCEDURE(xzero_r8, "_ZN6zktarn4util8xzero_r8EPdRKi")(array, n);
     };
     double array[] = {-0.0, 2, 3, 4};
-    for (const std::int32_t n : nothing) {
+    for (const std::int32_t n : counts_below_one) {
         clear(array, n);
     }
     EXPECT_THAT(array, ElementsAre(-0.0, 2, 3, 4));

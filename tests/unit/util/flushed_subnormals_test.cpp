@@ -1,4 +1,4 @@
-// With subnormals flushed to zero, results may differ, but every call returns.
+// While the processor flushes subnormals to zero, results may differ, but every call returns.
 #include <cstdint>
 #include <limits>
 #include <vector>
@@ -94,7 +94,7 @@ answer scalar_for(const std::vector<element>& elements, double max_scalar) {
 }
 
 TEST_F(FlushedSubnormals, AScalarOfZeroEndsTheSearch) {
-    // The reciprocal is subnormal and flushed to 0, which doubling does not change.
+    // The first scalar, 1 / 1.7e308, is subnormal and becomes 0. Doubling does not change it.
     for (const double max_scalar : {1.0, 1e6, inf}) {
         const answer a = scalar_for({{1.7e308}}, max_scalar);
         EXPECT_EQ(a.found, 0);
@@ -102,13 +102,13 @@ TEST_F(FlushedSubnormals, AScalarOfZeroEndsTheSearch) {
     }
 }
 
-TEST_F(FlushedSubnormals, AnEmptySetHasAScalarOfZero) {
+TEST_F(FlushedSubnormals, TheScalarOfAnEmptySetIsZero) {
     const answer a = scalar_for({}, 1.0);
     EXPECT_EQ(a.found, 1);
     EXPECT_EQ(a.scalar, 0.0);
 }
 
-TEST_F(FlushedSubnormals, EveryFractionSearchEnds) {
+TEST_F(FlushedSubnormals, EverySearchForAFractionReturns) {
     const double values[] = {0.5,    1.0 / 3.0,          0.1234567891,  least_normal,
                              5e-324, 3.0 * least_normal, -2147483647.5, 1.7e308};
     for (const double x : values) {
@@ -124,7 +124,7 @@ TEST_F(FlushedSubnormals, EveryFractionSearchEnds) {
     }
 }
 
-TEST_F(FlushedSubnormals, EveryDivisorIsFound) {
+TEST_F(FlushedSubnormals, EveryRealGcdReturnsANonnegativeNumber) {
     const double values[] = {1.0, 0.1, least_normal, 1.5 * least_normal, 5e-324, 1e300};
     for (const double a : values) {
         for (const double b : values) {

@@ -16,7 +16,7 @@ constexpr double largest = std::numeric_limits<double>::max();
 constexpr double least_normal = std::numeric_limits<double>::min();
 constexpr double least_subnormal = std::numeric_limits<double>::denorm_min();
 
-TEST(RealGcd, FollowsEuclidWithATolerance) {
+TEST(RealGcd, IsEuclidsAlgorithmWithATolerance) {
     EXPECT_EQ(xgcd_r8(12.0, 18.0, 1e-9), 6.0);
     EXPECT_EQ(xgcd_r8(0.5, 0.75, 1e-9), 0.25);
     EXPECT_EQ(xgcd_r8(-6.0, 4.0, 1e-9), 2.0);
@@ -36,7 +36,7 @@ TEST(RealGcd, ReturnsZeroForTheLargestRealInfinityAndNaN) {
     EXPECT_EQ(xgcd_r8(std::nextafter(largest, 0.0), 2.0, 0.0), 2.0);
 }
 
-TEST(RealGcd, ReturnsForEveryTolerance) {
+TEST(RealGcd, ReturnsForNegativeNaNAndInfiniteTolerances) {
     EXPECT_EQ(xgcd_r8(12.0, 18.0, -1.0), 0.0);
     EXPECT_EQ(xgcd_r8(12.0, 0.0, -1.0), 0.0);
     EXPECT_EQ(xgcd_r8(12.0, 18.0, nan), 12.0);
@@ -44,7 +44,7 @@ TEST(RealGcd, ReturnsForEveryTolerance) {
 }
 
 TEST(RealGcd, TakesExactRemainders) {
-    // The quotient of these is rounded up to the next integer.
+    // The quotient in doubles is rounded up to an integer, one above the exact quotient.
     EXPECT_EQ(xgcd_r8(0x1p53 - 1.0, 3.0 + 0x1p-51, 0.5), xgcd_r8(3.0 + 0x1p-51, 0x1p53 - 1.0, 0.5));
     EXPECT_EQ(xgcd_r8(0.3, 0.1, 1e-12), std::fmod(0.3, 0.1));
     EXPECT_EQ(xgcd_r8(5e-324, 1e-323, 0.0), 5e-324);
@@ -57,7 +57,7 @@ TEST(RealGcd, ARemainderEqualToTheToleranceCountsAsZero) {
     EXPECT_EQ(xgcd_r8(3.0, 2.0, std::nextafter(1.0, 0.0)), 1.0);
 }
 
-TEST(RealGcd, IsExactForAllPowersOfTwo) {
+TEST(RealGcd, IsExactForLargeAndSmallExponents) {
     EXPECT_EQ(xgcd_r8(15.0 * 0x1p900, 35.0 * 0x1p-900, 0.0), 5.0 * 0x1p-900);
     EXPECT_EQ(xgcd_r8(6.0 * 0x1p1000, 0x1p1001, 0.0), 0x1p1001);
     EXPECT_EQ(xgcd_r8(0x1p53 - 1.0, 0x1p53 - 1.0, 0.5), 0x1p53 - 1.0);
@@ -67,7 +67,7 @@ TEST(RealGcd, IsExactForAllPowersOfTwo) {
 TEST(RealGcd, IsExactForSubnormals) {
     EXPECT_EQ(xgcd_r8(12.0 * least_subnormal, 18.0 * least_subnormal, 0.0), 6.0 * least_subnormal);
     EXPECT_EQ(xgcd_r8(1.0, 3.0 * least_subnormal, 0.0), least_subnormal);
-    // Normal numbers whose divisor is not normal.
+    // The numbers are normal, their divisor is subnormal.
     EXPECT_EQ(xgcd_r8(least_normal + 3.0 * least_subnormal, least_normal, 0.0), least_subnormal);
     EXPECT_EQ(xgcd_r8(least_normal, 3.0 * least_normal, -0.0), least_normal);
 }
@@ -85,7 +85,7 @@ TEST(IntegerGcd, IgnoresSigns) {
     EXPECT_EQ(xgcd_i4(48, 180), 12);
 }
 
-TEST(IntegerGcd, RefusesTheThreeIntegersAtTheEnds) {
+TEST(IntegerGcd, ReturnsZeroForTheLargestAndTheTwoSmallestIntegers) {
     EXPECT_EQ(xgcd_i4(2147483647, 5), 0);
     EXPECT_EQ(xgcd_i4(5, 2147483647), 0);
     EXPECT_EQ(xgcd_i4(-2147483647, 5), 0);

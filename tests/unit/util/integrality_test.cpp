@@ -65,17 +65,17 @@ TEST(EpsilonIsInt, TheToleranceIsInclusive) {
     EXPECT_EQ(is_int(2.75, 0.2499), no);
 }
 
-TEST(EpsilonIsInt, ReturnsTheFloorIfFloorAndCeilingAreWithinTheTolerance) {
+TEST(EpsilonIsInt, PrefersTheFloorOfXPlusEpsToTheCeilingOfXMinusEps) {
     EXPECT_EQ(is_int(2.5, 0.5), (result{1, 3.0}));
     EXPECT_EQ(is_int(2.25, 0.75), (result{1, 3.0}));
 }
 
-TEST(EpsilonIsInt, ALargeToleranceReportsAnIntegerAbove) {
+TEST(EpsilonIsInt, NearestIsAboveAnIntegralXIfEpsIsAtLeastOne) {
     EXPECT_EQ(is_int(2.0, 1.5), (result{1, 3.0}));
     EXPECT_EQ(is_int(2.0, 3.0), (result{1, 5.0}));
 }
 
-TEST(EpsilonIsInt, NearestIsOptionalAndNotWrittenIfNotIntegral) {
+TEST(EpsilonIsInt, NearestIsOptionalAndNotWrittenIfXIsNotIntegral) {
     flag found = -1;
     epsilon_is_int(2.0, 0.0, found);
     EXPECT_EQ(found, 1);
@@ -92,7 +92,7 @@ TEST(EpsilonIsInt, NearestMayAliasTheInput) {
     EXPECT_EQ(x, 3.0);
 }
 
-TEST(EpsilonIsInt, NothingIsIntegralForANegativeOrNaNTolerance) {
+TEST(EpsilonIsInt, NothingIsIntegralWithAnInvalidToleranceNorIsNaNOrInfinity) {
     EXPECT_EQ(is_int(2.0, -0.5), no);
     EXPECT_EQ(is_int(2.0, -5e-324), no);
     EXPECT_EQ(is_int(2.0, nan), no);
@@ -102,7 +102,7 @@ TEST(EpsilonIsInt, NothingIsIntegralForANegativeOrNaNTolerance) {
     EXPECT_EQ(is_int(-inf, 0.5), no);
 }
 
-TEST(EpsilonIsInt, AnInfiniteToleranceSaturates) {
+TEST(EpsilonIsInt, TheFloorSaturatesForAnInfiniteTolerance) {
     EXPECT_EQ(is_int(5.0, inf), (result{1, 0x1p63}));
     EXPECT_EQ(is_int(5.0, 1e300), (result{1, 0x1p63}));
 }
@@ -158,7 +158,7 @@ TEST(GuardedFloor, IsOneTooLowForLargeNegativeIntegersAndExactBetweenThem) {
     EXPECT_EQ(epsilon_ceiling(-3.0e9, 0.0), -3.0e9);
 }
 
-TEST(GuardedFloor, ChangesItsRuleAtTheBase) {
+TEST(GuardedFloor, ChangesItsRuleAtABaseOf2147483647) {
     EXPECT_EQ(epsilon_floor(2147483646.0, 0.0), 2147483646.0);
     EXPECT_EQ(epsilon_floor(2147483647.0, 0.0), 2147483647.0);
     EXPECT_EQ(epsilon_floor(-2147483646.0, 0.0), -2147483646.0);
@@ -169,7 +169,7 @@ TEST(GuardedFloor, ChangesItsRuleAtTheBase) {
     EXPECT_EQ(epsilon_floor(2.0, -2.5), -1.0);
 }
 
-TEST(GuardedFloor, KeepsValuesAbove2To52) {
+TEST(GuardedFloor, ReturnsBasesAbove2To52Unchanged) {
     constexpr double above = 0x1p52 + 1.0;
     EXPECT_EQ(epsilon_floor(above, 0.0), above);
     EXPECT_EQ(epsilon_floor(0x1p52, 0.0), 0x1p52);
@@ -180,7 +180,7 @@ TEST(GuardedFloor, KeepsValuesAbove2To52) {
     EXPECT_EQ(epsilon_floor(-inf, 0.0), -inf);
 }
 
-TEST(GuardedFloor, SaturatesAndReturns0ForNaN) {
+TEST(GuardedFloor, SaturatesAndIsZeroForANaNSum) {
     EXPECT_EQ(epsilon_floor(1.0, 1e300), 0x1p63);
     EXPECT_EQ(epsilon_floor(1.0, -1e300), -0x1p63);
     EXPECT_EQ(epsilon_floor(1.0, inf), 0x1p63);

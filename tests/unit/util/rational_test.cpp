@@ -70,7 +70,7 @@ TEST(RationalRep, FindsPiByItsContinuedFraction) {
     EXPECT_EQ(rational(-std::numbers::pi, 1e-6, 1000.0), (result{1, -355.0, 113.0}));
 }
 
-TEST(RationalRep, ABoundBelowOneIsOne) {
+TEST(RationalRep, ABoundBelowOneCountsAsOne) {
     EXPECT_EQ(rational(0.5, 1e-9, 0.3), none);
     EXPECT_EQ(rational(7.0, 1e-9, 0.3), (result{1, 7.0, 1.0}));
     EXPECT_EQ(rational(7.25, 0.25, 0.0), (result{1, 7.0, 1.0}));
@@ -83,7 +83,7 @@ TEST(RationalRep, TakesTheMagnitudeOfTheBound) {
     EXPECT_EQ(rational(0.25, 1e-9, -50.0), (result{1, 5.0, 20.0}));
 }
 
-TEST(RationalRep, FailsWhereNothingFits) {
+TEST(RationalRep, FailsIfNoDenominatorUpToTheBoundFits) {
     EXPECT_EQ(rational(0.1234567, 1e-12, 1000.0), none);
     EXPECT_EQ(rational(std::numbers::sqrt2, 1e-9, 1000.0), none);
     EXPECT_EQ(rational(0.3, -1e-9, 1000.0), none);
@@ -106,12 +106,12 @@ TEST(RationalRep, ADenominatorMayBeTheBoundItself) {
     EXPECT_EQ(rational(0.25, 1e-9, 19.0), (result{1, 1.0, 4.0}));
 }
 
-TEST(RationalRep, TakesAnIntegerBeforeTheConvergents) {
+TEST(RationalRep, TestsForAnIntegerBeforeTheConvergents) {
     EXPECT_EQ(rational(1e300, 1e-9, 10.0), (result{1, 1e300, 1.0}));
     EXPECT_EQ(rational(-3e9, 1e-9, 10.0), (result{1, -3e9, 1.0}));
 }
 
-TEST(RationalRep, EndsForNaNAndInfinity) {
+TEST(RationalRep, ReturnsForNaNAndInfinity) {
     EXPECT_EQ(rational(nan, 1e-9, 1000.0), none);
     EXPECT_EQ(rational(0.5, nan, 1000.0), none);
     EXPECT_EQ(rational(nan, nan, nan), none);
@@ -140,8 +140,9 @@ TEST(RationalRep, AnInputMayAliasAnOutput) {
     EXPECT_EQ(eps, 4.0);
 }
 
-TEST(RationalRep, TakesTheNeighbourOfAConvergentWhereRoundingMakesItFit) {
-    // Denominators near 2^53 leave neighbours one unit in the last place apart.
+TEST(RationalRep, TriesTheNeighboursOfAConvergent) {
+    // For a denominator near 2^53, adjacent fractions are about one unit in the last place apart,
+    // so that a fraction beside the convergent can round to x.
     EXPECT_EQ(rational(0x1.fae7db9ce658p-2, 0.0, 0x1.245210f84aa72p+53),
               (result{1, 4529520470854438.0, 9150082569495704.0}));
     EXPECT_EQ(rational(-0x1.9559646421671p-2, 0.0, 0x1.33e3ac7f0ed13p+53),
@@ -151,13 +152,13 @@ TEST(RationalRep, TakesTheNeighbourOfAConvergentWhereRoundingMakesItFit) {
 }
 
 TEST(RationalRep, RoundsEachNumberOfAConvergentOnce) {
-    // Above 2^53 a second rounding would give another fraction.
+    // Numbers above 2^53 are rounded; rounding one twice would give another fraction.
     EXPECT_EQ(rational(0x1.f1540acab4ba4p-18, 0.0, 4e17), none);
     EXPECT_EQ(rational(0x1.ef07561a375cfp-19, 0.0, 5e18),
               (result{1, 9416199715123.0, 2553025795245499904.0}));
 }
 
-// The table of denominators to try
+// The table that selects the denominators to try
 // ------------------------------------------------------------------------------------------
 
 using detail::fixed_fraction;

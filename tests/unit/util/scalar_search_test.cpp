@@ -22,7 +22,8 @@ using zktarn::util::find_scalar_integral;
 constexpr double inf = std::numeric_limits<double>::infinity();
 constexpr double tiny = 5.562684646268003e-309;
 
-/// A search over a set of elements, and the calls of its supplier.
+/// The arguments of a search and its results. `calls` holds the indices for which the search called
+/// the supplier of the elements.
 struct search {
     std::vector<element> set;
     double eps = 1e-9;
@@ -58,7 +59,7 @@ TEST(ScalarSearch, StartsAtTheReciprocalOfTheSmallest) {
     EXPECT_THAT(s.calls, ElementsAre(1, 2, 3, 1, 2, 3));
 }
 
-TEST(ScalarSearch, DoublesWhereNoOddFactorHelps) {
+TEST(ScalarSearch, DoublesTheScalarIfNoOddFactorMakesTheProductsIntegral) {
     search s{{{1.0 / 3.0}, {1.0 / 2.0}}};
     expect_scalar(s.run(), 6.0);
 }
@@ -66,7 +67,7 @@ TEST(ScalarSearch, DoublesWhereNoOddFactorHelps) {
 TEST(ScalarSearch, ConstructsTheScalarFromFractionsWhenBothTrialsFail) {
     search small{{{0.5}, {0.75}}, 1e-9, 5.0, 0.9};
     expect_no_scalar(small.run());
-    // Calls: the first pass, no trial, and the construction up to the first element.
+    // The calls of the first pass, of no trial, and of the construction, which fails at element 1.
     EXPECT_THAT(small.calls, ElementsAre(1, 2, 1));
     search wide{{{0.5}, {0.75}}, 1e-9, 100.0, 0.9};
     expect_no_scalar(wide.run());
@@ -75,7 +76,7 @@ TEST(ScalarSearch, ConstructsTheScalarFromFractionsWhenBothTrialsFail) {
 }
 
 TEST(ScalarSearch, ConstructionDividesTheMultipleByTheDivisor) {
-    // The trials fail: their factors are at most 19.
+    // Both trials fail, because their odd factors are at most 19.
     search s{{{10.0 / 23.0}, {20.0 / 29.0}}, 1e-9, 100.0, 66.8};
     expect_scalar(s.run(), 66.7);
 }
@@ -122,7 +123,7 @@ TEST(ScalarSearch, AProductBelowOneHalfIsNotIntegral) {
     search s{{{0.4}}, 0.1};
     s.run();
     expect_scalar(s, 2.5);
-    // From 1.0 the product 0.4 does not count as 0; the factor 5 makes it 2.
+    // In the trial from 1.0, the product 0.4 does not count as 0, and the factor 5 makes it 2.
     search from_one{{{0.4}, {0.11, 1}}, 0.1, 1000.0, 6.0};
     expect_scalar(from_one.run(1), 5.0);
 }
@@ -140,12 +141,12 @@ TEST(ScalarSearch, FailsIfAnElementHasNoFraction) {
 TEST(ScalarSearch, APassEndsAtTheFirstElementThatFails) {
     search s{{{1.0}, {0.1234567}, {2.0}}, 1e-12, 100.0, 50.0};
     expect_no_scalar(s.run());
-    // Calls: the first pass; a trial from 8.1 that fails with the first element; a trial from 1.0
-    // and the construction, which fail with the second.
+    // The calls of the first pass, of a trial from 8.1 that fails at element 1, and of a trial from
+    // 1.0 and the construction, which both fail at element 2.
     EXPECT_THAT(s.calls, ElementsAre(1, 2, 3, 1, 1, 2, 1, 2));
 }
 
-TEST(ScalarSearch, EndsForAnInfiniteBound) {
+TEST(ScalarSearch, ReturnsForAnInfiniteBound) {
     search fine{{{0.5}}, 1e-9, 1000.0, inf};
     expect_scalar(fine.run(), 2.0);
     search endless{{{inf}}, 1e-9, 1000.0, inf};

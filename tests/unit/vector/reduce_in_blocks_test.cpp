@@ -21,8 +21,8 @@ using zktarn::testing::made_vector;
 constexpr std::int32_t n = 40;
 constexpr double tiny = 1e-9;
 
-/// How many positions a list of nz entries needs: its own, two for each sorted entry, and a byte
-/// for each note.
+/// The number of list positions that a reduction of nz entries uses: nz for the list, 2 * nz for
+/// the sorted entries, and one byte for each entry that states whether it is dropped.
 std::int64_t room_for(std::int64_t nz) {
     const std::int64_t bytes = 4;
     return 3 * nz + (nz + bytes - 1) / bytes;
@@ -42,19 +42,19 @@ protected:
     made_vector made_{n};
 };
 
-TEST_P(DescendingList, SuitsFromTheLeastCapacityOn) {
+TEST_P(DescendingList, SuitsIfTheCapacityIsAtLeastTheLimit) {
     EXPECT_TRUE(suits({n, n}));
     EXPECT_FALSE(suits({n + 1, n}));
 }
 
-TEST_P(DescendingList, SuitsIfItListsOneIndexInSpacing) {
+TEST_P(DescendingList, SuitsIfAtLeastOneIndexInSpacingIsListed) {
     const std::int64_t nz = GetParam();
     const std::int64_t least_spacing = (n + nz - 1) / nz;
     EXPECT_TRUE(suits({n, least_spacing}));
     EXPECT_FALSE(suits({n, least_spacing - 1}));
 }
 
-TEST_P(DescendingList, SuitsIfThereIsRoomBehindIt) {
+TEST_P(DescendingList, SuitsIfThereIsRoomBehindTheList) {
     made_->ind.extent[0] = room_for(GetParam());
     EXPECT_TRUE(suits());
     made_->ind.extent[0] -= 1;
@@ -63,19 +63,19 @@ TEST_P(DescendingList, SuitsIfThereIsRoomBehindIt) {
 
 INSTANTIATE_TEST_SUITE_P(OfLength, DescendingList, testing::Range(4, 13));
 
-// The order is judged at five positions: the ends, the quarters and the middle.
-TEST(ReductionInBlocks, SuitsListsThatDescendAtOneOfFivePositions) {
+// The order of a list is sampled at five positions: the ends, the quarters and the middle.
+TEST(ReductionInBlocks, SuitsListsThatDescendBetweenTwoSampledPositions) {
     constexpr detail::reduction_limits least{n, n};
-    constexpr int judged[] = {0, 3, 6, 8, 11};
-    // Ascends at these, and nowhere else.
+    constexpr int sampled[] = {0, 3, 6, 8, 11};
+    // The sampled entries ascend: 10, 11, 12, 13, 14.
     const std::vector<std::int32_t> ascending = {10, 30, 2, 11, 31, 3, 12, 1, 13, 32, 4, 14};
     made_vector v(n);
     v->nz = static_cast<std::int32_t>(ascending.size());
     std::copy(ascending.begin(), ascending.end(), v->ind.data);
     EXPECT_FALSE(detail::suits_reduction_in_blocks(*v, least));
     for (int k = 0; k + 1 < 5; ++k) {
-        std::int32_t& former = v->ind.data[judged[k]];
-        std::int32_t& latter = v->ind.data[judged[k + 1]];
+        std::int32_t& former = v->ind.data[sampled[k]];
+        std::int32_t& latter = v->ind.data[sampled[k + 1]];
         const std::int32_t kept = former;
         former = latter;
         EXPECT_FALSE(detail::suits_reduction_in_blocks(*v, least)) << "equal at " << k;
@@ -85,9 +85,9 @@ TEST(ReductionInBlocks, SuitsListsThatDescendAtOneOfFivePositions) {
     }
 }
 
-// The list and its room fill the end or the beginning of a page between inaccessible ones. The
-// first and the last entry are dropped in half of the cases.
-TEST(ReductionInBlocks, UsesNothingBeyondItsRoom) {
+// The list and the room behind it fill the beginning or the end of a page between two inaccessible
+// pages. The first and the last entry are dropped in half of the cases.
+TEST(ReductionInBlocks, AccessesNothingOutsideOfTheListAndItsRoom) {
     constexpr std::int32_t capacity = 8000;
     guarded_page page;
     for (std::int32_t nz = 1; nz <= 100; ++nz) {
@@ -95,8 +95,8 @@ TEST(ReductionInBlocks, UsesNothingBeyondItsRoom) {
             for (const std::int32_t parity : {0, 1}) {
                 made_vector expected(capacity);
                 for (std::int32_t k = nz; k >= 1; --k) {
-                    const double last_and_first = k == 1 || k == nz ? parity : k % 3;
-                    expected.entries({{k * (capacity / 100), last_and_first}});
+                    const double coefficient = k == 1 || k == nz ? parity : k % 3;
+                    expected.entries({{k * (capacity / 100), coefficient}});
                 }
                 made_vector arrays(capacity);
                 vector reduced = *arrays;

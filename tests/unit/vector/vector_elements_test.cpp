@@ -38,7 +38,7 @@ const char* mangled(const std::string& name, const char* parameters) {
 
 constexpr std::int32_t n = 9;
 
-/// A vector of each mode with coefficients, over 1..9.
+/// A vector of capacity 9 in each mode, with coefficients.
 struct VectorElements : testing::Test {
     made_vector marks{n, 0, 0};
     made_vector list{n, 0, 1};
@@ -53,7 +53,7 @@ struct VectorElements : testing::Test {
     }
 };
 
-TEST_F(VectorElements, ReadsAndWritesCountAndListUnchecked) {
+TEST_F(VectorElements, GettersReturnTheCountAndTheIndicesThatWereSet) {
     PROCEDURE(vector_get_nz, "RKNS_11vector_type6vectorE");
     PROCEDURE(vector_set_nz, "RNS_11vector_type6vectorERKi");
     PROCEDURE(vector_get_ind, "RKNS_11vector_type6vectorERKi");
@@ -71,7 +71,7 @@ TEST_F(VectorElements, ReadsAndWritesCountAndListUnchecked) {
     vector_set_nz(*marks, 0);
 }
 
-TEST_F(VectorElements, ReadsAndWritesMarksUnchecked) {
+TEST_F(VectorElements, SetElmAndRemElmWriteTheMarkOnly) {
     PROCEDURE(vector_is_elm, "RKNS_11vector_type6vectorERKi");
     PROCEDURE(vector_set_elm, "RNS_11vector_type6vectorERKi");
     PROCEDURE(vector_rem_elm, "RNS_11vector_type6vectorERKi");
@@ -154,7 +154,7 @@ TEST_F(VectorElements, AddNzOnADenseVectorStoresTheCoefficient) {
     EXPECT_EQ(dense->nz, 0);
 }
 
-TEST_F(VectorElements, AddNzRemarksAnIndexThatIsListedButNotMarked) {
+TEST_F(VectorElements, AddNzAppendsAListedIndexWithoutAMarkAgain) {
     PROCEDURE(vector_add_nz, "RNS_11vector_type6vectorERKiNS_12optional_refIKdEE");
     vector_add_nz(*marks, 4, 1.0);
     marks->elm(4) = -2;
@@ -164,7 +164,7 @@ TEST_F(VectorElements, AddNzRemarksAnIndexThatIsListedButNotMarked) {
     EXPECT_EQ(marks->coef(4), 3.0);
 }
 
-TEST_F(VectorElements, TheLastPositionOfTheListIsUsed) {
+TEST_F(VectorElements, AddNzFillsTheListUpToItsLastPosition) {
     PROCEDURE(vector_add_nz, "RNS_11vector_type6vectorERKiNS_12optional_refIKdEE");
     for (std::int32_t j = n; j >= 1; --j) {
         vector_add_nz(*marks, j, {});
@@ -174,7 +174,7 @@ TEST_F(VectorElements, TheLastPositionOfTheListIsUsed) {
     EXPECT_THAT(listing(*list), ElementsAre(9, 8, 7, 6, 5, 4, 3, 2, 1));
 }
 
-// List lengths near those at which the search changes its block size.
+// The lengths are next to those at which the search changes its block size.
 TEST(VectorAddNz, FindsAnIndexAnywhereInALongList) {
     PROCEDURE(vector_add_nz, "RNS_11vector_type6vectorERKiNS_12optional_refIKdEE");
     for (const std::int32_t length :
@@ -192,7 +192,7 @@ TEST(VectorAddNz, FindsAnIndexAnywhereInALongList) {
         vector_add_nz(*list, 5, {});
         ASSERT_EQ(list->nz, length + 1);
         ASSERT_EQ(list->ind(length + 1), 5);
-        // Integers behind the last entry are not part of the list.
+        // The index at the position behind the last entry is not listed.
         list->nz = length;
         vector_add_nz(*list, 5, 1.5);
         ASSERT_EQ(list->nz, length + 1);
@@ -249,7 +249,7 @@ TEST_F(VectorElements, ClearUnmarksAndEmptiesTheList) {
     EXPECT_EQ(marks->coef(4), 40.0);
 }
 
-TEST_F(VectorElements, ClearOfAnEmptyVectorSetsTheCountAlone) {
+TEST_F(VectorElements, ClearOfAnEmptyVectorWritesTheCountOnly) {
     PROCEDURE(vector_clear, "RNS_11vector_type6vectorE");
     marks->elm(5) = 1;
     marks->nz = -2;
@@ -258,9 +258,9 @@ TEST_F(VectorElements, ClearOfAnEmptyVectorSetsTheCountAlone) {
     EXPECT_EQ(marks->elm(5), 1);
 }
 
-TEST_F(VectorElements, TheSearchIgnoresIntegersBesideTheList) {
+TEST_F(VectorElements, TheSearchIgnoresIntegersBeforeAndBehindTheList) {
     PROCEDURE(vector_get_coef, "RKNS_11vector_type6vectorERKi");
-    // The index is on both sides of the list but not in it.
+    // The index is stored before and behind the list, and not in it.
     constexpr std::int32_t most = 140;
     for (std::int32_t length = 0; length <= most; ++length) {
         std::vector<std::int32_t> entries(most + 80, 5);

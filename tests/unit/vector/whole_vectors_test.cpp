@@ -37,13 +37,13 @@ TEST(RemZeros, DropsExactZerosOfBothSignsAndKeepsEverythingElse) {
     EXPECT_EQ(v->elm(7), 1);
     EXPECT_EQ(v->elm(9), 0);
 
-    made_vector odd(n);
-    odd.entries({{1, -0.0}, {2, nan}, {3, 5e-324}, {4, -0.0}});
-    vector_rem_zeros(*odd);
-    EXPECT_THAT(listing(*odd), ElementsAre(3, 2));
+    made_vector special(n);
+    special.entries({{1, -0.0}, {2, nan}, {3, 5e-324}, {4, -0.0}});
+    vector_rem_zeros(*special);
+    EXPECT_THAT(listing(*special), ElementsAre(3, 2));
 }
 
-TEST(RemZeros, OfZerosOnlyLeavesNothingListedAndNothingMarked) {
+TEST(RemZeros, EmptiesAndUnmarksAListOfZeros) {
     made_vector v(n);
     v.entries({{1, 0.0}, {2, 0.0}, {3, -0.0}});
     vector_rem_zeros(*v);
@@ -53,7 +53,7 @@ TEST(RemZeros, OfZerosOnlyLeavesNothingListedAndNothingMarked) {
     }
 }
 
-TEST(RemZeros, DropsEntriesThatAreNoMembers) {
+TEST(RemZeros, DropsListedEntriesWithoutAMark) {
     made_vector v(n);
     v.entries({{1, 4.0}, {2, 5.0}, {3, 6.0}});
     v->elm(1) = -1;
@@ -63,7 +63,7 @@ TEST(RemZeros, DropsEntriesThatAreNoMembers) {
     EXPECT_EQ(v->coef(1), 4.0);
 }
 
-TEST(RemZeros, WorksOnListsAndOnNothing) {
+TEST(RemZeros, DropsZerosInListModeAndDoesNothingInDenseMode) {
     made_vector list(n, 0, 1);
     list.entries({{1, 0.0}, {2, 5.0}, {3, 6.0}});
     vector_rem_zeros(*list);
@@ -73,7 +73,7 @@ TEST(RemZeros, WorksOnListsAndOnNothing) {
     EXPECT_EQ(dense->nz, 0);
 }
 
-TEST(Combine, WithFactorsThatCountAsOneAndZeroOnlyDropsZeros) {
+TEST(Combine, OnlyDropsZerosIfTheFactorsCountAsOneAndZero) {
     made_vector x(n);
     made_vector y(n);
     x.entries({{1, 3.0}, {2, 0.0}, {3, 0.5}});
@@ -85,7 +85,7 @@ TEST(Combine, WithFactorsThatCountAsOneAndZeroOnlyDropsZeros) {
     EXPECT_EQ(x->elm(4), 0);
 }
 
-TEST(Combine, ComparesFactorsStrictlyAndNotANumberNeverPasses) {
+TEST(Combine, AppliesAFactorOnlyIfItsDistanceExceedsTheToleranceAndNeverForNaN) {
     made_vector x(n);
     made_vector y(n);
     x.entries({{1, 3.0}});
@@ -102,7 +102,7 @@ TEST(Combine, ComparesFactorsStrictlyAndNotANumberNeverPasses) {
     EXPECT_THAT(listing(*x), ElementsAre(1, 2));
 }
 
-TEST(Combine, CancelsEveryEntry) {
+TEST(Combine, DropsEveryEntryThatCancels) {
     made_vector x(n);
     made_vector y(n);
     x.entries({{2, 3.0}, {4, -1.5}, {6, 0.1}});
@@ -123,7 +123,7 @@ TEST(Combine, RoundsEachSumOnce) {
     EXPECT_NE(vector_get_coef(*x, 1), 0.0);
 }
 
-TEST(Combine, MergesSupportsWhereCoefficientsAreMissing) {
+TEST(Combine, MergesTheSupportsOfVectorsWithoutCoefficients) {
     made_vector x(n, 0, 0, 1);
     made_vector y(n, 0, 0, 1);
     x.list({1, 2});
@@ -136,7 +136,7 @@ TEST(Combine, MergesSupportsWhereCoefficientsAreMissing) {
     EXPECT_THAT(listing(*list), ElementsAre(4, 3, 2));
 }
 
-TEST(Combine, OfCoefficientsWithASupportScalesMergesAndDrops) {
+TEST(Combine, WithASupportAsYScalesMergesAndDrops) {
     made_vector x(n);
     made_vector y(n, 0, 0, 1);
     x.entries({{1, 2.0}, {2, 0.0}});
@@ -149,7 +149,7 @@ TEST(Combine, OfCoefficientsWithASupportScalesMergesAndDrops) {
     EXPECT_EQ(x->elm(6), 0);
 }
 
-TEST(Combine, NeverScalesADenseVectorButAddsToIt) {
+TEST(Combine, AddsToADenseVectorWithoutScalingIt) {
     made_vector x(n, 1, 1);
     made_vector y(n);
     x->coef(2) = 5.0;
@@ -161,7 +161,7 @@ TEST(Combine, NeverScalesADenseVectorButAddsToIt) {
     EXPECT_EQ(x->nz, 0);
 }
 
-TEST(Combine, OfADenseVectorWithASupportDoesNothing) {
+TEST(Combine, DoesNothingForADenseXAndASupportAsY) {
     made_vector x(n, 1, 1);
     made_vector y(n, 0, 0, 1);
     x->coef(3) = 1.0;
@@ -171,7 +171,7 @@ TEST(Combine, OfADenseVectorWithASupportDoesNothing) {
     EXPECT_EQ(x->nz, 0);
 }
 
-TEST(Combine, TakesNothingFromADenseVector) {
+TEST(Combine, AddsNothingFromADenseY) {
     made_vector x(n);
     made_vector y(n, 1, 1);
     x.entries({{1, 2.0}});
@@ -194,8 +194,9 @@ TEST(Combine, DropsAListedIndexThatIsNotMarked) {
     EXPECT_EQ(x->coef(2), -11.0);
 }
 
-TEST(Combine, DropsAnUnmarkedIndexThoughItsProductIsNaN) {
-    // In arrays of this size the last pass depends on what the first one saw.
+TEST(Combine, DropsAnUnmarkedIndexEvenIfItsProductIsNaN) {
+    // In arrays of this size, the last pass tests only entries that an earlier pass noted as zero
+    // or unmarked.
     constexpr std::int32_t large = 4096;
     made_vector x(large);
     made_vector y(large);
@@ -236,7 +237,7 @@ TEST(Combine, AddsInTheOrderOfYInEveryMode) {
     }
 }
 
-TEST(Combine, TheSameRecordTwiceCountsAsACopy) {
+TEST(Combine, OfARecordWithItselfUsesACopyAsY) {
     made_vector x(n);
     x.entries({{1, 2.0}, {2, -1.0}});
     vectors_combine(*x, *x, 3.0, -3.0, tiny);
@@ -246,7 +247,7 @@ TEST(Combine, TheSameRecordTwiceCountsAsACopy) {
     EXPECT_EQ(x->coef(1), 3.0);
 }
 
-TEST(Combine, FactorsMayBeCoefficientsOfTheVector) {
+TEST(Combine, TheFactorsMayBeCoefficientsOfX) {
     made_vector x(n);
     made_vector y(n);
     x.entries({{1, 2.0}, {2, 5.0}});
@@ -256,7 +257,7 @@ TEST(Combine, FactorsMayBeCoefficientsOfTheVector) {
     EXPECT_EQ(x->coef(2), 15.0);
 }
 
-TEST(Combine, WorksUpToTheLastPositionOfTheList) {
+TEST(Combine, FillsTheListUpToItsLastPosition) {
     made_vector x(3);
     made_vector y(3);
     x.entries({{1, 1.0}, {2, 1.0}});
@@ -267,7 +268,7 @@ TEST(Combine, WorksUpToTheLastPositionOfTheList) {
     EXPECT_THAT(listing(*x), ElementsAre(1, 2, 3));
 }
 
-TEST(SymDiff, KeepsWhatExactlyOneHas) {
+TEST(SymDiff, KeepsTheIndicesThatExactlyOneVectorLists) {
     made_vector x(n);
     made_vector y(n);
     x.list({1, 2, 3});
@@ -293,7 +294,7 @@ TEST(SymDiff, OfEqualSupportsIsEmpty) {
     EXPECT_EQ(x->nz, 0);
 }
 
-TEST(SymDiff, OfAVectorWithItselfReadsTheListAsItWas) {
+TEST(SymDiff, OfAVectorWithItselfUsesTheListBeforeTheCall) {
     made_vector x(n);
     made_vector same(n);
     made_vector copy(n);
@@ -319,7 +320,7 @@ TEST(SymDiff, WithAnEmptyVectorChangesNothing) {
     EXPECT_THAT(listing(*x), ElementsAre(1, 2));
 }
 
-TEST(SymDiff, OfDisjointSupportsIsTheirUnionAndCoefficientsStay) {
+TEST(SymDiff, OfDisjointSupportsIsTheirUnionAndKeepsCoefficients) {
     made_vector x(n);
     made_vector y(n, 0, 1);
     x.entries({{1, 5.0}});
@@ -330,7 +331,7 @@ TEST(SymDiff, OfDisjointSupportsIsTheirUnionAndCoefficientsStay) {
     EXPECT_EQ(x->coef(2), 0.0);
 }
 
-TEST(SymDiff, StopsAtTheFirstEntryKeptAfterTheLastCommonOne) {
+TEST(SymDiff, EndsAtTheFirstKeptEntryOnceAllCommonOnesAreDropped) {
     made_vector x(n);
     made_vector y(n);
     x.list({1, 2, 3, 4});
@@ -340,8 +341,8 @@ TEST(SymDiff, StopsAtTheFirstEntryKeptAfterTheLastCommonOne) {
     EXPECT_THAT(listing(*x), ElementsAre(4, 2, 3));
 }
 
-TEST(SymDiff, AnEntryThatIsDroppedEndsUnmarkedWhateverItsMarkWas) {
-    // Lists that end within the first, the second and the third word of 64 entries.
+TEST(SymDiff, ADroppedEntryIsUnmarkedWhateverItsMarkWas) {
+    // The lists end in the first, the second and the third block of 64 entries.
     for (const std::int32_t length : {3, 70, 130}) {
         made_vector x(length);
         made_vector y(length);
@@ -358,7 +359,7 @@ TEST(SymDiff, AnEntryThatIsDroppedEndsUnmarkedWhateverItsMarkWas) {
     }
 }
 
-TEST(SymDiff, ANegativeMarkBecomesZeroThoughNothingElseIsDropped) {
+TEST(SymDiff, ANegativeMarkBecomesZeroIfOnlyItsEntryIsDropped) {
     made_vector x(n);
     made_vector y(n);
     x.list({1});
@@ -371,8 +372,9 @@ TEST(SymDiff, ANegativeMarkBecomesZeroThoughNothingElseIsDropped) {
     EXPECT_EQ(x->elm(2), 0);
 }
 
-TEST(SymDiff, UsesTheRoomBehindTheListUpToItsEnd) {
-    // The positions of dropped entries are noted behind the list where they fit: 4 of 4, 4 of 3.
+TEST(SymDiff, StoresPositionsBehindTheListUpToItsCapacity) {
+    // The positions of the 4 dropped entries are stored behind the list of 4 entries if they fit:
+    // capacity 8 has room for all, capacity 7 for only 3.
     for (const std::int32_t length : {8, 7}) {
         made_vector x(length);
         made_vector y(length);
@@ -390,9 +392,9 @@ TEST(SymDiff, UsesTheRoomBehindTheListUpToItsEnd) {
 /// Parameters: whether the list fills the end of the page, and whether the vector has no marks.
 using guarded_case = std::tuple<bool, flag>;
 
-/// A vector whose list fills the beginning or the end of a guarded page. The list has more entries
-/// than are looked ahead, so that some are looked ahead to and the last are not, and the arrays are
-/// large enough for prefetches. Coefficients are 3, marks are set.
+/// A vector whose list fills the beginning or the end of a guarded page. The arrays are large
+/// enough for prefetches. The list is longer than the prefetch distance, so that the loop with
+/// prefetches and the last loop, without, both run. Coefficients are 3, marks are set.
 class vector_with_guarded_list {
 public:
     vector_with_guarded_list(bool at_end, flag no_elm)
@@ -427,31 +429,31 @@ protected:
     made_vector other_{detail::prefetch_sparse_from};
 };
 
-TEST_P(GuardedList, IsAllThatRemZerosReads) {
+TEST_P(GuardedList, IsNotLeftByRemZeros) {
     guarded_->coef(5) = 0.0;
     vector_rem_zeros(*guarded_);
     EXPECT_EQ(guarded_->nz, guarded_.indices().size() - 1);
 }
 
-TEST_P(GuardedList, IsAllThatMod2Reads) {
+TEST_P(GuardedList, IsNotLeftByMod2) {
     guarded_->coef(5) = 4.0;
     vector_mod2(*guarded_, tiny);
     EXPECT_EQ(guarded_->nz, guarded_.indices().size() - 1);
 }
 
-TEST_P(GuardedList, IsAllThatCombineReadsOfTheOther) {
+TEST_P(GuardedList, IsNotLeftByCombineAsY) {
     vectors_combine(*other_, *guarded_, 1.0, 2.0, tiny);
     EXPECT_EQ(listing(*other_), guarded_.indices());
     vectors_combine(*other_, *guarded_, 3.0, -6.0, tiny);
     EXPECT_THAT(listing(*other_), IsEmpty());
 }
 
-TEST_P(GuardedList, IsAllThatSymDiffReadsOfTheOther) {
+TEST_P(GuardedList, IsNotLeftBySymDiffAsY) {
     vectors_calc_sym_diff(*other_, *guarded_);
     EXPECT_EQ(listing(*other_), guarded_.indices());
 }
 
-TEST_P(GuardedList, IsAllThatIdenticalReadsOfTheFirst) {
+TEST_P(GuardedList, IsNotLeftByIdenticalAsTheFirstVector) {
     vectors_combine(*other_, *guarded_, 1.0, 1.0, tiny);
     EXPECT_EQ(vectors_are_identical(*guarded_, *other_, tiny), 1);
 }
@@ -459,7 +461,7 @@ TEST_P(GuardedList, IsAllThatIdenticalReadsOfTheFirst) {
 INSTANTIATE_TEST_SUITE_P(AtBothEnds, GuardedList,
                          testing::Combine(testing::Bool(), testing::Values(flag{0}, flag{1})));
 
-TEST(Mod2, MakesOddAndFractionalCoefficientsOneAndDropsTheOthers) {
+TEST(Mod2, SetsOddAndFractionalCoefficientsToOneAndDropsEvenOnes) {
     made_vector v(n);
     v.entries({{1, 2.0}, {2, 3.0}, {3, 2.5}});
     vector_mod2(*v, tiny);
@@ -480,8 +482,8 @@ TEST(Mod2, WithoutAnEvenCoefficientKeepsTheOrder) {
     }
 }
 
-TEST(Mod2, TheLastEntryTakesThePlaceOfTheDroppedOneWhereverThatIs) {
-    // Entries are judged by words of 64.
+TEST(Mod2, TheLastEntryReplacesTheDroppedOneAtEveryPosition) {
+    // Entries are tested in blocks of 64.
     for (const std::int32_t length : {63, 64, 65, 127, 128, 129, 200}) {
         for (std::int32_t even = 1; even <= length; ++even) {
             made_vector v(length);
@@ -498,7 +500,7 @@ TEST(Mod2, TheLastEntryTakesThePlaceOfTheDroppedOneWhereverThatIs) {
     }
 }
 
-TEST(Mod2, AnEntryThatIsNoMemberCountsAsZero) {
+TEST(Mod2, AnUnmarkedEntryCountsAsZero) {
     made_vector v(n);
     v.entries({{1, 3.0}, {2, 3.0}});
     v->elm(1) = 0;
@@ -511,7 +513,7 @@ TEST(Mod2, FollowsTheRuleForLargeNegativeAndNaNTolerances) {
     made_vector v(n);
     v.entries({{1, 1.0}, {2, 2.0}, {3, 3.0}});
     vector_mod2(*v, 1.0);
-    // Within 1.0 of its floor with offset 1.0, each is the integer above it.
+    // floor(x + 1.0) is within 1.0 of an integral x, so each coefficient counts as x + 1.
     EXPECT_THAT(listing(*v), ElementsAre(2));
     made_vector negative(n);
     negative.entries({{1, 1.0}, {2, 2.0}});
@@ -524,14 +526,14 @@ TEST(Mod2, FollowsTheRuleForLargeNegativeAndNaNTolerances) {
     EXPECT_THAT(listing(*none), ElementsAre(1, 2));
 }
 
-TEST(Mod2, LeavesADenseVectorAsItIs) {
+TEST(Mod2, DoesNothingToADenseVector) {
     made_vector v(n, 1, 1);
     v->coef(1) = 2.5;
     vector_mod2(*v, tiny);
     EXPECT_EQ(v->coef(1), 2.5);
 }
 
-TEST(Identical, EmptyAndDenseVectorsAreWhateverTheirCoefficients) {
+TEST(Identical, EmptyAndDenseVectorsAreIdenticalWhateverTheirCoefficients) {
     made_vector a(n);
     made_vector b(n);
     EXPECT_EQ(vectors_are_identical(*a, *b, tiny), 1);
@@ -541,7 +543,7 @@ TEST(Identical, EmptyAndDenseVectorsAreWhateverTheirCoefficients) {
     EXPECT_EQ(vectors_are_identical(*dense, *other, tiny), 1);
 }
 
-TEST(Identical, ComparesCountsMembersAndCoefficients) {
+TEST(Identical, ComparesCountsSupportsAndCoefficients) {
     made_vector a(n);
     made_vector b(n);
     a.entries({{1, 1.0}, {2, 2.0}});
@@ -561,7 +563,7 @@ TEST(Identical, ComparesCountsMembersAndCoefficients) {
     EXPECT_EQ(vectors_are_identical(*a, *b, 0.0), 1);
 }
 
-TEST(Identical, TakesTheFirstVectorInListModeToo) {
+TEST(Identical, AcceptsAFirstVectorInListMode) {
     made_vector a(n, 0, 1);
     made_vector b(n);
     a.entries({{1, 1.0}, {2, 2.0}});
