@@ -4,6 +4,7 @@ set(zktarn_fortran_sources
   zktarn_callbacks.f90
   zktarn_memory.f90
   zktarn_numbers.f90
+  zktarn_random.f90
   zktarn_vectors.f90
   zktarn_util.f90)
 
