@@ -16,10 +16,10 @@
 #include <CbcModel.hpp>
 #include <CbcSolver.hpp>
 
-#include "cbc/loaded_model.hpp"
+#include "cbc/comparison.hpp"
 #include "input/error.hpp"
 #include "input/read_model.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 
 namespace {
 

@@ -21,9 +21,9 @@ SECTIONS = (
                             "standin/README.md", "docs/platforms.md")),
     ("Hosts", "hosts", ("docs/host-contract.md",)),
     ("Solvers and examples", "solvers", (
-        "solvers/zero_half/README.md", "solvers/zero_half/models/README.md",
-        "solvers/fortran_covering/README.md", "examples/minimal", "examples/vectors",
-        "examples/separator", "examples/c", "examples/fortran", "examples/python")),
+        "solvers/zero_half/README.md", "solvers/fortran_covering/README.md",
+        "examples/minimal", "examples/vectors", "examples/separator", "examples/c",
+        "examples/fortran", "examples/python")),
     ("Benchmarks", "benchmarks", (
         "docs/benchmarks.md", "docs/solver_benchmarks.md", "benchmarks/README.md")),
     ("The project", "project", (

@@ -1,5 +1,5 @@
 // Checks a certificate of zero_half in exact rational arithmetic: check_cuts MODEL.mps CERTIFICATE.
-// Uses nothing of the separator; CoinUtils reads the model. output/cut_certificate.hpp describes
+// Uses nothing of the separator; CoinUtils reads the model. output/output.hpp describes
 // the lines. Exit status: 0 every cut follows, 1 one does not or a file is invalid, 2 wrong usage.
 #include <cmath>
 #include <cstdio>

@@ -9,8 +9,6 @@
 
 #include <CLI/CLI.hpp>
 
-#include "run/result.hpp"
-
 namespace zero_half {
 
 namespace {

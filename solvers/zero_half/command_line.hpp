@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "run/options.hpp"
+#include "run/run.hpp"
 
 namespace zero_half {
 

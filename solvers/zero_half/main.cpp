@@ -17,7 +17,7 @@
 #include "input/read_model.hpp"
 #include "output/output.hpp"
 #include "run/bridge.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 #include "zktarn_standin/arrays.hpp"
 #include "zktarn_standin/control.hpp"
 #include "zktarn_standin/interrupts.hpp"

@@ -13,10 +13,10 @@
 #include <CbcSolver.hpp>
 #include <gtest/gtest.h>
 
-#include "cbc/loaded_model.hpp"
+#include "cbc/comparison.hpp"
 #include "input/read_model.hpp"
 #include "output/output.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 #include "solver/instances.hpp"
 #include "solver/replay.hpp"
 #include "support/scale.hpp"

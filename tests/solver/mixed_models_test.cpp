@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "input/error.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 #include "solver/replay.hpp"
 
 namespace zero_half::testing {

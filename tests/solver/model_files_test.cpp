@@ -18,7 +18,7 @@
 
 #include "input/error.hpp"
 #include "input/read_model.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 #include "solver/exact_model.hpp"
 #include "solver/model_files.hpp"
 

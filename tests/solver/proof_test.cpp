@@ -6,10 +6,9 @@
 #include <CoinPackedVector.hpp>
 #include <gtest/gtest.h>
 
-#include "lp/certificate.hpp"
 #include "lp/objective.hpp"
+#include "lp/proofs.hpp"
 #include "lp/relaxation.hpp"
-#include "lp/safe_bound.hpp"
 
 namespace zero_half::testing {
 

@@ -11,7 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "input/error.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 
 namespace zero_half::testing {
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "input/model.hpp"
-#include "run/result.hpp"
+#include "run/run.hpp"
 
 namespace zero_half::testing {
 

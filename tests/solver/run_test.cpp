@@ -8,7 +8,7 @@
 
 #include "input/error.hpp"
 #include "input/read_model.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 #include "zktarn_standin/arrays.hpp"
 #include "zktarn_standin/console.hpp"
 #include "zktarn_standin/control.hpp"

@@ -12,7 +12,6 @@
 #include <CbcCutGenerator.hpp>
 
 #include "cbc/cut_generator.hpp"
-#include "cbc/loaded_model.hpp"
 
 namespace zero_half {
 

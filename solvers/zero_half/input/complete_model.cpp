@@ -7,7 +7,7 @@
 
 #include "cuts/integers.hpp"
 #include "input/error.hpp"
-#include "input/mps_reader.hpp"
+#include "input/readers.hpp"
 
 namespace zero_half {
 

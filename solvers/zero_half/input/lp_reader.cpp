@@ -1,4 +1,4 @@
-#include "input/lp_reader.hpp"
+#include "input/readers.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -11,7 +11,6 @@
 
 #include "input/error.hpp"
 #include "input/lp_scanner.hpp"
-#include "input/mps_reader.hpp"
 
 namespace zero_half {
 

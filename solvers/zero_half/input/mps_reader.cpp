@@ -1,4 +1,4 @@
-#include "input/mps_reader.hpp"
+#include "input/readers.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -10,17 +10,27 @@
 #include <vector>
 
 #include <CoinFileIO.hpp>
+#include <CoinMessageHandler.hpp>
+#include <CoinMpsIO.hpp>
 
 namespace zero_half {
 
 namespace {
+
+/// The contents of a file that CoinMpsIO ignores.
+struct extras {
+    /// Why the file is not supported, in which case what was read differs from the file.
+    std::string refusal;
+    /// Whether a section OBJSENSE or `(MAX)` in the NAME line asks for the maximum.
+    bool is_maximised = false;
+};
 
 /// Passes a file to CoinMpsIO line by line and omits what CoinMpsIO misreads: comments longer than
 /// its buffer, tabs, and sections that do not belong to a mixed-integer program. A line whose
 /// omission changes the program is reported as a refusal.
 class line_filter : public CoinFileInput {
 public:
-    line_filter(CoinFileInput* file, reading_poll& poll, mps_reader::extras& found)
+    line_filter(CoinFileInput* file, reading_poll& poll, extras& found)
         : CoinFileInput(file->getFileName()), file_(file), poll_(poll), found_(found) {}
     int read(void* buffer, int size) override { return file_->read(buffer, size); }
     char* gets(char* buffer, int size) override;
@@ -35,10 +45,10 @@ private:
 
     std::unique_ptr<CoinFileInput> file_;
     reading_poll& poll_;
-    mps_reader::extras& found_;
+    extras& found_;
     std::string section_;
     bool is_first_ = true;
-    /// The first line of a file without a NAME line, which is read after a NAME line was made up.
+    /// The first line of a file without a NAME line, which is passed on after a made-up NAME line.
     std::string postponed_;
 };
 
@@ -153,21 +163,30 @@ bool line_filter::is_unsupported(const std::vector<std::string>& words) {
     return false;
 }
 
-} // namespace
-
-std::string printable(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](unsigned char c) { return std::isprint(c) == 0; }, '?');
-    return text;
-}
-
-int complaint_keeper::print() {
-    constexpr int first_complaint = 3000;
-    if (first_.empty() && currentMessage().externalNumber() >= first_complaint) {
-        first_ = printable(messageBuffer());
+/// Keeps the first complaint of CoinMpsIO and prints nothing.
+class complaint_keeper : public CoinMessageHandler {
+public:
+    int print() override {
+        constexpr int first_complaint = 3000;
+        if (first_.empty() && currentMessage().externalNumber() >= first_complaint) {
+            first_ = printable(messageBuffer());
+        }
+        return 0;
     }
-    return 0;
-}
+    const std::string& first() const { return first_; }
+
+private:
+    std::string first_;
+};
+
+/// Reads a file as fixed or as free MPS, as the caller chooses. CoinMpsIO itself reads every file
+/// as fixed MPS unless its NAME line has the word FREE.
+class mps_reader : public CoinMpsIO {
+public:
+    /// Returns the number of errors, or a negative number when the file cannot be opened. Each
+    /// line is a step of the poll; after it stopped, the file seems to end.
+    int read(const std::string& file, bool is_free, reading_poll& poll, extras& found);
+};
 
 int mps_reader::read(const std::string& file, bool is_free, reading_poll& poll, extras& found) {
     CoinFileInput* input = nullptr;
@@ -185,6 +204,89 @@ int mps_reader::read(const std::string& file, bool is_free, reading_poll& poll, 
     }
     delete[] sets;
     return errors;
+}
+
+template <class T>
+std::vector<T> copied(const T* values, int n) {
+    return std::vector<T>(values, values + n);
+}
+
+/// Clamps to +-no_bound, whatever the reader uses for infinity.
+std::vector<double> clamped_bounds(const double* values, int n) {
+    std::vector<double> bounds = copied(values, n);
+    for (double& bound : bounds) {
+        bound = std::clamp(bound, -no_bound, no_bound);
+    }
+    return bounds;
+}
+
+model converted(const CoinMpsIO& reader, const std::string& file, bool is_maximised) {
+    const int m = reader.getNumRows();
+    const int n = reader.getNumCols();
+    model program;
+    program.file = file;
+    program.name = reader.getProblemName();
+    program.rows = *reader.getMatrixByRow();
+    program.row_lower = clamped_bounds(reader.getRowLower(), m);
+    program.row_upper = clamped_bounds(reader.getRowUpper(), m);
+    program.lower = clamped_bounds(reader.getColLower(), n);
+    program.upper = clamped_bounds(reader.getColUpper(), n);
+    program.objective = copied(reader.getObjCoefficients(), n);
+    program.constant = -reader.objectiveOffset();
+    program.is_maximised = is_maximised;
+    if (is_maximised) {
+        program.constant = program.in_sense_of_file(program.constant);
+        for (double& cost : program.objective) {
+            cost = program.in_sense_of_file(cost);
+        }
+    }
+    for (int j = 0; j < n; ++j) {
+        program.is_integer.push_back(reader.isInteger(j) ? 1 : 0);
+        program.column_names.emplace_back(reader.columnName(j));
+    }
+    for (int i = 0; i < m; ++i) {
+        program.row_names.emplace_back(reader.rowName(i));
+    }
+    return program;
+}
+
+} // namespace
+
+std::string printable(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return std::isprint(c) == 0; }, '?');
+    return text;
+}
+
+model read_mps(const std::string& source, const std::string& file, reading_poll& poll) {
+    // CoinMpsIO's infinity marks bounds that a file leaves out; no file contains this number.
+    constexpr double not_given = 1.2345678987654321e300;
+    std::string complaint;
+    int least_errors = 0;
+    for (const bool is_free : {false, true}) {
+        complaint_keeper complaints;
+        mps_reader reader;
+        reader.passInMessageHandler(&complaints);
+        reader.setInfinity(not_given);
+        extras found;
+        const int errors = reader.read(source, is_free, poll, found);
+        if (poll.is_stopped()) {
+            break;
+        }
+        if (!found.refusal.empty()) {
+            throw error(file + ": " + found.refusal);
+        }
+        if (errors == 0 && reader.getNumCols() > 0) {
+            return converted(reader, file, found.is_maximised);
+        }
+        // The format with fewer errors is the one that the file was written in.
+        if (!is_free || errors <= least_errors) {
+            complaint = complaints.first();
+            least_errors = errors;
+        }
+    }
+    throw error(file + ": this is not an MPS file" +
+                (complaint.empty() ? "" : "; the reader says: " + complaint));
 }
 
 } // namespace zero_half

@@ -1,7 +1,8 @@
 #include "input/read_model.hpp"
 
-#include <algorithm>
 #include <cerrno>
+#include <charconv>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -17,9 +18,8 @@
 #include <CoinFileIO.hpp>
 
 #include "input/error.hpp"
-#include "input/lp_reader.hpp"
 #include "input/memory.hpp"
-#include "input/mps_reader.hpp"
+#include "input/readers.hpp"
 
 namespace zero_half {
 
@@ -154,82 +154,6 @@ void check_file(const std::string& file) {
     }
 }
 
-template <class T>
-std::vector<T> copied(const T* values, int n) {
-    return std::vector<T>(values, values + n);
-}
-
-/// Clamps to +-no_bound, whatever the reader uses for infinity.
-std::vector<double> clamped_bounds(const double* values, int n) {
-    std::vector<double> bounds = copied(values, n);
-    for (double& bound : bounds) {
-        bound = std::clamp(bound, -no_bound, no_bound);
-    }
-    return bounds;
-}
-
-model converted(const CoinMpsIO& reader, const std::string& file, bool is_maximised) {
-    const int m = reader.getNumRows();
-    const int n = reader.getNumCols();
-    model program;
-    program.file = file;
-    program.name = reader.getProblemName();
-    program.rows = *reader.getMatrixByRow();
-    program.row_lower = clamped_bounds(reader.getRowLower(), m);
-    program.row_upper = clamped_bounds(reader.getRowUpper(), m);
-    program.lower = clamped_bounds(reader.getColLower(), n);
-    program.upper = clamped_bounds(reader.getColUpper(), n);
-    program.objective = copied(reader.getObjCoefficients(), n);
-    program.constant = -reader.objectiveOffset();
-    program.is_maximised = is_maximised;
-    if (is_maximised) {
-        program.constant = program.in_sense_of_file(program.constant);
-        for (double& cost : program.objective) {
-            cost = program.in_sense_of_file(cost);
-        }
-    }
-    for (int j = 0; j < n; ++j) {
-        program.is_integer.push_back(reader.isInteger(j) ? 1 : 0);
-        program.column_names.emplace_back(reader.columnName(j));
-    }
-    for (int i = 0; i < m; ++i) {
-        program.row_names.emplace_back(reader.rowName(i));
-    }
-    return program;
-}
-
-/// Tries fixed and free MPS.
-model read_mps(const std::string& source, const std::string& file, reading_poll& poll) {
-    // CoinMpsIO's infinity marks bounds that a file leaves out; no file contains this number.
-    constexpr double not_given = 1.2345678987654321e300;
-    std::string complaint;
-    int least_errors = 0;
-    for (const bool is_free : {false, true}) {
-        complaint_keeper complaints;
-        mps_reader reader;
-        reader.passInMessageHandler(&complaints);
-        reader.setInfinity(not_given);
-        mps_reader::extras found;
-        const int errors = reader.read(source, is_free, poll, found);
-        if (poll.is_stopped()) {
-            break;
-        }
-        if (!found.refusal.empty()) {
-            throw error(file + ": " + found.refusal);
-        }
-        if (errors == 0 && reader.getNumCols() > 0) {
-            return converted(reader, file, found.is_maximised);
-        }
-        // The format with fewer errors is the one that the file was written in.
-        if (!is_free || errors <= least_errors) {
-            complaint = complaints.first();
-            least_errors = errors;
-        }
-    }
-    throw error(file + ": this is not an MPS file" +
-                (complaint.empty() ? "" : "; the reader says: " + complaint));
-}
-
 /// The beginning of a file, or all of it, without compression and byte order mark.
 std::string text_of(const std::string& source, std::size_t most, reading_poll& poll) {
     constexpr const char* byte_order_mark = "\xEF\xBB\xBF";
@@ -319,6 +243,24 @@ model read_model(const std::string& file, const std::function<bool()>& should_st
                                  static_cast<std::uint64_t>(program.rows.getNumElements())),
                  available_memory());
     return program;
+}
+
+std::optional<double> known_optimum(const std::string& model_file) {
+    const std::filesystem::path path(model_file);
+    std::ifstream table(path.parent_path() / "optima.csv");
+    const std::string prefix = path.filename().string() + ",";
+    for (std::string line; std::getline(table, line);) {
+        if (line.rfind(prefix, 0) != 0) {
+            continue;
+        }
+        double value = 0.0;
+        const char* const first = line.data() + prefix.size();
+        if (std::from_chars(first, line.data() + line.size(), value).ec == std::errc() &&
+            std::isfinite(value)) {
+            return value;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace zero_half

@@ -1,4 +1,4 @@
-#include "lp/certificate.hpp"
+#include "lp/proofs.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -5,8 +5,10 @@
 #include <limits>
 #include <utility>
 
-#include "lp/certificate.hpp"
-#include "lp/crash.hpp"
+#include <CoinMessageHandler.hpp>
+#include <Idiot.hpp>
+
+#include "lp/proofs.hpp"
 
 namespace zero_half {
 
@@ -24,6 +26,56 @@ enum status {
 /// Separation looks for small violations, so the point needs tighter tolerances than Clp's default.
 constexpr double tight_tolerance = 1e-9;
 constexpr double usual_tolerance = 1e-7;
+
+/// Bits of the strategy of Clp's crash method, the class `Idiot`.
+constexpr int scale_rows = 32;
+constexpr int continue_by_simplex = 512;
+
+/// Receives a message from the crash method after each pass and prints nothing. To end the method,
+/// it sets the number of passes to 0.
+class pass_listener : public CoinMessageHandler {
+public:
+    pass_listener(Idiot& method, const std::function<bool()>& should_stop)
+        : method_(method), should_stop_(should_stop) {
+        constexpr int each_pass = 1;
+        setLogLevel(each_pass);
+    }
+    int print() override {
+        if (should_stop_()) {
+            method_.setMajorIterations(0);
+            method_.setStrategy(method_.getStrategy() & ~continue_by_simplex);
+        }
+        return 0;
+    }
+    CoinMessageHandler* clone() const override { return new pass_listener(*this); }
+
+private:
+    Idiot& method_;
+    const std::function<bool()>& should_stop_;
+};
+
+/// Solves a large program from the beginning: the crash method finds a nearly optimal point in
+/// passes over the entries, and the primal simplex method continues from it. The dual
+/// simplex method from the slack basis takes time that grows almost with the square of the rows.
+///
+/// The crash method calls `should_stop` after each pass, the simplex method calls the event handler
+/// of the program. After `should_stop` returned true, the status of the program has no meaning.
+void solve_by_crash(ClpSimplex& lp, const std::function<bool()>& should_stop) {
+    // Among the settings tried on packing, covering and knapsack rows these need the least time.
+    // Short passes make the polls frequent.
+    constexpr int passes = 60;
+    constexpr int steps_of_pass = 25;
+    constexpr int passes_of_weight = 10;
+    constexpr double first_weight = 1e3;
+    Idiot method(lp);
+    method.setStrategy(method.getStrategy() | scale_rows | continue_by_simplex);
+    method.setStartingWeight(first_weight);
+    method.setReduceIterations(passes_of_weight);
+    method.setMinorIterations(steps_of_pass);
+    pass_listener listener(method, should_stop);
+    const CoinMessages messages = lp.messages();
+    method.crash(passes, &listener, &messages, true);
+}
 
 } // namespace
 

@@ -11,7 +11,7 @@
 
 #include "cuts/row_pool.hpp"
 #include "input/model.hpp"
-#include "lp/safe_bound.hpp"
+#include "lp/proofs.hpp"
 #include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {

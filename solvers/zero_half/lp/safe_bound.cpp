@@ -1,4 +1,4 @@
-#include "lp/safe_bound.hpp"
+#include "lp/proofs.hpp"
 
 #include <algorithm>
 #include <cmath>

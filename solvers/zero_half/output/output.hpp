@@ -5,8 +5,7 @@
 #include <vector>
 
 #include "input/model.hpp"
-#include "run/options.hpp"
-#include "run/result.hpp"
+#include "run/run.hpp"
 
 /// What a run can write: the table, the JSON report, the model with its cuts, the plot, the
 /// certificate.

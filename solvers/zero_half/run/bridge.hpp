@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "run/options.hpp"
+#include "run/run.hpp"
 #include "zktarn/zktarn_util.hpp"
 
 namespace zero_half {

@@ -1,4 +1,4 @@
-#include "run/result.hpp"
+#include "run/run.hpp"
 
 #include <algorithm>
 #include <cmath>

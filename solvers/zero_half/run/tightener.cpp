@@ -1,4 +1,4 @@
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 
 #include <algorithm>
 #include <chrono>
@@ -7,7 +7,6 @@
 #include <ctime>
 #include <new>
 
-#include "cuts/separation.hpp"
 #include "input/error.hpp"
 #include "lp/objective.hpp"
 #include "lp/relaxation.hpp"

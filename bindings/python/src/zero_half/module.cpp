@@ -6,7 +6,7 @@
 #include "host/python_host.hpp"
 #include "input/error.hpp"
 #include "input/read_model.hpp"
-#include "run/result.hpp"
+#include "run/run.hpp"
 #include "zero_half.hpp"
 
 namespace py = pybind11;

@@ -14,7 +14,7 @@
 #include "input/error.hpp"
 #include "input/read_model.hpp"
 #include "output/output.hpp"
-#include "run/tightener.hpp"
+#include "run/run.hpp"
 
 namespace zktarn::python {
 

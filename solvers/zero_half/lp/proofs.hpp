@@ -1,10 +1,13 @@
 #pragma once
 
 #include <cmath>
+#include <functional>
 #include <optional>
 #include <vector>
 
 #include <ClpSimplex.hpp>
+
+/// What is proven about a linear program, whatever rounding errors the simplex method made.
 
 namespace zero_half {
 
@@ -52,5 +55,26 @@ private:
     std::vector<range> columns_;
     bool is_moderate_;
 };
+
+// The two functions below prove in exact rational arithmetic that a linear program has no optimum.
+// The simplex method proposes a ray, which is tried as it is, and rounded to multiples of a common
+// denominator. If both prove nothing, the same is tried with the ray's entries in units of 1 / c,
+// where c is the largest coefficient of the row or column of the entry. Each attempt costs one pass
+// over the coefficients in rational arithmetic. A pass calls `should_stop` for every row or column;
+// once it returns true, the pass ends without a proof.
+
+/// Whether no point satisfies all rows and bounds, even if it may exceed each side of a row by a
+/// relative 1e-9: the decimal numbers of a file are not exact as doubles. The proof is a row or
+/// column with crossed bounds, a row that the bounds of its columns contradict, or Farkas
+/// multipliers, which give a sum of rows that the bounds contradict. `columns` are bounds that rows
+/// of the program imply: they keep the effect of a rounded multiplier small. False when the ray of
+/// the last solve proves nothing.
+bool is_proven_infeasible(const ClpSimplex& lp, const std::vector<safe_bound::range>& columns,
+                          const std::function<bool()>& should_stop);
+
+/// Whether there is a direction in which the objective falls and no row or bound is ever reached.
+/// If so, the program is unbounded if it has a feasible point. False when the ray of the last solve
+/// proves nothing.
+bool has_proven_ray(const ClpSimplex& lp, const std::function<bool()>& should_stop);
 
 } // namespace zero_half
