@@ -1,4 +1,4 @@
-#include "solver/exact_lp.hpp"
+#include "solver/exact_model.hpp"
 
 namespace zero_half::testing {
 

@@ -1,7 +1,5 @@
 #include "solver/exact_model.hpp"
 
-#include "solver/exact_lp.hpp"
-
 namespace zero_half::testing {
 
 namespace {
