@@ -27,6 +27,5 @@ fill "$here/homebrew/zktarn-util.rb.in" >"$folder/zktarn-util.rb"
 for name in vcpkg.json portfile.cmake; do
     fill "$here/vcpkg/$name.in" >"$folder/zktarn-util/$name"
 done
-cp "$here/vcpkg/usage" "$folder/zktarn-util/"
 tar -C "$folder" -czf "$folder/zktarn-util.vcpkg.tar.gz" zktarn-util
 rm -r "$folder/zktarn-util"
