@@ -53,37 +53,26 @@ void print(const char* text, std::size_t size) noexcept {
     host::qvxprintf800_(text, static_cast<std::int64_t>(size));
 }
 
-// The longest piece of a line that is printed without allocating a copy.
-constexpr std::size_t piece_size = 512;
-
-/// Prints a line in pieces of at most `piece_size` characters, the line feed included.
-void print_by_pieces(std::string_view line) noexcept {
-    std::array<char, piece_size> piece;
-    while (line.size() >= piece.size()) {
-        print(line.data(), piece.size());
-        line.remove_prefix(piece.size());
-    }
-    *std::copy(line.begin(), line.end(), piece.begin()) = '\n';
-    print(piece.data(), line.size() + 1);
+/// Prints a line with its line feed, from a buffer that has room for both.
+void print_from(char* buffer, std::string_view line) noexcept {
+    *std::copy(line.begin(), line.end(), buffer) = '\n';
+    print(buffer, line.size() + 1);
 }
 
-/// Prints a line in one piece. If memory for the copy is missing, returns false and prints nothing.
-bool print_whole(std::string_view line) noexcept {
-    const std::size_t size = line.size() + 1;
-    auto* const text = static_cast<char*>(::operator new(size, std::nothrow));
-    if (text == nullptr) {
-        return false;
-    }
-    *std::copy(line.begin(), line.end(), text) = '\n';
-    print(text, size);
-    ::operator delete(text);
-    return true;
-}
-
+/// Prints a line in one piece, or, if it is long and memory for a copy is missing, in several.
 void print_line(std::string_view line) noexcept {
-    if (line.size() < piece_size || !print_whole(line)) {
-        print_by_pieces(line);
+    std::array<char, 512> piece;
+    if (line.size() >= piece.size()) {
+        if (auto* const copy = static_cast<char*>(::operator new(line.size() + 1, std::nothrow))) {
+            print_from(copy, line);
+            ::operator delete(copy);
+            return;
+        }
     }
+    for (; line.size() >= piece.size(); line.remove_prefix(piece.size())) {
+        print(line.data(), piece.size());
+    }
+    print_from(piece.data(), line);
 }
 
 } // namespace
