@@ -39,7 +39,7 @@ FUSING = (
     # The exact remainder.
     (re.compile(UTIL + r"(remainder|real_gcd|xgcd_r8)\("), 1),
     # Integers too large for an exact product: numerator and denominator of the next convergent.
-    (re.compile(UTIL + r"(multiply_add|continued_fraction|rational_rep|get_rational_rep)\("), 2),
+    (re.compile(UTIL + r"(multiply_add|expand|rational_rep|get_rational_rep)\("), 2),
 )
 COMBINES = FUSING[0][0]
 
