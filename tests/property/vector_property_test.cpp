@@ -176,7 +176,7 @@ TEST_P(CombineWays, ReductionInBlocksAgreesWithTheReference) {
         fill(draw, v, draw.below(n / 2 + 1), GetParam());
         const double tol = draw.chance(2) ? 1e-9 : 0.25;
         const bool suits = v.record.coef.present() && v.record.ind.present() &&
-                           vector_mod::detail::suits_reduction_in_blocks(v.record, {1, n});
+                           vector_mod::detail::has_room_for_blocks(v.record);
         if (suits) {
             vector_mod::detail::reduce_in_blocks(v.record, tol);
             reference::vector_mod2(v.mirror, tol);

@@ -35,7 +35,7 @@ inline void combine(way how, vector_type::vector& x, const vector_type::vector& 
         detail::combine_in_cache(x, y, scaled);
     } else if (marked && how == way::in_list_order) {
         detail::combine_in_list_order(x, y, scaled);
-    } else if (marked && how == way::in_blocks && detail::suits_blocks(x, y, {1, 1})) {
+    } else if (marked && how == way::in_blocks && detail::has_room_for_blocks(x, y)) {
         detail::combine_in_blocks(x, y, scaled);
     } else {
         vector_mod::vectors_combine(x, y, alpha, beta, tol);

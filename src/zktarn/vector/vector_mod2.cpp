@@ -31,7 +31,7 @@ void vector_mod2(vector& v, const double& tol) noexcept {
     ZKTARN_CHECK(v.coef.present() && detail::has_one_capacity(v) && detail::lists_elements(v, v));
     if (!(eps < 0.5)) {
         reduce_then_drop(v, eps);
-    } else if (detail::suits_reduction_in_blocks(v, {})) {
+    } else if (detail::suits_reduction_in_blocks(v)) {
         detail::reduce_in_blocks(v, eps);
     } else {
         v.nz = static_cast<std::int32_t>(

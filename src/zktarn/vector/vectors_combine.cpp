@@ -3,22 +3,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "zktarn/vector/detail/combine_in_blocks.hpp"
 #include "zktarn/vector/detail/combine_marked.hpp"
 #include "zktarn/vector/detail/combine_unmarked.hpp"
 #include "zktarn/vector/detail/vectors_combine_variants.hpp"
-
-// combine_in_blocks.hpp is optional: without it large vectors are combined in list order, too.
-#if __has_include("zktarn/vector/detail/combine_in_blocks.hpp")
-#include "zktarn/vector/detail/combine_in_blocks.hpp"
-#else
-namespace zktarn::vector_mod::detail {
-struct block_limits {};
-constexpr bool suits_blocks(const vector&, const vector&, const block_limits&) {
-    return false;
-}
-constexpr void combine_in_blocks(vector&, const vector&, const factors&) {}
-} // namespace zktarn::vector_mod::detail
-#endif
 
 namespace zktarn::vector_mod {
 
@@ -36,7 +24,7 @@ template <combine_function in_list_order>
         combine_with_itself(x, weights);
     } else if (!x.elm.present()) {
         combine_unmarked(x, y, weights);
-    } else if (suits_blocks(x, y, {})) {
+    } else if (suits_blocks(x, y)) {
         combine_in_blocks(x, y, weights);
     } else {
         in_list_order(x, y, weights.alpha, weights.beta, weights.scales);

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -18,7 +19,6 @@ using zktarn::testing::guarded_page;
 using zktarn::testing::listing;
 using zktarn::testing::made_vector;
 
-constexpr std::int32_t n = 40;
 constexpr double tiny = 1e-9;
 
 /// The number of list positions that a reduction of nz entries uses: nz for the list, 2 * nz for
@@ -28,59 +28,74 @@ std::int64_t room_for(std::int64_t nz) {
     return 3 * nz + (nz + bytes - 1) / bytes;
 }
 
-/// A vector of capacity 40 whose list descends.
-class DescendingList : public testing::TestWithParam<std::int32_t> {
+/// A descending list of the least length for the least capacity. Only the list exists: the other
+/// arrays are not read.
+class DescendingList : public testing::Test {
 protected:
-    DescendingList() {
-        for (std::int32_t j = GetParam(); j >= 1; --j) {
-            made_.list({j});
-        }
+    static constexpr detail::reduction_limits least{};
+    static constexpr auto nz = static_cast<std::int32_t>(least.capacity / least.spacing);
+
+    DescendingList() : list_(static_cast<std::size_t>(room_for(nz))) {
+        std::iota(list_.rend() - nz, list_.rend(), 1);
+        v_.nz = nz;
+        v_.ind.data = list_.data();
+        v_.ind.extent[0] = room_for(nz);
+        v_.coef.extent[0] = least.capacity;
     }
-    bool suits(detail::reduction_limits least = {n, n}) {
-        return detail::suits_reduction_in_blocks(*made_, least);
-    }
-    made_vector made_{n};
+    bool suits() const { return detail::suits_reduction_in_blocks(v_); }
+
+    std::vector<std::int32_t> list_;
+    vector v_;
 };
 
-TEST_P(DescendingList, SuitsIfTheCapacityIsAtLeastTheLimit) {
-    EXPECT_TRUE(suits({n, n}));
-    EXPECT_FALSE(suits({n + 1, n}));
-}
-
-TEST_P(DescendingList, SuitsIfAtLeastOneIndexInSpacingIsListed) {
-    const std::int64_t nz = GetParam();
-    const std::int64_t least_spacing = (n + nz - 1) / nz;
-    EXPECT_TRUE(suits({n, least_spacing}));
-    EXPECT_FALSE(suits({n, least_spacing - 1}));
-}
-
-TEST_P(DescendingList, SuitsIfThereIsRoomBehindTheList) {
-    made_->ind.extent[0] = room_for(GetParam());
+TEST_F(DescendingList, SuitsIfTheCapacityIsAtLeastTheLimit) {
     EXPECT_TRUE(suits());
-    made_->ind.extent[0] -= 1;
+    v_.coef.extent[0] -= 1;
     EXPECT_FALSE(suits());
 }
 
-INSTANTIATE_TEST_SUITE_P(OfLength, DescendingList, testing::Range(4, 13));
+TEST_F(DescendingList, SuitsIfAtLeastOneIndexInSpacingIsListed) {
+    v_.nz -= 1;
+    EXPECT_FALSE(suits());
+}
 
-// The order of a list is sampled at five positions: the ends, the quarters and the middle.
-TEST(ReductionInBlocks, SuitsListsThatDescendBetweenTwoSampledPositions) {
-    constexpr detail::reduction_limits least{n, n};
-    constexpr int sampled[] = {0, 3, 6, 8, 11};
-    // The sampled entries ascend: 10, 11, 12, 13, 14.
-    const std::vector<std::int32_t> ascending = {10, 30, 2, 11, 31, 3, 12, 1, 13, 32, 4, 14};
-    made_vector v(n);
-    v->nz = static_cast<std::int32_t>(ascending.size());
-    std::copy(ascending.begin(), ascending.end(), v->ind.data);
-    EXPECT_FALSE(detail::suits_reduction_in_blocks(*v, least));
+TEST_F(DescendingList, SuitsIfThereIsRoomBehindIt) {
+    v_.ind.extent[0] -= 1;
+    EXPECT_FALSE(suits());
+}
+
+TEST_F(DescendingList, SuitsUntilItIsSorted) {
+    std::reverse(list_.begin(), list_.begin() + nz);
+    EXPECT_FALSE(suits());
+}
+
+TEST(ReductionInBlocks, HasRoomBehindTheListForSortedEntriesAndNotes) {
+    vector v;
+    for (v.nz = 1; v.nz <= 12; ++v.nz) {
+        v.ind.extent[0] = room_for(v.nz);
+        EXPECT_TRUE(detail::has_room_for_blocks(v)) << v.nz;
+        v.ind.extent[0] -= 1;
+        EXPECT_FALSE(detail::has_room_for_blocks(v)) << v.nz;
+    }
+}
+
+// The order is tested at five positions: the ends, the quarters and the middle.
+TEST(ReductionInBlocks, TakesListsThatAscendAtFivePositionsForSorted) {
+    constexpr int tested[] = {0, 3, 6, 8, 11};
+    // Ascends at these, and nowhere else.
+    std::vector<std::int32_t> list = {10, 30, 2, 11, 31, 3, 12, 1, 13, 32, 4, 14};
+    const auto seems_sorted = [&] {
+        return detail::seems_sorted(list.data(), static_cast<std::int64_t>(list.size()));
+    };
+    EXPECT_TRUE(seems_sorted());
     for (int k = 0; k + 1 < 5; ++k) {
-        std::int32_t& former = v->ind.data[sampled[k]];
-        std::int32_t& latter = v->ind.data[sampled[k + 1]];
+        std::int32_t& former = list[static_cast<std::size_t>(tested[k])];
+        const std::int32_t latter = list[static_cast<std::size_t>(tested[k + 1])];
         const std::int32_t kept = former;
         former = latter;
-        EXPECT_FALSE(detail::suits_reduction_in_blocks(*v, least)) << "equal at " << k;
+        EXPECT_TRUE(seems_sorted()) << "equal at " << k;
         former = latter + 1;
-        EXPECT_TRUE(detail::suits_reduction_in_blocks(*v, least)) << "descends at " << k;
+        EXPECT_FALSE(seems_sorted()) << "descends at " << k;
         former = kept;
     }
 }

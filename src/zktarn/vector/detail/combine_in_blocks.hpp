@@ -23,16 +23,20 @@ struct block_limits {
     std::int64_t y_nz = std::int64_t{1} << 12;
 };
 
-/// Whether x and y are large enough, and the list of x has room for the sorted entries and the
-/// notes.
-[[gnu::always_inline]] inline bool suits_blocks(const vector& x, const vector& y,
-                                                const block_limits& least) noexcept {
+/// Whether the list of x has room for the entries of both vectors, the sorted ones and the notes.
+[[gnu::always_inline]] inline bool has_room_for_blocks(const vector& x, const vector& y) noexcept {
     const std::int64_t nz = std::int64_t{x.nz} + y.nz;
-    const std::int64_t room = nz + 2 * nz + (nz + y.nz + 3) / 4; // entries, sorted ones, notes
-    return x.elm.extent[0] >= least.capacity && y.nz >= least.y_nz && x.ind.extent[0] >= room;
+    const std::int64_t room = nz + 2 * nz + (nz + y.nz + 3) / 4;
+    return x.ind.extent[0] >= room;
 }
 
-/// What becomes of a listed entry. A `not_new` entry of y is listed in x already.
+/// Whether x and y are large enough, and the list of x has room for blocks.
+[[gnu::always_inline]] inline bool suits_blocks(const vector& x, const vector& y) noexcept {
+    constexpr block_limits least;
+    return x.elm.extent[0] >= least.capacity && y.nz >= least.y_nz && has_room_for_blocks(x, y);
+}
+
+/// What a pass has found of a listed entry. A `not_new` entry of y is listed in x already.
 enum class note : unsigned char { kept, dropped, not_new };
 
 /// Appends y's new indices to the list of x, in y's order, then replaces each dropped entry by the
@@ -54,7 +58,7 @@ enum class note : unsigned char { kept, dropped, not_new };
     x.nz = static_cast<std::int32_t>(length);
 }
 
-/// x := alpha * x + beta * y, where `suits_blocks` holds and y is another record than x.
+/// x := alpha * x + beta * y, where `has_room_for_blocks` holds and y is another record than x.
 [[gnu::always_inline]] inline void combine_in_blocks(vector& x, const vector& y,
                                                      const factors& weights) noexcept {
     std::int32_t* const list = x.ind.data;

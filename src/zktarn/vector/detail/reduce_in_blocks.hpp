@@ -54,25 +54,27 @@ struct reduction_limits {
     std::int64_t spacing = 16;
 };
 
-/// Whether v is large enough, is not nearly sorted already, and has room after its list for the
-/// sorted entries and the notes.
-inline bool suits_reduction_in_blocks(const vector_type::vector& v,
-                                      const reduction_limits& least) noexcept {
+/// Whether the list has room, after its entries, for the sorted ones and the notes.
+inline bool has_room_for_blocks(const vector_type::vector& v) noexcept {
     const std::int64_t nz = v.nz;
-    const std::int64_t room = nz + 2 * nz + (nz + 3) / 4;
-    if (v.coef.extent[0] < least.capacity || nz * least.spacing < v.coef.extent[0] ||
-        v.ind.extent[0] < room) {
-        return false;
-    }
-    const std::int32_t* const list = v.ind.data;
-    const bool ascends = (list[0] <= list[nz / 4]) & (list[nz / 4] <= list[nz / 2]) &
-                         (list[nz / 2] <= list[nz - 1 - nz / 4]) &
-                         (list[nz - 1 - nz / 4] <= list[nz - 1]);
-    return !ascends;
+    return v.ind.extent[0] >= nz + 2 * nz + (nz + 3) / 4;
 }
 
-/// Reduces every entry of v and drops those that become zero, where `suits_reduction_in_blocks`
-/// holds.
+/// Whether the ends, the quarters and the middle of the list ascend, as in a list that is nearly
+/// sorted.
+inline bool seems_sorted(const std::int32_t* list, std::int64_t nz) noexcept {
+    return (list[0] <= list[nz / 4]) & (list[nz / 4] <= list[nz / 2]) &
+           (list[nz / 2] <= list[nz - 1 - nz / 4]) & (list[nz - 1 - nz / 4] <= list[nz - 1]);
+}
+
+/// Whether v is large enough, has room for blocks, and is not nearly sorted already.
+inline bool suits_reduction_in_blocks(const vector_type::vector& v) noexcept {
+    constexpr reduction_limits least;
+    return v.coef.extent[0] >= least.capacity && v.nz * least.spacing >= v.coef.extent[0] &&
+           has_room_for_blocks(v) && !seems_sorted(v.ind.data, v.nz);
+}
+
+/// Reduces every entry of v and drops those that become zero, where `has_room_for_blocks` holds.
 inline void reduce_in_blocks(vector_type::vector& v, double tol) noexcept {
     std::int32_t* const list = v.ind.data;
     const std::int64_t nz = v.nz;
