@@ -59,7 +59,7 @@ TEST_F(DescendingList, SuitsIfAtLeastOneIndexInSpacingIsListed) {
     EXPECT_FALSE(suits());
 }
 
-TEST_F(DescendingList, SuitsIfThereIsRoomBehindIt) {
+TEST_F(DescendingList, SuitsIfThereIsRoomBehindTheList) {
     v_.ind.extent[0] -= 1;
     EXPECT_FALSE(suits());
 }
@@ -79,18 +79,18 @@ TEST(ReductionInBlocks, HasRoomBehindTheListForSortedEntriesAndNotes) {
     }
 }
 
-// The order is tested at five positions: the ends, the quarters and the middle.
-TEST(ReductionInBlocks, TakesListsThatAscendAtFivePositionsForSorted) {
-    constexpr int tested[] = {0, 3, 6, 8, 11};
-    // Ascends at these, and nowhere else.
+// The order of a list is sampled at five positions: the ends, the quarters and the middle.
+TEST(ReductionInBlocks, TakesListsForSortedIfTheSampledPositionsAscend) {
+    constexpr int sampled[] = {0, 3, 6, 8, 11};
+    // The sampled entries ascend: 10, 11, 12, 13, 14.
     std::vector<std::int32_t> list = {10, 30, 2, 11, 31, 3, 12, 1, 13, 32, 4, 14};
     const auto seems_sorted = [&] {
         return detail::seems_sorted(list.data(), static_cast<std::int64_t>(list.size()));
     };
     EXPECT_TRUE(seems_sorted());
     for (int k = 0; k + 1 < 5; ++k) {
-        std::int32_t& former = list[static_cast<std::size_t>(tested[k])];
-        const std::int32_t latter = list[static_cast<std::size_t>(tested[k + 1])];
+        std::int32_t& former = list[static_cast<std::size_t>(sampled[k])];
+        const std::int32_t latter = list[static_cast<std::size_t>(sampled[k + 1])];
         const std::int32_t kept = former;
         former = latter;
         EXPECT_TRUE(seems_sorted()) << "equal at " << k;
