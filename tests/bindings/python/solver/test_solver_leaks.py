@@ -44,7 +44,7 @@ def infeasible():
 
 def unreadable():
     with pytest.raises(zero_half.ModelError):
-        zero_half.read_model(MODELS / "README.md")
+        zero_half.read_model(MODELS.parent / "README.md")
 
 
 class Allocated(ctypes.Structure):
