@@ -38,17 +38,17 @@ struct unmarked_entries {
 void drop_common(vector& x, std::int64_t kept_from, std::int64_t common) noexcept {
     std::int32_t* const list = x.ind.data;
     const std::int64_t nz = x.nz;
-    unmarked_entries judge{x.elm.data};
+    unmarked_entries unmarked{x.elm.data};
     if (nz + kept_from <= x.ind.extent[0]) {
         std::int32_t* const dropped = list + nz;
-        const std::int64_t count = detail::collect_dropped(list, kept_from, dropped, judge);
+        const std::int64_t count = detail::collect_dropped(list, kept_from, dropped, unmarked);
         // The counts differ if a vector listed an index twice, or x listed one without a mark.
-        if (count == common && judge.all_marks >= 0) [[likely]] {
+        if (count == common && unmarked.all_marks >= 0) [[likely]] {
             x.nz = static_cast<std::int32_t>(detail::fill_positions(list, nz, dropped, count));
             return;
         }
     }
-    x.nz = static_cast<std::int32_t>(detail::compact(list, {nz, kept_from, common}, judge));
+    x.nz = static_cast<std::int32_t>(detail::compact(list, {nz, kept_from, common}, unmarked));
 }
 
 } // namespace

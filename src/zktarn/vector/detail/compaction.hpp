@@ -34,15 +34,15 @@ namespace zktarn::vector_mod::detail {
 /// - `drops(j)` is the test; its result for an index does not depend on what was dropped before.
 /// - `tested(block, word)` is called after the tests of a block, with a bit for each drop.
 /// - `removed(first, last)` is called for dropped entries, before they are overwritten.
-template <class Judge>
-concept entry_judge = requires(Judge& judge, std::int64_t j, const std::int32_t* entries) {
-    { judge.prefetch(j) }
+template <class Test>
+concept entry_test = requires(Test& test, std::int64_t j, const std::int32_t* entries) {
+    { test.prefetch(j) }
     noexcept;
-    { judge.drops(j) }
+    { test.drops(j) }
     noexcept;
-    { judge.tested(entries, std::uint64_t{}) }
+    { test.tested(entries, std::uint64_t{}) }
     noexcept;
-    { judge.removed(entries, entries) }
+    { test.removed(entries, entries) }
     noexcept;
 };
 
@@ -70,12 +70,12 @@ struct extent {
     std::int64_t most_drops = std::numeric_limits<std::int64_t>::max();
 };
 
-template <entry_judge Judge>
+template <entry_test Test>
 class compaction {
 public:
-    compaction(std::int32_t* list, const extent& part, Judge& judge) noexcept
+    compaction(std::int32_t* list, const extent& part, Test& test) noexcept
         : list_(list), length_(part.length), end_(part.length), kept_from_(part.kept_from),
-          most_drops_(part.most_drops), judge_(judge) {}
+          most_drops_(part.most_drops), test_(test) {}
 
     /// Drops entries and returns how many are left.
     [[gnu::always_inline]] std::int64_t run() noexcept {
@@ -137,25 +137,23 @@ private:
         // From the last entry to the first, so that each result enters at the low end.
         if (next + tested.count <= end_) {
             for (std::int64_t i = tested.count - 1; i >= 0; --i) {
-                judge_.prefetch(std::int64_t{list_[next + i]});
-                word =
-                    word * 2 + static_cast<std::uint64_t>(judge_.drops(std::int64_t{entries[i]}));
+                test_.prefetch(std::int64_t{list_[next + i]});
+                word = word * 2 + static_cast<std::uint64_t>(test_.drops(std::int64_t{entries[i]}));
             }
         } else {
             for (std::int64_t i = tested.count - 1; i >= 0; --i) {
-                word =
-                    word * 2 + static_cast<std::uint64_t>(judge_.drops(std::int64_t{entries[i]}));
+                word = word * 2 + static_cast<std::uint64_t>(test_.drops(std::int64_t{entries[i]}));
             }
         }
-        judge_.tested(entries, word);
+        test_.tested(entries, word);
         return word;
     }
 
     /// Moves the last kept entry to a free position. Returns true if the rule stops here, because
     /// it has made `most_drops` drops.
     [[gnu::always_inline]] bool move(std::int64_t last, std::int64_t free) noexcept {
-        judge_.removed(list_ + free, list_ + free + 1);
-        judge_.removed(list_ + last + 1, list_ + length_);
+        test_.removed(list_ + free, list_ + free + 1);
+        test_.removed(list_ + last + 1, list_ + length_);
         list_[free] = list_[last];
         drops_ += length_ - last;
         length_ = last;
@@ -168,7 +166,7 @@ private:
         while (unfilled.bits != 0) {
             const std::int64_t free = unfilled.lowest();
             if (kept >> (free - unfilled.first) == 0) {
-                judge_.removed(list_ + free, list_ + length_);
+                test_.removed(list_ + free, list_ + length_);
                 return free;
             }
             const std::int64_t last = block{unfilled.first, unfilled.count, kept}.highest();
@@ -187,30 +185,29 @@ private:
     std::int64_t kept_from_;
     std::int64_t most_drops_;
     std::int64_t drops_ = 0;
-    Judge& judge_;
+    Test& test_;
 };
 
 /// Drops entries of `list` and returns how many are left.
-template <entry_judge Judge> // NOLINTNEXTLINE(readability-non-const-parameter): `run` writes it
-[[gnu::noinline]] std::int64_t compact(std::int32_t* list, const extent& part,
-                                       Judge judge) noexcept {
-    return compaction<Judge>(list, part, judge).run();
+template <entry_test Test>
+[[gnu::noinline]] std::int64_t compact(std::int32_t* list, const extent& part, Test test) noexcept {
+    return compaction<Test>(list, part, test).run();
 }
 
 /// Writes the positions of the entries that are dropped, among the first `tested`, to `dropped`,
 /// which has room for all of them, and returns their number. No branch depends on a test.
-template <entry_judge Judge>
+template <entry_test Test>
 [[gnu::always_inline]] inline std::int64_t
 collect_dropped(const std::int32_t* list, std::int64_t tested, std::int32_t* dropped,
-                Judge& judge) noexcept {
+                Test& test) noexcept {
     std::int64_t count = 0;
     std::int32_t position = 0;
     walk(
-        list, tested, [&](std::int64_t j) __attribute__((always_inline)) { judge.prefetch(j); },
+        list, tested, [&](std::int64_t j) __attribute__((always_inline)) { test.prefetch(j); },
         [&](std::int64_t j) __attribute__((always_inline)) {
             dropped[count] = position;
             ++position;
-            count += static_cast<std::int64_t>(judge.drops(j));
+            count += static_cast<std::int64_t>(test.drops(j));
         });
     return count;
 }

@@ -56,7 +56,7 @@ struct listed_entries {
 /// While drops are rare, one branch for each entry is fastest, because the processor predicts it. A
 /// drop costs about as much as testing eight entries in blocks. So when the drops exceed one eighth
 /// of the entries tested plus 16, the rest is compacted in blocks.
-template <bool prefetches, entry_judge Entries>
+template <bool prefetches, entry_test Entries>
 [[gnu::always_inline]] inline std::int64_t drop(std::int32_t* list, std::int64_t length,
                                                 std::int64_t kept_from, Entries entries) noexcept {
     std::int64_t drops = 0;
@@ -84,7 +84,7 @@ template <bool prefetches, entry_judge Entries>
 
 /// Drops the entries at `count` ascending positions, all of which the test drops: clears their
 /// marks, and replaces each by the last entry that is kept. Returns how many entries are left.
-template <entry_judge Entries>
+template <entry_test Entries>
 [[gnu::always_inline]] inline std::int64_t
 drop_at_positions(std::int32_t* list, std::int64_t length, const std::int32_t* positions,
                   std::int64_t count, const Entries& entries) noexcept {
@@ -95,7 +95,7 @@ drop_at_positions(std::int32_t* list, std::int64_t length, const std::int32_t* p
 }
 
 /// Like `drop`, for a list with room for `kept_from` positions after its entries.
-template <entry_judge Entries>
+template <entry_test Entries>
 [[gnu::always_inline]] inline std::int64_t drop_collected(std::int32_t* list, std::int64_t length,
                                                           std::int64_t kept_from,
                                                           Entries entries) noexcept {
