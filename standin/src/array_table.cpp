@@ -135,10 +135,10 @@ void array_table::destroy(array_handle handle) {
     erase(handle);
 }
 
-/// Whether `handle` is the struct itself or a part of it.
-bool array_table::owns(array_handle structure, array_handle handle) const {
-    for (; handle != 0; handle = live_.at(handle).owner) {
-        if (handle == structure) {
+/// Whether `part` is the holder itself or is stored in it, at any depth.
+bool array_table::owns(array_handle holder, array_handle part) const {
+    for (; part != 0; part = live_.at(part).owner) {
+        if (part == holder) {
             return true;
         }
     }
@@ -157,7 +157,6 @@ void array_table::store(operation caller, array_handle structure, std::int64_t i
     }
     if (!is_failure_value(value)) {
         stored_array& stored = find(name(caller), value, wanted::any);
-        // NOLINTNEXTLINE(readability-suspicious-call-argument): whether the value owns the struct
         if (stored.owner != 0 || owns(value, structure)) {
             refuse(fault_kind::bad_ownership, caller,
                    described(value, stored.kind, stored.made_by) +

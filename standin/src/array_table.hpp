@@ -78,7 +78,7 @@ private:
     void erase(array_handle handle);
     void store(operation caller, array_handle structure, std::int64_t index, std::size_t field,
                array_handle value);
-    bool owns(array_handle structure, array_handle handle) const;
+    bool owns(array_handle holder, array_handle part) const;
     array_value copy_of(const stored_array& original) const;
 
     std::mutex lock_;

@@ -99,7 +99,7 @@ call_stack call_stack::current() noexcept {
     try {
         const auto depth = std::min(static_cast<std::size_t>(end - first), deepest);
         stack.addresses_ = std::make_shared<const std::vector<void*>>(first, first + depth);
-    } catch (const std::bad_alloc&) { // NOLINT(bugprone-empty-catch)
+    } catch (const std::bad_alloc&) {
         // Without memory the stack stays empty.
     }
 #endif
