@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "unit/standin/host_arrays.hpp"
 #include "unit/standin/standin_fixture.hpp"
 
 namespace zktarn::standin {

@@ -9,7 +9,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "unit/standin/host_arrays.hpp"
 #include "unit/standin/standin_fixture.hpp"
 #include "zktarn/host/libqv.hpp"
 #include "zktarn/host/libqvx.hpp"

@@ -4,7 +4,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "unit/standin/host_arrays.hpp"
 #include "unit/standin/standin_fixture.hpp"
 #include "zktarn/assert/assert_mod.hpp"
 #include "zktarn/host/libqv.hpp"

@@ -6,7 +6,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "unit/standin/host_arrays.hpp"
 #include "unit/standin/standin_fixture.hpp"
 #include "zktarn/host/libqvx.hpp"
 

@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "unit/standin/host_arrays.hpp"
 #include "unit/standin/standin_fixture.hpp"
 #include "zktarn/host/libut.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"

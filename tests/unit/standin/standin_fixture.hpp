@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <sstream>
 #include <string>
@@ -14,12 +15,17 @@
 #include <unistd.h>
 
 #include "zktarn/host/libqv.hpp"
+#include "zktarn/host/libqvx.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 #include "zktarn_standin/control.hpp"
 
-/// The fixture and matchers of the stand-in's tests.
+/// What the stand-in's tests share: the fixture, matchers of output, and the host's array
+/// operations with arguments by value and texts as strings.
 
 namespace zktarn::standin {
+
+// The fixture
+// ------------------------------------------------------------------------------------------
 
 /// Resets the stand-in before each test and collects its faults in `faults`. After each test,
 /// expects every block, array, generator and snapshot to be released.
@@ -35,7 +41,7 @@ protected:
     void TearDown() override {
         const std::vector<block> left = live_blocks();
         EXPECT_EQ(left.size(), 0u) << "the test has not released all its blocks";
-        // Releases what is left, so that the next test starts clean.
+        // The next test must start without live objects.
         set_fault_handler([](const fault&) {});
         for (const block& each : left) {
             host::qvFreeExOptim(const_cast<void*>(each.address));
@@ -51,7 +57,7 @@ protected:
         reset();
     }
 
-    /// Expects exactly one fault since the last call, without a block, and clears the list.
+    /// Expects exactly one fault since the last call, which concerns no block, and clears the list.
     void expect_fault(fault_kind kind, const std::string& sentence) {
         ASSERT_EQ(faults.size(), 1u) << "expected: " << sentence;
         const fault found = std::exchange(faults, {})[0];
@@ -67,6 +73,9 @@ protected:
 private:
     std::size_t objects_before_ = 0;
 };
+
+// Output of a process that ends
+// ------------------------------------------------------------------------------------------
 
 /// abort() loses coverage counters. In an instrumented build, a SIGABRT handler forks a copy of the
 /// process whose regular exit writes them; in any other build this does nothing.
@@ -104,11 +113,97 @@ inline auto exactly(std::string text) {
     return testing::Eq(std::move(text));
 }
 
+// Host operations on arrays
+// ------------------------------------------------------------------------------------------
+
+using host::array_handle;
+
+/// A struct, by default 1-by-1 without fields. `slots` holds the names of the fields, each padded
+/// with blanks to `slot_width` characters.
+inline array_handle make_struct(const std::vector<std::int64_t>& extents = {1, 1},
+                                std::int32_t nfields = 0, const std::string& slots = {},
+                                std::int64_t slot_width = 0) {
+    const auto ndims = static_cast<std::int64_t>(extents.size());
+    return host::qvcreatestructarray800_(ndims, extents.data(), nfields, slots.data(), slot_width);
+}
+
+inline array_handle make_text(const std::string& text) {
+    return host::qvcreatestring800_(text.data(), static_cast<std::int64_t>(text.size()));
+}
+
+inline array_handle make_scalar(double value) {
+    return host::qvcreatedoublescalar800_(value);
+}
+
+inline array_handle make_matrix(std::int64_t rows, std::int64_t columns,
+                                std::int32_t complexity = 0) {
+    return host::qvcreatedoublematrix800_(rows, columns, complexity);
+}
+
+inline void set_field(array_handle structure, std::int64_t index, const std::string& name,
+                      array_handle value) {
+    host::qvsetfield800_(structure, index, name.data(), value,
+                         static_cast<std::int64_t>(name.size()));
+}
+
+inline void set_field_number(array_handle structure, std::int64_t index, std::int32_t number,
+                             array_handle value) {
+    host::qvsetfieldbynumber800_(structure, index, number, value);
+}
+
+inline std::int32_t field_number(array_handle structure, const std::string& name) {
+    return host::qvgetfieldnumber800_(structure, name.data(),
+                                      static_cast<std::int64_t>(name.size()));
+}
+
+inline std::int32_t add_field(array_handle structure, const std::string& name) {
+    return host::qvaddfield800_(structure, name.data(), static_cast<std::int64_t>(name.size()));
+}
+
+inline double* data_of(array_handle array) {
+    return host::qvgetpr800_(array);
+}
+
+inline void destroy(array_handle array) {
+    host::qvdestroyarray800_(array);
+}
+
+inline std::int32_t call_function(const std::string& name, array_handle input,
+                                  array_handle& output) {
+    return host::qvxcallquarn800_(1, &output, 1, &input, name.data(),
+                                  static_cast<std::int64_t>(name.size()));
+}
+
+inline std::int32_t print_text(const std::string& text) {
+    return host::qvxprintf800_(text.data(), static_cast<std::int64_t>(text.size()));
+}
+
+/// The name of an array in the sentence of a fault.
+inline std::string described(array_handle array, const std::string& kind, operation made_by) {
+    return "array " + std::to_string(array) + " (a " + kind + " made by " + name(made_by) + ")";
+}
+
+inline std::string the_struct(array_handle array) {
+    return described(array, "struct", operation::qvcreatestructarray800_);
+}
+
+inline std::string the_text(array_handle array) {
+    return described(array, "text", operation::qvcreatestring800_);
+}
+
+inline std::string the_scalar(array_handle array) {
+    return described(array, "real scalar", operation::qvcreatedoublescalar800_);
+}
+
+inline std::string the_matrix(array_handle array) {
+    return described(array, "real matrix", operation::qvcreatedoublematrix800_);
+}
+
 } // namespace zktarn::standin
 
 /// Expects `statement` to abort the process with this sentence on standard error, followed only by
 /// call stacks and qemu's message.
-#define EXPECT_STOP(statement, sentence)                                                           \
+#define EXPECT_ABORT(statement, sentence)                                                          \
     EXPECT_EXIT(                                                                                   \
         {                                                                                          \
             zktarn::standin::keep_coverage();                                                      \
