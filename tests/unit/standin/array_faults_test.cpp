@@ -110,7 +110,7 @@ TEST_F(ArrayFaults, UseOfADestroyedArrayIsAFault) {
     }
 }
 
-TEST_F(ArrayFaults, OnlyAStructHasFields) {
+TEST_F(ArrayFaults, AFieldOfAnArrayThatIsNoStructIsAFault) {
     const array_handle others[] = {scalar, text, matrix};
     const std::string names[] = {the_scalar(scalar), the_text(text), the_matrix(matrix)};
     for (int i = 0; i < 3; ++i) {
@@ -126,7 +126,7 @@ TEST_F(ArrayFaults, OnlyAStructHasFields) {
     }
 }
 
-TEST_F(ArrayFaults, OnlyARealArrayHasData) {
+TEST_F(ArrayFaults, DataOfAnArrayThatIsNotRealAreAFault) {
     EXPECT_EQ(data_of(structure), nullptr);
     expect_fault(fault_kind::wrong_kind,
                  "qvgetpr800_: " + the_struct(structure) + " is not a real array");
@@ -193,7 +193,7 @@ TEST_F(ArrayFaults, StoringAStructInItselfIsAFault) {
     set_field(structure, 1, "x", structure);
     expect_fault(fault_kind::bad_ownership, "qvsetfield800_: " + sentence);
 
-    // Nor in a struct that it contains.
+    // A struct that it contains counts as well.
     const array_handle middle = make_struct({1, 1}, 1, "x", 1);
     const array_handle inner = make_struct({1, 1}, 1, "x", 1);
     set_field(middle, 1, "x", inner);
@@ -207,7 +207,7 @@ TEST_F(ArrayFaults, StoringAStructInItselfIsAFault) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(ArrayFaults, AFaultyValueDoesNotReplaceTheOldOne) {
+TEST_F(ArrayFaults, AnUnknownHandleDoesNotReplaceAStoredValue) {
     set_field(structure, 1, "x", make_scalar(8.0));
     const array_handle owned = make_struct({1, 1}, 1, "s", 1);
     const array_handle value = make_scalar(9.0);
@@ -220,7 +220,7 @@ TEST_F(ArrayFaults, AFaultyValueDoesNotReplaceTheOldOne) {
     destroy(owned);
 }
 
-TEST_F(ArrayFaults, AnArrayHasOneOrTwoDimensions) {
+TEST_F(ArrayFaults, NoOrThreeDimensionsAreAFault) {
     const std::string sentence = "qvcreatestructarray800_: an array has one or two dimensions";
     EXPECT_EQ(make_struct({1, 1, 1}), 0);
     expect_fault(fault_kind::bad_request, sentence);
@@ -228,7 +228,7 @@ TEST_F(ArrayFaults, AnArrayHasOneOrTwoDimensions) {
     expect_fault(fault_kind::bad_request, sentence);
 }
 
-TEST_F(ArrayFaults, AnExtentIsNotNegative) {
+TEST_F(ArrayFaults, ANegativeExtentIsAFault) {
     const std::vector<std::vector<std::int64_t>> bad = {{-1}, {-1, 2}, {2, -1}};
     for (const std::vector<std::int64_t>& extents : bad) {
         EXPECT_EQ(make_struct(extents), 0);
@@ -240,13 +240,13 @@ TEST_F(ArrayFaults, AnExtentIsNotNegative) {
     expect_fault(fault_kind::bad_request, "qvcreatedoublematrix800_: an extent is negative");
 }
 
-TEST_F(ArrayFaults, TheNumberOfFieldsIsNotNegative) {
+TEST_F(ArrayFaults, ANegativeNumberOfFieldsIsAFault) {
     EXPECT_EQ(make_struct({1, 1}, -1), 0);
     expect_fault(fault_kind::bad_request,
                  "qvcreatestructarray800_: the number of fields is negative");
 }
 
-TEST_F(ArrayFaults, TheLengthOfATextIsNotNegative) {
+TEST_F(ArrayFaults, ANegativeLengthOfATextIsAFault) {
     const std::string sentence = ": the length of a text is -1";
     EXPECT_EQ(host::qvcreatestring800_("abc", -1), 0);
     expect_fault(fault_kind::bad_request, "qvcreatestring800_" + sentence);
@@ -258,19 +258,19 @@ TEST_F(ArrayFaults, TheLengthOfATextIsNotNegative) {
     expect_fault(fault_kind::bad_request, "qvaddfield800_" + sentence);
 }
 
-TEST_F(ArrayFaults, TheAddressOfATextIsNotNull) {
+TEST_F(ArrayFaults, ANullAddressOfATextIsAFault) {
     EXPECT_EQ(host::qvgetfieldnumber800_(structure, nullptr, 1), 0);
     expect_fault(fault_kind::bad_request, "qvgetfieldnumber800_: the address of a text is null");
-    // An empty text has no address.
+    // An empty text needs no address.
     EXPECT_EQ(host::qvgetfieldnumber800_(structure, nullptr, 0), 0);
 }
 
-TEST_F(ArrayFaults, TheWidthOfASlotIsNotNegative) {
+TEST_F(ArrayFaults, ANegativeSlotWidthIsAFault) {
     EXPECT_EQ(make_struct({1, 1}, 1, "x", -1), 0);
     expect_fault(fault_kind::bad_request, "qvcreatestructarray800_: the length of a text is -1");
 }
 
-TEST_F(ArrayFaults, OnlyRealMatricesAreSupported) {
+TEST_F(ArrayFaults, AComplexMatrixIsAFault) {
     for (const std::int32_t complexity : {1, -1}) {
         EXPECT_EQ(make_matrix(1, 1, complexity), 0);
         expect_fault(fault_kind::bad_request,
@@ -279,7 +279,8 @@ TEST_F(ArrayFaults, OnlyRealMatricesAreSupported) {
 }
 
 TEST_F(ArrayFaults, ATooLargeArrayIsRefusedWithoutAFault) {
-    // The count of numbers overflows; then the count of bytes.
+    // In the first call of each pair the count of elements overflows, in the second the count of
+    // bytes.
     EXPECT_EQ(make_matrix(largest, 2), 0);
     EXPECT_EQ(make_matrix(largest, 1), 0);
     EXPECT_EQ(make_struct({largest, 2}, 1, "x", 1), 0);
@@ -332,7 +333,7 @@ TEST_F(CopyFaults, AnEmptyMatrixHasNoNumbers) {
     destroy(empty);
 }
 
-TEST_F(CopyFaults, TheCountIsNotNegative) {
+TEST_F(CopyFaults, ANegativeCountIsAFault) {
     expect_refused(data_of(matrix), -1, fault_kind::bad_request, "-1 numbers are to be copied");
 }
 
@@ -346,8 +347,8 @@ TEST_F(CopyFaults, AnAddressOutsideOfDataIsAFault) {
                    sentence);
 }
 
-TEST_F(CopyFaults, DataOfADestroyedArrayAreAFault) {
-    // The only data, so that no other array is near the address.
+TEST_F(CopyFaults, CopyingDataOfADestroyedArrayIsAFault) {
+    // Large, so that the address is far from the data of every other array.
     const array_handle gone = make_matrix(10'000'000, 1);
     double* const address = data_of(gone);
     destroy(gone);

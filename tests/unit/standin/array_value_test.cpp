@@ -13,7 +13,8 @@ namespace {
 using strings = std::vector<std::string>;
 using numbers = std::vector<double>;
 
-/// array_value copies an array; each accessor that does not fit its kind is a fault.
+/// An `array_value` is a copy of an array. A call of an accessor that its kind does not have is a
+/// fault.
 class ArrayValue : public StandinTest {
 protected:
     void TearDown() override {
@@ -124,7 +125,7 @@ TEST_F(ArrayValue, AFieldThatWasNotSetIsAnEmptyMatrix) {
     EXPECT_TRUE(value.field("x").reals().empty());
 }
 
-TEST_F(ArrayValue, AStructOfSeveralElementsShowsItsNamesOnly) {
+TEST_F(ArrayValue, AStructOfSeveralElementsHasNamesButNoValues) {
     const array_handle made = make_struct({1, 2}, 1, "x", 1);
     set_field(made, 1, "x", make_scalar(1.0));
     const array_value value = copied(made);
@@ -133,7 +134,7 @@ TEST_F(ArrayValue, AStructOfSeveralElementsShowsItsNamesOnly) {
     EXPECT_TRUE(value.field("x").reals().empty());
 }
 
-TEST_F(ArrayValue, AStructShowsTheFieldsOfItsStructs) {
+TEST_F(ArrayValue, AFieldMayBeAStructWithFields) {
     const array_handle outer = make_struct({1, 1}, 1, "options", 7);
     const array_handle inner = make_struct({1, 1}, 1, "display", 7);
     set_field(inner, 1, "display", make_text("off"));
@@ -141,7 +142,7 @@ TEST_F(ArrayValue, AStructShowsTheFieldsOfItsStructs) {
     EXPECT_EQ(copied(outer).field("options").field("display").text(), "off");
 }
 
-TEST_F(ArrayValue, PartsTakenFromATemporaryStayValid) {
+TEST_F(ArrayValue, APartOfATemporaryValueStaysValid) {
     const array_handle made = make_struct({1, 1}, 3, "xst", 1);
     set_field(made, 1, "x", make_matrix(1, 2));
     set_field(made, 1, "s", make_struct({1, 1}, 1, "y", 1));

@@ -15,7 +15,7 @@ namespace {
 using strings = std::vector<std::string>;
 using numbers = std::vector<double>;
 
-/// Ordinary use of the arrays, which causes no fault.
+/// Correct use of arrays, which causes no fault.
 class Arrays : public StandinTest {
 protected:
     void TearDown() override {
@@ -111,7 +111,7 @@ TEST_F(Arrays, AMatrixIsStoredColumnByColumn) {
     destroy(made);
 }
 
-TEST_F(Arrays, TheAddressOfTheDataStaysWhileTheArrayExists) {
+TEST_F(Arrays, TheAddressOfTheDataDoesNotChangeWhileTheArrayExists) {
     const array_handle made = make_matrix(5, 1);
     double* const address = data_of(made);
     const array_handle owner = make_struct();
@@ -198,7 +198,7 @@ TEST_F(Arrays, TrailingBlanksOfAFieldNameArePadding) {
     destroy(made);
 }
 
-TEST_F(Arrays, FieldNamesDifferInCase) {
+TEST_F(Arrays, FieldNamesAreCaseSensitive) {
     const array_handle made = make_struct({1, 1}, 1, "x", 1);
     EXPECT_EQ(field_number(made, "X"), 0);
     EXPECT_EQ(add_field(made, "X"), 2);
@@ -222,7 +222,7 @@ TEST_F(Arrays, EveryElementHasItsOwnFields) {
         values.push_back(make_scalar(static_cast<double>(element)));
         set_field(made, element, "x", values.back());
     }
-    // No element's field replaced another's: all values are live.
+    // Storing in one element has not destroyed the value of another.
     for (std::size_t i = 0; i < values.size(); ++i) {
         EXPECT_EQ(*data_of(values[i]), static_cast<double>(i + 1));
     }
@@ -244,7 +244,7 @@ TEST_F(Arrays, AStoredValueBelongsToTheStruct) {
     EXPECT_EQ(live_objects().size(), before + 1);
     set_field(made, 1, "x", value);
     EXPECT_EQ(live_objects().size(), before);
-    // It can still be written.
+    // The data can still be written through the handle of the value.
     data_of(value)[1] = 4.0;
     EXPECT_EQ(inspect(made).field("x").reals(), (numbers{0.0, 4.0}));
     destroy(made);
@@ -274,7 +274,8 @@ TEST_F(Arrays, ResetKeepsLiveArrays) {
     destroy(made);
 }
 
-/// Arrays that the stand-in destroys itself. Using one afterwards must be a fault.
+/// Arrays that the stand-in destroys together with the struct that owns them. Using one afterwards
+/// is a fault.
 class ArrayOwnership : public StandinTest {
 protected:
     void expect_destroyed(array_handle array, const std::string& the_array) {
@@ -284,7 +285,7 @@ protected:
     }
 };
 
-TEST_F(ArrayOwnership, AReplacedValueIsReleased) {
+TEST_F(ArrayOwnership, AReplacedValueIsDestroyed) {
     const array_handle made = make_struct({1, 1}, 1, "x", 1);
     const array_handle first = make_scalar(1.0);
     const array_handle second = make_scalar(2.0);
@@ -298,7 +299,7 @@ TEST_F(ArrayOwnership, AReplacedValueIsReleased) {
     destroy(made);
 }
 
-TEST_F(ArrayOwnership, AReplacedStructReleasesWhatItOwns) {
+TEST_F(ArrayOwnership, AReplacedStructDestroysTheValuesThatItOwns) {
     const array_handle outer = make_struct({1, 1}, 1, "s", 1);
     const array_handle inner = make_struct({1, 1}, 1, "x", 1);
     const array_handle value = make_scalar(1.0);
@@ -310,14 +311,14 @@ TEST_F(ArrayOwnership, AReplacedStructReleasesWhatItOwns) {
     destroy(outer);
 }
 
-TEST_F(ArrayOwnership, ADestroyedStructReleasesWhatItOwns) {
+TEST_F(ArrayOwnership, ADestroyedStructDestroysTheValuesThatItOwns) {
     const array_handle outer = make_struct({1, 2}, 2, "st", 1);
     const array_handle inner = make_struct({1, 1}, 1, "x", 1);
     const array_handle value = make_matrix(3, 3);
     const array_handle text = make_text("abc");
     set_field(inner, 1, "x", value);
     set_field(outer, 1, "s", inner);
-    // The other fields stay empty.
+    // The remaining fields are not set.
     set_field(outer, 2, "t", text);
     destroy(outer);
     expect_destroyed(outer, the_struct(outer));
@@ -326,7 +327,7 @@ TEST_F(ArrayOwnership, ADestroyedStructReleasesWhatItOwns) {
     expect_destroyed(text, the_text(text));
 }
 
-TEST_F(ArrayOwnership, WhatTheStructDoesNotOwnOutlivesIt) {
+TEST_F(ArrayOwnership, AnArrayThatTheStructDoesNotOwnOutlivesIt) {
     const array_handle made = make_struct({1, 1}, 1, "x", 1);
     const array_handle other = make_scalar(4.0);
     destroy(made);

@@ -39,7 +39,7 @@ protected:
     }
 };
 
-TEST_F(CallLog, IsOffAndEmptyAtFirst) {
+TEST_F(CallLog, IsInitiallyOffAndEmpty) {
     reset();
     host::qvFreeExOptim(nullptr);
     EXPECT_THAT(logged_calls(), IsEmpty());
@@ -82,7 +82,7 @@ TEST_F(CallLog, ShowsArgumentsAndResultsOfGeneratorCalls) {
     EXPECT_EQ(only_call(), (host_call{operation::deleteRngOptim, {}, {}, {}, {generator}}));
 }
 
-TEST_F(CallLog, ShowsConditionsFlushesAndPolls) {
+TEST_F(CallLog, ShowsAssertionsFlushesAndPolls) {
     set_assertion_handler([] {});
     host::assertOptim(true);
     EXPECT_EQ(only_call(), (host_call{operation::assertOptim, {1}}));
@@ -97,7 +97,7 @@ TEST_F(CallLog, ShowsConditionsFlushesAndPolls) {
     EXPECT_EQ(poll.result.number, 1);
 }
 
-TEST_F(CallLog, OmitsTextAndNumbersOfFaultyArguments) {
+TEST_F(CallLog, OmitsTextsWithAFaultyAddressOrLength) {
     const array_handle structure = make_struct();
     only_call();
     host::qvgetfieldnumber800_(structure, nullptr, 2);
@@ -261,7 +261,7 @@ TEST_F(CallLog, PrintsEachEntryAsACall) {
     EXPECT_EQ(written(copied), "qvcopyreal8toptr800_(1, 2.5) = 0x40");
 }
 
-TEST_F(CallLog, EntriesDifferIfAnyArgumentDiffers) {
+TEST_F(CallLog, EntriesAreEqualIfOperationAndArgumentsAreWhateverTheResult) {
     const host_call call{operation::qvFreeExOptim, {1}, {"a"}, {2.0}, {nullptr}};
     host_call other = call;
     EXPECT_TRUE(call == other);
@@ -308,7 +308,7 @@ TEST_F(Scripts, AnEmptyResultLeavesTheCallToTheStandIn) {
     EXPECT_FALSE(host::utIsInterruptPending());
 }
 
-TEST_F(Scripts, SetTheOutputArguments) {
+TEST_F(Scripts, WriteTheOutputArguments) {
     answer_calls(operation::getRandUniformOptim, [](const host_call&) {
         return answer{.reals = {0.25, 0.5, 0.75}};
     });
@@ -340,7 +340,7 @@ TEST_F(Scripts, PlannedFailuresTakePrecedence) {
 TEST_F(Scripts, MayReturnTheFailureValue) {
     answer_calls(operation::qvcreatestring800_, [](const host_call&) { return answer{}; });
     EXPECT_EQ(host::qvcreatestring800_("x", 1), 0);
-    // From here on handle 0 is accepted.
+    // After a failed call, handle 0 is accepted.
     host::qvdestroyarray800_(0);
     EXPECT_TRUE(faults.empty());
 }

@@ -9,8 +9,8 @@
 #include "zktarn/host/libqv.hpp"
 #include "zktarn/host/libzkoptimutil.hpp"
 
-// The tests look for the names of these functions in call stacks, so they are exported and never
-// inlined.
+// The tests search call stacks for the names of these functions. So the functions are exported and
+// never inlined, and an asm statement at the end prevents a tail call.
 namespace zktarn_solver {
 
 [[gnu::noinline, gnu::visibility("default")]] void* allocate_row(std::int64_t nbytes) {
@@ -80,7 +80,7 @@ int depth_of(const std::string& function, const call_stack& stack) {
 
 TEST_F(CallStacks, BeginWithTheCallerAndOmitTheStandIn) {
 #ifdef ZKTARN_TEST_EMULATED
-    GTEST_SKIP() << "the emulated program bears the emulator's name";
+    GTEST_SKIP() << "under emulation, call stacks name the emulator instead of the program";
 #endif
     const std::vector<std::string> lines = call_stack::current().lines();
     ASSERT_FALSE(lines.empty());
@@ -91,7 +91,7 @@ TEST_F(CallStacks, BeginWithTheCallerAndOmitTheStandIn) {
 
 TEST_F(CallStacks, AFaultShowsItsCallStack) {
 #ifdef ZKTARN_TEST_EMULATED
-    GTEST_SKIP() << "the emulated program bears the emulator's name";
+    GTEST_SKIP() << "under emulation, call stacks name the emulator instead of the program";
 #endif
     void* const row = zktarn_solver::allocate_row(8);
     zktarn_solver::release_row(row);
@@ -163,7 +163,7 @@ TEST_F(CallStacks, OtherValuesOfTheEnvironmentVariableLeaveOriginsOff) {
     unsetenv("ZKTARN_STANDIN_ORIGINS");
 }
 
-TEST_F(CallStacks, AnAssertionHandlerGetsTheCallStack) {
+TEST_F(CallStacks, AnAssertionHandlerCanRecordTheCallStackOfTheFailure) {
     call_stack seen;
     set_assertion_handler([&] { seen = call_stack::current(); });
     zktarn_solver::check_row(true);

@@ -49,7 +49,7 @@ TEST_F(Console, WritesExactlyTheGivenCharacters) {
     EXPECT_EQ(console_text(), text);
 }
 
-TEST_F(Console, WritesNoMoreThanTheLength) {
+TEST_F(Console, WritesNoMoreCharactersThanTheLength) {
     set_console(console::capture);
     EXPECT_EQ(host::qvxprintf800_("abcdef", 3), 0);
     EXPECT_EQ(host::qvxprintf800_("abcdef", 0), 0);
@@ -87,7 +87,7 @@ TEST_F(Console, ClearingDiscardsTheText) {
     EXPECT_EQ(flushed_console_text(), "");
 }
 
-TEST_F(Console, ReturnsTheTextCapturedAtTheLastFlush) {
+TEST_F(Console, ReturnsTheTextCapturedBeforeTheLastFlush) {
     set_console(console::capture);
     host::ioFlushOptim();
     EXPECT_EQ(flushed_console_text(), "");
@@ -114,7 +114,7 @@ TEST_F(Console, ResetDiscardsTheTextAndKeepsTheDestination) {
     EXPECT_EQ(set_console(console::show), console::capture);
 }
 
-/// Everything written to a pipe until its last writing end is closed.
+/// Reads from a pipe until the last process that can write to it has closed its end.
 std::string contents_of(int pipe) {
     std::string text;
     char character = 0;
@@ -135,8 +135,8 @@ TEST_F(Console, AFlushWritesBufferedText) {
         std::setvbuf(stdout, nullptr, _IOFBF, BUFSIZ);
         print_text("flushed");
         host::ioFlushOptim();
-        print_text("kept back");
-        // Discards what stdio still holds.
+        print_text("not flushed");
+        // Discards the text that stdio still buffers.
         dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
         _exit(0);
     }

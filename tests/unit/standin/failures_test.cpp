@@ -14,7 +14,7 @@ namespace zktarn::standin {
 
 namespace {
 
-/// Planned failures, one operation at a time, and the objects that the operations need.
+/// Plans failures of one operation at a time. Has the objects that the operations need.
 class Failures : public StandinTest {
 protected:
     void SetUp() override {
@@ -36,7 +36,8 @@ protected:
         StandinTest::TearDown();
     }
 
-    /// Plans a failure and calls three times: '1' for each call that fails, '0' for each other.
+    /// Plans a failure and makes three calls. Returns '1' for each call that fails, '0' for each
+    /// that does not.
     static std::string failures(operation what, std::int64_t planned,
                                 const std::function<bool()>& fails) {
         fail_call(what, planned);
@@ -54,7 +55,7 @@ protected:
         EXPECT_EQ(failures(what, 1, fails), "100");
         EXPECT_EQ(failures(what, 0, fails), "000");
         EXPECT_EQ(failures(what, -1, fails), "000");
-        // A new plan replaces the old one; so does 0, which plans none.
+        // A new plan replaces the old one. 0 plans no failure.
         fail_call(what, 1);
         EXPECT_EQ(failures(what, 3, fails), "001");
         fail_call(what, 1);
@@ -137,7 +138,7 @@ TEST_F(Failures, AGeneratorIsNotMade) {
     });
 }
 
-TEST_F(Failures, NumbersStayUnwritten) {
+TEST_F(Failures, NoNumbersAreWritten) {
     expect_can_fail(operation::getRandUniformOptim, [&] {
         const std::int64_t two = 2;
         double values[] = {-1.0, -1.0};
@@ -186,7 +187,7 @@ TEST_F(Failures, APlanAffectsOneOperationOnly) {
     EXPECT_NE(data_of(scalar), nullptr);
 }
 
-TEST_F(Failures, AFaultyCallCountsForThePlan) {
+TEST_F(Failures, ACallWithAFaultCountsForThePlan) {
     fail_call(operation::qvgetpr800_, 2);
     EXPECT_EQ(data_of(structure), nullptr);
     EXPECT_EQ(faults.size(), 1u);
@@ -283,7 +284,7 @@ TEST_F(OperationsThatCannotFail, UseArrays) {
     EXPECT_EQ(live_objects().size(), before);
 }
 
-/// A caller that ignores a failure and passes the 0 or null that the call returned.
+/// The caller ignores a failure and passes the 0 or null that the failed call returned.
 class AfterAFailure : public Failures {
 protected:
     void SetUp() override {
@@ -335,7 +336,7 @@ TEST_F(AfterAFailure, AValueThatCannotBeStoredIsDestroyed) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(AfterAFailure, AValueThatAFieldAlreadyOwnsStaysThere) {
+TEST_F(AfterAFailure, AValueThatAFieldOwnsStaysInThatField) {
     const array_handle value = make_scalar(1.0);
     set_field(structure, 1, "x", value);
     set_field(none, 1, "x", value);
@@ -344,8 +345,8 @@ TEST_F(AfterAFailure, AValueThatAFieldAlreadyOwnsStaysThere) {
     EXPECT_TRUE(faults.empty());
 }
 
-/// Any failure, planned or not, of an operation that returns a handle, a field number or an
-/// address.
+/// An operation that returns a handle, a field number or an address has failed, by a plan or for
+/// another reason.
 class FailureForAnyReason : public Failures {
 protected:
     /// Whether using the handle 0 is a fault.
@@ -356,7 +357,7 @@ protected:
     }
 };
 
-TEST_F(FailureForAnyReason, MakesNullsAcceptable) {
+TEST_F(FailureForAnyReason, MakesZeroAndNullValidArguments) {
     const std::function<void()> failing[] = {
         [] { make_struct({-1}); },
         [] { make_matrix(0x7FFFFFFFFFFFFFFF, 0x7FFFFFFFFFFFFFFF); },
@@ -378,7 +379,7 @@ TEST_F(FailureForAnyReason, MakesNullsAcceptable) {
     }
 }
 
-TEST_F(FailureForAnyReason, OfOtherOperationsKeepsNullsAFault) {
+TEST_F(FailureForAnyReason, OfOtherOperationsKeepsZeroAndNullFaults) {
     set_field(scalar, 1, "x", scalar);
     field_number(scalar, "x");
     destroy(-1);
@@ -428,7 +429,7 @@ TEST_F(AfterAFailure, AnyOtherFaultIsReported) {
     expect_one_fault(fault_kind::bad_request);
 }
 
-TEST_F(AfterAFailure, ResetMakesNullsAFaultAgain) {
+TEST_F(AfterAFailure, ResetMakesZeroAndNullFaultsAgain) {
     reset();
     set_fault_handler([this](const fault& found) { faults.push_back(found); });
     destroy(none);

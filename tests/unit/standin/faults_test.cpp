@@ -22,7 +22,7 @@ constexpr std::int64_t large = 100'000'000;
 
 class Faults : public StandinTest {
 protected:
-    /// A new block, as bytes, which the tests also write out of bounds.
+    /// The bytes of a new block. The tests also write outside of its bounds.
     static unsigned char* request(std::int64_t nbytes) {
         return static_cast<unsigned char*>(qvMallocExOptim(nbytes));
     }
@@ -39,13 +39,13 @@ protected:
         EXPECT_EQ(found.sentence, sentence);
     }
 
-    /// How a fault names the block of the last request.
+    /// The name of the last requested block in the sentence of a fault.
     static std::string last(const std::string& size) {
         return "block " + std::to_string(requests()) + " (" + size + ")";
     }
 };
 
-TEST_F(Faults, ARequestForLessThanOneByteIsBad) {
+TEST_F(Faults, ARequestForLessThanOneByteIsAFault) {
     const std::int64_t before = requests();
     EXPECT_EQ(qvMallocExOptim(0), nullptr);
     expect_fault(fault_kind::bad_request, {},
@@ -56,7 +56,7 @@ TEST_F(Faults, ARequestForLessThanOneByteIsBad) {
     EXPECT_EQ(requests(), before);
 }
 
-TEST_F(Faults, ABadRequestUsesUpNoPlannedFailure) {
+TEST_F(Faults, ARequestForLessThanOneByteDoesNotCountForAPlannedFailure) {
     fail_request(1);
     EXPECT_EQ(qvMallocExOptim(0), nullptr);
     EXPECT_EQ(faults.size(), 1u);
@@ -64,7 +64,7 @@ TEST_F(Faults, ABadRequestUsesUpNoPlannedFailure) {
     EXPECT_EQ(faults.size(), 1u);
 }
 
-TEST_F(Faults, ABlockReleasedTwiceIsNamedWithSizeAndNumber) {
+TEST_F(Faults, ABlockReleasedTwiceIsReportedWithSizeAndNumber) {
     void* const address = request(24);
     const std::int64_t order = requests();
     qvFreeExOptim(address);
@@ -82,7 +82,7 @@ TEST_F(Faults, ABlockReleasedTwiceIsDetectedAfterOtherRequestsToo) {
     const block first = {address, 24, requests()};
     const std::string first_name = last("24 bytes");
     qvFreeExOptim(address);
-    // Too large for the freed place, so the allocator uses another one.
+    // The released memory is too small for this block, so the allocator returns another address.
     void* const other = request(large);
     ASSERT_NE(other, address);
     qvFreeExOptim(address);
@@ -91,7 +91,7 @@ TEST_F(Faults, ABlockReleasedTwiceIsDetectedAfterOtherRequestsToo) {
     EXPECT_TRUE(faults.empty());
 }
 
-TEST_F(Faults, ABlockOfOneByteIsNamedInTheSingular) {
+TEST_F(Faults, TheSentenceAboutOneByteUsesTheSingular) {
     void* const address = request(1);
     const std::int64_t order = requests();
     qvFreeExOptim(address);
@@ -192,7 +192,7 @@ TEST_F(Faults, AWriteUpTo64BytesBeforeTheStartIsDetectedAtTheRelease) {
     }
 }
 
-TEST_F(Faults, CheckBlocksReportsADamagedBlockOnceAndItsReleaseDoesNot) {
+TEST_F(Faults, DamageThatCheckBlocksReportedIsNotReportedAgain) {
     unsigned char* const sound = request(8);
     unsigned char* const past = request(8);
     const block past_block = {past, 8, requests()};
@@ -298,7 +298,7 @@ TEST_F(Handlers, ResetRestoresTheDefaults) {
     EXPECT_FALSE(set_assertion_handler({}));
 }
 
-TEST_F(Handlers, KeepTheirStateFromCallToCall) {
+TEST_F(Handlers, MayHaveStateThatLastsFromCallToCall) {
     int calls = 0;
     set_fault_handler([&calls, count = 0](const fault&) mutable { calls = ++count; });
     qvMallocExOptim(0);
@@ -320,7 +320,7 @@ class DefaultHandlersDeathTest : public StandinTest {
 protected:
     void SetUp() override { reset(); }
 
-    /// How a fault names the block of the next request.
+    /// The name of the next requested block in the sentence of a fault.
     static std::string next(const std::string& size) {
         return "block " + std::to_string(requests() + 1) + " (" + size + ")";
     }

@@ -36,7 +36,7 @@ protected:
         StandinTest::TearDown();
     }
 
-    /// What a function returns for the scalar; the array itself is destroyed.
+    /// Calls a function with the scalar, and returns a copy of the output, which is destroyed.
     array_value returned_by(const std::string& name) {
         array_handle output = unwritten;
         EXPECT_EQ(call_function(name, input, output), 0);
@@ -92,7 +92,7 @@ TEST_F(Functions, ANumberIsReturnedAsAScalar) {
     EXPECT_EQ(value.scalar(), 40.0);
 }
 
-TEST_F(Functions, AnyNumberAndALogicalValueAreReturnedAsAScalar) {
+TEST_F(Functions, IntegersAndLogicalValuesAreReturnedAsAScalar) {
     set_function("whole", [](const array_value&) { return 7; });
     EXPECT_EQ(returned_by("whole").scalar(), 7.0);
     set_function("stop", [](const array_value& value) { return value.scalar() > 19.0; });
@@ -132,7 +132,7 @@ TEST_F(Functions, TextIsReturnedAsText) {
     EXPECT_EQ(returned_by("literal").text(), "off");
 }
 
-TEST_F(Functions, TheCallIsTheMakerOfTheOutput) {
+TEST_F(Functions, TheOutputIsMadeByTheCall) {
     const std::string kinds[] = {"real scalar", "real matrix", "text"};
     const reply replies[] = {1.0, numbers{1.0}, std::string("x")};
     for (int i = 0; i < 3; ++i) {
@@ -187,7 +187,7 @@ TEST_F(Functions, ResetRemovesAllFunctions) {
     expect_unknown("f");
 }
 
-TEST_F(Functions, OneInputAndOneOutputAreNeeded) {
+TEST_F(Functions, AnyOtherNumberOfInputsOrOutputsThanOneIsAFault) {
     set_function("f", [](const array_value&) { return 1.0; });
     const std::int32_t bad[][2] = {{0, 1}, {2, 1}, {1, 0}, {1, 2}, {0, 0}, {-1, 1}};
     for (const auto& [noutputs, ninputs] : bad) {
@@ -200,14 +200,14 @@ TEST_F(Functions, OneInputAndOneOutputAreNeeded) {
     }
 }
 
-TEST_F(Functions, TheLengthOfTheNameIsNotNegative) {
+TEST_F(Functions, ANegativeLengthOfTheNameIsAFault) {
     array_handle output = unwritten;
     EXPECT_EQ(host::qvxcallquarn800_(1, &output, 1, &input, "f", -2), 1);
     EXPECT_EQ(output, unwritten);
     expect_fault(fault_kind::bad_request, "qvxcallquarn800_: the length of a text is -2");
 }
 
-TEST_F(Functions, TheInputIsALiveArray) {
+TEST_F(Functions, AnInputThatIsNotALiveArrayIsAFault) {
     bool called = false;
     set_function("f", [&](const array_value&) {
         called = true;
@@ -251,7 +251,7 @@ TEST_F(Functions, AFunctionThatThrowsAnythingElseIsAFault) {
     expect_fault(fault_kind::function_threw, "the host-language function 'f' threw");
 }
 
-TEST_F(Functions, AFunctionKeepsItsStateFromCallToCall) {
+TEST_F(Functions, AFunctionMayHaveStateThatLastsFromCallToCall) {
     set_function("count", [calls = 0](const array_value&) mutable { return ++calls; });
     EXPECT_EQ(returned_by("count").scalar(), 1.0);
     EXPECT_EQ(returned_by("count").scalar(), 2.0);

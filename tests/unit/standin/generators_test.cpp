@@ -50,7 +50,7 @@ TEST_F(Generators, TheSameSeedGivesTheSameNumbers) {
 }
 
 TEST_F(Generators, TheNumbersAreTheSameOnEveryPlatform) {
-    // The standard gives the 10000th number of this engine when it starts from its default seed.
+    // The C++ standard states the 10000th number of std::mt19937_64 for its default seed, 5489.
     const double expected = static_cast<double>(9981545732273789042u >> 11) / 9007199254740992.0;
     EXPECT_EQ(first_of_seed(5489, 10000).back(), expected);
 }
@@ -63,7 +63,7 @@ TEST_F(Generators, DifferentSeedsGiveDifferentNumbers) {
     EXPECT_EQ(first.size(), 100u);
 }
 
-TEST_F(Generators, OneAtATimeGivesTheSameAsManyAtOnce) {
+TEST_F(Generators, SingleDrawsGiveTheSameNumbersAsOneDrawOfMany) {
     const numbers together = first_of_seed(3, 50);
     void* const generator = instantiateRngOptim(3);
     for (const double each : together) {
@@ -98,7 +98,8 @@ TEST_F(Generators, NumbersAreUniformFrom0To1) {
     for (const double each : values) {
         ++hits[static_cast<int>(each * bins)];
     }
-    // The expected count of a bin is 10000, the standard deviation 95; 5 of those are allowed.
+    // The expected count of a bin is 10000, its standard deviation 95. The test allows 5 standard
+    // deviations.
     for (const int in_bin : hits) {
         EXPECT_NEAR(in_bin, count / bins, 475);
     }
@@ -127,7 +128,7 @@ TEST_F(Generators, NoMoreNumbersAreDrawnThanRequested) {
 
 TEST_F(Generators, ASnapshotRestoresExactlyAndRepeatedly) {
     void* const generator = instantiateRngOptim(11);
-    // The engine refills its state after 312 numbers; begin between two refills.
+    // The engine refills its state after 312 numbers. The snapshot is taken between two refills.
     drawn(generator, 1000);
     void* const state = getRngStateOptim(generator);
     ASSERT_NE(state, nullptr);
@@ -165,7 +166,7 @@ TEST_F(Generators, ASnapshotOfANullGeneratorIsNullWithoutAFault) {
     EXPECT_EQ(getRngStateOptim(nullptr), nullptr);
 }
 
-/// Handles that do not belong to live generators or snapshots.
+/// Tests handles that are not those of live generators or snapshots.
 class GeneratorFaults : public StandinTest {
 protected:
     void SetUp() override {
@@ -181,7 +182,7 @@ protected:
         StandinTest::TearDown();
     }
 
-    /// Every operation on a generator reports this fault.
+    /// Expects that every operation on a generator reports this fault.
     void expect_no_generator(void* address, fault_kind kind, const std::string& after_name) {
         EXPECT_EQ(drawn(address, 2), numbers(2, -1.0));
         expect_fault(kind, "getRandUniformOptim: " + after_name);
@@ -234,21 +235,21 @@ TEST_F(GeneratorFaults, GeneratorsAndSnapshotsHaveDifferentHandles) {
                  "setRngStateOptim: the address is not that of a snapshot");
 }
 
-TEST_F(GeneratorFaults, AHandleThatIsNotAGeneratorIsAFault) {
+TEST_F(GeneratorFaults, AnAddressThatIsNotAGeneratorIsAFault) {
     for (void* const address : never_returned(generator)) {
         expect_no_generator(address, fault_kind::unknown_object,
                             "the address is not that of a generator");
     }
 }
 
-TEST_F(GeneratorFaults, AHandleThatIsNotASnapshotIsAFault) {
+TEST_F(GeneratorFaults, AnAddressThatIsNotASnapshotIsAFault) {
     for (void* const address : never_returned(state)) {
         expect_no_snapshot(address, fault_kind::unknown_object,
                            "the address is not that of a snapshot");
     }
 }
 
-TEST_F(GeneratorFaults, ADeletedGeneratorIsAFault) {
+TEST_F(GeneratorFaults, UseOfADeletedGeneratorIsAFault) {
     void* const deleted = instantiateRngOptim(2);
     const std::string number = newest(operation::instantiateRngOptim);
     deleteRngOptim(deleted);
@@ -257,7 +258,7 @@ TEST_F(GeneratorFaults, ADeletedGeneratorIsAFault) {
                             " (made by instantiateRngOptim) was used after it was deleted");
 }
 
-TEST_F(GeneratorFaults, ADeletedSnapshotIsAFault) {
+TEST_F(GeneratorFaults, UseOfADeletedSnapshotIsAFault) {
     void* const deleted = getRngStateOptim(generator);
     const std::string number = newest(operation::getRngStateOptim);
     deleteRngStateOptim(deleted);

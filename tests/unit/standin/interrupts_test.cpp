@@ -42,7 +42,8 @@ protected:
         sigaction(SIGINT, &before_, nullptr);
     }
 
-    /// The results of `n` polls: '1' where one reports an interrupt, else '0'.
+    /// The results of `n` polls: '1' for each that reports an interrupt, '0' for each that does
+    /// not.
     static std::string polls(int n) {
         std::string results;
         for (int i = 0; i < n; ++i) {
@@ -55,11 +56,11 @@ private:
     struct sigaction before_ {};
 };
 
-TEST_F(Interrupts, NoneIsPendingAtFirst) {
+TEST_F(Interrupts, NoneIsInitiallyPending) {
     EXPECT_EQ(polls(3), "000");
 }
 
-TEST_F(Interrupts, ARaisedOneIsReportedByOnePoll) {
+TEST_F(Interrupts, ARaisedInterruptIsReportedByOnePoll) {
     raise_interrupt();
     EXPECT_EQ(polls(3), "100");
     raise_interrupt();
@@ -67,7 +68,7 @@ TEST_F(Interrupts, ARaisedOneIsReportedByOnePoll) {
     EXPECT_EQ(polls(3), "100");
 }
 
-TEST_F(Interrupts, OneIsPlannedForAPoll) {
+TEST_F(Interrupts, APlannedInterruptIsReportedByThatPoll) {
     interrupt_at_poll(1);
     EXPECT_EQ(polls(3), "100");
     interrupt_at_poll(3);
@@ -86,19 +87,19 @@ TEST_F(Interrupts, APlanReplacesAnEarlierPlan) {
     EXPECT_EQ(polls(3), "000");
 }
 
-TEST_F(Interrupts, ARaisedOneDoesNotChangeThePlan) {
+TEST_F(Interrupts, ARaisedInterruptDoesNotChangeThePlan) {
     interrupt_at_poll(2);
     raise_interrupt();
     EXPECT_EQ(polls(4), "1100");
 }
 
-TEST_F(Interrupts, OnePollReportsAPlannedAndARaisedOneTogether) {
+TEST_F(Interrupts, OnePollReportsAPlannedAndARaisedInterruptTogether) {
     interrupt_at_poll(1);
     raise_interrupt();
     EXPECT_EQ(polls(3), "100");
 }
 
-TEST_F(Interrupts, ResetClearsThem) {
+TEST_F(Interrupts, ResetClearsRaisedAndPlannedInterrupts) {
     raise_interrupt();
     interrupt_at_poll(1);
     reset();
@@ -124,14 +125,14 @@ TEST_F(Interrupts, TheFirstPollKeepsAnExplicitSetting) {
     EXPECT_FALSE(listen_for_sigint(false));
 }
 
-TEST_F(Interrupts, ListeningNeedsNoPoll) {
+TEST_F(Interrupts, ListeningCanBeTurnedOnBeforeTheFirstPoll) {
     EXPECT_FALSE(listen_for_sigint(true));
     raise(SIGINT);
     EXPECT_EQ(reached_previous, 0);
     EXPECT_EQ(polls(2), "10");
 }
 
-TEST_F(Interrupts, TurningItOffRestoresThePreviousHandler) {
+TEST_F(Interrupts, TurningListeningOffRestoresThePreviousHandler) {
     listen_for_sigint(true);
     EXPECT_TRUE(listen_for_sigint(false));
     raise(SIGINT);
@@ -139,7 +140,7 @@ TEST_F(Interrupts, TurningItOffRestoresThePreviousHandler) {
     EXPECT_EQ(polls(1), "0");
 }
 
-TEST_F(Interrupts, TurningItOnTwiceKeepsThePreviousHandler) {
+TEST_F(Interrupts, TurningListeningOnTwiceKeepsThePreviousHandler) {
     listen_for_sigint(true);
     EXPECT_TRUE(listen_for_sigint(true));
     listen_for_sigint(false);
@@ -157,7 +158,7 @@ void on_later_with_details(int, siginfo_t*, void*) {
     reached_later = reached_later + 1;
 }
 
-TEST_F(Interrupts, TurningItOffKeepsAHandlerThatTheProgramInstalledLater) {
+TEST_F(Interrupts, TurningListeningOffKeepsAHandlerThatTheProgramInstalledLater) {
     struct sigaction later = {};
     later.sa_handler = on_later;
     struct sigaction detailed = {};
@@ -230,7 +231,7 @@ TEST_F(Interrupts, ASecondSignalWithinTwoSecondsGoesToThePreviousHandler) {
     EXPECT_EQ(reached_previous, 1);
 }
 
-TEST_F(Interrupts, ASignalAfterTwoSecondsCountsAsAFirstOne) {
+TEST_F(Interrupts, ASignalAfterTwoSecondsIsReportedLikeAFirstOne) {
     listen_for_sigint(true);
     raise(SIGINT);
     EXPECT_EQ(polls(2), "10");
@@ -244,7 +245,7 @@ TEST_F(Interrupts, ASignalAfterTwoSecondsCountsAsAFirstOne) {
 /// whenever a poll reports an interrupt.
 [[noreturn]] void solve(int pipe_end) {
     signal(SIGINT, SIG_DFL);
-    // Ends the process even if the test fails.
+    // Ends this process if the test fails and sends no signal.
     alarm(30);
     char word = utIsInterruptPending() ? 'x' : 'r';
     while (write(pipe_end, &word, 1) == 1) {

@@ -26,7 +26,7 @@ struct exported {
     operation what;
     const char* symbol;
     const char* library;
-    /// Uses each library, so that the linker does not drop it.
+    /// A reference to the symbol, because the linker drops a library without one.
     const void* address;
 };
 
@@ -70,7 +70,7 @@ TEST_F(Operations, NamesAreThoseOfTheExportedSymbols) {
     }
 }
 
-TEST_F(Operations, EachIsExportedByItsOwnLibrary) {
+TEST_F(Operations, EachIsExportedByTheLibraryThatOwnsIt) {
     for (const exported& each : exported_operations) {
         SCOPED_TRACE(each.symbol);
         ASSERT_NE(each.address, nullptr);

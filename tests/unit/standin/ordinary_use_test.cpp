@@ -14,8 +14,8 @@ namespace zktarn::standin {
 
 namespace {
 
-/// Compares the stand-in with a simple model of a memory manager, a map of live blocks by order
-/// number with their contents, over many random requests and releases.
+/// Makes many random requests and releases, and compares the stand-in with a model of its memory
+/// manager: a map from the order number of each live block to its address and contents.
 class OrdinaryUse : public StandinTest {
 protected:
     struct entry {

@@ -71,7 +71,7 @@ TEST_F(Records, APlanFailsOneAllocationAndCanBeCancelled) {
     }
 }
 
-TEST_F(Records, OrdinaryObjectsAreNotRecords) {
+TEST_F(Records, AllocationsThatMayThrowAreNotRecords) {
     const std::int64_t before = record_requests();
     const auto numbers = std::make_unique<std::vector<int>>(1000);
     fail_record(1);
@@ -81,7 +81,7 @@ TEST_F(Records, OrdinaryObjectsAreNotRecords) {
     EXPECT_EQ(live_records(), 0);
 }
 
-TEST_F(Records, AreTrackedUntilTheyAreDeleted) {
+TEST_F(Records, AreCountedAsLiveUntilTheyAreDeleted) {
     std::vector<double*> all;
     for (int i = 0; i < 3000; ++i) {
         all.push_back(new (std::nothrow) double(i));
@@ -104,8 +104,8 @@ TEST_F(Records, MayBeAllocatedOnTwoThreads) {
     other.join();
 }
 
-TEST_F(Records, AnImpossibleSizeFails) {
-    // The size is a variable, so that the compiler does not reject it.
+TEST_F(Records, AnAllocationOfTooManyBytesFails) {
+    // The compiler would reject a constant of this size.
     volatile std::size_t size = std::numeric_limits<std::size_t>::max() / 4;
     EXPECT_EQ(::operator new(size, std::nothrow), nullptr);
     EXPECT_THROW(static_cast<void>(::operator new(size)), std::bad_alloc);
@@ -117,7 +117,7 @@ TEST_F(Records, AnImpossibleSizeFails) {
 
 using RecordsDeathTest = Records;
 
-TEST_F(RecordsDeathTest, AWritePastTheEndIsDetectedWhenOneIsDeleted) {
+TEST_F(RecordsDeathTest, AWritePastTheEndIsDetectedWhenTheRecordIsDeleted) {
     EXPECT_DEATH(
         {
             keep_coverage();

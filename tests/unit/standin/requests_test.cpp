@@ -29,7 +29,7 @@ protected:
     }
 };
 
-/// Makes `n` requests and releases the blocks: '1' for each block, '0' for each refusal.
+/// Makes `n` requests and releases the blocks. Returns '1' for each block, '0' for each refusal.
 std::string results_of(int n) {
     std::string results;
     for (int i = 0; i < n; ++i) {
@@ -75,7 +75,8 @@ std::string flags_of_mapping(const void* address) {
     return {};
 }
 
-/// Whether the kernel supports huge pages. An emulator shows the kernel's folder but not the pages.
+/// Whether the kernel supports huge pages. An emulator shows the kernel's setting but not the flags
+/// of its own mappings.
 bool has_huge_pages() {
 #ifdef ZKTARN_TEST_EMULATED
     return false;
@@ -88,7 +89,7 @@ bool has_flag(const std::string& flags, const std::string& flag) {
     return flags.find(" " + flag + " ") != std::string::npos;
 }
 
-TEST_F(Requests, LargeBlocksLieOnHugePagesUnlessSwitchedOff) {
+TEST_F(Requests, LargeBlocksAreAdvisedForHugePagesUnlessSwitchedOff) {
     constexpr std::int64_t large = std::int64_t{4} << 20;
     for (const bool on : {true, false, true}) {
         huge_pages(on);
@@ -173,7 +174,7 @@ TEST_F(Requests, KeepTheirNumberingThroughAReset) {
     qvFreeExOptim(kept);
 }
 
-TEST_F(Requests, TooLargeForAnyMachineAreRefusedWithoutAFault) {
+TEST_F(Requests, OfMoreBytesThanAnyMachineHasAreRefusedWithoutAFault) {
     const std::int64_t before = requests();
     EXPECT_EQ(qvMallocExOptim(largest), nullptr);
     EXPECT_EQ(qvMallocExOptim(largest - 63), nullptr);
@@ -203,7 +204,7 @@ TEST_F(Requests, LiveBlocksAreListedByOrderNumberWithAddressAndSize) {
     }
 }
 
-TEST_F(Requests, ReleasingNullHasNoEffect) {
+TEST_F(Requests, ReleasingNullDoesNothing) {
     const std::string before = memory_report();
     qvFreeExOptim(nullptr);
     EXPECT_EQ(memory_report(), before);
@@ -235,7 +236,7 @@ TEST_F(FailRequest, PlansNoFailureBelowOne) {
     }
 }
 
-TEST_F(FailRequest, TakesAnyLargeNumber) {
+TEST_F(FailRequest, AcceptsLargeNumbers) {
     for (const std::int64_t k : {largest, largest - 1, largest - requests()}) {
         fail_request(k);
         EXPECT_EQ(results_of(3), "111") << k;
@@ -271,7 +272,7 @@ TEST_F(FailRequestsFrom, PlansNoFailureBelowOne) {
     }
 }
 
-TEST_F(FailRequestsFrom, TakesAnyLargeNumber) {
+TEST_F(FailRequestsFrom, AcceptsLargeNumbers) {
     for (const std::int64_t k : {largest, largest - 1, largest - requests()}) {
         fail_requests_from(k);
         EXPECT_EQ(results_of(3), "111") << k;
@@ -313,8 +314,8 @@ TEST_F(FillNewBlocks, DoesNotChangeLiveBlocks) {
     qvFreeExOptim(bytes);
 }
 
-// A death test: it reads uninitialised memory, so the memory checker's run leaves it out.
-TEST_F(FillNewBlocks, StopsAtMinusOneAndAtResetDeathTest) {
+// Reads uninitialised memory. It is a death test because runs under valgrind exclude death tests.
+TEST_F(FillNewBlocks, EndsWithMinusOneAndWithResetDeathTest) {
     const auto end = [] { std::exit(new_block_is_filled(100000, 0x5A) ? 1 : 0); };
     fill_new_blocks(0x5A);
     EXPECT_EXIT(end(), testing::ExitedWithCode(1), exactly(""));

@@ -22,7 +22,7 @@ using host::qvMallocExOptim;
 constexpr int thread_count = 8;
 constexpr int rounds = 2000;
 
-/// Runs `work(t)` for t = 0, 1, ... on as many threads at the same time.
+/// Runs work(0), work(1), ... at the same time, each on a thread of its own.
 template <class Work>
 void on_threads(Work work) {
     std::vector<std::thread> threads;
@@ -34,7 +34,8 @@ void on_threads(Work work) {
     }
 }
 
-/// Whether a new block keeps what this thread writes while other threads write theirs.
+/// Whether a new block keeps the bytes that this thread writes while other threads use other
+/// blocks.
 bool block_is_ours(std::int64_t nbytes, int mark) {
     auto* const bytes = static_cast<unsigned char*>(qvMallocExOptim(nbytes));
     std::memset(bytes, mark, static_cast<std::size_t>(nbytes));
@@ -49,7 +50,7 @@ bool block_is_ours(std::int64_t nbytes, int mark) {
 
 class Threads : public StandinTest {};
 
-TEST_F(Threads, NoRequestIsLostFromTheCounts) {
+TEST_F(Threads, BlocksAreIndependentAndEveryCallIsCounted) {
     const std::int64_t before = requests();
     std::atomic<int> bad = 0;
     on_threads([&](int t) {
@@ -95,8 +96,8 @@ TEST_F(Threads, APlannedFailureRefusesExactlyOneRequest) {
     EXPECT_EQ(refused, 1);
 }
 
-/// Whether an array, and the struct that then owns it, keep what this thread stores while other
-/// threads use theirs. Destroys both.
+/// Whether an array, and the struct that then owns it, keep the values that this thread stores
+/// while other threads use other arrays. Destroys both.
 bool arrays_are_ours(double mark) {
     const array_handle structure = make_struct({1, 1}, 1, "x", 1);
     const array_handle column = make_matrix(3, 1);
@@ -116,7 +117,7 @@ bool arrays_are_ours(double mark) {
            stored.field("name").text() == std::to_string(mark);
 }
 
-TEST_F(Threads, ArraysStayApartAndNoCallIsLostFromTheCounts) {
+TEST_F(Threads, ArraysAreIndependentAndEveryCallIsCounted) {
     std::atomic<int> fault_count = 0;
     set_fault_handler([&](const fault& found) {
         fault_count += found.kind == fault_kind::out_of_range ? 1 : 1'000'000;
@@ -160,7 +161,7 @@ TEST_F(Threads, EveryArrayHasItsOwnHandle) {
     EXPECT_EQ(handles.size(), std::size_t{200} * thread_count);
 }
 
-TEST_F(Threads, ASharedStructLosesNoField) {
+TEST_F(Threads, AStructGetsEveryFieldThatAnyThreadAdds) {
     const array_handle structure = make_struct();
     on_threads([&](int) {
         for (int i = 0; i < 50; ++i) {
@@ -178,7 +179,8 @@ TEST_F(Threads, ASharedStructLosesNoField) {
     EXPECT_TRUE(faults.empty());
 }
 
-/// `count` numbers of a new generator, with a snapshot taken and restored in between.
+/// `count` numbers of a new generator. Draws each one, restores the snapshot from before it, and
+/// draws it again.
 std::vector<double> drawn(std::int32_t seed, int count) {
     void* const generator = host::instantiateRngOptim(seed);
     std::vector<double> values;
@@ -246,12 +248,12 @@ TEST_F(Threads, ConsoleTextsAreNotInterleaved) {
     });
     const std::string text = console_text();
     ASSERT_EQ(text.size(), std::size_t{31} * 200 * thread_count);
-    for (std::size_t at = 0; at < text.size(); at += 31) {
-        ASSERT_EQ(text.substr(at, 31), std::string(30, text[at]) + "\n");
+    for (std::size_t start = 0; start < text.size(); start += 31) {
+        ASSERT_EQ(text.substr(start, 31), std::string(30, text[start]) + "\n");
     }
 }
 
-TEST_F(Threads, FunctionsAreCalledAtTheSameTime) {
+TEST_F(Threads, FunctionsCanBeCalledAtTheSameTime) {
     set_function("twice", [](const array_value& value) { return 2.0 * value.scalar(); });
     std::atomic<int> wrong = 0;
     on_threads([&](int t) {
