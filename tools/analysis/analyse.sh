@@ -54,8 +54,6 @@ throwInNoexceptFunction:standin/src/libqv.cpp
 CastIntegerToAddressAtReturn:standin/src/operations.cpp
 # C++20 defines the right shift of a negative number: it keeps the sign.
 shiftTooManyBitsSigned:src/zktarn/util/detail/binary_gcd.hpp
-# `!member | (scaled == 0.0)` is bitwise on purpose, to avoid a branch.
-clarifyCondition:src/zktarn/vector/detail/vectors_combine.hpp
 # System headers are skipped, for speed.
 missingIncludeSystem
 unmatchedSuppression
