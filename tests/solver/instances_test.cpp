@@ -91,9 +91,9 @@ double activity(const row_pool& pool, std::size_t row, const std::vector<double>
     return sum;
 }
 
-/// An optimal integer point. Where the relaxation with cuts has an integral optimum it is one, and
-/// its value is compared with the optimum that other programs found; otherwise a branch-and-cut
-/// solver finds one.
+/// An optimal integer point. If the optimum of the relaxation with cuts is integral, it is this
+/// point, and its value is compared with the optimum that other programs found. Otherwise a
+/// branch-and-cut solver finds a point.
 integer_solution optimal_point(const model& program, const run_result& run, double optimum) {
     if (run.is_integral) {
         return {*run.bound, run.point};

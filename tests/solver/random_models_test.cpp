@@ -191,7 +191,8 @@ void check(const model& program) {
         }
         EXPECT_FALSE(optimum && run.reason == ending::no_integer_point);
         if (run.reason == ending::integral) {
-            // Its point may violate a side by the error of decimals, or not at all.
+            // The point may violate sides by the error of their decimals, so the optimum found is
+            // between the one with this tolerance and the one without.
             ASSERT_TRUE(tolerant_optimum.has_value());
             const double margin = 1e-6 * (1.0 + std::fabs(*tolerant_optimum));
             EXPECT_GE(*run.optimum, *tolerant_optimum - margin);

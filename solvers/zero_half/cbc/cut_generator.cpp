@@ -12,8 +12,7 @@ namespace zero_half {
 
 namespace {
 
-/// Bounds beyond `no_bound`, whatever the solver uses for infinity, become `no_bound`. Bounds of
-/// integer columns become integers.
+/// Clamps to +-no_bound, whatever the solver uses for infinity.
 std::vector<double> bounds_of(const double* values, int n) {
     std::vector<double> bounds(values, values + n);
     for (double& bound : bounds) {
@@ -22,7 +21,7 @@ std::vector<double> bounds_of(const double* values, int n) {
     return bounds;
 }
 
-/// Solvers keep the bounds of integer columns as integers up to a tolerance.
+/// Rounds the bounds of integer columns, which solvers keep as integers up to a tolerance.
 void round_bounds(std::vector<double>& lower, std::vector<double>& upper,
                   const std::vector<char>& is_integer) {
     constexpr double tolerance = 1e-6;

@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "cuts/column_bounds.hpp"
 #include "cuts/integers.hpp"
+#include "cuts/mixed_integer_rows.hpp"
 #include "cuts/odd_sums.hpp"
 #include "cuts/row_pool.hpp"
 #include "zktarn/owners.hpp"

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "cuts/column_bounds.hpp"
+#include "cuts/mixed_integer_rows.hpp"
 #include "cuts/row_pool.hpp"
 
 namespace zero_half {

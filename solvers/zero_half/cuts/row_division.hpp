@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "cuts/column_bounds.hpp"
 #include "cuts/mixed_integer_rows.hpp"
 #include "cuts/row_pool.hpp"
 

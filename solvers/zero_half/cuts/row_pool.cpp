@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "cuts/column_bounds.hpp"
 #include "cuts/integers.hpp"
 
 namespace zero_half {

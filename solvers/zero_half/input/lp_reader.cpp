@@ -232,7 +232,7 @@ void lp_reader::read_row() {
     if (sum.columns.empty() && sum.has_constant && is_relation(tokens_.next().what)) {
         first = mirrored(tokens_.take().what);
         restrict_to(sides, *first, sum.constant);
-        // Behind the relation the sum ends at a second relation or before a new row, which begins
+        // After the relation the sum ends at a second relation, or before a new row, which begins
         // without a sign.
         sum = {};
         do {

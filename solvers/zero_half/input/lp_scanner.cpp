@@ -11,7 +11,7 @@ namespace zero_half {
 
 namespace {
 
-/// The words that begin a section, in small letters. The first one that fits counts.
+/// The words that begin a section, in small letters. The first one that matches counts.
 constexpr std::pair<std::string_view, section> keywords[] = {
     {"minimize", section::minimise},
     {"minimise", section::minimise},
@@ -136,7 +136,7 @@ bool lp_scanner::read_keyword() {
     return false;
 }
 
-/// A number without its sign. An `e` is part of it only with digits behind, so 2ex is 2 and ex.
+/// A number without its sign. An `e` is part of it only if digits follow: 2ex is read as 2 and ex.
 void lp_scanner::read_number() {
     double value = 0.0;
     const char* const first = text_.data() + at_;

@@ -30,7 +30,7 @@ std::uint64_t number_in(const fs::path& file, std::uint64_t otherwise) {
     return stream >> number ? number : otherwise;
 }
 
-/// The number behind a key, in a file with a key and a number in each line.
+/// The number after a key, in a file with a key and a number in each line.
 std::optional<std::uint64_t> number_behind(const fs::path& file, const std::string& key) {
     std::ifstream stream(file);
     for (std::string line; std::getline(stream, line);) {

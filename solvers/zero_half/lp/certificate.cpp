@@ -25,8 +25,8 @@ bool is_infinite(double bound) {
     return std::fabs(bound) >= 1e20;
 }
 
-/// A side of a row as a point may meet it: numbers of a file are decimals, which doubles represent
-/// with an error, so a point that exceeds a side by this little is feasible.
+/// By how much a feasible point may exceed a side of a row: the numbers of a file are decimals,
+/// which doubles represent with an error.
 cpp_rational tolerance_at(double side) {
     constexpr double relative = 1e-9;
     return cpp_rational(relative * std::max(1.0, std::fabs(side)));
@@ -42,7 +42,7 @@ std::optional<cpp_rational> least_product(const cpp_rational& factor, double low
                               : std::optional<cpp_rational>(factor * cpp_rational(bound));
 }
 
-/// Whether the bounds alone contradict: lower > upper.
+/// Whether a row or a column has lower > upper.
 bool has_crossed_bounds(const ClpSimplex& lp) {
     const auto are_crossed = [](const double* lower, const double* upper, int n) {
         for (int k = 0; k < n; ++k) {
@@ -167,8 +167,8 @@ std::vector<double> normalised(std::vector<double> numbers) {
     return numbers;
 }
 
-/// The numbers times the least factor that makes all of them nearly integers, rounded to these;
-/// nothing when there is no such factor.
+/// Multiplies the numbers by the least factor that makes all of them nearly integers, and rounds
+/// them. Returns nothing when there is no such factor.
 std::optional<std::vector<double>> integral(std::vector<double> numbers) {
     constexpr scale_limits limits{.tolerance = 1e-6, .denominator = 10'000.0, .scale = 1e8};
     const std::optional<double> scale = integral_scale(numbers, limits);
@@ -191,8 +191,8 @@ multipliers quotients(const std::vector<double>& numbers, const std::vector<doub
     return all;
 }
 
-/// Whether multipliers pass the check that are the ray, or its integral multiple, in one of the two
-/// directions, when each is measured in units of 1 / size.
+/// Tries the ray and its opposite as multipliers, with each entry in units of 1 / size: as it is,
+/// and as a multiple whose entries are integers. Returns whether one of them passes the check.
 template <class Check>
 bool is_proven_in_units(const double* ray, const std::vector<double>& sizes, Check check) {
     for (const double sign : {1.0, -1.0}) {
@@ -212,8 +212,8 @@ bool is_proven_in_units(const double* ray, const std::vector<double>& sizes, Che
     return false;
 }
 
-/// The same in equal units, and then in units of 1 / size: multipliers of rows with coefficients of
-/// 10^10 are as small as 10^-10, and may be simple fractions of these coefficients.
+/// Tries the same in equal units, and then in units of 1 / size: multipliers of rows with
+/// coefficients of 10^10 are as small as 10^-10, and may be simple fractions in these units.
 template <class Check>
 bool is_proven_by(const double* ray, const std::vector<double>& sizes, Check check) {
     const std::vector<double> equal(sizes.size(), 1.0);
@@ -237,7 +237,8 @@ std::vector<double> largest_magnitudes(const ClpSimplex& lp, bool of_rows) {
     return largest;
 }
 
-/// Multipliers whose row has no side of their sign are 0: in exact arithmetic they are errors.
+/// Sets each multiplier to 0 whose sign needs a side that its row does not have: such multipliers
+/// are rounding errors.
 multipliers with_finite_sides(const ClpSimplex& lp, multipliers weights) {
     for (int i = 0; i < lp.numberRows(); ++i) {
         cpp_rational& weight = weights[static_cast<std::size_t>(i)];
@@ -249,7 +250,7 @@ multipliers with_finite_sides(const ClpSimplex& lp, multipliers weights) {
 }
 
 /// Multipliers from the program that minimises the total violation of the rows: its row duals are a
-/// Farkas proof when the total is not 0. For programs whose solve left no ray.
+/// Farkas proof when the total is not 0. It serves programs whose solution left no ray.
 std::vector<double> violation_duals(const ClpSimplex& lp) {
     const int m = lp.numberRows();
     ClpSimplex elastic;
@@ -257,7 +258,7 @@ std::vector<double> violation_duals(const ClpSimplex& lp) {
     const std::vector<double> no_objective(static_cast<std::size_t>(lp.numberColumns()), 0.0);
     elastic.loadProblem(*lp.matrix(), lp.getColLower(), lp.getColUpper(), no_objective.data(),
                         lp.getRowLower(), lp.getRowUpper());
-    // Two columns for each row: what it lacks, and what it exceeds.
+    // Two columns for each row: by how much its activity is too small, and too large.
     const auto added = 2 * static_cast<std::size_t>(m);
     std::vector<CoinBigIndex> starts = {0};
     std::vector<int> rows;

@@ -40,8 +40,8 @@ objective_values::objective_values(const model& program) : constant_(program.con
     double divisor = 0.0;
     for (const double cost : *costs) {
         const double whole = nearest_integer(cost * *scale);
-        // The tolerance of the scale does not suffice: the quotient has to be the cost itself, up
-        // to the rounding of its decimals to a double.
+        // A scaled cost that is nearly an integer does not suffice: the quotient has to be the same
+        // double as the cost.
         if (whole / *scale != cost || std::fabs(whole) > largest_exact) {
             return;
         }
@@ -114,8 +114,8 @@ double decimal_error(double number) {
     return is_integer_number(number) ? 0.0 : unit_roundoff * std::fabs(number);
 }
 
-/// A sum of products with a bound on its error: what rounding did, and what the decimals of a file
-/// may differ from the doubles.
+/// A sum of products with a bound on its error, which has two parts: rounding errors, and the
+/// differences between the decimals of a file and their doubles.
 struct activity_sum {
     double value = 0.0;
     double error = 0.0;

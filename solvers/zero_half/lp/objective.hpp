@@ -17,9 +17,10 @@ public:
     /// Costs one pass over the costs.
     explicit objective_values(const model& program);
 
-    /// The least of the values that is not below `bound`, or below it by at most a millionth of a
-    /// step and a relative 1e-9: a bound this close to a value may be the value itself. The bound
-    /// itself when the objective takes any value, and when a relative 1e-9 is a tenth of a step.
+    /// The least value that is not below `bound`. A value that is lower by at most a millionth of a
+    /// step plus a relative 1e-9 counts as well, because the bound may be this value with an error.
+    /// Returns the bound itself when the objective takes any value, and when that tolerance is more
+    /// than a tenth of a step.
     double round_up(double bound) const;
 
     /// The step; 0 when the objective takes any value.

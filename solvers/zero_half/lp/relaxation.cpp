@@ -105,8 +105,9 @@ void relaxation::set_tolerance(double tolerance) {
     lp_.setDualTolerance(tolerance);
 }
 
-/// Cuts change so much of the optimum of a large program that the dual method from the last basis
-/// often takes many times as long as the crash method from the beginning.
+/// In a large program, cuts change so much of the optimum that the dual method from the last basis
+/// often takes many times as long as the crash method from the beginning. So the dual method is
+/// limited to a number of iterations.
 void relaxation::solve_large() {
     constexpr int rows_an_iteration = 10;
     constexpr int unlimited = std::numeric_limits<int>::max();

@@ -91,8 +91,8 @@ safe_bound::safe_bound(const ClpSimplex& lp) {
     }
 }
 
-/// Bounds of columns from the row sign * row <= side. A column has one when the other columns of
-/// the row have a least activity.
+/// Derives bounds of columns from sign * row <= side. A column has one if the activity of the row's
+/// other columns is bounded from below.
 void safe_bound::imply_bounds(const CoinPackedMatrix& rows, int i, double side, double sign) {
     constexpr double side_tolerance = 1e-9;
     const int* const columns = rows.getIndices() + rows.getVectorFirst(i);

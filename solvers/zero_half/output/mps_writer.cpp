@@ -49,8 +49,8 @@ private:
     void write_rhs();
     void write_bounds();
 
-    /// Both sides infinite. MPS has only kind N for such a row, and readers drop it as a further
-    /// objective.
+    /// Whether both sides are infinite. MPS has only kind N for such a row, and readers drop it as
+    /// a further objective.
     bool is_free(std::size_t i) const { return lower_[i] <= -no_bound && upper_[i] >= no_bound; }
     bool is_above(std::size_t i) const { return upper_[i] >= no_bound; }
     double rhs(std::size_t i) const { return is_above(i) ? lower_[i] : upper_[i]; }

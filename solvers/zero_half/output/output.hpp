@@ -17,9 +17,9 @@ struct solved_model {
     run_result run;
 };
 
-/// A label for each model: its file name without `.mps` and the suffix of a compressed file. Where
-/// files in different folders have the same name, as many parent folders precede it as distinguish
-/// them.
+/// A label for each model: its file name without the suffix of its format and of a compressed file.
+/// Where files in different folders have the same name, it begins with as many parent folders as
+/// make the labels different.
 std::vector<std::string> labels_of(const std::deque<solved_model>& models);
 
 /// A heading and one line for each model, at most `width` characters wide where that is possible.

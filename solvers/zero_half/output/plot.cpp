@@ -51,8 +51,8 @@ time_unit unit_for(double seconds) {
     return {"min", 60.0};
 }
 
-/// The distance of marks on the axis of rounds, a whole number for about eight marks: 1, 2 or 5
-/// times a power of ten.
+/// The distance between marks on the axis of rounds, for at most eight marks: 1, 2 or 5 times a
+/// power of ten.
 int round_step(int rounds) {
     constexpr int most_marks = 8;
     for (int power = 1;; power *= 10) {
@@ -78,7 +78,7 @@ constexpr const char* lp_bound_line = "lc rgb 'gray60' lw 1.5";
 constexpr const char* optimum_line = "lc rgb 'black' lw 1 dashtype 2";
 constexpr const char* bound_line = "lc rgb '#1f5fa8' lw 1.5";
 
-/// Draws the legend of the whole picture with the next panel, in one row at the top.
+/// The legend of the whole picture, in one row at the top. gnuplot draws it with the next panel.
 void send_legend(std::FILE* gnuplot, long height) {
     const double y = 1.0 - 0.5 * legend_height / static_cast<double>(height);
     double x = 0.2;
@@ -150,7 +150,7 @@ void send_picture(std::FILE* gnuplot, const std::deque<solved_model>& models,
 } // namespace
 
 void write_plot(const std::deque<solved_model>& models, const std::string& file) {
-    // A name that starts with '|' is a command to gnuplot, and a line feed ends gnuplot's own one.
+    // gnuplot runs a name that starts with '|' as a command, and a line feed ends its own command.
     if (file.front() == '|' || std::any_of(file.begin(), file.end(), is_control)) {
         throw error("a picture cannot have the name " + quoted(file));
     }

@@ -38,7 +38,7 @@ struct run_options {
     int most_stalled_rounds = 15;
     /// Cuts that were slack for so many rounds are dropped.
     int most_slack_rounds = 5;
-    /// The most other vertices of the optimal face that a round separates.
+    /// The maximum number of other vertices of the optimal face that a round separates.
     int most_other_points = 40;
     separation_options separation = {};
     /// The bytes that may still be allocated. The run ends before a round that may need more.
@@ -136,7 +136,7 @@ struct run_result {
     /// The optimum of the last relaxation that was solved. Where it is integral, its integer
     /// columns are rounded, and it satisfies all rows. Empty when no relaxation was solved.
     std::vector<double> point = {};
-    /// Whether the point is integral with the bound as its objective, so an optimum of the model.
+    /// Whether the point is an optimum of the model: integral, with the bound as its objective.
     bool is_integral = false;
 
     /// The share of the gap between the first bound and the optimum that `reached` closes, in per

@@ -53,7 +53,7 @@ public:
     run_result execute();
 
 private:
-    /// The outcome of a step: of the relaxation, and whether separation found a cut before it.
+    /// The outcome of a step: that of the relaxation, and whether separation found a cut before it.
     struct step {
         relaxation::outcome lp = relaxation::outcome::optimal;
         bool has_cuts = true;
@@ -91,7 +91,7 @@ private:
     std::optional<double> relaxation_bound_;
     /// The rounds since the bound of the relaxation rose.
     int stalled_rounds_ = 0;
-    /// The need for memory that was last compared with what is left.
+    /// The need for memory when it was last compared with what is left.
     std::uint64_t checked_need_ = 0;
     /// The violated cuts found in this round, selected or not.
     std::size_t cuts_found_ = 0;
@@ -153,8 +153,9 @@ bool run::has_stalled() const {
     return recent_rise < least_share * std::fabs(bounds.back() - bounds.front());
 }
 
-/// The cuts of earlier rounds stay in the pool, so it grows in a long run. To ask the system takes
-/// longer than a round of a small model, so it is asked when the need has grown by a twentieth.
+/// The cuts of earlier rounds stay in the pool, so it grows in a long run. Asking the system takes
+/// longer than a round of a small model, so it is asked only when the need has grown by a
+/// twentieth.
 bool run::is_memory_used() {
     const auto entries = static_cast<std::uint64_t>(model_.rows.getNumElements());
     const std::uint64_t need = memory_for_round(entries, separator_.pool().entries());
@@ -227,9 +228,9 @@ run::step run::solve_first() {
     return {outcome};
 }
 
-/// The rows of the pool to be added. The search is thorough where cuts have not raised the bound. A
-/// vertex that gives no cut, or cuts that have not raised the bound for some rounds, may be one of
-/// many with the same objective; then others are separated too.
+/// Returns the rows of the pool to be added. The search is thorough if the last cuts did not raise
+/// the bound. If the vertex gives no cut, or the bound has not risen for some rounds, the vertex
+/// may be one of many with the same objective, so others are separated too.
 std::vector<std::size_t> run::separate() {
     constexpr int rounds_until_stall = 3;
     const effort wanted = stalled_rounds_ > 0 ? effort::thorough : effort::normal;
@@ -256,8 +257,8 @@ std::vector<std::size_t> run::separate() {
     return rows;
 }
 
-/// Separates the point and solves the relaxation with the cuts. If the solution fails, removes the
-/// cuts of the round; but if they leave no point, keeps them as a proof.
+/// Separates the point and solves the relaxation with the cuts. If the relaxation is infeasible,
+/// the cuts stay in the pool as a proof; if it cannot be solved, they are removed.
 run::step run::execute_round() {
     const double separation_start = cpu_seconds();
     const std::size_t pool_size = separator_.pool().size();
@@ -281,9 +282,9 @@ run::step run::execute_round() {
     return {outcome};
 }
 
-/// Further rows cannot lower the bound, so a lower one comes from rounding errors and the last one
-/// remains. The bound of the model is the least value of the objective that is not below the proven
-/// bound of the relaxation. No bound is above the objective of an integer point.
+/// Further rows cannot lower the bound. So where it is lower, that is a rounding error, and the
+/// last bound remains. The bound of the model is the least value of the objective that is not below
+/// the proven bound of the relaxation. No bound is above the objective of an integer point.
 void run::take_bound() {
     const std::optional<double> last = relaxation_bound_;
     relaxation_bound_ = std::max(last.value_or(relaxation_.bound()), relaxation_.bound());

@@ -1,4 +1,4 @@
-#include "cuts/column_bounds.hpp"
+#include "cuts/mixed_integer_rows.hpp"
 
 #include <algorithm>
 
