@@ -57,9 +57,9 @@ py::object search(std::int32_t n, util::element_supplier supply, const tolerance
     return found != 0 ? py::object(py::float_(scalar)) : py::object(py::none());
 }
 
-/// The elements of an array; those that `mask` selects take part.
-py::object of_array(const reals& values, const flags& mask, double eps, double max_den,
-                    double max_scalar) {
+/// The search over the elements of an array; those that `mask` selects take part.
+py::object scalar_of_array(const reals& values, const flags& mask, double eps, double max_den,
+                           double max_scalar) {
     const double* const data = values.data();
     const bool* const selection = mask.data();
     const auto supply = [=](const std::int32_t& index, double& value, flag&, flag& selected) {
@@ -75,10 +75,10 @@ py::object of_array(const reals& values, const flags& mask, double eps, double m
     return found != 0 ? py::object(py::float_(scalar)) : py::object(py::none());
 }
 
-/// The elements that a callable returns. After an exception it is not called again; the search then
-/// ends with zeros, and the exception goes to the caller.
-py::object of_callable(std::int32_t n, const py::object& get_element, const tolerances& bounds,
-                       bool skip_marked, bool selected_only) {
+/// The search over the elements that a callable returns. After an exception it is not called again;
+/// the search then ends with zeros, and the exception goes to the caller.
+py::object scalar_of_callable(std::int32_t n, const py::object& get_element,
+                              const tolerances& bounds, bool skip_marked, bool selected_only) {
     std::exception_ptr raised;
     const auto supply = [&](const std::int32_t& index, double& value, flag& marked,
                             flag& selected) {
@@ -211,12 +211,13 @@ void add_data(py::module_& scope) {
 void add_callbacks(PyObject* module) {
     auto scope = py::reinterpret_borrow<py::module_>(module);
     scope.def("sort", sort);
-    scope.def("scalar_of_array", of_array);
-    scope.def("scalar_of_callable", [](std::int32_t n, const py::object& get_element, double eps,
-                                       double max_den, double max_scalar, bool skip_marked,
-                                       bool selected_only) {
-        return of_callable(n, get_element, {eps, max_den, max_scalar}, skip_marked, selected_only);
-    });
+    scope.def("scalar_of_array", scalar_of_array);
+    scope.def("scalar_of_callable",
+              [](std::int32_t n, const py::object& get_element, double eps, double max_den,
+                 double max_scalar, bool skip_marked, bool selected_only) {
+                  return scalar_of_callable(n, get_element, {eps, max_den, max_scalar}, skip_marked,
+                                            selected_only);
+              });
     add_data(scope);
     define(scope, "begin", begin);
     define(scope, "report", report);
