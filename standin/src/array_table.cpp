@@ -7,7 +7,9 @@
 #include <utility>
 
 #include "calls.hpp"
-#include "reports.hpp"
+#include "fault_report.hpp"
+#include "origin.hpp"
+#include "wording.hpp"
 
 namespace zktarn::standin {
 

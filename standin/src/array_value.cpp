@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "reports.hpp"
+#include "fault_report.hpp"
 #include "zktarn_standin/arrays.hpp"
 
 namespace zktarn::standin {

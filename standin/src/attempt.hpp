@@ -9,7 +9,7 @@
 #include <type_traits>
 
 #include "calls.hpp"
-#include "reports.hpp"
+#include "fault_report.hpp"
 
 /// What all operations of the host have in common: `attempt` counts the call, fails it if that is
 /// planned, logs it, lets a script answer it, and reports faults with no lock held.

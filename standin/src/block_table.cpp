@@ -1,4 +1,4 @@
-#include "operation_work.hpp"
+#include "block_table.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -14,7 +14,9 @@
 #include <sys/mman.h>
 #endif
 
-#include "reports.hpp"
+#include "fault_report.hpp"
+#include "origin.hpp"
+#include "wording.hpp"
 #include "zktarn_standin/blocks.hpp"
 
 namespace zktarn::standin {

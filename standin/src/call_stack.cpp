@@ -18,7 +18,7 @@
 #define ZKTARN_STANDIN_HAS_BACKTRACE
 #endif
 
-#include "reports.hpp"
+#include "origin.hpp"
 
 namespace zktarn::standin {
 

@@ -1,4 +1,4 @@
-#include "operation_work.hpp"
+#include "console_output.hpp"
 
 #include <cstdio>
 #include <mutex>

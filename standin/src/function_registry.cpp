@@ -1,4 +1,4 @@
-#include "operation_work.hpp"
+#include "function_registry.hpp"
 
 #include <exception>
 #include <map>
@@ -6,7 +6,8 @@
 #include <mutex>
 #include <utility>
 
-#include "reports.hpp"
+#include "fault_report.hpp"
+#include "origin.hpp"
 #include "zktarn_standin/functions.hpp"
 
 namespace zktarn::standin {

@@ -1,4 +1,4 @@
-#include "operation_work.hpp"
+#include "generators.hpp"
 
 #include <cstdint>
 #include <map>
@@ -6,7 +6,8 @@
 #include <random>
 #include <string>
 
-#include "reports.hpp"
+#include "fault_report.hpp"
+#include "origin.hpp"
 
 namespace zktarn::standin {
 

@@ -1,4 +1,4 @@
-#include "operation_work.hpp"
+#include "interrupt_poll.hpp"
 
 #include <atomic>
 #include <cerrno>

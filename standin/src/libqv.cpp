@@ -8,7 +8,7 @@
 
 #include "array_table.hpp"
 #include "attempt.hpp"
-#include "reports.hpp"
+#include "wording.hpp"
 
 namespace zktarn::host {
 

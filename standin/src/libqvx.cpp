@@ -3,8 +3,9 @@
 #include <string>
 
 #include "attempt.hpp"
-#include "operation_work.hpp"
-#include "reports.hpp"
+#include "console_output.hpp"
+#include "function_registry.hpp"
+#include "wording.hpp"
 
 namespace zktarn::host {
 

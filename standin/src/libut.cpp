@@ -1,7 +1,7 @@
 #include "zktarn/host/libut.hpp"
 
 #include "attempt.hpp"
-#include "operation_work.hpp"
+#include "interrupt_poll.hpp"
 
 namespace zktarn::host {
 

@@ -1,7 +1,9 @@
 #include "zktarn/host/libzkoptimutil.hpp"
 
 #include "attempt.hpp"
-#include "operation_work.hpp"
+#include "block_table.hpp"
+#include "console_output.hpp"
+#include "generators.hpp"
 
 namespace zktarn::host {
 

@@ -1,33 +1,13 @@
-#include "reports.hpp"
-
-#include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <mutex>
 #include <utility>
-#include <vector>
 
-#include "array_table.hpp"
-#include "operation_work.hpp"
-#include "zktarn_standin/blocks.hpp"
-#include "zktarn_standin/leaks.hpp"
+#include "fault_report.hpp"
+#include "wording.hpp"
 
 namespace zktarn::standin {
-
-std::string indented(const char* heading, const call_stack& stack) {
-    if (stack.empty()) {
-        return {};
-    }
-    std::string text = std::string("    ") + heading + "\n";
-    for (const std::string& line : stack.lines()) {
-        text += "      " + line + "\n";
-    }
-    return text;
-}
-
-// Faults and failed assertions
-// -------------------------------------------------------------------------------------------
 
 namespace {
 
@@ -125,45 +105,6 @@ void report_failed_assertion() noexcept {
                  std::to_string(calls(operation::assertOptim)) + ")",
              indented("called from", call_stack::current()));
     }
-}
-
-// Leaks
-// -------------------------------------------------------------------------------------------
-
-namespace {
-
-std::atomic<bool> reports_at_exit = true;
-
-/// Runs when the process unloads this library, after every destructor of the program.
-[[gnu::destructor]] void report_leaks() {
-    if (!report_at_exit(false)) {
-        return;
-    }
-    check_blocks();
-    if (!live_blocks().empty() || !live_objects().empty()) {
-        std::fputs(report().c_str(), stderr);
-    }
-}
-
-} // namespace
-
-std::vector<live_object> live_objects() {
-    std::vector<live_object> all;
-    list_generators(all);
-    array_table::instance().list(all);
-    return all;
-}
-
-std::string report() {
-    std::string text = memory_report();
-    for (const live_object& each : live_objects()) {
-        text += "  " + each.description + "\n" + indented("made by", each.origin);
-    }
-    return text;
-}
-
-bool report_at_exit(bool on) noexcept {
-    return reports_at_exit.exchange(on);
 }
 
 } // namespace zktarn::standin

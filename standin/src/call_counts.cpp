@@ -1,13 +1,10 @@
-#include "zktarn_standin/operations.hpp"
+#include "calls.hpp"
 
 #include <array>
 #include <atomic>
 #include <cstddef>
 
-#include "calls.hpp"
-#include "operation_work.hpp"
-#include "reports.hpp"
-#include "zktarn_standin/control.hpp"
+#include "zktarn_standin/blocks.hpp"
 
 namespace zktarn::standin {
 
@@ -115,21 +112,4 @@ void reset_call_counts() noexcept {
     failed.store(false, std::memory_order_relaxed);
 }
 
-void reset() {
-    reset_call_counts();
-    reset_call_observers();
-    reset_block_table();
-    reset_functions();
-    reset_interrupts();
-    reset_origins();
-    clear_console();
-    set_fault_handler({});
-    set_assertion_handler({});
-    report_at_exit(true);
-}
-
 } // namespace zktarn::standin
-
-const char* zktarn_standin_version() noexcept {
-    return ZKTARN_STANDIN_VERSION;
-}
