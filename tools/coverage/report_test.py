@@ -64,6 +64,12 @@ class Project(unittest.TestCase):
         for name in ("src/zktarn/code.hpp", "src/zktarn/declaration.hpp", "src/zktarn/missing.hpp"):
             self.assertEqual(self.findings(excluded=[name]), [f"{name} needs no exclusion"])
 
+    def test_a_program_with_other_code_than_the_library_ships_is_left_out(self):
+        for name in ("src/zktarn/libzktarn_util.so", "tests/unit/a/a_test", "tests/unit/check/check_on_test"):
+            self.write(name, "")
+        self.assertEqual(report.instrumented(self.project),
+                         [f"{self.project}/src/zktarn/libzktarn_util.so", f"{self.project}/tests/unit/a/a_test"])
+
     def test_every_exclusion_names_a_file_and_has_a_reason(self):
         for file, _, reason in report.EXCLUSIONS:
             self.assertTrue((report.PROJECT / file).is_file(), file)
