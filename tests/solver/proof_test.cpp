@@ -192,8 +192,8 @@ TEST(SafeBound, HoldsForWrongDuals) {
     }
 }
 
-/// The reduced cost of the first column is 3e14, with a rounding error below half a unit in the last
-/// place. Multiplied by the value of the column, -6, this error changes the bound by a tenth.
+/// The reduced cost of the first column is 3e14, with a rounding error below half a unit in the
+/// last place. Multiplied by the value of the column, -6, this error changes the bound by a tenth.
 TEST(SafeBound, KeepsRoundingErrorsThatAReducedCostAbsorbs) {
     const std::vector<double> lower = {-6, -2, -1, -2, 2};
     const std::vector<double> upper = {-6, 0, 2, 0, 2};
