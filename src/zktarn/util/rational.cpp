@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "zktarn/util/detail/to_integer.hpp"
 #include "zktarn/util/detail/rational.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 
 // A denominator fits if a fraction with it is within eps of x. docs/numerics.md proves that the
 // screen and the table reject no denominator that fits, and that every search ends.

@@ -9,8 +9,8 @@
 #include <limits>
 
 #include "zktarn/util/detail/binary_gcd.hpp"
-#include "zktarn/util/detail/to_integer.hpp"
 #include "zktarn/util/detail/rational.hpp"
+#include "zktarn/util/detail/to_integer.hpp"
 
 namespace zktarn::util {
 
