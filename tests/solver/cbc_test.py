@@ -60,7 +60,7 @@ class Comparison(unittest.TestCase):
         self.assertRegex(found.stderr, "the value is 3089, and the optimum is 3088\n$")
         self.assertNotIn("The optima are the same", found.stdout)
 
-    def test_a_time_limit_of_zero_is_no_error(self):
+    def test_a_time_limit_of_zero_is_not_an_error(self):
         found = run(MODELS[1], "--time-limit", "0")
         self.assertEqual((found.returncode, found.stderr), (0, ""))
 

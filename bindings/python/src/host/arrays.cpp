@@ -12,7 +12,7 @@ namespace zktarn::python_host {
 namespace {
 
 reference text_object(const char* text, std::int64_t length) noexcept {
-    // Bytes that are no UTF-8 become escapes, \xe4.
+    // Bytes that are not UTF-8 become escapes, \xe4.
     return reference(PyUnicode_DecodeUTF8(text, length, "backslashreplace"));
 }
 

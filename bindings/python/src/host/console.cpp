@@ -36,7 +36,7 @@ bool call(const interpreter_lock& lock, const reference& output, const char* met
 
 extern "C" {
 
-/// Bytes that are no UTF-8 are printed as escapes, \xe4. Returns 0, or 1 after a failure.
+/// Bytes that are not UTF-8 are printed as escapes, \xe4. Returns 0, or 1 after a failure.
 std::int32_t qvxprintf800_(const char* text, std::int64_t text_length) noexcept {
     const interpreter_lock lock;
     if (!lock || text_length < 1) {

@@ -174,7 +174,7 @@ Stores a coefficient, of a member or not.
 j        int, 1 to n.
 value    float.
 
-Membership stays as it is: the coefficient of an element that is no member is not read. Use `add_nz`
+Membership stays as it is: the coefficient of an element that is not a member is not read. Use `add_nz`
 to add an element.
 
 IndexError: j is out of range. ValueError: the vector has no coefficients.

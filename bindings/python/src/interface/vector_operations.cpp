@@ -129,7 +129,7 @@ beta     float. Nothing of y is added when abs(beta) <= tol or beta is NaN.
 tol      float, used in these two tests only: no result is rounded to zero. When it is NaN, x is
          not scaled and nothing is added.
 
-Elements of y that are no members of x are appended in y's order. Each sum is one fused
+Elements of y that are not members of x are appended in y's order. Each sum is one fused
 multiply-add. Entries that are exactly zero are dropped at the end as by `rem_zeros`, also those
 that were zero before. When x or y has no coefficients, the elements of y are merged into x and no
 sums are formed.

@@ -162,7 +162,7 @@ C++: vector_mod::vector_get_nz, vector_mod::vector_set_nz.)",
     {"coef", get_array<&record::coef, &vector_form::coef>, nullptr,
      R"(The coefficients: a view, float64, shape (n,), or None.
 
-coef[j - 1] belongs to element j. The coefficient of an element that is no member is stale: it may
+coef[j - 1] belongs to element j. The coefficient of an element that is not a member is stale: it may
 hold any number. Writes change the vector. The view stays valid after the vector is deleted.)",
      nullptr},
     {"ind", get_array<&record::ind, &vector_form::ind>, nullptr,

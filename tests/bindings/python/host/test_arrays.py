@@ -135,7 +135,7 @@ def test_a_text_is_a_str_of_all_its_characters(text):
     host.destroy(made)
 
 
-def test_bytes_that_are_no_characters_become_escapes():
+def test_bytes_that_are_not_characters_become_escapes():
     made = host.make_text(b"gr\xf6\xdfer")
     assert host.object_of(made) == "gr\\xf6\\xdfer"
     host.destroy(made)
@@ -184,7 +184,7 @@ def test_what_is_not_there_is_reported_and_the_value_released(structure, name, i
         host.raise_stored()
 
 
-def test_what_is_no_struct_is_reported():
+def test_an_array_that_is_not_a_struct_is_reported():
     column = host.make_matrix(3)
     for operation in (lambda: host.add_field(column, "x"), lambda: host.field_number(column, "x"),
                       lambda: host.set_field(column, "x", host.make_scalar(1.0)),

@@ -41,7 +41,7 @@ def test_a_notebook_whose_stream_has_no_descriptor_shows_text(library):
     assert shown == ["line\n", "flushed"]
 
 
-def test_bytes_that_are_no_characters_become_escapes(library, capsys):
+def test_bytes_that_are_not_characters_become_escapes(library, capsys):
     host.print_text(b"gr\xf6\xdfer\n", library)
     assert capsys.readouterr().out == "gr\\xf6\\xdfer\n"
 
@@ -70,7 +70,7 @@ def test_a_closed_console_is_reported(library):
         host.raise_stored()
 
 
-def test_what_is_no_stream_is_reported(library):
+def test_an_object_that_is_not_a_stream_is_reported(library):
     with contextlib.redirect_stdout(7):
         assert host.print_text("lost", library) == 1
         library.ioFlushOptim()

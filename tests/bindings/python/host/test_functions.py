@@ -152,7 +152,7 @@ def test_threads_that_python_did_not_make_use_the_functions_of_all():
     assert harness.harness_call_elsewhere() == 11.0
 
 
-def test_what_is_no_callable_among_the_functions_is_reported(structure):
+def test_an_object_that_is_not_callable_is_reported(structure):
     public.functions["tarnCallback"] = 7
     assert call_once(structure) == (1, 1.0)
     with pytest.raises(TypeError, match="not callable"):

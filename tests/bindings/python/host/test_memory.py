@@ -104,7 +104,7 @@ def test_null_is_released(library):
     host.raise_stored()
 
 
-def test_an_address_that_is_no_block_is_reported_and_changes_nothing(library):
+def test_an_address_that_is_not_a_block_is_reported_and_changes_nothing(library):
     address = library.qvMallocExOptim(64)
     library.qvFreeExOptim(address + 8)
     with pytest.raises(ValueError, match="no block at address"):

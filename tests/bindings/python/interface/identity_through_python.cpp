@@ -210,7 +210,7 @@ int32_t via_vector_get_ind(const zktarn_vector* v, int32_t k) {
     return read<int32_t>(v, "get_ind", k);
 }
 
-/// The cases also store indices that are no elements, which the method refuses and the view takes.
+/// The cases also store indices that are not elements, which the method refuses and the view takes.
 void via_vector_set_ind(zktarn_vector* v, int32_t k, int32_t j) {
     if (j <= capacity(*v)) {
         change(v, "set_ind", k, j);
@@ -227,7 +227,7 @@ void via_vector_set_ind(zktarn_vector* v, int32_t k, int32_t j) {
         mirror.copy_back(v);
         return;
     }
-    throw std::runtime_error("set_ind stored an index that is no element");
+    throw std::runtime_error("set_ind stored an index that is not an element");
 }
 
 void via_vector_set_coef(zktarn_vector* v, int32_t j, double value) {

@@ -126,7 +126,7 @@ def test_a_procedure_without_a_name_or_a_reason_is_noticed(monkeypatch):
 
 
 @pytest.mark.parametrize("name", ["first", "rows", "decimals", "solver"])
-def test_the_programs_print_what_the_page_says(tmp_path, name):
+def test_the_programs_print_the_output_on_the_page(tmp_path, name):
     program = tmp_path / "program.py"
     program.write_text(block(TEXT, "program", name), encoding="utf-8")
     ran = run(sys.executable, program)
@@ -139,7 +139,7 @@ def test_no_program_of_the_page_is_left_out():
     assert TEXT.count("```python") == len(names)
 
 
-def test_the_example_prints_what_the_other_languages_print():
+def test_the_example_prints_the_same_as_in_other_languages():
     ran = run(sys.executable, ROOT / "examples" / "python" / "vectors.py")
     assert (ran.returncode, ran.stderr) == (0, "")
     readme = (ROOT / "README.md").read_text(encoding="utf-8")

@@ -166,7 +166,7 @@ def test_an_exception_with_a_result_of_its_own_keeps_it():
     assert zero_half.partial_result(caught.value) is None
 
 
-def test_an_answer_that_is_no_number_is_a_type_error():
+def test_an_answer_that_is_not_a_number_is_a_type_error():
     for answer in ("1", "stop", {}, object(), [], [[1], [2, 3]]):
         with pytest.raises(TypeError, match="an output function has to return") as caught:
             tighten(P0282, output_function=lambda info: answer)

@@ -40,7 +40,7 @@ def test_separator_prints_a_violated_cut(tmp_path):
 
 @pytest.mark.skipif(separator_in_cpp() is None, reason="the example in C++ is not built; "
                     "ZKTARN_SEPARATOR names it")
-def test_separator_prints_what_the_example_in_cpp_prints(tmp_path):
+def test_separator_prints_the_same_as_the_example_in_cpp(tmp_path):
     expected = subprocess.run([separator_in_cpp()], capture_output=True, text=True, check=True)
     assert output_of(EXAMPLES / "separator.py", folder=tmp_path) == expected.stdout
 
@@ -73,7 +73,7 @@ def test_the_code_of_the_page_runs():
     assert "integral -1.5 -1.0" in ended.stdout
 
 
-def test_the_solver_on_the_page_prints_what_the_page_says():
+def test_the_solver_on_the_page_prints_the_output_on_the_page():
     page = (ROOT / "docs" / "python.md").read_text()
     code, expected = (re.search(rf"<!-- {kind} tighten -->\n```\w+\n(.*?)```", page, re.S)[1]
                       for kind in ("program", "output"))
@@ -87,7 +87,7 @@ def succeed(*command):
     assert ran.returncode == 0, ran.stdout + ran.stderr
 
 
-def test_the_script_prints_what_the_page_says(tmp_path):
+def test_the_script_prints_the_output_on_the_page(tmp_path):
     compiler = shutil.which("c++")
     if compiler is None:
         pytest.skip("there is no c++ to compile the solver with")

@@ -128,7 +128,7 @@ def test_a_file_may_be_text_or_path_or_bytes_and_lp_or_compressed(tmp_path):
     assert_same(tighten(tmp_path / "p.mps.gz", optimum=3089), expected)
 
 
-def test_a_file_named_minus_is_no_standard_input(tmp_path, monkeypatch):
+def test_a_file_named_minus_is_not_standard_input(tmp_path, monkeypatch):
     monkeypatch.chdir(tmp_path)
     with pytest.raises(FileNotFoundError):
         tighten("-")

@@ -99,7 +99,7 @@ def test_runs_leave_no_python_object_behind(case):
     assert least_growth(case, sys.getallocatedblocks) < RUNS
 
 
-def test_runs_keep_no_reference_to_what_they_are_given():
+def test_runs_keep_no_reference_to_their_arguments():
     def function(info):
         return 0
 
