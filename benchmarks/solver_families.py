@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs zero_half and CglZeroHalf on random models of several families, and judges the constants of zero_half.
+"""Runs zero_half and CglZeroHalf on random models of several families, and cross-validates the constants of zero_half.
 
     solver_families.py PROGRAMS OUTPUT [--models 3] [--seeds 2] [--time-limit 10] [--no-constants] [--only FAMILY...]
 
@@ -306,7 +306,7 @@ def measure_constants(options, models, table):
 
 def cross_validate(means):
     """For each constant the cells of a row. The value for a family is the one that closes most on average over the
-    other families; it is judged by what it closes on that family."""
+    other families; it is measured by what it closes on that family."""
     cells = []
     for constant, values in CONSTANTS.items():
         families = list(means[constant, values[0]])
@@ -341,7 +341,7 @@ seconds of both. Each run is in [families.csv](solver_benchmarks/families.csv).
         text += """
 ### Constants, cross-validated
 
-For each constant and each family, the value is chosen that closes most on average over all other families, and judged
+For each constant and each family, the value is chosen that closes most on average over all other families, and measured
 on the family that was left out: by the percentage points that it closes more than the default does, and by its seconds
 as a multiple, on average over the families. A default stands unless the choice closes at least 0.5 points more, and
 takes a share of additional time that is no greater than these points. The means are in

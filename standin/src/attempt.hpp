@@ -99,9 +99,9 @@ std::optional<Result> carried_out(Work& work) noexcept {
 template <class Result, class Arguments, class Output, class Work>
 std::optional<Result> observed(const Arguments& arguments, bool fails_now, const Output& output,
                                Work& work) {
-    const host_call asked = arguments();
-    const std::int64_t position = log_call(asked);
-    std::optional<answer> given = fails_now ? std::nullopt : scripted_answer(asked);
+    const host_call call = arguments();
+    const std::int64_t position = log_call(call);
+    std::optional<answer> given = fails_now ? std::nullopt : scripted_answer(call);
     std::optional<Result> result;
     if (given) {
         output.write(*given);

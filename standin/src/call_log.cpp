@@ -143,12 +143,12 @@ call_script answer_calls(operation what, call_script script) {
     return next ? *next : call_script();
 }
 
-std::int64_t log_call(const host_call& asked) {
+std::int64_t log_call(const host_call& call) {
     const std::lock_guard guard(all().lock);
     if (!all().on) {
         return -1;
     }
-    all().calls.push_back(asked);
+    all().calls.push_back(call);
     return all().forgotten + static_cast<std::int64_t>(all().calls.size()) - 1;
 }
 
@@ -160,13 +160,13 @@ void log_result(std::int64_t position, const answer& result) {
     }
 }
 
-std::optional<answer> scripted_answer(const host_call& asked) {
+std::optional<answer> scripted_answer(const host_call& call) {
     std::shared_ptr<call_script> script;
     {
         const std::lock_guard guard(all().lock);
-        script = all().scripts[static_cast<std::size_t>(asked.what)];
+        script = all().scripts[static_cast<std::size_t>(call.what)];
     }
-    return script ? (*script)(asked) : std::nullopt;
+    return script ? (*script)(call) : std::nullopt;
 }
 
 void reset_call_observers() {

@@ -32,14 +32,14 @@ inline bool is_observed() noexcept {
 }
 
 /// Logs a call when the log is on, and returns its position in the log; -1 when it is not logged.
-std::int64_t log_call(const host_call& asked);
+std::int64_t log_call(const host_call& call);
 
 /// Adds the result to a call at a position of the log.
 void log_result(std::int64_t position, const answer& result);
 
 /// The answer of the operation's script. Empty without a script, or when the script leaves the call
 /// to the stand-in.
-std::optional<answer> scripted_answer(const host_call& asked);
+std::optional<answer> scripted_answer(const host_call& call);
 
 void reset_call_observers();
 

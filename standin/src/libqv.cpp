@@ -62,14 +62,14 @@ shape shape_of(operation caller, std::int64_t ndims, const std::int64_t* extents
 /// logged, because there is no such array.
 host_call struct_array_call(std::int64_t ndims, const std::int64_t* extents, std::int32_t nfields,
                             const char* field_names, std::int64_t slot_width) {
-    host_call asked{operation::qvcreatestructarray800_, {ndims}};
+    host_call call{operation::qvcreatestructarray800_, {ndims}};
     for (std::int64_t i = 0; i < std::min<std::int64_t>(ndims, 2); ++i) {
-        asked.integers.push_back(extents[i]);
+        call.integers.push_back(extents[i]);
     }
-    asked.integers.push_back(nfields);
-    asked.integers.push_back(slot_width);
-    asked.texts = {logged_text(field_names, nfields * slot_width)};
-    return asked;
+    call.integers.push_back(nfields);
+    call.integers.push_back(slot_width);
+    call.texts = {logged_text(field_names, nfields * slot_width)};
+    return call;
 }
 
 /// The `count` reals at an address; none if it is null or the count below 1.

@@ -24,11 +24,11 @@ std::int32_t qvxcallquarn800_(const std::int32_t& noutputs, array_handle* output
     return attempt(
         what, std::int32_t{1},
         [&] {
-            host_call asked{what, {noutputs, ninputs}, {logged_text(name, name_length)}};
+            host_call call{what, {noutputs, ninputs}, {logged_text(name, name_length)}};
             for (std::int32_t i = 0; i < ninputs; ++i) {
-                asked.integers.push_back(inputs[i]);
+                call.integers.push_back(inputs[i]);
             }
-            return asked;
+            return call;
         },
         standin::written_handles(outputs, noutputs),
         [&] {

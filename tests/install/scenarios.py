@@ -146,12 +146,12 @@ class Scenarios(Steps):
         self.must(self.work / "consumer/build/consumer")
 
     def refused(self, configured, *reasons):
-        said = " ".join((configured.stdout + configured.stderr).split())
+        output = " ".join((configured.stdout + configured.stderr).split())
         if configured.returncode == 0:
             fail("was accepted, but has to be refused")
         for reason in reasons:
-            if reason not in said:
-                fail(f"was refused, but not because of '{reason}':\n{said}")
+            if reason not in output:
+                fail(f"was refused, but not because of '{reason}':\n{output}")
 
     def ask_pkg_config(self, prefix, *arguments):
         folders = [str(path.parent) for path in prefix.rglob("zktarn_util.pc")]
@@ -181,10 +181,10 @@ class Scenarios(Steps):
     def unknown_component_is_named(self):
         """Without REQUIRED a variable contains the message."""
         prefix = self.install()
-        asked = self.configure(ASKING, "", f"-DCMAKE_PREFIX_PATH={prefix}")
-        said = " ".join((asked.stdout + asked.stderr).split())
-        if asked.returncode != 0 or "found: 0. Component 'host' is not installed" not in said:
-            fail(f"the message does not name the component\n{asked.stdout}{asked.stderr}")
+        configured = self.configure(ASKING, "", f"-DCMAKE_PREFIX_PATH={prefix}")
+        output = " ".join((configured.stdout + configured.stderr).split())
+        if configured.returncode != 0 or "found: 0. Component 'host' is not installed" not in output:
+            fail(f"the message does not name the component\n{configured.stdout}{configured.stderr}")
 
     def optional_component_may_be_missing(self):
         self.build_and_run(self.consume(components="COMPONENTS standin OPTIONAL_COMPONENTS host"))
@@ -297,10 +297,10 @@ class Scenarios(Steps):
         self.passes(self.work / "consumer/build/consumer")
 
     def passes(self, program):
-        said = self.must(program)
-        if not re.search(r"^ok   qvMallocExOptim: .*^[1-9][0-9]* checks, 0 failed$", said,
+        output = self.must(program)
+        if not re.search(r"^ok   qvMallocExOptim: .*^[1-9][0-9]* checks, 0 failed$", output,
                          re.MULTILINE | re.DOTALL):
-            fail(f"{program} does not report checks that passed:\n{said}")
+            fail(f"{program} does not report checks that passed:\n{output}")
 
     def conformance(self):
         """A program without a main of its own is the program of the package."""

@@ -158,12 +158,12 @@ foreach(case IN ITEMS
     "type=s/^type zktarn_flag = int64_t/type zktarn_flag = int32_t/=type zktarn_flag")
   string(REPLACE "=" ";" parts "${case}")
   list(GET parts 0 name)
-  list(GET parts -1 said)
+  list(GET parts -1 change)
   string(REGEX REPLACE "^[a-z]+=(.*/)=[^=]*$" "\\1" edit "${case}")
   set(changed "${CMAKE_CURRENT_BINARY_DIR}/changed_${name}.interface")
   if(EXISTS "${last}")
     execute_process(COMMAND sed "${edit}" "${last}" OUTPUT_FILE "${changed}")
-    abi_refuses(changed_${name}_is_refused "the binary interface is broken: ${said}"
+    abi_refuses(changed_${name}_is_refused "the binary interface is broken: ${change}"
       ${interface} compare ${DWARFDUMP} "${changed}" ${items})
   endif()
 endforeach()

@@ -287,8 +287,8 @@ class Scripts : public StandinTest {};
 
 TEST_F(Scripts, ReplaceTheResultOfTheStandIn) {
     std::vector<host_call> seen;
-    answer_calls(operation::qvMallocExOptim, [&](const host_call& asked) {
-        seen.push_back(asked);
+    answer_calls(operation::qvMallocExOptim, [&](const host_call& call) {
+        seen.push_back(call);
         return answer{.address = reinterpret_cast<void*>(64)};
     });
     const std::int64_t before = requests();
