@@ -12,7 +12,7 @@ from operators import Mutant
 from workbench import call, digest, module_of, must
 
 # A module's tests are in the folder of its name. These folders test the files beside the modules.
-FOLDERS = {"": ["types", "owners"]}
+FOLDERS = {"": ["types", "assert", "owners"]}
 
 
 @dataclass
