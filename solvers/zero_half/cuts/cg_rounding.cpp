@@ -69,7 +69,7 @@ void cg_rounding::add_up(std::span<const std::int32_t> rows) {
 void cg_rounding::begin(std::int64_t divisor) {
     divisor_ = divisor;
     rhs_ = {};
-    put_back_ = {};
+    bound_terms_ = {};
     columns_.clear();
     coefficients_.clear();
 }
@@ -85,7 +85,7 @@ bool cg_rounding::divide(std::int32_t column, double coefficient, const substitu
         return false;
     }
     rhs_.add(-coefficient * used.bound);
-    put_back_.add(quotient * used.bound);
+    bound_terms_.add(quotient * used.bound);
     if (quotient != 0.0) {
         columns_.push_back(column);
         coefficients_.push_back(quotient);
@@ -94,13 +94,13 @@ bool cg_rounding::divide(std::int32_t column, double coefficient, const substitu
 }
 
 std::optional<cut> cg_rounding::made_of(std::span<const std::int32_t> rows, const double* point) {
-    if (columns_.empty() || !rhs_.is_exact() || !put_back_.is_exact()) {
+    if (columns_.empty() || !rhs_.is_exact() || !bound_terms_.is_exact()) {
         return std::nullopt;
     }
     cut made;
     made.columns = columns_;
     made.coefficients = coefficients_;
-    made.rhs = rounded_quotient(rhs_.value(), divisor_, false) + put_back_.value();
+    made.rhs = rounded_quotient(rhs_.value(), divisor_, false) + bound_terms_.value();
     made.origin.divisor = static_cast<double>(divisor_);
     for (const std::int32_t row : rows) {
         made.origin.terms.push_back({row, false, 1.0});

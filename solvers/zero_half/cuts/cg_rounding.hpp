@@ -65,7 +65,7 @@ private:
     /// Its right-hand side after the substitution and before the division.
     exact_sum rhs_;
     /// What substituting back adds to the right-hand side.
-    exact_sum put_back_;
+    exact_sum bound_terms_;
 };
 
 } // namespace zero_half

@@ -110,9 +110,9 @@ std::size_t greedy_search::best_next(odd_sums& sums) {
 }
 
 void greedy_search::flip(std::int32_t element) {
-    const auto at = static_cast<std::size_t>(element);
-    marks_[at] ^= 1;
-    values_[at] = -values_[at];
+    const auto position = static_cast<std::size_t>(element);
+    marks_[position] ^= 1;
+    values_[position] = -values_[position];
 }
 
 void greedy_search::add(std::size_t row) {

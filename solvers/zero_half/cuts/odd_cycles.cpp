@@ -27,8 +27,9 @@ public:
 
     std::size_t nodes() const { return starts_.size() - 1; }
     std::span<const edge> edges(std::int32_t node) const {
-        const auto at = static_cast<std::size_t>(node);
-        return std::span(edges_).subspan(starts_[at], starts_[at + 1] - starts_[at]);
+        const auto position = static_cast<std::size_t>(node);
+        return std::span(edges_).subspan(starts_[position],
+                                         starts_[position + 1] - starts_[position]);
     }
 
 private:

@@ -23,8 +23,9 @@ void find_by_elimination(const parity_system& system, const zktarn::random::rng_
 /// columns are added to the length, and the parity of the edge may be changed at the cost of one of
 /// these columns. A bound of a column is an edge to node 0.
 ///
-/// Adds for each column the sum of the rows on the shortest closed walk through the column with an
-/// odd number of odd edges. Where no row has more than two odd columns that is exact. Dijkstra's
+/// A sum is odd if its edges form a closed walk with an odd number of odd edges. (A walk is a cycle
+/// that may pass a node twice.) Adds for each column the sum of the rows on the shortest such walk
+/// through the column. Where no row has more than two odd columns that is exact. Dijkstra's
 /// method is run once for each column, up to half the slack limit.
 void find_odd_cycles(const parity_system& system, const stop_predicate& should_stop,
                      odd_sums& sums);

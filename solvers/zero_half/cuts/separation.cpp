@@ -52,13 +52,13 @@ separator::separator(const mixed_integer_rows& model, const zktarn::random::rng_
 std::vector<std::size_t> separator::find(const double* point, effort wanted) {
     limits_ = wanted == effort::normal ? options_.normal : options_.thorough;
     set_budget();
-    const separated_point at = look_at(point);
-    std::vector<cut> cuts = violated_rows(at);
+    const separated_point place = look_at(point);
+    std::vector<cut> cuts = violated_rows(place);
     const std::size_t known = cuts.size();
-    add_divided_rows(at, cuts);
-    add_new_cuts(at, cuts);
+    add_divided_rows(place, cuts);
+    add_new_cuts(place, cuts);
     if (cuts.size() == known && count_cuts(false) > 0) {
-        add_sums(system_of(at, rows_to_use::all), at, cuts);
+        add_sums(system_of(place, rows_to_use::all), place, cuts);
     }
     found_ = cuts.size();
     put_into_pool(cuts);
@@ -95,21 +95,21 @@ void separator::truncate(std::size_t count) {
 }
 
 separator::separated_point separator::look_at(const double* point) const {
-    separated_point at{point, nearest_bounds(model_, point), {}};
-    at.slacks.resize(pool_.size());
+    separated_point place{point, nearest_bounds(model_, point), {}};
+    place.slacks.resize(pool_.size());
     for (std::size_t i = 0; i < pool_.size(); ++i) {
-        at.slacks[i] = pool_.slack(i, point);
+        place.slacks[i] = pool_.slack(i, point);
     }
-    return at;
+    return place;
 }
 
 /// The violated rows of the pool: cuts that were dropped from the relaxation, and rows of the model
 /// that became tighter when they were made integral.
-std::vector<cut> separator::violated_rows(const separated_point& at) const {
+std::vector<cut> separator::violated_rows(const separated_point& place) const {
     std::vector<cut> violated;
     for (std::size_t i = 0; i < pool_.size(); ++i) {
-        if (at.slacks[i] <= -options_.least_violation) {
-            violated.push_back(cut_of_pool_row(pool_, i, at.slacks[i]));
+        if (place.slacks[i] <= -options_.least_violation) {
+            violated.push_back(cut_of_pool_row(pool_, i, place.slacks[i]));
         }
     }
     return violated;
@@ -121,65 +121,66 @@ std::ptrdiff_t separator::count_cuts(bool in_use) const {
                       is_in_use_.end(), in_use ? 1 : 0);
 }
 
-parity_system separator::system_of(const separated_point& at, rows_to_use rows) const {
+parity_system separator::system_of(const separated_point& place, rows_to_use rows) const {
     if (rows == rows_to_use::all) {
-        return parity_system(model_, pool_, at.slacks, at.bounds);
+        return parity_system(model_, pool_, place.slacks, place.bounds);
     }
     if (rows == rows_to_use::of_model) {
-        return parity_system(model_, pool_, std::span(at.slacks).first(model_rows_), at.bounds);
+        return parity_system(model_, pool_, std::span(place.slacks).first(model_rows_),
+                             place.bounds);
     }
-    std::vector<double> slacks = at.slacks;
+    std::vector<double> slacks = place.slacks;
     for (std::size_t i = 0; i < slacks.size(); ++i) {
         slacks[i] = is_in_use_[i] != 0 ? slacks[i] : too_much_slack;
     }
-    return parity_system(model_, pool_, slacks, at.bounds);
+    return parity_system(model_, pool_, slacks, place.bounds);
 }
 
 /// Blossoms are sums of rows of the model alone: with cuts, a column is in more than two rows. If
 /// there are blossoms, one of them is the most violated sum of rows of the model.
-void separator::add_new_cuts(const separated_point& at, std::vector<cut>& cuts) {
-    const parity_system of_model = system_of(at, rows_to_use::of_model);
-    if (of_model.columns() > 0 && is_column_graph(of_model)) {
-        odd_sums sums(of_model, enough_);
-        find_blossoms(of_model, should_stop_, sums);
-        add_cuts_of(sums, at, cuts);
+void separator::add_new_cuts(const separated_point& place, std::vector<cut>& cuts) {
+    const parity_system model_system = system_of(place, rows_to_use::of_model);
+    if (model_system.columns() > 0 && is_column_graph(model_system)) {
+        odd_sums sums(model_system, enough_);
+        find_blossoms(model_system, should_stop_, sums);
+        add_cuts_of(sums, place, cuts);
         if (sums.size() > 0 && !limits_.continues_after_blossoms) {
             return;
         }
     }
     if (count_cuts(true) == 0) {
-        add_sums(of_model, at, cuts);
+        add_sums(model_system, place, cuts);
     } else {
-        add_sums(system_of(at, rows_to_use::in_use), at, cuts);
+        add_sums(system_of(place, rows_to_use::in_use), place, cuts);
     }
 }
 
 /// Adds the best violated cut of each single row in use, divided by an integer.
-void separator::add_divided_rows(const separated_point& at, std::vector<cut>& cuts) {
+void separator::add_divided_rows(const separated_point& place, std::vector<cut>& cuts) {
     const std::size_t count = limits_.divides_cuts ? pool_.size() : model_rows_;
     for (std::size_t i = 0; i < count && !should_stop_(); ++i) {
         const auto found = is_in_use_[i] == 0
                                ? std::nullopt
-                               : division_.best_of(i, at.slacks[i], at.values, at.bounds,
+                               : division_.best_of(i, place.slacks[i], place.values, place.bounds,
                                                    limits_.divisors, options_.least_violation);
         if (!found) {
             continue;
         }
         std::optional<cut> made = rounding_.divided_row(static_cast<std::int32_t>(i),
-                                                        found->divisor, found->used, at.values);
+                                                        found->divisor, found->used, place.values);
         if (made && made->violation >= options_.least_violation) {
             cuts.push_back(std::move(*made));
         }
     }
 }
 
-void separator::add_sums(const parity_system& system, const separated_point& at,
+void separator::add_sums(const parity_system& system, const separated_point& place,
                          std::vector<cut>& cuts) {
     odd_sums sums(system, enough_);
     add_single_rows(system, sums);
     find_odd_cycles(system, should_stop_, sums);
     find_further_sums(system, sums);
-    add_cuts_of(sums, at, cuts);
+    add_cuts_of(sums, place, cuts);
 }
 
 /// Runs eliminations and, if they find nothing, a greedy search. In a graph every violated sum
@@ -205,7 +206,7 @@ int separator::most_restarts(const parity_system& system, const odd_sums& sums) 
     return sums.size() > 0 ? limits_.restarts : limits_.restarts_without_sums;
 }
 
-void separator::add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts) {
+void separator::add_cuts_of(odd_sums& sums, const separated_point& place, std::vector<cut>& cuts) {
     constexpr std::size_t always_allowed = 50'000;
     const std::size_t most_entries =
         always_allowed + options_.most_entries * model_.entry_columns.size();
@@ -219,7 +220,7 @@ void separator::add_cuts_of(odd_sums& sums, const separated_point& at, std::vect
         for (const std::int32_t row : sum.rows) {
             entries += pool_.columns(static_cast<std::size_t>(row)).size();
         }
-        std::optional<cut> made = rounding_.halved_sum(sum, at.bounds, at.values);
+        std::optional<cut> made = rounding_.halved_sum(sum, place.bounds, place.values);
         if (made && made->violation >= options_.least_violation) {
             cuts.push_back(std::move(*made));
         }

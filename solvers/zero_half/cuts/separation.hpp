@@ -92,14 +92,15 @@ private:
     enum class rows_to_use { of_model, in_use, all };
 
     separated_point look_at(const double* point) const;
-    std::vector<cut> violated_rows(const separated_point& at) const;
+    std::vector<cut> violated_rows(const separated_point& place) const;
     std::ptrdiff_t count_cuts(bool in_use) const;
-    parity_system system_of(const separated_point& at, rows_to_use rows) const;
-    void add_new_cuts(const separated_point& at, std::vector<cut>& cuts);
-    void add_divided_rows(const separated_point& at, std::vector<cut>& cuts);
-    void add_sums(const parity_system& system, const separated_point& at, std::vector<cut>& cuts);
+    parity_system system_of(const separated_point& place, rows_to_use rows) const;
+    void add_new_cuts(const separated_point& place, std::vector<cut>& cuts);
+    void add_divided_rows(const separated_point& place, std::vector<cut>& cuts);
+    void add_sums(const parity_system& system, const separated_point& place,
+                  std::vector<cut>& cuts);
     void find_further_sums(const parity_system& system, odd_sums& sums) const;
-    void add_cuts_of(odd_sums& sums, const separated_point& at, std::vector<cut>& cuts);
+    void add_cuts_of(odd_sums& sums, const separated_point& place, std::vector<cut>& cuts);
     void put_into_pool(std::vector<cut>& cuts);
     void set_budget();
     int most_restarts(const parity_system& system, const odd_sums& sums) const;

@@ -13,6 +13,8 @@
 #include <CoinMessageHandler.hpp>
 #include <CoinMpsIO.hpp>
 
+#include "input/error.hpp"
+
 namespace zero_half {
 
 namespace {

@@ -1,13 +1,41 @@
 #pragma once
 
+#include <cstddef>
+#include <functional>
 #include <string>
+#include <utility>
 
-#include "input/error.hpp"
 #include "input/model.hpp"
 
 /// The readers of the two formats. They do not check the model: `complete` does.
 
 namespace zero_half {
+
+/// Calls a stop predicate while a file is read: at every 10,000th step, because a call costs more
+/// than reading a line.
+class reading_poll {
+public:
+    explicit reading_poll(std::function<bool()> should_stop)
+        : should_stop_(std::move(should_stop)) {}
+
+    /// Counts a line or a row. Returns `is_stopped`.
+    bool step() {
+        constexpr int steps_a_call = 10'000;
+        return ++steps_ % steps_a_call == 0 ? call() : is_stopped_;
+    }
+    /// Calls the predicate. Returns `is_stopped`.
+    bool call() {
+        is_stopped_ = is_stopped_ || (should_stop_ && should_stop_());
+        return is_stopped_;
+    }
+    /// Whether the predicate has returned true.
+    bool is_stopped() const { return is_stopped_; }
+
+private:
+    std::function<bool()> should_stop_;
+    std::size_t steps_ = 0;
+    bool is_stopped_ = false;
+};
 
 /// The text with '?' for every character that is not printable.
 std::string printable(std::string text);

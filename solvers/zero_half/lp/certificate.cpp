@@ -222,14 +222,15 @@ bool is_proven_by(const double* ray, const std::vector<double>& sizes, Check che
 }
 
 /// The largest magnitude of each row, or each column; 1 where there is none.
-std::vector<double> largest_magnitudes(const ClpSimplex& lp, bool of_rows) {
+std::vector<double> largest_magnitudes(const ClpSimplex& lp, bool for_rows) {
     const CoinPackedMatrix& columns = *lp.matrix();
-    const int n = of_rows ? lp.numberRows() : lp.numberColumns();
+    const int n = for_rows ? lp.numberRows() : lp.numberColumns();
     std::vector<double> largest(static_cast<std::size_t>(n), 0.0);
     for (int j = 0; j < lp.numberColumns(); ++j) {
         const CoinBigIndex first = columns.getVectorFirst(j);
         for (CoinBigIndex k = first; k < first + columns.getVectorSize(j); ++k) {
-            double& each = largest[static_cast<std::size_t>(of_rows ? columns.getIndices()[k] : j)];
+            double& each =
+                largest[static_cast<std::size_t>(for_rows ? columns.getIndices()[k] : j)];
             each = std::max(each, std::fabs(columns.getElements()[k]));
         }
     }

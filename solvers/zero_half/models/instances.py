@@ -88,7 +88,7 @@ def mps(name, columns, rows):
         lines += [f" {column} r{i} {row[column]}"
                   for i, (_, row, _) in enumerate(rows) if column in row]
     lines += [" MARK 'MARKER' 'INTEND'", "RHS"]
-    lines += [f" rhs r{i} {right}" for i, (_, _, right) in enumerate(rows) if right]
+    lines += [f" rhs r{i} {rhs}" for i, (_, _, rhs) in enumerate(rows) if rhs]
     lines.append("BOUNDS")
     lines += [f" PL bnd {column}" if upper is None else f" UP bnd {column} {upper}"
               for column, (_, upper) in columns.items()]
