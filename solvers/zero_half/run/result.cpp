@@ -33,9 +33,8 @@ std::optional<double> run_result::gap_closed(std::optional<double> reached) cons
 
 std::string run_result::fault() const {
     if (reason == ending::numeric_error) {
-        return "it could not be decided whether the relaxation with the cuts of the last round has "
-               "an optimum: the result of the simplex method has no proof; the bound is that of "
-               "the round before";
+        return "the relaxation with the cuts of the last round could not be decided: the result of "
+               "the simplex method could not be proved; the bound is that of the round before";
     }
     if (!is_optimum_wrong()) {
         return "";

@@ -167,7 +167,8 @@ bool run::is_memory_used() {
     return left && *left < need;
 }
 
-/// The only place that decides whether the run ends, and why.
+/// Why the run ends after a step; nothing if it goes on. A first relaxation without an optimum is
+/// an error of the model instead: see `solve_first`.
 std::optional<ending> run::reason_to_end(const step& last) {
     switch (last.lp) {
     case relaxation::outcome::stopped:
@@ -220,8 +221,9 @@ run::step run::solve_first() {
     case relaxation::outcome::unbounded:
         throw error(model_.file + ": the relaxation is unbounded");
     case relaxation::outcome::undecided:
-        throw error(model_.file + ": it could not be decided whether the relaxation has an optimum "
-                                  "and which: the result of the simplex method has no proof");
+        throw error(model_.file +
+                    ": the relaxation could not be decided: the result of the simplex "
+                    "method could not be proved");
     case relaxation::outcome::stopped:
         break;
     }
