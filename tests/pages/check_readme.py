@@ -18,7 +18,7 @@ import sys
 MARKED = re.compile(r"^<!-- (program|source|output) (\w+) -->\n+```\w+\n(.*?)^```$",
                     re.MULTILINE | re.DOTALL)
 MARK = re.compile(r"^<!-- (?:program|source|output) .*$", re.MULTILINE)
-CODE = re.compile(r"^```(?:cpp|py)$", re.MULTILINE)
+CODE = re.compile(r"^```(?:cpp|py|python)$", re.MULTILINE)
 # What types of the host's headers are in C.
 ALIASES = {"array_handle": "int64_t", "data_address": "double *"}
 

@@ -80,6 +80,8 @@ bool is_integral(double product, double eps) noexcept {
     return detail::decide_integer(product, eps, 0.0).is_integer;
 }
 
+// The odd factors that a scalar may grow by. A table lists those worth a test, because testing all
+// of them takes most of the time: benchmarks/util_scalar_bench.cpp compares with the plain loop.
 constexpr std::array<double, 9> factors = {3, 5, 7, 9, 11, 13, 15, 17, 19};
 constexpr std::uint32_t all_factors = (1U << factors.size()) - 1;
 constexpr detail::near_multiples multiples_by_factors(factors);
