@@ -1,6 +1,5 @@
-# The library for other languages: finds their compilers, then adds the bindings. The library in C is
-# written in C++, so only its tests and examples need a C compiler. The Fortran modules are installed as
-# source, so a Fortran compiler is needed only where this build compiles them.
+# The languages beside C++. The library in C is C++ too, so it needs no C compiler; its tests do. The
+# Fortran modules are installed as source, so only what is built of them here needs a compiler.
 
 include(CheckLanguage)
 
@@ -35,13 +34,4 @@ if(ZKTARN_C AND (ZKTARN_TESTS OR ZKTARN_EXAMPLES OR ZKTARN_BENCHMARKS))
     set(CMAKE_C_FLAGS "${CMAKE_CXX_FLAGS}" CACHE STRING "C options of tests and examples")
   endif()
   enable_language(C)
-endif()
-
-if(ZKTARN_C)
-  add_subdirectory(bindings/c)
-  add_subdirectory(bindings/fortran)
-endif()
-# Python comes last, because its package holds libraries that the folders before it install.
-if(ZKTARN_PYTHON)
-  add_subdirectory(bindings/python)
 endif()

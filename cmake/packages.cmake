@@ -1,5 +1,5 @@
 # Debian packages: `cpack -G DEB` in a build of the preset `packages`. What goes into which package is in
-# packaging/debian; cpack.cmake there sorts the installed files before CPack packs them.
+# packaging/debian; stage.cmake there sorts the installed files before CPack packs them.
 
 set(CPACK_PACKAGE_NAME zktarn-util)
 set(CPACK_PACKAGE_VENDOR "The libzktarn_util authors")
@@ -25,8 +25,8 @@ set(same_version "(= ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})")
 set(CPACK_ZKTARN_BUILD "${PROJECT_BINARY_DIR}")
 set(CPACK_ZKTARN_STAGE "${PROJECT_BINARY_DIR}/stage")
 set(CPACK_ZKTARN_PREFIX "${CMAKE_INSTALL_PREFIX}")
-set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_SOURCE_DIR}/packaging/debian/cpack.cmake")
-set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/debian/cpack.cmake")
+set(CPACK_PROJECT_CONFIG_FILE "${PROJECT_SOURCE_DIR}/packaging/debian/stage.cmake")
+set(CPACK_POST_BUILD_SCRIPTS "${PROJECT_SOURCE_DIR}/packaging/debian/finish.cmake")
 
 # zktarn_package(NAME SECTION section SUMMARY line DESCRIPTION line... [DEPENDS p...] [RECOMMENDS p...]
 # [SUGGESTS p...] [CONTROL file...]): DEPENDS lists dependencies that dpkg-shlibdeps does not find

@@ -76,27 +76,13 @@ add_documents() {
     [ ! -d "$tree/usr/bin" ] || chmod 755 "$tree"/usr/bin/*
 }
 
-# add_scripts PACKAGE: adds the scripts that compile Python modules when the package is installed, and remove what
-# was compiled before the package is removed.
+# add_scripts PACKAGE: adds the scripts that run when the package is installed or removed.
 add_scripts() {
-    local package=$1 control=$stage/debian/$1/DEBIAN
-    [ -d "$stage/debian/$package/usr/lib/python3" ] || return 0
-    mkdir -p "$control"
-    cat >"$control/postinst" <<END
-#!/bin/sh
-set -e
-if [ "\$1" = configure ] && command -v py3compile >/dev/null; then
-    py3compile -p $package
-fi
-END
-    cat >"$control/prerm" <<END
-#!/bin/sh
-set -e
-if command -v py3clean >/dev/null; then
-    py3clean -p $package
-fi
-END
-    chmod 755 "$control/postinst" "$control/prerm"
+    local script
+    for script in postinst prerm; do
+        [ -e "$here/$1.$script" ] || continue
+        install -D -m 755 "$here/$1.$script" "$stage/debian/$1/DEBIAN/$script"
+    done
 }
 
 # describe_library PACKAGE: writes the dependency of packages that link its library.
