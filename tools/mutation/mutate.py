@@ -3,8 +3,8 @@
 
 import argparse
 import collections
+import hashlib
 import json
-import random
 import sys
 import time
 from pathlib import Path
@@ -54,6 +54,11 @@ def all_mutants(arguments):
     return found
 
 
+def rank(mutant, seed):
+    """A random number for a mutant. It depends on no other, so that an edit changes few mutants of a sample."""
+    return hashlib.sha256(f"{seed} {mutant.key()}".encode()).digest()
+
+
 def chosen(arguments, mutants):
     mutants = [m for m in mutants if any(part in m.file for part in arguments.files)]
     if arguments.again:
@@ -62,7 +67,7 @@ def chosen(arguments, mutants):
         survivors = {tuple(each["key"]) for each in earlier if each["verdict"] == "survived"}
         mutants = [m for m in mutants if m.key() in survivors]
     if arguments.sample is not None and arguments.sample < len(mutants):
-        mutants = random.Random(arguments.seed).sample(mutants, arguments.sample)
+        mutants = sorted(mutants, key=lambda m: rank(m, arguments.seed))[:arguments.sample]
     # Mutants of a file are tried in sequence, because earlier ones show which programs kill.
     return sorted(mutants, key=lambda m: (m.file, m.start, m.end, m.replacement))
 

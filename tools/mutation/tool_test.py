@@ -10,6 +10,7 @@ import unittest
 from pathlib import Path
 
 import equivalents
+import mutate
 import sample_library
 from operators import mutants_of
 
@@ -303,6 +304,13 @@ class Tool(unittest.TestCase):
         ]
         self.assertEqual(runs[0], runs[1])
         self.assertEqual(len(runs[0].splitlines()), 3)
+
+    def test_an_edit_elsewhere_does_not_change_a_sample(self):
+        mutants = mutate.all_mutants(argparse.Namespace(root=self.root, sources="src/sample"))
+        options = argparse.Namespace(files=[""], again=None, seed=1, sample=5)
+        sample = mutate.chosen(options, mutants)
+        without = mutate.chosen(options, [m for m in mutants if m in sample or m.line % 2 == 0])
+        self.assertEqual(without, sample)
 
     def test_survivors_of_a_report_are_tried_again(self):
         report = Path(self.folder.name) / "report"
