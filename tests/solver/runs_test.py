@@ -183,8 +183,10 @@ class Runs(ZeroHalfTest):
 
     def test_unfinished_round_leaves_no_cuts(self):
         file = self.write("long.mps", random_cover(400, 2000))
-        for limit in ("0.05", "0.1", "0.2", "0.4"):
-            _, (model,) = self.report(file, "--time-limit", limit)
+        # A limit that ends the reading is an error, so the limits are multiples of the time until the first round.
+        _, (unrounded,) = self.report(file, "--rounds", "0")
+        for multiple in (2, 4, 8, 16, 32):
+            _, (model,) = self.report(file, "--time-limit", f"{multiple * unrounded['seconds']:.3f}")
             self.assertEqual(model["cuts_kept"],
                              sum(figures["cuts_kept"] for figures in model["rounds"]))
 
