@@ -13,10 +13,9 @@ constexpr double no_tolerance = 0.0;
 /// Divides by the greatest common divisor of the coefficients, and rounds the right-hand side down
 /// once more.
 void divide_by_common_divisor(cut& made) {
-    constexpr double less_than_one = 0.5;
     double divisor = 0.0;
     for (const double each : made.coefficients) {
-        divisor = zktarn::util::xgcd_r8(divisor, each, less_than_one);
+        divisor = common_divisor(divisor, each);
         if (divisor == 1.0) {
             return;
         }

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "cuts/cut.hpp"
 #include "cuts/mixed_integer_rows.hpp"
-#include "cuts/row_pool.hpp"
 
 namespace zero_half {
 

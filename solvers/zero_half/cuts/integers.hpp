@@ -43,6 +43,12 @@ inline double nearest_integer(double value) {
     return zktarn::util::epsilon_floor(value, one_half);
 }
 
+/// The greatest common divisor of two integers.
+inline double common_divisor(double a, double b) {
+    constexpr double less_than_one = 0.5;
+    return zktarn::util::xgcd_r8(a, b, less_than_one);
+}
+
 /// The quotient of two integers, rounded down; up for the coefficient of a column that is
 /// substituted by its upper bound.
 inline double rounded_quotient(double a, std::int64_t divisor, bool is_up) {

@@ -110,14 +110,13 @@ double most_over_bounds(const mixed_integer_rows& model, std::int32_t column, do
 }
 
 /// The greatest common divisor; nothing if a value is too large.
-std::optional<double> common_divisor(const std::vector<double>& values) {
-    constexpr double less_than_one = 0.5;
+std::optional<double> common_divisor_of(const std::vector<double>& values) {
     double divisor = 0.0;
     for (const double each : values) {
         if (std::fabs(each) > largest_coefficient) {
             return std::nullopt;
         }
-        divisor = zktarn::util::xgcd_r8(divisor, each, less_than_one);
+        divisor = common_divisor(divisor, each);
     }
     return divisor;
 }
@@ -161,7 +160,7 @@ void add_to_pool(const mixed_integer_rows& model, const scaled_sum& scaled, row_
     constexpr double largest_error = 0.01;
     unrounded_row row = move_to_integers(model, scaled);
     const double error = std::max(integrality_tolerance, row.error);
-    const std::optional<double> divisor = common_divisor(row.values);
+    const std::optional<double> divisor = common_divisor_of(row.values);
     if (row.columns.empty() || !divisor || !(std::fabs(row.rhs) <= largest_exact) ||
         error > largest_error) {
         return;
@@ -176,9 +175,8 @@ void add_to_pool(const mixed_integer_rows& model, const scaled_sum& scaled, row_
 /// Multiplies the sum so that all numbers stay integers, and adds the multiple of the bound that
 /// eliminates the column.
 void substitute(std::int32_t column, const variable_bound& bound, scaled_sum& sum) {
-    constexpr double less_than_one = 0.5;
     const double coefficient = sum.coefficients[column];
-    const double divisor = zktarn::util::xgcd_r8(coefficient, bound.own, less_than_one);
+    const double divisor = common_divisor(coefficient, bound.own);
     const double sum_factor = std::fabs(bound.own) / divisor;
     const double bound_factor = std::fabs(coefficient) / divisor;
     for (auto& entry : sum.coefficients) {

@@ -31,7 +31,6 @@ std::optional<std::vector<double>> integer_costs(const model& program) {
 } // namespace
 
 objective_values::objective_values(const model& program) : constant_(program.constant) {
-    constexpr double less_than_one = 0.5;
     const std::optional<std::vector<double>> costs = integer_costs(program);
     const std::optional<double> scale = costs ? integral_scale(*costs) : std::nullopt;
     if (!scale) {
@@ -45,7 +44,7 @@ objective_values::objective_values(const model& program) : constant_(program.con
         if (whole / *scale != cost || std::fabs(whole) > largest_exact) {
             return;
         }
-        divisor = zktarn::util::xgcd_r8(divisor, whole, less_than_one);
+        divisor = common_divisor(divisor, whole);
     }
     divisor_ = divisor;
     scale_ = *scale;
